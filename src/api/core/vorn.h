@@ -1,0 +1,74 @@
+#ifndef VORN_H
+#define VORN_H
+
+#include <QMetaMethod>
+#include <QMetaType>
+#include <QObject>
+#include <QThread>
+
+/// @file
+/// The checked connection. Header-only: it needs nothing from the core library's binary.
+
+namespace Vorn {
+
+/// Tells whether @p signal can travel over a connection of @p type from @p sender to @p receiver.
+///
+/// A direct delivery passes references and is always possible. A queued one
+/// (`Qt::QueuedConnection`, or `Qt::AutoConnection` when sender and receiver live in different
+/// threads) copies the arguments, so each parameter type must be a pointer or known to Qt's
+/// meta-type system, by `qRegisterMetaType` or `Q_DECLARE_METATYPE`.
+/// `Qt::UniqueConnection` in @p type is ignored. A null sender or receiver is left to
+/// `QObject::connect` to refuse.
+///
+/// @return false when at least one parameter could not be copied into a queued call.
+template <typename Signal>
+bool verifyConnectionSignalParameters(const QObject *sender, Signal signal, const QObject *receiver,
+                                      Qt::ConnectionType type)
+{
+    const int kind = static_cast<int>(type) & ~static_cast<int>(Qt::UniqueConnection);
+    const bool acrossThreads = sender && receiver && sender->thread() != receiver->thread();
+    if (kind != Qt::QueuedConnection && !(kind == Qt::AutoConnection && acrossThreads))
+        return true;
+
+    const QMetaMethod method = QMetaMethod::fromSignal(signal);
+    const QList<QByteArray> names = method.parameterTypes();
+    int index = 0;
+    for (const QByteArray &name : names) {
+        if (!name.endsWith('*') && method.parameterType(index) == QMetaType::UnknownType)
+            return false;
+        ++index;
+    }
+    return true;
+}
+
+/// Connects @p signal of @p sender to @p slot of @p receiver, or ends the process.
+///
+/// A connection that is silently missing loses key presses, so both mistakes are fatal in every
+/// build type, whatever the flags of the code that includes this header:
+/// - a parameter that could not be delivered queued fails the assertion
+///   "verifyConnectionSignalParameters(sender, signal, receiver, type)";
+/// - a connection that Qt refuses (null object, not a signal, a second
+///   `Qt::UniqueConnection`) fails the assertion "connection".
+///
+/// @param slot a member function pointer of @p receiver, or a callable with @p receiver as context
+/// @return the valid connection
+/// @code
+/// Vorn::connect(Input::instance(), &Input::inputEvent, this, &Player::on_inputEvent);
+/// @endcode
+template <typename Sender, typename Signal, typename Receiver, typename Slot>
+QMetaObject::Connection connect(const Sender *sender, Signal signal, const Receiver *receiver,
+                                Slot slot, Qt::ConnectionType type = Qt::AutoConnection)
+{
+    // qt_assert itself, because Q_ASSERT is compiled out of release builds.
+    if (!verifyConnectionSignalParameters(sender, signal, receiver, type))
+        qt_assert("verifyConnectionSignalParameters(sender, signal, receiver, type)", __FILE__,
+                  __LINE__);
+    QMetaObject::Connection connection = QObject::connect(sender, signal, receiver, slot, type);
+    if (!connection)
+        qt_assert("connection", __FILE__, __LINE__);
+    return connection;
+}
+
+} // namespace Vorn
+
+#endif

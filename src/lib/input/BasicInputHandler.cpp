@@ -1,0 +1,500 @@
+#include "BasicInputHandler.h"
+
+#include "KeyProcessing.h"
+#include "dbglog.h"
+#include "vorn.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileSystemWatcher>
+#include <QTimer>
+
+#include <log4cplus/logger.h>
+#include <log4cplus/loggingmacros.h>
+
+#include <sys/ioctl.h>
+
+#include <sstream>
+
+// The trace at the beginning of a function: its name as the core library prints it, and what it
+// was called with.
+#define ENTRY_TRACE(arguments) \
+    LOG4CPLUS_TRACE(logger, \
+                    "Enter " << dbglog_scopedFunction(__PRETTY_FUNCTION__, "BasicInputHandler") \
+                             << ": " << arguments)
+
+namespace {
+
+log4cplus::Logger logger = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("BasicInputHandler"));
+
+constexpr int nodeCount = 10;
+constexpr int nameSize = 256;
+
+QString inputDirectory()
+{
+    return QStringLiteral("/dev/input/");
+}
+
+QString deviceDirectory()
+{
+    return QStringLiteral("/dev/");
+}
+
+InputEvent::Bus busOf(const LinuxInputListener *listener)
+{
+    return listener ? listener->bus() : InputEvent::Bus::NoBus;
+}
+
+/// Logs and publishes a command. The logged event is without a bus: the line names the device.
+/// @p function is the signature of the caller, which the log line is attributed to.
+void report(const char *function, const InputHandler &handler, const QString &device,
+            const QString &id, InputEvent::Command command, InputEvent::State state)
+{
+    if (logger.isEnabledFor(log4cplus::TRACE_LOG_LEVEL)) {
+        std::ostringstream text;
+        text << "Device: " << device << "; id: " << id << "; command "
+             << InputEvent(command, state, InputEvent::Bus::NoBus).toString();
+        logger.forcedLog(log4cplus::TRACE_LOG_LEVEL, text.str(), __FILE__, __LINE__, function);
+    }
+    Input::reportInputEvent(InputEvent(command, state, busOf(handler.listener())));
+}
+
+/// Deletes the handlers of @p records, each once: several identifiers may share one.
+template <typename Records>
+void deleteHandlers(const Records &records)
+{
+    QSet<InputHandler *> deleted;
+    for (const auto &record : records) {
+        if (deleted.contains(record.handler))
+            continue;
+        deleted.insert(record.handler);
+        delete record.handler;
+    }
+}
+
+/// Makes the handler registered last under @p id the receiver of its device's listener, and leaves
+/// the listeners of devices without such a handler with no receiver.
+template <typename Records>
+void route(const QMap<QString, LinuxInputListener *> &listeners, const Records &handlers,
+           const QString &id)
+{
+    for (auto it = listeners.cbegin(); it != listeners.cend(); ++it) {
+        InputHandler *receiver = nullptr;
+        const auto records = handlers.values(it.key());
+        for (const auto &record : records) {
+            if (record.id == id) {
+                receiver = record.handler;
+                break;
+            }
+        }
+        it.value()->setHandler(receiver);
+    }
+}
+
+} // namespace
+
+BasicKeyInputHandler::BasicKeyInputHandler(const QString &deviceName)
+    : longPressDetect(new LongPressDetect)
+    , doubleKeyDetect(new DoubleKeyDetect)
+    , device(deviceName)
+{
+    Vorn::connect(longPressDetect, &LongPressDetect::keyLongPress, this,
+                  &BasicKeyInputHandler::on_keyLongPress);
+    Vorn::connect(doubleKeyDetect, &DoubleKeyDetect::keyDoubleDetect, this,
+                  &BasicKeyInputHandler::on_doubleKeyDetect);
+}
+
+BasicKeyInputHandler::~BasicKeyInputHandler()
+{
+    delete longPressDetect;
+    delete doubleKeyDetect;
+}
+
+void BasicKeyInputHandler::setId(const QString &newId)
+{
+    id = newId;
+}
+
+void BasicKeyInputHandler::invalidate()
+{
+    longPressDetect->reset();
+    doubleKeyDetect->reset();
+}
+
+void BasicKeyInputHandler::processEvent(const QList<input_event> &events)
+{
+    for (const input_event &event : events) {
+        if (event.type == EV_KEY)
+            doubleKeyDetect->checkDoubleKeyDetect(event);
+    }
+}
+
+void BasicKeyInputHandler::registerKey(int code, InputEvent::Command command, bool immediate)
+{
+    if (keyMap.contains(code)) {
+        LOG4CPLUS_WARN(logger,
+                       "Duplicate key in key input map: " << code << ", overwriting old value");
+        // Drops the long press as well, which was meant for the old command.
+        deregisterKey(code);
+    }
+    keyMap.insert(code, command);
+    if (immediate)
+        immediateKeys.insert(code);
+}
+
+void BasicKeyInputHandler::registerKey(int code, InputEvent::Bus bus, InputEvent::Command command,
+                                       bool immediate)
+{
+    if (bus != busOf(listener()))
+        return;
+    // Not deregisterKey(): products refine a general map for one bus and keep its long presses.
+    keyMap.remove(code);
+    immediateKeys.remove(code);
+    registerKey(code, command, immediate);
+}
+
+void BasicKeyInputHandler::deregisterKey(int code)
+{
+    if (!keyMap.contains(code)) {
+        LOG4CPLUS_WARN(logger, "Trying to remove a non-existing key " << code);
+        return;
+    }
+    keyMap.remove(code);
+    immediateKeys.remove(code);
+    longPressDetect->deregisterEvent(code);
+}
+
+void BasicKeyInputHandler::enableLongPress(int code, bool repeat, QList<int> timeouts)
+{
+    longPressDetect->registerEvent(code, repeat, timeouts);
+}
+
+void BasicKeyInputHandler::enableLongPress(int code, InputEvent::Bus bus, bool repeat,
+                                           QList<int> timeouts)
+{
+    if (bus == busOf(listener()))
+        enableLongPress(code, repeat, timeouts);
+}
+
+void BasicKeyInputHandler::registerDoubleKey(int first, int second, InputEvent::Command command)
+{
+    if (doubleKeyMap.contains({first, second})) {
+        LOG4CPLUS_WARN(logger,
+                       "Duplicate keys in double key input map: "
+                           << "QPair(" << first << "," << second << ")"
+                           << ", overwriting old value");
+        deregisterDoubleKey(first, second);
+    }
+    doubleKeyMap.insert({first, second}, command);
+    doubleKeyMap.insert({second, first}, command);
+}
+
+void BasicKeyInputHandler::registerDoubleKey(int first, int second, InputEvent::Bus bus,
+                                             InputEvent::Command command)
+{
+    if (bus != busOf(listener()))
+        return;
+    // The reverse order is overwritten by what follows.
+    doubleKeyMap.remove({first, second});
+    registerDoubleKey(first, second, command);
+}
+
+void BasicKeyInputHandler::deregisterDoubleKey(int first, int second)
+{
+    if (!doubleKeyMap.contains({first, second})) {
+        LOG4CPLUS_WARN(logger,
+                       "Trying to remove a non-existing double key " << first << " + " << second);
+        return;
+    }
+    doubleKeyMap.remove({first, second});
+    doubleKeyMap.remove({second, first});
+}
+
+InputEvent::Command BasicKeyInputHandler::getDoubleKeyEvent(const QPair<int, int> &keys)
+{
+    return doubleKeyMap.value(keys, InputEvent::None);
+}
+
+void BasicKeyInputHandler::on_keyLongPress(int code, int repeat)
+{
+    Q_UNUSED(repeat)
+    if (!keyMap.contains(code))
+        return;
+    const InputEvent::Command command = keyMap.value(code);
+    // The release that comes ends a long press; it is no click any more.
+    if (heldKeys.contains(code))
+        heldKeys.insert(code, true);
+    report(__PRETTY_FUNCTION__, *this, device, id, command, InputEvent::KeyLongPress);
+}
+
+/*
+ *  deferred key, click          deferred key, long press       A, then B, chord C
+ *
+ *  press      release           press     timeout   release    A press  B press    both released
+ *  held       KeyPressed        held      KeyLong-  KeyReleased held    withdrawn  C KeyReleased
+ *             KeyReleased                 Press                         C KeyPressed
+ */
+void BasicKeyInputHandler::on_doubleKeyDetect(const QList<input_event> &keys, bool fake)
+{
+    for (const input_event &key : keys) {
+        LOG4CPLUS_DEBUG(logger, "key:" << key.code << " value " << key.value);
+    }
+    if (keys.isEmpty())
+        return;
+
+    input_event record = keys.first();
+    InputEvent::Command command = InputEvent::None;
+    bool immediate = false;
+    if (keys.size() == 2)
+        command = getDoubleKeyEvent({keys.first().code, keys.last().code});
+    if (command != InputEvent::None) {
+        immediate = true;
+    } else {
+        // Of an unknown pair only the second key counts, and is reported at once even when
+        // deferred: the first one was withdrawn when the second went down.
+        if (keys.size() == 2) {
+            record = keys.last();
+            immediate = true;
+        } else {
+            immediate = immediateKeys.contains(record.code);
+        }
+        if (!keyMap.contains(record.code)) {
+            longPressDetect->process(record);
+            return;
+        }
+        command = keyMap.value(record.code);
+    }
+
+    longPressDetect->process(record);
+    if (command == InputEvent::None || record.type != EV_KEY)
+        return;
+
+    // Whatever a report's receivers change must not change what this record means, so the maps are
+    // not looked at after the first report.
+    const auto reportState = [&, function = __PRETTY_FUNCTION__](InputEvent::State state) {
+        report(function, *this, device, id, command, state);
+    };
+    if (immediate) {
+        reportState(record.value != 0 ? InputEvent::KeyPressed : InputEvent::KeyReleased);
+    } else if (record.value != 0) {
+        heldKeys.insert(record.code, false);
+    } else if (heldKeys.take(record.code)) {
+        reportState(InputEvent::KeyReleased);
+    } else if (!fake) {
+        reportState(InputEvent::KeyPressed);
+        reportState(InputEvent::KeyReleased);
+    }
+}
+
+BasicSwInputHandler::BasicSwInputHandler(const QString &deviceName)
+    : device(deviceName)
+{ }
+
+BasicSwInputHandler::~BasicSwInputHandler() = default;
+
+void BasicSwInputHandler::setId(const QString &newId)
+{
+    id = newId;
+}
+
+void BasicSwInputHandler::invalidate()
+{ }
+
+void BasicSwInputHandler::getInputStatus()
+{
+    if (listener())
+        listener()->getInputStatus();
+}
+
+void BasicSwInputHandler::registerSwitch(int code, InputEvent::Command command)
+{
+    if (switchMap.contains(code)) {
+        LOG4CPLUS_WARN(logger,
+                       "Duplicate key in switch input map: " << code << ", overwriting old value");
+    }
+    switchMap.insert(code, command);
+}
+
+void BasicSwInputHandler::deregisterSwitch(int code)
+{
+    if (switchMap.remove(code) == 0)
+        LOG4CPLUS_WARN(logger, "Trying to remove non-existing switch " << code);
+}
+
+void BasicSwInputHandler::processEvent(const QList<input_event> &events)
+{
+    for (const input_event &event : events) {
+        if (event.type != EV_SW)
+            continue;
+        const auto command = switchMap.constFind(event.code);
+        if (command == switchMap.constEnd())
+            continue;
+        report(__PRETTY_FUNCTION__, *this, device, id, *command,
+               event.value != 0 ? InputEvent::SwitchEnabled : InputEvent::SwitchDisabled);
+    }
+}
+
+BasicInputHandler::BasicInputHandler()
+    : currentId(QLatin1String(""))
+{
+    ENTRY_TRACE("");
+    inputWatcher = new QFileSystemWatcher(this);
+    Vorn::connect(inputWatcher, &QFileSystemWatcher::directoryChanged, this,
+                  &BasicInputHandler::on_inputWatcher_changed);
+    QTimer::singleShot(0, this, &BasicInputHandler::on_init);
+}
+
+BasicInputHandler::~BasicInputHandler()
+{
+    // Handlers first: their destructors ask for the deferred deletion of the listeners, and the
+    // direct deletion that follows withdraws it.
+    deleteHandlers(keyHandlers);
+    deleteHandlers(switchHandlers);
+    qDeleteAll(keyListeners);
+    qDeleteAll(switchListeners);
+}
+
+void BasicInputHandler::addKeyHandler(const QString &device, BasicKeyInputHandler *handler,
+                                      const QString &id)
+{
+    if (!handler) {
+        LOG4CPLUS_ERROR(logger, "Handler " << id << " for device " << device << "does not exists");
+        return;
+    }
+    ENTRY_TRACE("Device: " << device << "; id: " << id);
+    setKeyListener(device, handler);
+    handler->setId(id);
+    keyHandlers.insert(device, KeyInputHandler{id, handler});
+    if (id == currentId)
+        selectKeyHandler(id);
+}
+
+// Unlike addKeyHandler() neither tests the handler nor sets its identifier: the identifier of a
+// switch handler stays free for the product's own use.
+void BasicInputHandler::addSwitchHandler(const QString &device, BasicSwInputHandler *handler,
+                                         const QString &id)
+{
+    ENTRY_TRACE("Device: " << device << "; id: " << id);
+    setSwitchListener(device, handler);
+    switchHandlers.insert(device, SwitchInputHandler{id, handler});
+    if (id == currentId)
+        selectSwitchHandler(id);
+}
+
+void BasicInputHandler::setKeyListener(const QString &device, BasicKeyInputHandler *handler)
+{
+    ENTRY_TRACE(device);
+    if (handler->listener())
+        return;
+    if (keyListeners.contains(device)) {
+        handler->setListener(keyListeners.value(device));
+        return;
+    }
+    LOG4CPLUS_ERROR(logger, "Linux input listener for " << device << " does not exists");
+}
+
+void BasicInputHandler::setSwitchListener(const QString &device, BasicSwInputHandler *handler)
+{
+    ENTRY_TRACE(device);
+    if (handler->listener())
+        return;
+    if (switchListeners.contains(device)) {
+        handler->setListener(switchListeners.value(device));
+        return;
+    }
+    LOG4CPLUS_ERROR(logger, "Linux input listener for " << device << " does not exists");
+}
+
+void BasicInputHandler::selectHandler(const QString &id)
+{
+    ENTRY_TRACE(id);
+    if (id == currentId)
+        return;
+    currentId = id;
+    selectKeyHandler(id);
+    selectSwitchHandler(id);
+}
+
+void BasicInputHandler::selectKeyHandler(const QString &id)
+{
+    ENTRY_TRACE(id);
+    route(keyListeners, keyHandlers, id);
+}
+
+void BasicInputHandler::selectSwitchHandler(const QString &id)
+{
+    ENTRY_TRACE(id);
+    route(switchListeners, switchHandlers, id);
+}
+
+void BasicInputHandler::on_init()
+{
+    inputWatcher->addPath(deviceDirectory());
+    on_inputWatcher_changed(inputDirectory());
+}
+
+QMap<QString, QString> BasicInputHandler::getDeviceNameMap() const
+{
+    QMap<QString, QString> names;
+    // Cleared once: a node whose name is shorter than its predecessor's brings its own end.
+    char name[nameSize] = {};
+    for (int number = 0; number < nodeCount; ++number) {
+        const QString path = QStringLiteral("/dev/input/event%1").arg(number);
+        QFile node(path);
+        if (!node.open(QIODevice::ReadOnly))
+            continue;
+        if (::ioctl(node.handle(), EVIOCGNAME(nameSize - 1), name) < 0)
+            continue;
+        names.insert(path, QString::fromUtf8(name));
+        LOG4CPLUS_TRACE(logger, "Dev " << path << ": " << names.value(path));
+    }
+    return names;
+}
+
+void BasicInputHandler::on_inputWatcher_changed(const QString &file)
+{
+    QMap<QString, QString> gone = deviceNames;
+    const bool inputDirectoryExists = QDir(inputDirectory()).exists();
+    if (!inputDirectoryExists) {
+        // Waits for the directory. What is known stays until it is back: it vanishes with its last
+        // node, and a pass without it could not tell an unplugged device from a slow restart.
+        if (file.startsWith(inputDirectory()))
+            inputWatcher->addPath(deviceDirectory());
+        return;
+    }
+    inputWatcher->addPath(inputDirectory());
+    inputWatcher->removePath(deviceDirectory());
+
+    const QMap<QString, QString> present = getDeviceNameMap();
+    QMap<QString, QString> added;
+    for (auto it = present.cbegin(); it != present.cend(); ++it) {
+        if (!deviceNames.contains(it.key())) {
+            LOG4CPLUS_DEBUG(logger, " ---> added '" << it.key() << "'");
+            added.insert(it.key(), it.value());
+        }
+        gone.remove(it.key());
+    }
+    for (auto it = gone.cbegin(); it != gone.cend(); ++it) {
+        removeDevice(it.key());
+        deviceNames.remove(it.key());
+    }
+    for (auto it = added.cbegin(); it != added.cend(); ++it) {
+        const QString &path = it.key();
+        keyListeners.insert(path, new LinuxInputListener(nullptr, path, LinuxInputListener::Key));
+        switchListeners.insert(path,
+                               new LinuxInputListener(nullptr, path, LinuxInputListener::Switch));
+        addDevice(path, it.value());
+        deviceNames.insert(path, it.value());
+    }
+}
+
+void BasicInputHandler::removeDevice(const QString &device)
+{
+    LOG4CPLUS_INFO(logger, "Removing " << device);
+    deleteHandlers(keyHandlers.values(device));
+    keyHandlers.remove(device);
+    deleteHandlers(switchHandlers.values(device));
+    switchHandlers.remove(device);
+    delete keyListeners.take(device);
+    delete switchListeners.take(device);
+}

@@ -1,0 +1,227 @@
+#include "KeyProcessing.h"
+
+#include "dbglog.h"
+#include "vorn.h"
+
+#include <QTimer>
+
+#include <log4cplus/logger.h>
+#include <log4cplus/loggingmacros.h>
+
+#include <algorithm>
+#include <ostream>
+
+namespace {
+
+log4cplus::Logger logger = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("KeyProcessing"));
+
+constexpr int tickInterval = 50;
+
+// In UTC: it is the same instant as in local time, without a trip through the time zone.
+QDateTime dateTime(qint64 msecs)
+{
+    return QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC);
+}
+
+QDateTime timeOf(const input_event &event)
+{
+    // The microseconds are signed, but unsigned where a 32-bit system has 64-bit time.
+    return dateTime(static_cast<qint64>(event.input_event_sec) * 1000
+                    + static_cast<long>(event.input_event_usec) / 1000);
+}
+
+// The records of a list for a log line; composed only when the line is written.
+struct Records
+{
+    const QList<input_event> &list;
+};
+
+std::ostream &operator<<(std::ostream &stream, const Records &records)
+{
+    stream << "(";
+    const char *separator = "";
+    for (const input_event &event : records.list) {
+        stream << separator << event;
+        separator = ", ";
+    }
+    return stream << ")";
+}
+
+} // namespace
+
+std::ostream &operator<<(std::ostream &stream, const input_event &event)
+{
+    // An auto-repeat (2) prints as "release": only 1 is a press to whoever reads these lines.
+    return stream << "input_event: "
+                  << "code:" << event.code << " value:" << (event.value == 1 ? "press" : "release")
+                  << " time:" << timeOf(event).toString(QStringLiteral("hh:mm:ss,zzz"));
+}
+
+/*
+ *  timeouts {T0, T1}, repeat
+ *
+ *  press            T0          T1     T1     T1       release
+ *    ├───────────────┼───────────┼──────┼──────┼─────────┤
+ *    │ count 1       │ 2         │ 3    │ 4    │ 5       │ forgotten
+ *    │ stage 0       │ 1         │ 1    │ 1    │ 1       │ back to 0
+ *    ·   ·   ·   ·   ·   ·   ·   ·   ·   ·   ·   ·   ·   ·   ·   50 ms ticks; the next one stops
+ */
+
+LongPressDetect::LongPressDetect(QObject *parent)
+    : QObject(parent)
+    , timer(new QTimer)
+{
+    Vorn::connect(timer, &QTimer::timeout, this, &LongPressDetect::update);
+}
+
+LongPressDetect::~LongPressDetect()
+{
+    // Not deleted, see the constructor; but a key that was held when its device vanished must not
+    // leave it waking the process up for ever.
+    timer->stop();
+}
+
+void LongPressDetect::registerEvent(int key, bool repeat, const QList<int> &timeouts)
+{
+    events.insert(key, Event{timeouts, repeat});
+    stages.insert(key, 0);
+}
+
+void LongPressDetect::deregisterEvent(int key)
+{
+    events.remove(key);
+    stages.remove(key);
+}
+
+void LongPressDetect::process(input_event &event)
+{
+    const int key = event.code;
+    const auto registration = events.constFind(key);
+
+    if (event.value == 0) {
+        keyData.remove(key);
+        // A single timeout has no further stage to come back from.
+        if (registration != events.constEnd() && registration->timeouts.size() >= 2)
+            stages.insert(key, 0);
+        return;
+    }
+
+    if (registration == events.constEnd())
+        return;
+    keyData.insert(key, KeyData{1, timeOf(event)});
+    if (!timer->isActive())
+        timer->start(tickInterval);
+}
+
+void LongPressDetect::reset()
+{
+    timer->stop();
+}
+
+void LongPressDetect::update()
+{
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+
+    // An application that answers a long press by a nested event loop, or by registering keys
+    // anew, must find the detector between two steps and not inside one. So the keys are walked in
+    // a copy, each key's state is looked up when its turn comes, and it is brought up to date
+    // before the key is told of.
+    const QHash<int, KeyData> held = keyData;
+    for (auto it = held.constBegin(); it != held.constEnd(); ++it) {
+        const int key = it.key();
+        if (!keyData.contains(key))
+            continue;
+        const KeyData data = keyData.value(key);
+        const int stage = stages.value(key, 0);
+        const Event event = events.value(key);
+        // operator[], not at(): its assertion names this operator.
+        const qint64 timeout = event.timeouts[stage];
+        if (now - data.time.toMSecsSinceEpoch() < timeout)
+            continue;
+
+        if (stage < event.timeouts.size() - 1)
+            stages.insert(key, stage + 1);
+        // From this tick, not from when the timeout fell due: a repetition never comes early.
+        keyData.insert(key, KeyData{data.count + 1, dateTime(now)});
+        if (data.count == 1 || event.repeat)
+            Q_EMIT keyLongPress(key, data.count);
+    }
+
+    if (keyData.isEmpty())
+        timer->stop();
+}
+
+/*
+ *  A down ──────┐            B down               A up        B up
+ *  [A press]    │  [A release, fake][A+B press]   nothing     [A+B release]
+ *     Single    │             Chord                               Idle
+ */
+
+DoubleKeyDetect::DoubleKeyDetect(QObject *parent)
+    : QObject(parent)
+{ }
+
+DoubleKeyDetect::~DoubleKeyDetect() = default;
+
+void DoubleKeyDetect::checkDoubleKeyDetect(const input_event &event)
+{
+    const auto stored =
+        std::find_if(storedEvents.begin(), storedEvents.end(),
+                     [&event](const input_event &other) { return other.code == event.code; });
+    if (stored != storedEvents.end()) {
+        LOG4CPLUS_DEBUG(logger, "Found already event for code:" << event.code);
+        *stored = event;
+    } else if (detected) {
+        LOG4CPLUS_DEBUG(logger, "Double key press detected and new press event received -> drop");
+        return;
+    } else if (event.value != 0) {
+        storedEvents.append(event);
+    } else {
+        LOG4CPLUS_DEBUG(logger, "Received release for non existing press -> drop");
+        return;
+    }
+    LOG4CPLUS_DEBUG(logger, "Stored:" << Records{storedEvents});
+
+    // The receiver may reset the detector from inside each signal, so the state is final and the
+    // list a copy before it is emitted.
+    if (storedEvents.size() == 1) {
+        const QList<input_event> single = storedEvents;
+        if (event.value == 0)
+            storedEvents.clear();
+        Q_EMIT keyDoubleDetect(single, false);
+    } else if (allPressed(storedEvents)) {
+        if (detected)
+            return;
+        detected = true;
+        input_event withdrawn = storedEvents.first();
+        withdrawn.value = 0;
+        Q_EMIT keyDoubleDetect(QList<input_event>{withdrawn}, true);
+        // Read only now: a reset in between means that nobody waits for this chord any more.
+        const QList<input_event> chord = storedEvents;
+        Q_EMIT keyDoubleDetect(chord, false);
+    } else if (allReleased(storedEvents) && detected) {
+        const QList<input_event> chord = storedEvents;
+        detected = false;
+        storedEvents.clear();
+        Q_EMIT keyDoubleDetect(chord, false);
+    }
+}
+
+bool DoubleKeyDetect::allPressed(const QList<input_event> &events) const
+{
+    return std::all_of(events.cbegin(), events.cend(),
+                       [](const input_event &event) { return event.value != 0; });
+}
+
+bool DoubleKeyDetect::allReleased(const QList<input_event> &events) const
+{
+    return std::all_of(events.cbegin(), events.cend(),
+                       [](const input_event &event) { return event.value == 0; });
+}
+
+void DoubleKeyDetect::reset()
+{
+    storedEvents.clear();
+    pendingEvents.clear();
+    detected = false;
+}
