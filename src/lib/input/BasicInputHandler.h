@@ -51,8 +51,7 @@ class QFileSystemWatcher;
 /// | WARN | "Duplicate keys in double key input map: QPair(1,2), overwriting old value" |
 /// | WARN | "Trying to remove a non-existing double key " first " + " second |
 /// | DEBUG | "key:" code " value " value, for each record after the chord detection |
-/// | TRACE | "Device: " device "; id: " id "; command " event, before each report; without the bus
-/// |
+/// | TRACE | "Device: " device "; id: " id "; command " event (no bus), before a report |
 class VORN_INPUT_EXPORT BasicKeyInputHandler : public InputHandler
 {
     Q_OBJECT
