@@ -1,0 +1,17 @@
+#include <QCoreApplication>
+
+#include <log4cplus/initializer.h>
+
+#include <gmock/gmock.h>
+
+int main(int argc, char **argv)
+{
+    // Assertions are read from stderr by the death tests, also where Qt would log to a journal.
+    qputenv("QT_LOGGING_TO_CONSOLE", "1");
+    log4cplus::Initializer initializer;
+    QCoreApplication application(argc, argv);
+    testing::InitGoogleMock(&argc, argv);
+    // The tests use sockets, timers and threads; a death test starts the executable anew.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    return RUN_ALL_TESTS();
+}
