@@ -1,1 +1,57 @@
-# placeholder
+# Installation: libraries, headers, the CMake package "vorn_input" and vorn_input.pc.
+
+include(CMakePackageConfigHelpers)
+
+set(VORN_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/vorn_input")
+set(VORN_TARGETS vorn_input)
+if(NOT VORN_INPUT_API_LIBRARY)
+    list(APPEND VORN_TARGETS vorn_api)
+endif()
+if(TARGET vorn_sim)
+    list(APPEND VORN_TARGETS vorn_sim)
+endif()
+
+install(TARGETS ${VORN_TARGETS} EXPORT vorn_inputTargets
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(EXPORT vorn_inputTargets NAMESPACE vorn:: DESTINATION "${VORN_CMAKE_DIR}")
+
+install(FILES
+    "${PROJECT_SOURCE_DIR}/src/api/core/Profiler.h"
+    "${PROJECT_SOURCE_DIR}/src/api/core/dbglog.h"
+    "${PROJECT_SOURCE_DIR}/src/api/core/vorn.h"
+    "${PROJECT_BINARY_DIR}/src/api/vorn_api_export.h"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/core")
+install(FILES
+    "${PROJECT_SOURCE_DIR}/src/lib/input/BasicInputHandler.h"
+    "${PROJECT_SOURCE_DIR}/src/lib/input/Input.h"
+    "${PROJECT_SOURCE_DIR}/src/lib/input/KeyProcessing.h"
+    "${PROJECT_SOURCE_DIR}/src/lib/input/LinuxInputListener.h"
+    "${PROJECT_BINARY_DIR}/src/lib/vorn_input_export.h"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/input")
+if(TARGET vorn_sim)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/src/sim/"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/sim"
+        FILES_MATCHING PATTERN "*.h")
+endif()
+
+configure_package_config_file(
+    "${PROJECT_SOURCE_DIR}/cmake/vorn_inputConfig.cmake.in"
+    "${PROJECT_BINARY_DIR}/vorn_inputConfig.cmake"
+    INSTALL_DESTINATION "${VORN_CMAKE_DIR}")
+write_basic_package_version_file(
+    "${PROJECT_BINARY_DIR}/vorn_inputConfigVersion.cmake"
+    COMPATIBILITY SameMajorVersion)
+install(FILES
+    "${PROJECT_BINARY_DIR}/vorn_inputConfig.cmake"
+    "${PROJECT_BINARY_DIR}/vorn_inputConfigVersion.cmake"
+    DESTINATION "${VORN_CMAKE_DIR}")
+
+# Relative, so that the file serves wherever the tree is installed or staged.
+file(RELATIVE_PATH VORN_PC_PREFIX
+    "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
+configure_file(
+    "${PROJECT_SOURCE_DIR}/cmake/vorn_input.pc.in"
+    "${PROJECT_BINARY_DIR}/vorn_input.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/vorn_input.pc"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

@@ -117,9 +117,10 @@ LinuxInputListener::LinuxInputListener(InputHandler *handler, const QString &dev
         LOG4CPLUS_DEBUG(logger, "bustype: " << identity.bustype);
         m_bus = busOf(identity.bustype);
     }
-    // One byte more than is asked for: a name that fills the request comes without its end.
-    char name[nameSize + 1] = {};
+    char name[nameSize] = {};
     if (::ioctl(m_fd, EVIOCGNAME(nameSize), name) >= 0) {
+        // A name that fills the buffer comes without its end.
+        name[nameSize - 1] = '\0';
         LOG4CPLUS_DEBUG(logger, "name: " << name);
         if (std::strcmp(name, "hostlink") == 0)
             m_bus = InputEvent::Bus::Hostlink;

@@ -1,0 +1,54 @@
+#ifndef VORN_SIM_SYSTEMCALL_H
+#define VORN_SIM_SYSTEMCALL_H
+
+#include <QByteArray>
+#include <QtGlobal>
+
+#include <cstddef>
+
+namespace Vorn::Sim {
+
+/// One system call that was made on a node below /dev/input, as its caller saw it.
+///
+/// An `open` is recorded for every path below /dev/input, whether or not a device is plugged there;
+/// the other calls for the descriptors of simulated devices.
+struct SystemCall
+{
+    enum class Kind {
+        Open,
+        Read,
+        Ioctl,
+        Close,
+    };
+
+    Kind kind = Kind::Open;
+    /// Path that was opened, e.g. "/dev/input/event0".
+    QByteArray path;
+    /// Descriptor; -1 for an `open` that failed.
+    int fd = -1;
+    /// `ioctl` only: the request, its size included.
+    unsigned long request = 0;
+    /// `read`: the size of the caller's buffer. `ioctl`: the size that the request carries.
+    std::size_t size = 0;
+    /// What the call returned.
+    long result = 0;
+    /// `errno` of a call that failed, 0 otherwise.
+    int error = 0;
+    /// `open` only: the flags.
+    int openFlags = 0;
+};
+
+/// How often each call was made. Counted whether or not calls are recorded.
+struct CallCounts
+{
+    quint64 opens = 0;
+    quint64 reads = 0;
+    quint64 ioctls = 0;
+    quint64 closes = 0;
+};
+
+} // namespace Vorn::Sim
+
+Q_DECLARE_TYPEINFO(Vorn::Sim::SystemCall, Q_MOVABLE_TYPE);
+
+#endif

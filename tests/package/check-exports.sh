@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Usage: check-exports.sh LIBVORN_INPUT LIBVORN_API
+#
+# Every strong symbol that a library exports belongs to a class or function of its interface, and
+# the functions that the maker's library or a test replaces are called through the symbol table.
+set -euo pipefail
+
+input=$1 api=$2
+fail=0
+strong() { nm -DC --defined-only "$1" | sed -n 's/^[0-9a-f]* [TDBR] //p'; }
+
+unexpected=$(strong "$input" | sed -E 's/^(vtable|typeinfo( name)?|VTT) for //' |
+    grep -vE '^(InputEvent|Input|InputHandler|LinuxInputListener|LongPressDetect|DoubleKeyDetect|BasicKeyInputHandler|BasicSwInputHandler|BasicInputHandler)(::|$)' |
+    grep -vE '^operator<<\(std::ostream&, input_event const&\)$' || true)
+if [ -n "$unexpected" ]; then
+    printf 'exported by %s without being part of its interface:\n%s\n' "$input" "$unexpected"
+    fail=1
+fi
+unexpected=$(strong "$api" |
+    grep -vE '^(Profiler::|dbglog_scopedFunction|operator<<\(std::ostream&, QString const&\)$)' || true)
+if [ -n "$unexpected" ]; then
+    printf 'exported by %s without being part of its interface:\n%s\n' "$api" "$unexpected"
+    fail=1
+fi
+imported=$(nm -DC --undefined-only "$input")
+exported=$(nm -DC --defined-only "$api")
+for symbol in 'Profiler::instance()' 'Profiler::createWatcher(QString const&, QString const&)' \
+    'Profiler::UIResponseWatcher()' 'Profiler::UIDrawEvent()' 'dbglog_scopedFunction' \
+    'operator<<(std::ostream&, QString const&)'; do
+    grep -qF "$symbol" <<<"$imported" ||
+        { echo "$input does not import $symbol"; fail=1; }
+    grep -qF "$symbol" <<<"$exported" ||
+        { echo "$api does not export $symbol"; fail=1; }
+done
+exit "$fail"

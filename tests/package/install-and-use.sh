@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Usage: install-and-use.sh BUILD_DIR CONSUMER_SOURCE CXX [SANITIZERS]
+#
+# Installs the build into a scratch prefix, builds a product against it twice, by find_package and
+# by pkg-config, and runs both.
+set -euo pipefail
+
+build=$1 consumer=$2 cxx=$3 sanitize=${4:-}
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+prefix=$scratch/prefix
+flags=()
+[ -z "$sanitize" ] || flags=("-fsanitize=$sanitize")
+
+cmake --install "$build" --prefix "$prefix" >/dev/null
+for header in input/Input.h input/LinuxInputListener.h input/BasicInputHandler.h \
+    input/KeyProcessing.h core/vorn.h core/Profiler.h core/dbglog.h; do
+    [ -f "$prefix/include/vorn/$header" ] || { echo "not installed: vorn/$header"; exit 1; }
+done
+
+cmake -S "$consumer" -B "$scratch/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_CXX_FLAGS="${flags[*]:-}" >"$scratch/log" 2>&1 ||
+    { cat "$scratch/log"; exit 1; }
+cmake --build "$scratch/cmake" >"$scratch/log" 2>&1 || { cat "$scratch/log"; exit 1; }
+"$scratch/cmake/consumer"
+
+pc=$(dirname "$(find "$prefix" -name vorn_input.pc)")
+read -ra options < <(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs vorn_input)
+"$cxx" -std=c++17 -fPIC "${flags[@]}" "$consumer/main.cpp" "${options[@]}" -o "$scratch/consumer"
+LD_LIBRARY_PATH=$(dirname "$pc") "$scratch/consumer"
+[ "$(PKG_CONFIG_PATH=$pc pkg-config --modversion vorn_input)" = \
+    "$(sed -n 's/^set(PACKAGE_VERSION "\(.*\)")/\1/p' "$prefix"/lib*/cmake/vorn_input/*Version.cmake \
+        "$prefix"/lib/*/cmake/vorn_input/*Version.cmake 2>/dev/null | head -n 1)" ] ||
+    { echo "pkg-config and CMake disagree on the version"; exit 1; }
