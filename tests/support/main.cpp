@@ -1,6 +1,8 @@
 #include <QCoreApplication>
 
 #include <log4cplus/initializer.h>
+#include <log4cplus/logger.h>
+#include <log4cplus/nullappender.h>
 
 #include <gmock/gmock.h>
 
@@ -9,6 +11,9 @@ int main(int argc, char **argv)
     // Assertions are read from stderr by the death tests, also where Qt would log to a journal.
     qputenv("QT_LOGGING_TO_CONSOLE", "1");
     log4cplus::Initializer initializer;
+    // Tests that do not look at the log keep stderr for what they find.
+    log4cplus::Logger::getRoot().addAppender(
+        log4cplus::SharedAppenderPtr(new log4cplus::NullAppender));
     QCoreApplication application(argc, argv);
     testing::InitGoogleMock(&argc, argv);
     // The tests use sockets, timers and threads; a death test starts the executable anew.
