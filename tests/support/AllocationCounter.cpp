@@ -59,8 +59,7 @@ AllocationCounter::AllocationCounter()
     : m_allocations(allocationCount)
     , m_deallocations(deallocationCount)
     , m_bytes(byteCount)
-{
-}
+{ }
 
 int AllocationCounter::allocations() const
 {

@@ -14,8 +14,8 @@ TEST(CheckedConnection, DeliversTheSignal)
 {
     Sender sender;
     Receiver receiver;
-    const QMetaObject::Connection connection
-        = Vorn::connect(&sender, &Sender::number, &receiver, &Receiver::onNumber);
+    const QMetaObject::Connection connection =
+        Vorn::connect(&sender, &Sender::number, &receiver, &Receiver::onNumber);
     EXPECT_TRUE(connection);
     Q_EMIT sender.number(7);
     EXPECT_THAT(receiver.numbers, testing::ElementsAre(7));
@@ -42,9 +42,8 @@ TEST(CheckedConnection, AcceptsRegisteredTypesAndPointersWhenQueued)
                   Qt::QueuedConnection);
     Vorn::connect(&sender, &Sender::declared, &receiver, &Receiver::onDeclared,
                   Qt::QueuedConnection);
-    Vorn::connect(&sender, &Sender::pointer, &receiver, &Receiver::onPointer,
-                  Qt::QueuedConnection);
-    Unregistered pointed {4};
+    Vorn::connect(&sender, &Sender::pointer, &receiver, &Receiver::onPointer, Qt::QueuedConnection);
+    Unregistered pointed{4};
     Q_EMIT sender.number(1);
     Q_EMIT sender.registeredByName({2});
     Q_EMIT sender.declared({3});
@@ -144,9 +143,8 @@ TEST(CheckedConnectionDeathTest, AFunctionThatIsNoSignalIsFatal)
 {
     Sender sender;
     Receiver receiver;
-    EXPECT_DEATH(
-        Vorn::connect(&sender, &Sender::noSignal, &receiver, &Receiver::onNumber),
-        "ASSERT: \"connection\"");
+    EXPECT_DEATH(Vorn::connect(&sender, &Sender::noSignal, &receiver, &Receiver::onNumber),
+                 "ASSERT: \"connection\"");
 }
 
 TEST(CheckedConnectionDeathTest, ASecondUniqueConnectionIsFatal)

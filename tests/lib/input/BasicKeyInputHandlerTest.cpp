@@ -44,8 +44,8 @@ protected:
 
     void feed(int code, int value)
     {
-        handler->processEvent({keyRecord(code, value, clock.now()),
-                               record(EV_SYN, SYN_REPORT, 0, clock.now())});
+        handler->processEvent(
+            {keyRecord(code, value, clock.now()), record(EV_SYN, SYN_REPORT, 0, clock.now())});
     }
     void press(int code) { feed(code, 1); }
     void release(int code) { feed(code, 0); }
@@ -242,13 +242,13 @@ TEST_F(KeySlots, LogEachRecord)
     LogRecorder log;
     detect({keyRecord(A, 1), keyRecord(B, 2), keyRecord(C, -1)}, false);
     const auto line = [](const std::string &message) {
-        return LogLine {"BasicInputHandler", log4cplus::DEBUG_LOG_LEVEL, message, sourceFile,
-                        "void BasicKeyInputHandler::on_doubleKeyDetect(const "
-                        "QList<input_event>&, bool)"};
+        return LogLine{"BasicInputHandler", log4cplus::DEBUG_LOG_LEVEL, message, sourceFile,
+                       "void BasicKeyInputHandler::on_doubleKeyDetect(const "
+                       "QList<input_event>&, bool)"};
     };
-    EXPECT_THAT(log.lines(),
-                ElementsAre(line("key:30 value 1"), line("key:31 value 2"),
-                            line("key:32 value -1")));
+    EXPECT_THAT(
+        log.lines(),
+        ElementsAre(line("key:30 value 1"), line("key:31 value 2"), line("key:32 value -1")));
 }
 
 TEST_F(KeyRecords, OfOtherTypesReachNeitherDetector)
@@ -266,8 +266,8 @@ TEST_F(KeyRecords, OfOneBatchAreHandledInOrder)
 {
     handler->registerKey(A, InputEvent::VolumeUp, true);
     handler->registerKey(B, InputEvent::Confirm, false);
-    handler->processEvent({keyRecord(A, 1), record(EV_SYN, 0, 0), keyRecord(A, 0),
-                           keyRecord(B, 1), keyRecord(B, 0)});
+    handler->processEvent(
+        {keyRecord(A, 1), record(EV_SYN, 0, 0), keyRecord(A, 0), keyRecord(B, 1), keyRecord(B, 0)});
     EXPECT_THAT(events.take(),
                 ElementsAre(pressed(InputEvent::VolumeUp), released(InputEvent::VolumeUp),
                             pressed(InputEvent::Confirm), released(InputEvent::Confirm)));
@@ -296,7 +296,7 @@ TEST_F(KeyRegistration, ASecondOneWarnsAndWins)
     LogRecorder log;
     handler->registerKey(A, InputEvent::Confirm, false);
     EXPECT_THAT(log.lines(),
-                ElementsAre(LogLine {
+                ElementsAre(LogLine{
                     "BasicInputHandler", log4cplus::WARN_LOG_LEVEL,
                     "Duplicate key in key input map: 30, overwriting old value", sourceFile,
                     "void BasicKeyInputHandler::registerKey(int, InputEvent::Command, bool)"}));
@@ -363,9 +363,9 @@ TEST_F(KeyRegistration, OfAnUnknownCodeCannotBeRemoved)
     LogRecorder log;
     handler->deregisterKey(A);
     EXPECT_THAT(log.lines(),
-                ElementsAre(LogLine {"BasicInputHandler", log4cplus::WARN_LOG_LEVEL,
-                                     "Trying to remove a non-existing key 30", sourceFile,
-                                     "void BasicKeyInputHandler::deregisterKey(int)"}));
+                ElementsAre(LogLine{"BasicInputHandler", log4cplus::WARN_LOG_LEVEL,
+                                    "Trying to remove a non-existing key 30", sourceFile,
+                                    "void BasicKeyInputHandler::deregisterKey(int)"}));
     press(B);
     EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::Info)));
 }
@@ -621,12 +621,12 @@ TEST_F(ChordRegistration, ASecondOneWarnsAndWinsInBothOrders)
     handler->registerDoubleKey(1, 2, InputEvent::Mute);
     handler->registerDoubleKey(2, 1, InputEvent::Power);
     const auto line = [](const std::string &pair) {
-        return LogLine {"BasicInputHandler", log4cplus::WARN_LOG_LEVEL,
-                        "Duplicate keys in double key input map: " + pair
-                            + ", overwriting old value",
-                        sourceFile,
-                        "void BasicKeyInputHandler::registerDoubleKey(int, int, "
-                        "InputEvent::Command)"};
+        return LogLine{"BasicInputHandler", log4cplus::WARN_LOG_LEVEL,
+                       "Duplicate keys in double key input map: " + pair
+                           + ", overwriting old value",
+                       sourceFile,
+                       "void BasicKeyInputHandler::registerDoubleKey(int, int, "
+                       "InputEvent::Command)"};
     };
     EXPECT_THAT(log.lines(), ElementsAre(line("QPair(1,2)"), line("QPair(2,1)")));
     EXPECT_EQ(handler->getDoubleKeyEvent({1, 2}), InputEvent::Power);
@@ -652,9 +652,9 @@ TEST_F(ChordRegistration, OfAnUnknownPairCannotBeRemoved)
     LogRecorder log;
     handler->deregisterDoubleKey(5, 6);
     EXPECT_THAT(log.lines(),
-                ElementsAre(LogLine {"BasicInputHandler", log4cplus::WARN_LOG_LEVEL,
-                                     "Trying to remove a non-existing double key 5 + 6", sourceFile,
-                                     "void BasicKeyInputHandler::deregisterDoubleKey(int, int)"}));
+                ElementsAre(LogLine{"BasicInputHandler", log4cplus::WARN_LOG_LEVEL,
+                                    "Trying to remove a non-existing double key 5 + 6", sourceFile,
+                                    "void BasicKeyInputHandler::deregisterDoubleKey(int, int)"}));
     EXPECT_EQ(handler->getDoubleKeyEvent({1, 2}), InputEvent::FactoryReset);
 }
 
@@ -677,12 +677,12 @@ TEST_F(KeyReport, CarriesTheListenersBusWhileTheLineHasNone)
     press(A);
     release(A);
     const auto line = [](const std::string &state, const std::string &function) {
-        return LogLine {"BasicInputHandler", log4cplus::TRACE_LOG_LEVEL,
-                        "Device: panel; id: browse; command [cmd=Confirm, state=" + state + "]",
-                        sourceFile, function};
+        return LogLine{"BasicInputHandler", log4cplus::TRACE_LOG_LEVEL,
+                       "Device: panel; id: browse; command [cmd=Confirm, state=" + state + "]",
+                       sourceFile, function};
     };
-    const std::string detect
-        = "void BasicKeyInputHandler::on_doubleKeyDetect(const QList<input_event>&, bool)";
+    const std::string detect =
+        "void BasicKeyInputHandler::on_doubleKeyDetect(const QList<input_event>&, bool)";
     const std::string longPress = "void BasicKeyInputHandler::on_keyLongPress(int, int)";
     EXPECT_THAT(log.lines(log4cplus::TRACE_LOG_LEVEL),
                 ElementsAre(line("KeyLongPress", longPress), line("KeyReleased", detect),
@@ -829,7 +829,7 @@ TEST_F(KeyHandlerTest, ReportsNothingWhileItIsDestroyed)
     press(A);
     clock.advance(60ms);
     // Takes its listener along.
-    listener.release();
+    Q_UNUSED(listener.release())
     handler.reset();
     clock.advance(1s);
     EXPECT_THAT(events.take(), IsEmpty());

@@ -23,8 +23,7 @@ class SwitchHandlerTest : public testing::Test
 protected:
     SwitchHandlerTest()
     {
-        subsystem.plug(0,
-                       Vorn::Sim::DeviceDescription::switchBox("jacks", BUS_HOST, {0, 1}, {0}));
+        subsystem.plug(0, Vorn::Sim::DeviceDescription::switchBox("jacks", BUS_HOST, {0, 1}, {0}));
         listener = std::make_unique<LinuxInputListener>(
             nullptr, QStringLiteral("/dev/input/event0"), LinuxInputListener::Switch);
         handler = std::make_unique<BasicSwInputHandler>(QStringLiteral("jacks"));
@@ -98,7 +97,7 @@ TEST_F(SwitchHandlerTest, WarnsOfASecondRegistrationWhichWins)
     LogRecorder log;
     handler->registerSwitch(0, InputEvent::SWMicIn);
     EXPECT_THAT(log.lines(),
-                ElementsAre(LogLine {
+                ElementsAre(LogLine{
                     "BasicInputHandler", log4cplus::WARN_LOG_LEVEL,
                     "Duplicate key in switch input map: 0, overwriting old value", sourceFile,
                     "void BasicSwInputHandler::registerSwitch(int, InputEvent::Command)"}));
@@ -122,9 +121,9 @@ TEST_F(SwitchHandlerTest, WarnsWhenAnUnknownSwitchIsRemoved)
     LogRecorder log;
     handler->deregisterSwitch(7);
     EXPECT_THAT(log.lines(),
-                ElementsAre(LogLine {"BasicInputHandler", log4cplus::WARN_LOG_LEVEL,
-                                     "Trying to remove non-existing switch 7", sourceFile,
-                                     "void BasicSwInputHandler::deregisterSwitch(int)"}));
+                ElementsAre(LogLine{"BasicInputHandler", log4cplus::WARN_LOG_LEVEL,
+                                    "Trying to remove non-existing switch 7", sourceFile,
+                                    "void BasicSwInputHandler::deregisterSwitch(int)"}));
     handler->processEvent({switchRecord(1, 1)});
     EXPECT_THAT(events.take(), ElementsAre(on(InputEvent::SWLineIn)));
 }
@@ -136,11 +135,11 @@ TEST_F(SwitchHandlerTest, LogsEachReportWithoutTheBus)
     LogRecorder log;
     handler->processEvent({switchRecord(0, 1), switchRecord(0, 0)});
     const auto line = [](const std::string &state) {
-        return LogLine {"BasicInputHandler", log4cplus::TRACE_LOG_LEVEL,
-                        "Device: jacks; id: any; command [cmd=SWLineIn, state=" + state + "]",
-                        sourceFile,
-                        "virtual void BasicSwInputHandler::processEvent(const "
-                        "QList<input_event>&)"};
+        return LogLine{"BasicInputHandler", log4cplus::TRACE_LOG_LEVEL,
+                       "Device: jacks; id: any; command [cmd=SWLineIn, state=" + state + "]",
+                       sourceFile,
+                       "virtual void BasicSwInputHandler::processEvent(const "
+                       "QList<input_event>&)"};
     };
     EXPECT_THAT(log.lines(log4cplus::TRACE_LOG_LEVEL),
                 ElementsAre(line("SwitchEnabled"), line("SwitchDisabled")));

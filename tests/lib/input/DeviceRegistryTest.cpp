@@ -39,14 +39,14 @@ const std::string addKeySignature = "void BasicInputHandler::addKeyHandler(const
                                     "BasicKeyInputHandler*, const QString&)";
 const std::string addSwitchSignature = "void BasicInputHandler::addSwitchHandler(const QString&, "
                                        "BasicSwInputHandler*, const QString&)";
-const std::string setKeySignature
-    = "void BasicInputHandler::setKeyListener(const QString&, BasicKeyInputHandler*)";
-const std::string setSwitchSignature
-    = "void BasicInputHandler::setSwitchListener(const QString&, BasicSwInputHandler*)";
+const std::string setKeySignature =
+    "void BasicInputHandler::setKeyListener(const QString&, BasicKeyInputHandler*)";
+const std::string setSwitchSignature =
+    "void BasicInputHandler::setSwitchListener(const QString&, BasicSwInputHandler*)";
 const std::string selectSignature = "void BasicInputHandler::selectHandler(const QString&)";
 const std::string selectKeySignature = "void BasicInputHandler::selectKeyHandler(const QString&)";
-const std::string selectSwitchSignature
-    = "void BasicInputHandler::selectSwitchHandler(const QString&)";
+const std::string selectSwitchSignature =
+    "void BasicInputHandler::selectSwitchHandler(const QString&)";
 
 /// A key handler that tells when it is invalidated.
 class TalkingKeyHandler : public BasicKeyInputHandler
@@ -84,9 +84,9 @@ protected:
     DeviceRegistryTest()
     {
         for (int number : {0, 1}) {
-            subsystem.plug(number,
-                           DeviceDescription::keyboard("device", BUS_HOST, {KEY_A, KEY_B})
-                               .withSwitches({0}));
+            subsystem.plug(
+                number,
+                DeviceDescription::keyboard("device", BUS_HOST, {KEY_A, KEY_B}).withSwitches({0}));
         }
         devices = std::make_unique<Devices>();
         clock.settle();
@@ -112,7 +112,8 @@ protected:
     {
         std::vector<std::string> result;
         events.onEvent([&](const InputEvent &event) {
-            if (event.state() == InputEvent::KeyPressed || event.state() == InputEvent::SwitchEnabled)
+            if (event.state() == InputEvent::KeyPressed
+                || event.state() == InputEvent::SwitchEnabled)
                 result.push_back(event.cmdToString().toStdString());
         });
         Vorn::Sim::InputNode &node = subsystem.node(number);
@@ -323,10 +324,9 @@ TEST_F(DeviceRegistryTest, RefusesANullKeyHandlerWithOneLine)
     LogRecorder log;
     devices->addKeyHandler(panelPath, nullptr, QStringLiteral("text"));
     EXPECT_THAT(log.lines(),
-                ElementsAre(LogLine {
-                    "BasicInputHandler", log4cplus::ERROR_LOG_LEVEL,
-                    "Handler text for device /dev/input/event0does not exists", sourceFile,
-                    addKeySignature}));
+                ElementsAre(LogLine{"BasicInputHandler", log4cplus::ERROR_LOG_LEVEL,
+                                    "Handler text for device /dev/input/event0does not exists",
+                                    sourceFile, addKeySignature}));
     devices->selectHandler(QStringLiteral("text"));
     EXPECT_THAT(commands(0), IsEmpty());
 }
@@ -341,10 +341,10 @@ TEST_F(DeviceRegistryTest, KeepsAHandlerOfAnAbsentDeviceWithoutAListener)
     devices->addSwitchHandler(absentPath, jacks, QString());
     const std::string message = "Linux input listener for /dev/input/event7 does not exists";
     EXPECT_THAT(log.lines(),
-                ElementsAre(LogLine {"BasicInputHandler", log4cplus::ERROR_LOG_LEVEL, message,
-                                     sourceFile, setKeySignature},
-                            LogLine {"BasicInputHandler", log4cplus::ERROR_LOG_LEVEL, message,
-                                     sourceFile, setSwitchSignature}));
+                ElementsAre(LogLine{"BasicInputHandler", log4cplus::ERROR_LOG_LEVEL, message,
+                                    sourceFile, setKeySignature},
+                            LogLine{"BasicInputHandler", log4cplus::ERROR_LOG_LEVEL, message,
+                                    sourceFile, setSwitchSignature}));
     EXPECT_EQ(handler->listener(), nullptr);
     EXPECT_EQ(jacks->listener(), nullptr);
     EXPECT_THAT(handler->ids, ElementsAre(QString()));

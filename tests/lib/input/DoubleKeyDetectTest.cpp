@@ -204,9 +204,9 @@ TEST_F(DoubleKeyDetectTest, AllPressedAndAllReleasedLookOnlyAtTheGivenList)
 TEST_F(DoubleKeyDetectTest, LogsWhatItStores)
 {
     const auto debugLine = [](const std::string &message) {
-        return LogLine {"KeyProcessing", log4cplus::DEBUG_LOG_LEVEL, message,
-                        "src/lib/input/KeyProcessing.cpp",
-                        "void DoubleKeyDetect::checkDoubleKeyDetect(const input_event&)"};
+        return LogLine{"KeyProcessing", log4cplus::DEBUG_LOG_LEVEL, message,
+                       "src/lib/input/KeyProcessing.cpp",
+                       "void DoubleKeyDetect::checkDoubleKeyDetect(const input_event&)"};
     };
     LogRecorder log;
     const qint64 time = ((10 * 60 + 2) * 60 + 3) * 1000 + 456;
@@ -224,12 +224,10 @@ TEST_F(DoubleKeyDetectTest, LogsWhatItStores)
             debugLine("Stored:(input_event: code:115 value:press time:10:02:03,456, "
                       "input_event: code:114 value:press time:10:02:03,601)"),
             debugLine("Found already event for code:115"),
-            debugLine("Stored:(" + up
-                      + ", input_event: code:114 value:press time:10:02:03,601)"),
+            debugLine("Stored:(" + up + ", input_event: code:114 value:press time:10:02:03,601)"),
             debugLine("Double key press detected and new press event received -> drop"),
             debugLine("Found already event for code:114"),
-            debugLine("Stored:(" + up
-                      + ", input_event: code:114 value:release time:10:02:03,756)"),
+            debugLine("Stored:(" + up + ", input_event: code:114 value:release time:10:02:03,756)"),
             debugLine("Received release for non existing press -> drop")));
 }
 

@@ -156,9 +156,9 @@ TEST_F(HotPlugTest, AScanAsksEachNodeForItsNameAndClosesIt)
     plug(1, "name");
     const Devices other;
     LogRecorder log;
-    EXPECT_EQ(other.getDeviceNameMap(),
-              (QMap<QString, QString> {{QStringLiteral("/dev/input/event1"),
-                                        QStringLiteral("name")}}));
+    EXPECT_EQ(
+        other.getDeviceNameMap(),
+        (QMap<QString, QString>{{QStringLiteral("/dev/input/event1"), QStringLiteral("name")}}));
     EXPECT_THAT(log.lines(), ElementsAre(foundLine(1, "name")));
     const auto calls = subsystem.systemCalls("/dev/input/event1");
     ASSERT_EQ(calls.size(), 3);
@@ -394,8 +394,8 @@ TEST(HotPlugOnDevtmpfs, FollowsADirectoryThatComesAndGoesWithItsNodes)
         // The last node takes the directory along, so its device is known until it is back.
         subsystem.unplug(1);
         clock.settle();
-        EXPECT_THAT(devices.take(), testing::AnyOf(IsEmpty(),
-                                                   ElementsAre("remove /dev/input/event1")));
+        EXPECT_THAT(devices.take(),
+                    testing::AnyOf(IsEmpty(), ElementsAre("remove /dev/input/event1")));
     }
 }
 

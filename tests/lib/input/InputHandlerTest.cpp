@@ -35,8 +35,8 @@ protected:
 
     Vorn::Sim::VirtualClock clock;
     Vorn::Sim::InputSubsystem subsystem;
-    Vorn::Sim::InputNode &node
-        = subsystem.plug(0, DeviceDescription::keyboard("panel", BUS_HOST, {KEY_OK}));
+    Vorn::Sim::InputNode &node =
+        subsystem.plug(0, DeviceDescription::keyboard("panel", BUS_HOST, {KEY_OK}));
 };
 
 TEST_F(InputHandlerTest, BeginsWithoutParentAndListener)
@@ -58,11 +58,10 @@ TEST_F(InputHandlerTest, KeepsItsFirstListener)
         handler.setListener(second.get());
         EXPECT_EQ(handler.listener(), first.get());
         EXPECT_THAT(log.lines(),
-                    ElementsAre(LogLine {
-                        "LinuxInputListener", log4cplus::DEBUG_LOG_LEVEL,
-                        "Linux Input Listerner already set, ignore",
-                        "src/lib/input/LinuxInputListener.cpp",
-                        "void InputHandler::setListener(LinuxInputListener*)"}));
+                    ElementsAre(LogLine{"LinuxInputListener", log4cplus::DEBUG_LOG_LEVEL,
+                                        "Linux Input Listerner already set, ignore",
+                                        "src/lib/input/LinuxInputListener.cpp",
+                                        "void InputHandler::setListener(LinuxInputListener*)"}));
     }
 }
 
@@ -93,10 +92,10 @@ TEST_F(InputHandlerTest, WarnsWhenThereIsNoListenerToRedirect)
     LogRecorder log;
     handler.setHandler(&other);
     EXPECT_THAT(log.lines(),
-                ElementsAre(LogLine {"LinuxInputListener", log4cplus::WARN_LOG_LEVEL,
-                                     "Linux Input Listerner does not exists",
-                                     "src/lib/input/LinuxInputListener.cpp",
-                                     "void InputHandler::setHandler(InputHandler*)"}));
+                ElementsAre(LogLine{"LinuxInputListener", log4cplus::WARN_LOG_LEVEL,
+                                    "Linux Input Listerner does not exists",
+                                    "src/lib/input/LinuxInputListener.cpp",
+                                    "void InputHandler::setHandler(InputHandler*)"}));
     EXPECT_EQ(other.invalidations, 0);
     EXPECT_EQ(other.listener(), nullptr);
 }

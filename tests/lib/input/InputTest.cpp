@@ -59,7 +59,7 @@ TEST(InputBus, LogsThenOpensTheWatcherThenEmits)
     LogRecorder log;
     log.onLine([&](const LogLine &line) { sequence.push_back(line.text); });
     setProfilerCallback([&](const QString &watcher, const QString &event) {
-        sequence.push_back("watcher");
+        sequence.emplace_back("watcher");
         EXPECT_EQ(watcher, Profiler::UIResponseWatcher());
         EXPECT_EQ(event, Profiler::UIDrawEvent());
     });
@@ -68,8 +68,9 @@ TEST(InputBus, LogsThenOpensTheWatcherThenEmits)
         [&](const InputEvent &event) { sequence.push_back(event.toString().toStdString()); });
     report(InputEvent::VolumeUp, InputEvent::KeyPressed, Bus::LocalUI);
     setProfilerCallback({});
-    EXPECT_THAT(sequence, ElementsAre("Vorn::InputEvent(16) press", "watcher",
-                                      "[cmd=VolumeUp, state=KeyPressed, bus=LocalUI]"));
+    EXPECT_THAT(sequence,
+                ElementsAre("Vorn::InputEvent(16) press", "watcher",
+                            "[cmd=VolumeUp, state=KeyPressed, bus=LocalUI]"));
 }
 
 TEST(InputBus, DescribesEachStateInItsOwnWords)
@@ -91,10 +92,10 @@ TEST(InputBus, LogsAtDebugFromItsOwnFunction)
 {
     LogRecorder log;
     report(22, 2);
-    EXPECT_THAT(log.lines(),
-                ElementsAre(LogLine {"Input", log4cplus::DEBUG_LOG_LEVEL,
-                                     "Vorn::InputEvent(22) release", "src/lib/input/Input.cpp",
-                                     "void Input::emitInputEvent(InputEvent)"}));
+    EXPECT_THAT(
+        log.lines(),
+        ElementsAre(LogLine{"Input", log4cplus::DEBUG_LOG_LEVEL, "Vorn::InputEvent(22) release",
+                            "src/lib/input/Input.cpp", "void Input::emitInputEvent(InputEvent)"}));
 }
 
 TEST(InputBus, WithoutDebugStillOpensTheWatcherAndEmits)
@@ -142,8 +143,8 @@ TEST(InputBus, ReachesAnotherThreadQueued)
     QThread thread;
     QObject receiver;
     receiver.moveToThread(&thread);
-    std::atomic<int> command {-1};
-    std::atomic<QThread *> where {nullptr};
+    std::atomic<int> command{-1};
+    std::atomic<QThread *> where{nullptr};
     Vorn::connect(Input::instance(), &Input::inputEvent, &receiver, [&](const InputEvent &event) {
         where = QThread::currentThread();
         command = event.command();

@@ -39,14 +39,15 @@ auto constructorLine(int level, const std::string &text)
     const std::string function = "LinuxInputListener::LinuxInputListener(InputHandler*, const "
                                  "QString&, ";
     const auto line = [&](const std::string &type) {
-        return LogLine {"LinuxInputListener", level, text, sourceFile, function + type + ")"};
+        return LogLine{"LinuxInputListener", level, text, sourceFile, function + type + ")"};
     };
     return AnyOf(line("LinuxInputListener::Type"), line("Type"));
 }
 
 LogLine readLine(int level, const std::string &text)
 {
-    return {"LinuxInputListener", level, text, sourceFile, "void LinuxInputListener::readData(int)"};
+    return {"LinuxInputListener", level, text, sourceFile,
+            "void LinuxInputListener::readData(int)"};
 }
 
 LogLine capabilityLine(const std::string &text)
@@ -58,9 +59,8 @@ LogLine capabilityLine(const std::string &text)
 class LinuxInputListenerTest : public testing::Test
 {
 protected:
-    std::unique_ptr<LinuxInputListener> listen(LinuxInputListener::Type type,
-                                               const QString &path = QStringLiteral(
-                                                   "/dev/input/event0"))
+    std::unique_ptr<LinuxInputListener>
+    listen(LinuxInputListener::Type type, const QString &path = QStringLiteral("/dev/input/event0"))
     {
         return std::make_unique<LinuxInputListener>(&receiver, path, type);
     }
@@ -73,8 +73,7 @@ protected:
 
     Vorn::Sim::InputNode &plugSwitches()
     {
-        return subsystem.plug(0,
-                              DeviceDescription::switchBox("jacks", BUS_HOST, {0, 1, 2}, {0}));
+        return subsystem.plug(0, DeviceDescription::switchBox("jacks", BUS_HOST, {0, 1, 2}, {0}));
     }
 
     Bus busOfKeyboard(const QByteArray &name, int bus)
@@ -119,12 +118,11 @@ TEST_F(LinuxInputListenerTest, ArmsItselfAndTellsWhatItLearns)
     plugKeyboard();
     LogRecorder log;
     const auto listener = listen(LinuxInputListener::Key);
-    EXPECT_THAT(
-        log.lines(),
-        ElementsAre(
-            constructorLine(log4cplus::INFO_LOG_LEVEL, "Event device /dev/input/event0 ready"),
-            constructorLine(log4cplus::DEBUG_LOG_LEVEL, "bustype: 25"),
-            constructorLine(log4cplus::DEBUG_LOG_LEVEL, "name: front-panel")));
+    EXPECT_THAT(log.lines(),
+                ElementsAre(constructorLine(log4cplus::INFO_LOG_LEVEL,
+                                            "Event device /dev/input/event0 ready"),
+                            constructorLine(log4cplus::DEBUG_LOG_LEVEL, "bustype: 25"),
+                            constructorLine(log4cplus::DEBUG_LOG_LEVEL, "name: front-panel")));
     EXPECT_EQ(listener->bus(), Bus::LocalUI);
     EXPECT_EQ(listener->parent(), nullptr);
     const auto notifiers = listener->findChildren<QSocketNotifier *>();
@@ -140,8 +138,7 @@ TEST_F(LinuxInputListenerTest, MakesExactlyTheseSystemCallsInThisOrder)
     ASSERT_EQ(calls.size(), 6);
     EXPECT_EQ(calls[0].kind, SystemCall::Kind::Open);
     EXPECT_EQ(calls[0].openFlags & (O_ACCMODE | O_NONBLOCK), O_RDONLY);
-    const unsigned long requests[]
-        = {EVIOCGBIT(0, 31), EVIOCGID, EVIOCGNAME(256), EVIOCSREP};
+    const unsigned long requests[] = {EVIOCGBIT(0, 31), EVIOCGID, EVIOCGNAME(256), EVIOCSREP};
     const std::size_t sizes[] = {31, 8, 256, 8};
     for (int i = 0; i < 4; ++i) {
         EXPECT_EQ(calls[i + 1].kind, SystemCall::Kind::Ioctl);
@@ -159,10 +156,10 @@ TEST_F(LinuxInputListenerTest, ChecksTheCapabilityOfItsType)
     LogRecorder log;
     {
         const auto listener = listen(LinuxInputListener::Switch);
-        EXPECT_THAT(log.lines(),
-                    ElementsAre(constructorLine(
-                        log4cplus::DEBUG_LOG_LEVEL,
-                        "Event device /dev/input/event0 does not support EV_SW")));
+        EXPECT_THAT(
+            log.lines(),
+            ElementsAre(constructorLine(log4cplus::DEBUG_LOG_LEVEL,
+                                        "Event device /dev/input/event0 does not support EV_SW")));
         EXPECT_EQ(listener->bus(), Bus::NoBus);
         EXPECT_EQ(subsystem.openDescriptors(), 0);
         EXPECT_THAT(listener->findChildren<QSocketNotifier *>(), IsEmpty());
@@ -171,10 +168,10 @@ TEST_F(LinuxInputListenerTest, ChecksTheCapabilityOfItsType)
     plugSwitches();
     log.clear();
     const auto listener = listen(LinuxInputListener::Key);
-    EXPECT_THAT(log.lines(),
-                ElementsAre(constructorLine(
-                    log4cplus::WARN_LOG_LEVEL,
-                    "Event device /dev/input/event0 does not support EV_KEY")));
+    EXPECT_THAT(
+        log.lines(),
+        ElementsAre(constructorLine(log4cplus::WARN_LOG_LEVEL,
+                                    "Event device /dev/input/event0 does not support EV_KEY")));
     EXPECT_EQ(subsystem.openDescriptors(), 0);
 }
 
@@ -193,23 +190,23 @@ TEST_F(LinuxInputListenerTest, TakesAFailingCapabilityRequestForAbsence)
     plugKeyboard().failIoctl(EVIOCGBIT(0, 0), EIO);
     LogRecorder log;
     const auto listener = listen(LinuxInputListener::Key);
-    EXPECT_THAT(log.lines(),
-                ElementsAre(capabilityLine("ioctl error: -1"),
-                            constructorLine(
-                                log4cplus::WARN_LOG_LEVEL,
-                                "Event device /dev/input/event0 does not support EV_KEY")));
+    EXPECT_THAT(
+        log.lines(),
+        ElementsAre(capabilityLine("ioctl error: -1"),
+                    constructorLine(log4cplus::WARN_LOG_LEVEL,
+                                    "Event device /dev/input/event0 does not support EV_KEY")));
     EXPECT_EQ(subsystem.openDescriptors(), 0);
 }
 
 TEST_F(LinuxInputListenerTest, MapsTheBusTypes)
 {
-    const std::vector<std::pair<int, Bus>> buses
-        = {{BUS_PCI, Bus::PCI}, {BUS_USB, Bus::USB},      {BUS_BLUETOOTH, Bus::Bluetooth},
-           {BUS_ADB, Bus::ADB}, {BUS_I2C, Bus::I2C},      {BUS_HOST, Bus::LocalUI},
-           {BUS_SPI, Bus::SPI}, {BUS_CEC, Bus::CEC},      {1, Bus::PCI},
-           {3, Bus::USB},       {5, Bus::Bluetooth},      {23, Bus::ADB},
-           {24, Bus::I2C},      {25, Bus::LocalUI},       {28, Bus::SPI},
-           {30, Bus::CEC}};
+    const std::vector<std::pair<int, Bus>> buses = {
+        {BUS_PCI, Bus::PCI}, {BUS_USB, Bus::USB}, {BUS_BLUETOOTH, Bus::Bluetooth},
+        {BUS_ADB, Bus::ADB}, {BUS_I2C, Bus::I2C}, {BUS_HOST, Bus::LocalUI},
+        {BUS_SPI, Bus::SPI}, {BUS_CEC, Bus::CEC}, {1, Bus::PCI},
+        {3, Bus::USB},       {5, Bus::Bluetooth}, {23, Bus::ADB},
+        {24, Bus::I2C},      {25, Bus::LocalUI},  {28, Bus::SPI},
+        {30, Bus::CEC}};
     for (const auto &[linuxBus, bus] : buses)
         EXPECT_EQ(busOfKeyboard("keys", linuxBus), bus) << linuxBus;
 }
@@ -297,7 +294,7 @@ TEST_F(LinuxInputListenerTest, LogsTheEntryAndEachRecord)
 {
     Vorn::Sim::InputNode &node = plugKeyboard();
     const auto listener = listen(LinuxInputListener::Key);
-    const auto notifier = listener->findChild<QSocketNotifier *>();
+    auto *const notifier = listener->findChild<QSocketNotifier *>();
     const std::string fd = std::to_string(notifier->socket());
     node.send({keyRecord(115, 1), record(EV_SYN, 0, 0), keyRecord(114, -1)});
     LogRecorder log;
@@ -344,8 +341,8 @@ TEST_F(LinuxInputListenerTest, IgnoresAPartialRecordAtTheEnd)
                               static_cast<int>(2 * sizeof(input_event) + 8)));
     clock.settle();
     EXPECT_THAT(receiver.take(), ElementsAre("1/30=1@1 1/30=0@2"));
-    node.sendBytes(QByteArray(reinterpret_cast<const char *>(records),
-                              static_cast<int>(sizeof(input_event))));
+    node.sendBytes(
+        QByteArray(reinterpret_cast<const char *>(records), static_cast<int>(sizeof(input_event))));
     clock.settle();
     EXPECT_THAT(receiver.take(), ElementsAre("1/30=1@1"));
 }
@@ -376,10 +373,9 @@ TEST_F(LinuxInputListenerTest, ClosesAfterAReadErrorFromInsideTheNotifiersSignal
         LogRecorder log(log4cplus::INFO_LOG_LEVEL);
         node.failRead(error);
         clock.settle();
-        EXPECT_THAT(
-            log.lines(),
-            ElementsAre(readLine(log4cplus::ERROR_LOG_LEVEL,
-                                 "Error reading from event device /dev/input/event0")));
+        EXPECT_THAT(log.lines(),
+                    ElementsAre(readLine(log4cplus::ERROR_LOG_LEVEL,
+                                         "Error reading from event device /dev/input/event0")));
         EXPECT_EQ(node.openDescriptors(), 0);
         EXPECT_THAT(listener->findChildren<QSocketNotifier *>(), IsEmpty());
         // The receiver is not told, and the bus stays known.
@@ -491,8 +487,8 @@ TEST_F(LinuxInputListenerTest, MayBeClosedOrRedirectedByItsReceiver)
 
 TEST_F(LinuxInputListenerTest, TwoListenersOnOneNodeReadEachForItself)
 {
-    Vorn::Sim::InputNode &node = subsystem.plug(
-        0, DeviceDescription::keyboard("both", BUS_HOST, {KEY_A}).withSwitches({0}));
+    Vorn::Sim::InputNode &node =
+        subsystem.plug(0, DeviceDescription::keyboard("both", BUS_HOST, {KEY_A}).withSwitches({0}));
     const auto keys = listen(LinuxInputListener::Key);
     RecordingHandler other;
     LinuxInputListener switches(&other, node.path(), LinuxInputListener::Switch);
@@ -508,8 +504,8 @@ TEST_F(LinuxInputListenerTest, TwoListenersOnOneNodeReadEachForItself)
 
 TEST_F(LinuxInputListenerTest, SwitchesTheKernelsAutoRepeatOff)
 {
-    Vorn::Sim::InputNode &node = subsystem.plug(
-        0, DeviceDescription::keyboard("keys", BUS_HOST, {KEY_A}).withAutoRepeat());
+    Vorn::Sim::InputNode &node =
+        subsystem.plug(0, DeviceDescription::keyboard("keys", BUS_HOST, {KEY_A}).withAutoRepeat());
     const auto listener = listen(LinuxInputListener::Key);
     node.press(KEY_A);
     clock.advance(2s);
@@ -542,10 +538,10 @@ TEST_F(LinuxInputListenerTest, DeliversThePositionsOfAllSwitches)
 
 TEST_F(LinuxInputListenerTest, DeliversTheHeldKeysOfTheFirstThirtyTwoCodesOnly)
 {
-    subsystem.plug(0,
-                   DeviceDescription::keyboard("keys", BUS_HOST,
-                                               {KEY_1, KEY_A, KEY_S, KEY_D, KEY_VOLUMEUP})
-                       .withKeys({}, {KEY_1, KEY_S, KEY_D, KEY_VOLUMEUP}));
+    subsystem.plug(
+        0,
+        DeviceDescription::keyboard("keys", BUS_HOST, {KEY_1, KEY_A, KEY_S, KEY_D, KEY_VOLUMEUP})
+            .withKeys({}, {KEY_1, KEY_S, KEY_D, KEY_VOLUMEUP}));
     const auto listener = listen(LinuxInputListener::Key);
     subsystem.clearSystemCalls();
     listener->getInputStatus();
@@ -640,10 +636,10 @@ TEST_F(LinuxInputListenerTest, OfAnyOtherTypeIsASwitchListenerThatReportsWhatIsO
     plugKeyboard();
     LogRecorder log;
     listen(static_cast<LinuxInputListener::Type>(2));
-    EXPECT_THAT(log.lines(),
-                ElementsAre(constructorLine(
-                    log4cplus::DEBUG_LOG_LEVEL,
-                    "Event device /dev/input/event0 does not support EV_SW")));
+    EXPECT_THAT(
+        log.lines(),
+        ElementsAre(constructorLine(log4cplus::DEBUG_LOG_LEVEL,
+                                    "Event device /dev/input/event0 does not support EV_SW")));
 }
 
 TEST_F(LinuxInputListenerTest, ClosesAsOftenAsItIsAsked)

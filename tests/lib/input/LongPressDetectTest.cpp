@@ -108,7 +108,7 @@ TEST_F(LongPressDetectTest, NotifiesOnceWithoutRepeat)
     detector->registerEvent(30, false, {1000});
     press(30);
     clock.advance(10s);
-    EXPECT_THAT(take(), ElementsAre(Notification {1000, 30, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{1000, 30, 1}));
     release(30);
     clock.advance(1s);
     EXPECT_THAT(take(), IsEmpty());
@@ -120,8 +120,8 @@ TEST_F(LongPressDetectTest, RepeatsWithTheLastTimeout)
     press(30);
     clock.advance(1500ms);
     EXPECT_THAT(take(),
-                ElementsAre(Notification {800, 30, 1}, Notification {1000, 30, 2},
-                            Notification {1200, 30, 3}, Notification {1400, 30, 4}));
+                ElementsAre(Notification{800, 30, 1}, Notification{1000, 30, 2},
+                            Notification{1200, 30, 3}, Notification{1400, 30, 4}));
     release(30);
     clock.advance(1s);
     EXPECT_THAT(take(), IsEmpty());
@@ -133,9 +133,9 @@ TEST_F(LongPressDetectTest, WalksThroughTheTimeouts)
     press(30);
     clock.advance(1100ms);
     EXPECT_THAT(take(),
-                ElementsAre(Notification {500, 30, 1}, Notification {800, 30, 2},
-                            Notification {900, 30, 3}, Notification {1000, 30, 4},
-                            Notification {1100, 30, 5}));
+                ElementsAre(Notification{500, 30, 1}, Notification{800, 30, 2},
+                            Notification{900, 30, 3}, Notification{1000, 30, 4},
+                            Notification{1100, 30, 5}));
 }
 
 TEST_F(LongPressDetectTest, WithoutRepeatStillWalksThroughTheTimeouts)
@@ -143,11 +143,11 @@ TEST_F(LongPressDetectTest, WithoutRepeatStillWalksThroughTheTimeouts)
     detector->registerEvent(30, false, {500, 300, 100});
     press(30);
     clock.advance(850ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {500, 30, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{500, 30, 1}));
     // Stage 2 was reached: an auto-repeat starts the count again, with the 100 ms.
     feed(30, 2);
     clock.advance(500ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {950, 30, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{950, 30, 1}));
 }
 
 TEST_F(LongPressDetectTest, RoundsEachDelayUpToTheNextTickAndAddsTheLatenessUp)
@@ -155,9 +155,9 @@ TEST_F(LongPressDetectTest, RoundsEachDelayUpToTheNextTickAndAddsTheLatenessUp)
     detector->registerEvent(30, true, {70, 70});
     press(30);
     clock.advance(300ms);
-    EXPECT_THAT(take(),
-                ElementsAre(Notification {100, 30, 1}, Notification {200, 30, 2},
-                            Notification {300, 30, 3}));
+    EXPECT_THAT(
+        take(),
+        ElementsAre(Notification{100, 30, 1}, Notification{200, 30, 2}, Notification{300, 30, 3}));
 }
 
 TEST_F(LongPressDetectTest, NotifiesAtTheTickAtWhichATimeoutIsJustOver)
@@ -165,9 +165,9 @@ TEST_F(LongPressDetectTest, NotifiesAtTheTickAtWhichATimeoutIsJustOver)
     detector->registerEvent(30, true, {50, 50});
     press(30);
     clock.advance(150ms);
-    EXPECT_THAT(take(),
-                ElementsAre(Notification {50, 30, 1}, Notification {100, 30, 2},
-                            Notification {150, 30, 3}));
+    EXPECT_THAT(
+        take(),
+        ElementsAre(Notification{50, 30, 1}, Notification{100, 30, 2}, Notification{150, 30, 3}));
 }
 
 TEST_F(LongPressDetectTest, ATimeoutOfZeroOrLessNotifiesAtEachTick)
@@ -175,7 +175,7 @@ TEST_F(LongPressDetectTest, ATimeoutOfZeroOrLessNotifiesAtEachTick)
     detector->registerEvent(30, true, {0, -100});
     press(30);
     clock.advance(100ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {50, 30, 1}, Notification {100, 30, 2}));
+    EXPECT_THAT(take(), ElementsAre(Notification{50, 30, 1}, Notification{100, 30, 2}));
 }
 
 TEST_F(LongPressDetectTest, AReleaseBeforeTheTimeoutNotifiesNothing)
@@ -197,7 +197,7 @@ TEST_F(LongPressDetectTest, BeginsTheNextHoldWithTheFirstTimeout)
     take();
     press(30);
     clock.advance(1s);
-    EXPECT_THAT(take(), ElementsAre(Notification {2000, 30, 1}, Notification {2200, 30, 2}));
+    EXPECT_THAT(take(), ElementsAre(Notification{2000, 30, 1}, Notification{2200, 30, 2}));
 }
 
 TEST_F(LongPressDetectTest, BeginsTheNextHoldOfASingleTimeoutAnew)
@@ -210,8 +210,8 @@ TEST_F(LongPressDetectTest, BeginsTheNextHoldOfASingleTimeoutAnew)
         clock.advance(500ms);
     }
     EXPECT_THAT(take(),
-                ElementsAre(Notification {300, 30, 1}, Notification {1300, 30, 1},
-                            Notification {2300, 30, 1}));
+                ElementsAre(Notification{300, 30, 1}, Notification{1300, 30, 1},
+                            Notification{2300, 30, 1}));
 }
 
 TEST_F(LongPressDetectTest, AnUnregisteredPressDoesNotStartTheTimer)
@@ -246,7 +246,7 @@ TEST_F(LongPressDetectTest, ASecondKeyDoesNotRestartTheTimer)
     clock.advance(10ms);
     EXPECT_EQ(ticks.take(), 1);
     clock.advance(100ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {100, 30, 1}, Notification {150, 31, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{100, 30, 1}, Notification{150, 31, 1}));
 }
 
 TEST_F(LongPressDetectTest, TimesSeveralKeysAtOnce)
@@ -257,8 +257,8 @@ TEST_F(LongPressDetectTest, TimesSeveralKeysAtOnce)
     press(31);
     clock.advance(600ms);
     EXPECT_THAT(take(),
-                UnorderedElementsAre(Notification {300, 30, 1}, Notification {600, 30, 2},
-                                     Notification {600, 31, 1}));
+                UnorderedElementsAre(Notification{300, 30, 1}, Notification{600, 30, 2},
+                                     Notification{600, 31, 1}));
     release(30);
     clock.advance(600ms);
     EXPECT_THAT(take(), IsEmpty());
@@ -273,12 +273,12 @@ TEST_F(LongPressDetectTest, AnAutoRepeatRestartsTheWaitWithTheCountAtOne)
     clock.advance(700ms);
     EXPECT_THAT(take(), IsEmpty());
     clock.advance(100ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {1300, 30, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{1300, 30, 1}));
     clock.advance(100ms);
     feed(30, 2);
     clock.advance(400ms);
     // The stage that was reached stays: 200 ms, but counted from 1 again.
-    EXPECT_THAT(take(), ElementsAre(Notification {1600, 30, 1}, Notification {1800, 30, 2}));
+    EXPECT_THAT(take(), ElementsAre(Notification{1600, 30, 1}, Notification{1800, 30, 2}));
 }
 
 TEST_F(LongPressDetectTest, AnAutoRepeatLetsAKeyWithoutRepeatNotifyAgain)
@@ -288,7 +288,7 @@ TEST_F(LongPressDetectTest, AnAutoRepeatLetsAKeyWithoutRepeatNotifyAgain)
     clock.advance(300ms);
     feed(30, 2);
     clock.advance(300ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {200, 30, 1}, Notification {500, 30, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{200, 30, 1}, Notification{500, 30, 1}));
 }
 
 TEST_F(LongPressDetectTest, AutoRepeatsFasterThanTheTimeoutKeepItFromFiring)
@@ -310,7 +310,7 @@ TEST_F(LongPressDetectTest, ASecondPressWithoutReleaseStaysAtTheReachedStage)
     take();
     press(30);
     clock.advance(200ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {1100, 30, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{1100, 30, 1}));
 }
 
 TEST_F(LongPressDetectTest, ResetStopsNotificationsUntilTheNextPressOfAnyKey)
@@ -327,7 +327,7 @@ TEST_F(LongPressDetectTest, ResetStopsNotificationsUntilTheNextPressOfAnyKey)
     // The held key is still known, and long overdue.
     press(31);
     clock.advance(50ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {1250, 30, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{1250, 30, 1}));
 }
 
 TEST_F(LongPressDetectTest, AReleaseAfterResetForgetsTheKey)
@@ -347,11 +347,11 @@ TEST_F(LongPressDetectTest, RegisteringAgainReplacesTheTimeoutsInTheMiddleOfAHol
     detector->registerEvent(30, true, {500, 100});
     press(30);
     clock.advance(600ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {500, 30, 1}, Notification {600, 30, 2}));
+    EXPECT_THAT(take(), ElementsAre(Notification{500, 30, 1}, Notification{600, 30, 2}));
     detector->registerEvent(30, true, {300, 50});
     clock.advance(350ms);
     // Stage 0 again, measured from the last notification, and the count goes on.
-    EXPECT_THAT(take(), ElementsAre(Notification {900, 30, 3}, Notification {950, 30, 4}));
+    EXPECT_THAT(take(), ElementsAre(Notification{900, 30, 3}, Notification{950, 30, 4}));
     detector->registerEvent(30, false, {100});
     clock.advance(1s);
     EXPECT_THAT(take(), IsEmpty());
@@ -383,7 +383,7 @@ TEST_F(LongPressDetectTest, APressStampedInTheFutureWaitsThatMuchLonger)
     detector->registerEvent(30, false, {300});
     feedAt(30, 1, clock.now() + 1000);
     clock.advance(5s);
-    EXPECT_THAT(take(), ElementsAre(Notification {1300, 30, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{1300, 30, 1}));
 }
 
 TEST_F(LongPressDetectTest, APressStampedFarInThePastFiresAtTheFirstTick)
@@ -391,7 +391,7 @@ TEST_F(LongPressDetectTest, APressStampedFarInThePastFiresAtTheFirstTick)
     detector->registerEvent(30, false, {300});
     feedAt(30, 1, 0);
     clock.advance(5s);
-    EXPECT_THAT(take(), ElementsAre(Notification {50, 30, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{50, 30, 1}));
 }
 
 TEST_F(LongPressDetectTest, AWallClockSetForwardFiresAtTheNextTick)
@@ -401,8 +401,9 @@ TEST_F(LongPressDetectTest, AWallClockSetForwardFiresAtTheNextTick)
     clock.advance(100ms);
     clock.stepWallClock(1h);
     clock.advance(250ms);
-    const qint64 hour = 3600 * 1000;
-    EXPECT_THAT(take(), ElementsAre(Notification {hour + 150, 30, 1}, Notification {hour + 350, 30, 2}));
+    const qint64 hour = 3'600'000;
+    EXPECT_THAT(take(),
+                ElementsAre(Notification{hour + 150, 30, 1}, Notification{hour + 350, 30, 2}));
 }
 
 TEST_F(LongPressDetectTest, AWallClockSetBackDelaysTheNextNotification)
@@ -412,9 +413,9 @@ TEST_F(LongPressDetectTest, AWallClockSetBackDelaysTheNextNotification)
     clock.advance(100ms);
     clock.stepWallClock(-1s);
     clock.advance(1700ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {800, 30, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{800, 30, 1}));
     clock.advance(200ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {1000, 30, 2}));
+    EXPECT_THAT(take(), ElementsAre(Notification{1000, 30, 2}));
 }
 
 TEST_F(LongPressDetectTest, TypeOfTheRecordDoesNotMatter)
@@ -423,7 +424,7 @@ TEST_F(LongPressDetectTest, TypeOfTheRecordDoesNotMatter)
     input_event event = switchRecord(3, 1, clock.now());
     detector->process(event);
     clock.advance(100ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {100, 3, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{100, 3, 1}));
 }
 
 TEST_F(LongPressDetectTest, SurvivesAResetFromItsSlot)
@@ -432,7 +433,7 @@ TEST_F(LongPressDetectTest, SurvivesAResetFromItsSlot)
     onNotification = [this](int, int) { detector->reset(); };
     press(30);
     clock.advance(1s);
-    EXPECT_THAT(take(), ElementsAre(Notification {100, 30, 1}));
+    EXPECT_THAT(take(), ElementsAre(Notification{100, 30, 1}));
 }
 
 TEST_F(LongPressDetectTest, ARegistrationFromItsSlotBeginsAtItsFirstTimeout)
@@ -444,9 +445,9 @@ TEST_F(LongPressDetectTest, ARegistrationFromItsSlotBeginsAtItsFirstTimeout)
     };
     press(30);
     clock.advance(800ms);
-    EXPECT_THAT(take(),
-                ElementsAre(Notification {100, 30, 1}, Notification {400, 30, 2},
-                            Notification {700, 30, 3}));
+    EXPECT_THAT(
+        take(),
+        ElementsAre(Notification{100, 30, 1}, Notification{400, 30, 2}, Notification{700, 30, 3}));
 }
 
 TEST_F(LongPressDetectTest, AReleaseFromItsSlotEndsTheHold)
@@ -470,7 +471,7 @@ TEST_F(LongPressDetectTest, AReleaseFromItsSlotEndsTheHold)
 TEST_F(LongPressDetectTest, ANestedEventLoopInItsSlotIsNotNotifiedAgainAtEachTick)
 {
     detector->registerEvent(30, true, {100, 400});
-    onNotification = [this](int, int repeat) {
+    onNotification = [](int, int repeat) {
         if (repeat == 1) {
             QEventLoop loop;
             QTimer::singleShot(300, &loop, &QEventLoop::quit);
@@ -479,7 +480,7 @@ TEST_F(LongPressDetectTest, ANestedEventLoopInItsSlotIsNotNotifiedAgainAtEachTic
     };
     press(30);
     clock.advance(600ms);
-    EXPECT_THAT(take(), ElementsAre(Notification {100, 30, 1}, Notification {500, 30, 2}));
+    EXPECT_THAT(take(), ElementsAre(Notification{100, 30, 1}, Notification{500, 30, 2}));
 }
 
 TEST_F(LongPressDetectTest, LeavesItsTimerBehindStopped)
@@ -555,8 +556,8 @@ TEST(LongPressDetectRecords, DefaultsAreAnUnregisteredKey)
     EXPECT_FALSE(LongPressDetect::Event().repeat);
 }
 
-const char *const indexAssertion
-    = "ASSERT failure in QList<T>::operator\\[\\]: \"index out of range\"";
+const char *const indexAssertion =
+    "ASSERT failure in QList<T>::operator\\[\\]: \"index out of range\"";
 
 void tick(LongPressDetect &detector)
 {

@@ -1,0 +1,71 @@
+#!/usr/bin/env bash
+# Checks the form of the sources, the way CI does.
+set -euo pipefail
+
+usage='usage: lint.sh [--fix] [--help]
+
+Installs what is missing and checks the formatting (clang-format), the code (clang-tidy, on the
+Debug build that it makes first) and the shell scripts (shellcheck). Ends with status 0 when there
+is nothing to say.
+
+--fix   Formats the sources instead of checking their formatting.
+--help  Prints this text.'
+
+format=(--dry-run -Werror)
+for option in "$@"; do
+    case $option in
+    --fix) format=(-i) ;;
+    --help)
+        echo "$usage"
+        exit 0
+        ;;
+    *)
+        echo "lint.sh: unknown option '$option' (see --help)" >&2
+        exit 2
+        ;;
+    esac
+done
+
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# shellcheck source=scripts/packages.sh
+. scripts/packages.sh
+scripts/install-packages.sh "${lint_packages[@]}"
+
+# Every file below the project that is not built, whether or not it is committed yet.
+sources() { find src tests examples -type f -name "$1" | LC_ALL=C sort; }
+status=0
+
+echo "== formatting"
+mapfile -t cpp < <(sources '*.cpp')
+mapfile -t headers < <(sources '*.h')
+clang-format "${format[@]}" "${cpp[@]}" "${headers[@]}" || status=1
+
+echo "== shell scripts"
+mapfile -t scripts < <({ find scripts tests examples -type f -name '*.sh'; echo .ci/run; } |
+    LC_ALL=C sort)
+shellcheck -x "${scripts[@]}" || status=1
+
+echo "== clang-tidy"
+mkdir -p build/logs
+log=build/logs/lint-build.log
+if ! { cmake --preset ci && cmake --build --preset ci; } >"$log" 2>&1; then
+    tail -n 60 "$log"
+    echo "lint.sh: the build failed, see $log" >&2
+    exit 1
+fi
+# Only what is compiled can be checked; a file that no target lists is named.
+mapfile -t compiled < <(python3 -c '
+import json, os, sys
+for entry in json.load(open("build/ci/compile_commands.json")):
+    print(os.path.relpath(entry["file"]))' | grep -v '^build/' | LC_ALL=C sort -u)
+comm -23 <(printf '%s\n' "${cpp[@]}") <(printf '%s\n' "${compiled[@]}") |
+    grep -v '^tests/package/consumer/' | sed 's/$/: not compiled, not checked/' || true
+log=build/logs/clang-tidy.log
+if ! printf '%s\0' "${compiled[@]}" |
+    xargs -0 -n 1 -P "$(nproc)" clang-tidy -p build/ci --quiet >"$log" 2>&1; then
+    grep -E -A 4 '(error|warning):' "$log" | head -n 200
+    status=1
+fi
+
+[ "$status" -eq 0 ] || echo "lint.sh: the checks found something, see above" >&2
+exit "$status"
