@@ -149,11 +149,12 @@ public:
     explicit RealPath(const char *path)
         : m_path(path)
     {
-        if (const FileCalls *calls = callsFor(path))
-            m_path = calls->translate(path, m_buffer, sizeof(m_buffer));
+        if (const FileCalls *calls = callsFor(path)) {
+            calls->translate(path, m_buffer, sizeof(m_buffer));
+            m_path = m_buffer;
+        }
     }
 
-    // Null, which the kernel answers with EFAULT, for a path that became too long.
     const char *get() const { return m_path; }
 
 private:
@@ -202,17 +203,15 @@ int statusOfDescriptor(Function &next, int fd, Status *status)
     return result;
 }
 
-bool servePoll(pollfd *fds, nfds_t count, const timespec *timeout, const sigset_t *mask,
-               int &result)
+bool servePoll(const ClockCalls::Poll &call, int &result)
 {
     ClockCalls *calls = clockCalls.load(std::memory_order_acquire);
-    return calls && calls->poll(fds, count, timeout, mask, result);
+    return calls && calls->poll(call, result);
 }
 
-bool servePoll(pollfd *fds, nfds_t count, int timeout, int &result)
+timespec toTimespec(int milliseconds)
 {
-    const timespec limit = {timeout / 1000, timeout % 1000 * 1'000'000L};
-    return servePoll(fds, count, timeout < 0 ? nullptr : &limit, nullptr, result);
+    return {milliseconds / 1000, milliseconds % 1000 * 1'000'000L};
 }
 
 bool serveClock(clockid_t clock, timespec &result)
@@ -452,14 +451,20 @@ VORN_SIM_INTERPOSED int statx(int folder, const char *path, int flags, unsigned 
 
 VORN_SIM_INTERPOSED int poll(pollfd *fds, nfds_t count, int timeout)
 {
+    const timespec limit = toTimespec(timeout);
+    const ClockCalls::Poll call = {fds, count, timeout < 0 ? nullptr : &limit, nullptr,
+                                   __builtin_return_address(0)};
     int result = -1;
-    return servePoll(fds, count, timeout, result) ? result : nextPoll(fds, count, timeout);
+    return servePoll(call, result) ? result : nextPoll(fds, count, timeout);
 }
 
 VORN_SIM_INTERPOSED int __poll_chk(pollfd *fds, nfds_t count, int timeout, size_t capacity)
 {
+    const timespec limit = toTimespec(timeout);
+    const ClockCalls::Poll call = {fds, count, timeout < 0 ? nullptr : &limit, nullptr,
+                                   __builtin_return_address(0)};
     int result = -1;
-    return count <= capacity / sizeof(*fds) && servePoll(fds, count, timeout, result)
+    return count <= capacity / sizeof(*fds) && servePoll(call, result)
         ? result
         : nextPollChk(fds, count, timeout, capacity);
 }
@@ -467,16 +472,17 @@ VORN_SIM_INTERPOSED int __poll_chk(pollfd *fds, nfds_t count, int timeout, size_
 VORN_SIM_INTERPOSED int ppoll(pollfd *fds, nfds_t count, const timespec *timeout,
                               const sigset_t *mask)
 {
+    const ClockCalls::Poll call = {fds, count, timeout, mask, __builtin_return_address(0)};
     int result = -1;
-    return servePoll(fds, count, timeout, mask, result) ? result
-                                                        : nextPpoll(fds, count, timeout, mask);
+    return servePoll(call, result) ? result : nextPpoll(fds, count, timeout, mask);
 }
 
 VORN_SIM_INTERPOSED int __ppoll_chk(pollfd *fds, nfds_t count, const timespec *timeout,
                                     const sigset_t *mask, size_t capacity)
 {
+    const ClockCalls::Poll call = {fds, count, timeout, mask, __builtin_return_address(0)};
     int result = -1;
-    return count <= capacity / sizeof(*fds) && servePoll(fds, count, timeout, mask, result)
+    return count <= capacity / sizeof(*fds) && servePoll(call, result)
         ? result
         : nextPpollChk(fds, count, timeout, mask, capacity);
 }

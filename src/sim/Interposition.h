@@ -1,12 +1,12 @@
 #ifndef VORN_SIM_INTERPOSITION_H
 #define VORN_SIM_INTERPOSITION_H
 
-#include <poll.h>
-#include <signal.h>
-#include <sys/types.h>
-#include <time.h>
-
+#include <csignal>
 #include <cstddef>
+#include <ctime>
+
+#include <poll.h>
+#include <sys/types.h>
 
 namespace Vorn::Sim {
 
@@ -24,9 +24,9 @@ public:
 
     virtual ~FileCalls() = default;
 
-    /// The real path for @p path, which is /dev, /dev/input or below the latter; into @p buffer
-    /// if it is another one. Null if it does not fit.
-    virtual const char *translate(const char *path, char *buffer, std::size_t size) const = 0;
+    /// Writes the real path for @p path, which is /dev, /dev/input or below the latter; one that is
+    /// too long as well if it does not fit.
+    virtual void translate(const char *path, char *buffer, std::size_t size) const = 0;
     virtual bool open(const char *path, int flags, mode_t mode, int &result) = 0;
     virtual bool read(int fd, void *buffer, std::size_t size, ssize_t &result) = 0;
     virtual bool ioctl(int fd, unsigned long request, void *argument, int &result) = 0;
@@ -42,10 +42,20 @@ class ClockCalls
 public:
     virtual ~ClockCalls() = default;
 
+    /// A call of `poll` or `ppoll`.
+    struct Poll
+    {
+        pollfd *fds;
+        nfds_t count;
+        /// Null to wait without end.
+        const timespec *timeout;
+        const sigset_t *mask;
+        /// Where it was made.
+        const void *caller;
+    };
+
     virtual bool get(clockid_t clock, timespec &result) = 0;
-    /// @param timeout null to wait without end
-    virtual bool poll(pollfd *fds, nfds_t count, const timespec *timeout, const sigset_t *mask,
-                      int &result) = 0;
+    virtual bool poll(const Poll &call, int &result) = 0;
 };
 
 /// Offers system calls to @p calls from now on; null to leave them alone.

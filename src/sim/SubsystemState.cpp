@@ -267,15 +267,18 @@ CallCounts SubsystemState::callCounts() const
     return m_counts;
 }
 
-const char *SubsystemState::translate(const char *path, char *buffer, std::size_t size) const
+void SubsystemState::translate(const char *path, char *buffer, std::size_t size) const
 {
-    const std::size_t folderLength = static_cast<std::size_t>(m_folder.size());
+    const auto folderLength = static_cast<std::size_t>(m_folder.size());
     const std::size_t pathLength = std::strlen(path);
-    if (folderLength + pathLength >= size)
-        return nullptr;
+    if (folderLength + pathLength >= size) {
+        // A path that fails for the same reason.
+        std::memset(buffer, 'x', size - 1);
+        buffer[size - 1] = '\0';
+        return;
+    }
     std::memcpy(buffer, m_folder.constData(), folderLength);
     std::memcpy(buffer + folderLength, path, pathLength + 1);
-    return buffer;
 }
 
 bool SubsystemState::open(const char *path, int flags, mode_t mode, int &result)
@@ -476,7 +479,7 @@ NodeState *SubsystemState::visibleNode(const char *path)
 
 std::shared_ptr<Client> SubsystemState::findClient(int fd) const
 {
-    const std::size_t index = static_cast<std::size_t>(fd);
+    const auto index = static_cast<std::size_t>(fd);
     return fd >= 0 && index < m_clients.size() ? m_clients[index] : nullptr;
 }
 
@@ -550,7 +553,7 @@ long SubsystemState::openNode(NodeState &node, int flags)
     client->fd = fd;
     client->device = node.device;
     client->node = &node;
-    const std::size_t index = static_cast<std::size_t>(fd);
+    const auto index = static_cast<std::size_t>(fd);
     if (index >= m_clients.size())
         m_clients.resize(index + 1);
     m_clients[index] = client;

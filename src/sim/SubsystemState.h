@@ -79,7 +79,7 @@ public:
     void clearSystemCalls();
     CallCounts callCounts() const;
 
-    const char *translate(const char *path, char *buffer, std::size_t size) const override;
+    void translate(const char *path, char *buffer, std::size_t size) const override;
     bool open(const char *path, int flags, mode_t mode, int &result) override;
     bool read(int fd, void *buffer, std::size_t size, ssize_t &result) override;
     bool ioctl(int fd, unsigned long request, void *argument, int &result) override;

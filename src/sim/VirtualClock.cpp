@@ -10,7 +10,7 @@
 #include <QThread>
 
 #include <atomic>
-#include <cerrno>
+#include <dlfcn.h>
 #include <pthread.h>
 
 namespace Vorn::Sim {
@@ -20,8 +20,8 @@ namespace {
 using Nanoseconds = std::chrono::nanoseconds;
 
 // Low, so that a deadline that leaks into the kernel has passed there rather than never comes.
-// Between two milliseconds, as nearly always in reality: Qt waits a millisecond too long for a timer
-// that is due on a full one.
+// Between two milliseconds, as nearly always in reality: Qt waits a millisecond too long for a
+// timer that is due on a full one.
 constexpr Nanoseconds monotonicStart = std::chrono::microseconds(10'000'500);
 // So many polls in a row that time stands still: something keeps the loop busy for good.
 constexpr int busyLimit = 1'000'000;
@@ -41,6 +41,24 @@ timespec toTimespec(Nanoseconds time)
     result.tv_sec = static_cast<time_t>(seconds.count());
     result.tv_nsec = static_cast<decltype(result.tv_nsec)>((time - seconds).count());
     return result;
+}
+
+constexpr Nanoseconds qtRounding = std::chrono::milliseconds(1);
+
+// The start of the library that an address is in.
+const void *libraryOf(const void *address)
+{
+    Dl_info info = {};
+    return address && dladdr(address, &info) != 0 ? info.dli_fbase : nullptr;
+}
+
+// Whether a poll is made by an event dispatcher: those of Qt are in Qt's own library or in GLib.
+bool isDispatcher(const void *caller)
+{
+    static const void *const qt = libraryOf(dlsym(RTLD_DEFAULT, "qVersion"));
+    static const void *const glib = libraryOf(dlsym(RTLD_DEFAULT, "g_main_context_iteration"));
+    const void *library = libraryOf(caller);
+    return library && (library == qt || library == glib);
 }
 
 // A piece of virtual time that is being run through.
@@ -77,32 +95,38 @@ public:
         }
     }
 
-    bool poll(pollfd *fds, nfds_t count, const timespec *timeout, const sigset_t *mask,
-              int &result) override
+    bool poll(const Poll &call, int &result) override
     {
         if (!pthread_equal(pthread_self(), m_thread))
             return false;
 
         const timespec noWait = {};
-        result = Real::ppoll(fds, count, &noWait, mask);
-        const bool isWait = !timeout || timeout->tv_sec != 0 || timeout->tv_nsec != 0;
+        result = Real::ppoll(call.fds, call.count, &noWait, call.mask);
+        const bool isWait =
+            !call.timeout || call.timeout->tv_sec != 0 || call.timeout->tv_nsec != 0;
         if (result != 0 || !isWait) {
             countBusy();
             m_wakeUps += isWait ? 1 : 0;
             return true;
         }
-        if (m_run && !m_run->isFinished) {
-            if (!timeout || elapsed() + toNanoseconds(*timeout) > m_run->target) {
-                finishRun();
-                return true;
+
+        const bool isRunning = m_run && !m_run->isFinished;
+        if (!call.timeout) {
+            if (isRunning) {
+                result = finishRun(call);
+            } else {
+                result = Real::ppoll(call.fds, call.count, nullptr, call.mask);
+                ++m_wakeUps;
             }
-        } else if (!timeout) {
-            result = Real::ppoll(fds, count, nullptr, mask);
-            ++m_wakeUps;
             return true;
         }
-        moveTo(elapsed() + toNanoseconds(*timeout));
-        ++m_wakeUps;
+        const Nanoseconds end = elapsed() + waitOf(call);
+        if (isRunning && end > m_run->target) {
+            result = finishRun(call);
+        } else {
+            moveTo(end);
+            ++m_wakeUps;
+        }
         return true;
     }
 
@@ -138,21 +162,35 @@ public:
     quint64 wakeUps() const { return m_wakeUps; }
 
 private:
+    // Qt rounds the time to the next timer up to the next whole millisecond after it, so that with
+    // a clock of whole milliseconds each timer would be one too late. A dispatcher that is woken
+    // too early just looks again.
+    static Nanoseconds waitOf(const Poll &call)
+    {
+        const Nanoseconds wait = toNanoseconds(*call.timeout);
+        return wait > qtRounding && isDispatcher(call.caller) ? wait - qtRounding : wait;
+    }
+
     void moveTo(Nanoseconds time)
     {
         m_elapsed = time.count();
         m_busy = 0;
     }
 
-    void finishRun()
+    // Returns what the poll at which it ends is to return.
+    int finishRun(const Poll &call)
     {
         if (m_run->target > elapsed())
             moveTo(m_run->target);
         m_run->isFinished = true;
-        // GLib's dispatcher goes on waiting until it had something to dispatch.
+        // GLib's dispatcher goes on waiting until it had something to dispatch; and unless it sees
+        // that it was woken, the next wait would be the one that is.
         QAbstractEventDispatcher *dispatcher = QAbstractEventDispatcher::instance();
-        if (dispatcher && dispatcher->inherits("QEventDispatcherGlib"))
-            dispatcher->wakeUp();
+        if (!dispatcher || !dispatcher->inherits("QEventDispatcherGlib"))
+            return 0;
+        dispatcher->wakeUp();
+        const timespec noWait = {};
+        return Real::ppoll(call.fds, call.count, &noWait, call.mask);
     }
 
     void countBusy()

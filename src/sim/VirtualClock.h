@@ -61,8 +61,8 @@ public:
     /// end: timers, descriptors, posted events and deferred deletions. Returns exactly then, unless
     /// a slot ran an event loop of its own for longer.
     ///
-    /// Fatal when events keep coming without time moving on (a periodic timer of 0 ms, a
-    /// descriptor that is readable for ever).
+    /// Fatal when a million events come without time moving on (a periodic timer of 0 ms, a
+    /// descriptor that stays readable).
     void advance(std::chrono::milliseconds duration);
 
     /// Runs events one after the other until @p condition holds, but no longer than @p timeout of

@@ -1,0 +1,103 @@
+#!/usr/bin/env bash
+# What the installing of packages does, with recording stand-ins for the system's tools.
+# usage: install_packages_test.sh SOURCE_FOLDER
+# shellcheck source=checks.sh
+. "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
+script=$1/scripts/install-packages.sh
+
+bin=$folder/bin
+mkdir "$bin"
+# stand_in NAME <BODY
+stand_in() {
+    { echo '#!/bin/bash' && cat; } >"$bin/$1"
+    chmod +x "$bin/$1"
+}
+for tool in bash cat env mktemp rm; do
+    ln -s "$(command -v "$tool")" "$bin/$tool"
+done
+stand_in dpkg-query <<'END'
+case ${*: -1} in
+present) printf installed ;;
+twice) printf installedinstalled ;;
+removed) printf config-files ;;
+*) echo "no packages found" >&2; exit 1 ;;
+esac
+END
+stand_in apt-get <<'END'
+echo "apt-get $* $DEBIAN_FRONTEND" >>"$CALLS"
+echo "a lot of talk"
+exit "${APT_STATUS:-0}"
+END
+stand_in id <<'END'
+echo "${USER_ID:-0}"
+END
+
+# install VARIABLE=VALUE… PACKAGE…: with nothing but the stand-ins.
+install() {
+    : >"$folder/calls"
+    local variables=()
+    while [[ ${1:-} == *=* ]]; do
+        variables+=("$1")
+        shift
+    done
+    run env -i PATH="$bin" TMPDIR="$folder" CALLS="$folder/calls" "${variables[@]}" \
+        bash "$script" "$@"
+}
+
+# expect_calls LINE…
+expect_calls() {
+    local expected=''
+    [ $# -eq 0 ] || expected=$(printf '%s\n' "$@")
+    [ "$(cat "$folder/calls")" = "$expected" ] \
+        || failed "expected the calls '$expected', not '$(cat "$folder/calls")'"
+}
+
+install present twice
+expect_status 0
+expect_out ''
+expect_nothing_on_stderr
+expect_calls
+
+install present absent removed
+expect_status 0
+expect_out ''
+expect_line_on_stderr 'Installing absent removed'
+expect_calls 'apt-get update noninteractive' \
+    'apt-get install -y --no-install-recommends absent removed noninteractive'
+
+install APT_STATUS=100 absent
+expect_status 1
+grep -q 'a lot of talk' "$folder/err" || failed 'expected what apt-get said'
+grep -q 'apt-get update failed, still missing: absent' "$folder/err" || failed 'expected why'
+expect_calls 'apt-get update noninteractive'
+
+install USER_ID=1000 absent
+expect_status 1
+expect_out ''
+expect_line_on_stderr 'install-packages\.sh: neither root nor sudo, cannot install: absent'
+expect_calls
+
+stand_in sudo <<'END'
+echo "sudo" >>"$CALLS"
+exec "$@"
+END
+install USER_ID=1000 absent
+expect_status 0
+expect_calls sudo 'apt-get update noninteractive' \
+    sudo 'apt-get install -y --no-install-recommends absent noninteractive'
+
+for arguments in '' --frobnicate; do
+    # shellcheck disable=SC2086 # nothing at all in the first round
+    install $arguments
+    expect_status 2
+    expect_out ''
+    expect_line_on_stderr 'install-packages\.sh: expected names of packages \(see --help\)'
+done
+
+rm "$bin/dpkg-query"
+install absent
+expect_status 1
+expect_line_on_stderr 'install-packages\.sh: no dpkg-query here; .*absent'
+expect_calls
+
+finish
