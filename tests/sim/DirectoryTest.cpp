@@ -312,7 +312,7 @@ TEST(Directory, ThatComesAndGoesDoesSoWithItsNodes)
     EXPECT_EQ(watch.changes(), 1);
 }
 
-TEST(MisuseOfSubsystem, IsFatal)
+TEST(InputSubsystemDeathTest, MisuseIsFatal)
 {
     EXPECT_DEATH(
         {
@@ -341,7 +341,7 @@ TEST(MisuseOfSubsystem, IsFatal)
         "no node with the number -1");
 }
 
-TEST(MisuseOfSubsystem, IsWarnedOfWhenDescriptorsAreLeftOpen)
+TEST(InputSubsystemDeathTest, DescriptorsLeftOpenAreWarnedOf)
 {
     EXPECT_EXIT(
         {

@@ -313,7 +313,7 @@ TEST(Advance, OutlastsALongerEventLoopOfASlot)
     EXPECT_EQ(clock.now(), 110);
 }
 
-TEST(Advance, IsFatalWhenTimeCannotMoveOn)
+TEST(AdvanceDeathTest, TimeThatCannotMoveOnIsFatal)
 {
     EXPECT_DEATH(
         {
@@ -506,7 +506,7 @@ TEST(WakeUps, AreCountedForTimersAndDescriptors)
     EXPECT_EQ(clock.wakeUps(), before + 1);
 }
 
-TEST(MisuseOfClock, IsFatal)
+TEST(VirtualClockDeathTest, MisuseIsFatal)
 {
     EXPECT_DEATH(
         {

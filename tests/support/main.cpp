@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 // The timer that each long-press detector leaves behind on purpose, and nothing else.
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the runtime's name
 extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions()
 {
     return "leak:LongPressDetect::LongPressDetect\n";
