@@ -83,6 +83,8 @@ run() {
     skipped=$((skipped + skips))
     if [ "$status" -ne 0 ] || [ "$skips" -ne 0 ]; then
         sed -n '/\*\*\*/,/^$/p' "$log" | head -n 200
+        # ctest keeps the reason of a skip to itself.
+        grep -E -A 1 'SKIPPED: |: Skipped$' "$junit" | sed -E 's/.*(SKIPPED: )/\1/; s/<.*//' || true
     fi
     grep -E '^[0-9]+% tests passed|^Total Test time' "$log" || true
     # A run without a test, or one that ctest itself could not do, is a failure as well.
