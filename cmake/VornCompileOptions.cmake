@@ -10,6 +10,10 @@ function(vorn_compile_options target)
     target_compile_options(${target} PRIVATE
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion
         ${VORN_PREFIX_MAP})
+    if(CMAKE_SYSTEM_PROCESSOR STREQUAL "arm")
+        # Tells of a change of the calling convention in GCC 7; nothing here is older.
+        target_compile_options(${target} PRIVATE -Wno-psabi)
+    endif()
     if(VORN_INPUT_WERROR)
         target_compile_options(${target} PRIVATE -Werror)
     endif()
