@@ -39,8 +39,8 @@ bool change(std::bitset<size> &set, const std::bitset<size> &declared, int code,
     return true;
 }
 
-template <typename Field>
-void assign(Field &field, long value)
+template <typename Field, typename Value>
+void assign(Field &field, Value value)
 {
     field = static_cast<Field>(value);
 }

@@ -29,6 +29,17 @@ constexpr int requestedStatusBytes = 4;
 constexpr int scannedKeyCodes = 767;
 constexpr int scannedSwitchCodes = 16;
 
+// What the product's kernel is asked; a size that changes here would be another request there.
+static_assert(EVIOCGBIT(0, eventTypeBytes) == 0x801F4520);
+static_assert(EVIOCGID == 0x80084502);
+static_assert(EVIOCGNAME(nameSize) == 0x81004506);
+static_assert(EVIOCSREP == 0x40084503);
+static_assert(EVIOCGKEY(requestedStatusBytes) == 0x80044518);
+static_assert(EVIOCGSW(requestedStatusBytes) == 0x8004451B);
+// On 32 bits, whatever the size of time_t there.
+static_assert(sizeof(long) != 4 || sizeof(input_event) == 16);
+static_assert(sizeof(long) != 4 || readSize / sizeof(input_event) == 64);
+
 InputEvent::Bus busOf(unsigned int linuxBus)
 {
     switch (linuxBus) {

@@ -138,7 +138,8 @@ TEST_F(LinuxInputListenerTest, MakesExactlyTheseSystemCallsInThisOrder)
     ASSERT_EQ(calls.size(), 6);
     EXPECT_EQ(calls[0].kind, SystemCall::Kind::Open);
     EXPECT_EQ(calls[0].openFlags & (O_ACCMODE | O_NONBLOCK), O_RDONLY);
-    const unsigned long requests[] = {EVIOCGBIT(0, 31), EVIOCGID, EVIOCGNAME(256), EVIOCSREP};
+    // EVIOCGBIT(0, 31), EVIOCGID, EVIOCGNAME(256) and EVIOCSREP as the product's kernel knows them.
+    const unsigned long requests[] = {0x801F4520, 0x80084502, 0x81004506, 0x40084503};
     const std::size_t sizes[] = {31, 8, 256, 8};
     for (int i = 0; i < 4; ++i) {
         EXPECT_EQ(calls[i + 1].kind, SystemCall::Kind::Ioctl);
@@ -330,6 +331,21 @@ TEST_F(LinuxInputListenerTest, ReadsAtMost1024BytesOncePerActivation)
     EXPECT_THAT(calls, Each(Field(&SystemCall::kind, SystemCall::Kind::Read)));
     EXPECT_THAT(calls, Each(Field(&SystemCall::size, 1024U)));
 }
+
+#if __SIZEOF_LONG__ == 4
+TEST_F(LinuxInputListenerTest, ReadsUpTo64RecordsOf16BytesOnTheProduct)
+{
+    EXPECT_EQ(sizeof(input_event), 16U);
+    Vorn::Sim::InputNode &node = plugKeyboard();
+    const auto listener = listen(LinuxInputListener::Key);
+    QList<input_event> burst;
+    for (int i = 0; i < 65; ++i)
+        burst.append(keyRecord(KEY_A, i, 0));
+    node.send(burst);
+    clock.settle();
+    EXPECT_THAT(receiver.take(), ElementsAre(describe(burst.mid(0, 64)), describe(burst.mid(64))));
+}
+#endif
 
 TEST_F(LinuxInputListenerTest, IgnoresAPartialRecordAtTheEnd)
 {
@@ -533,7 +549,7 @@ TEST_F(LinuxInputListenerTest, DeliversThePositionsOfAllSwitches)
     const auto calls = subsystem.systemCalls();
     ASSERT_EQ(calls.size(), 2);
     EXPECT_EQ(calls[0].request, EVIOCGBIT(0, 31));
-    EXPECT_EQ(calls[1].request, EVIOCGSW(4));
+    EXPECT_EQ(calls[1].request, 0x8004451BUL);
 }
 
 TEST_F(LinuxInputListenerTest, DeliversTheHeldKeysOfTheFirstThirtyTwoCodesOnly)
@@ -546,7 +562,7 @@ TEST_F(LinuxInputListenerTest, DeliversTheHeldKeysOfTheFirstThirtyTwoCodesOnly)
     subsystem.clearSystemCalls();
     listener->getInputStatus();
     EXPECT_THAT(receiver.take(), ElementsAre("1/2=1@0", "1/31=1@0"));
-    EXPECT_EQ(subsystem.systemCalls().last().request, EVIOCGKEY(4));
+    EXPECT_EQ(subsystem.systemCalls().last().request, 0x80044518UL);
     EXPECT_EQ(subsystem.systemCalls().last().size, 4U);
 }
 

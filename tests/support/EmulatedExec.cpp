@@ -1,0 +1,16 @@
+// The kernel cannot start a program of another architecture anew, as death tests do. What can is
+// the emulator that this program runs under.
+
+#include <unistd.h>
+
+#include <vector>
+
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): reserved in the header
+extern "C" int execv(const char *path, char *const argv[]) noexcept
+{
+    std::vector<const char *> arguments = {VORN_TEST_EMULATOR, path};
+    for (char *const *argument = argv + 1; *argument; ++argument)
+        arguments.push_back(*argument);
+    arguments.push_back(nullptr);
+    return execvp(arguments.front(), const_cast<char *const *>(arguments.data()));
+}
