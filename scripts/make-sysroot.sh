@@ -2,6 +2,7 @@
 # Makes the folder that the preset armhf compiles against: a Debian 12 for 32-bit ARM.
 set -euo pipefail
 
+# shellcheck disable=SC2016
 usage='usage: make-sysroot.sh [--help]
 
 Makes the sysroot of the preset "armhf" from Debian packages, unless it is there already, and prints

@@ -131,7 +131,8 @@ TEST(Directory, IsListedByTheCLibraryToo)
     ::free(list);
 }
 
-// Elsewhere it is refused by file systems whose offsets do not fit, which an emulator hands through.
+// Elsewhere it is refused by file systems whose offsets do not fit, which an emulator hands
+// through.
 #if _DIRENT_MATCHES_DIRENT64
 TEST(Directory, IsListedByTheShortFormToo)
 {

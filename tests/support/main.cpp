@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include <iostream>
+
 // The timer that each long-press detector leaves behind on purpose, and nothing else.
 // NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the runtime's name
 extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions()
@@ -25,5 +27,11 @@ int main(int argc, char **argv)
     testing::InitGoogleMock(&argc, argv);
     // The tests use sockets, timers and threads; a death test starts the executable anew.
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    return RUN_ALL_TESTS();
+    const int status = RUN_ALL_TESTS();
+    const bool isRun = testing::UnitTest::GetInstance()->test_to_run_count() > 0;
+    if (!isRun && !GTEST_FLAG_GET(list_tests)) {
+        std::cerr << "no test of that name" << std::endl;
+        return 1;
+    }
+    return status;
 }

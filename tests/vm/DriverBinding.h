@@ -1,0 +1,38 @@
+#ifndef DRIVERBINDING_H
+#define DRIVERBINDING_H
+
+#include <QFile>
+
+/// A built-in device of the guest, there from the constructor to the destructor: the guest's init
+/// has taken it away from its driver.
+class DriverBinding
+{
+public:
+    /// @param driver folder of the driver below /sys/bus
+    /// @param device name of the device there
+    DriverBinding(const char *driver, const char *device)
+        : m_driver(QStringLiteral("/sys/bus/%1/").arg(QString::fromLatin1(driver)))
+        , m_device(device)
+    {
+        write("bind");
+    }
+    ~DriverBinding() { write("unbind"); }
+    DriverBinding(const DriverBinding &) = delete;
+    DriverBinding &operator=(const DriverBinding &) = delete;
+
+private:
+    void write(const char *file)
+    {
+        QFile control(m_driver + QString::fromLatin1(file));
+        if (!control.open(QIODevice::WriteOnly | QIODevice::Unbuffered)
+            || control.write(m_device) < 0) {
+            qFatal("cannot %s %s: %s", file, m_device.constData(),
+                   qPrintable(control.errorString()));
+        }
+    }
+
+    const QString m_driver;
+    const QByteArray m_device;
+};
+
+#endif

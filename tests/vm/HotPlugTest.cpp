@@ -1,0 +1,322 @@
+#include "GuestTest.h"
+#include "KeyProcessing.h"
+#include "Monitor.h"
+#include "UinputDevice.h"
+
+#include <QFileSystemWatcher>
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+
+namespace {
+
+using testing::AnyOf;
+using testing::Contains;
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
+using Bus = InputEvent::Bus;
+
+std::string local(InputEvent::Command command, InputEvent::State state)
+{
+    return text(command, state, Bus::LocalUI);
+}
+
+int openDescriptors()
+{
+    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
+}
+
+/// Bytes that are allocated and not freed.
+qint64 usedMemory()
+{
+    return static_cast<qint64>(mallinfo2().uordblks);
+}
+
+/// What a long-press detector leaves behind: the timer that it does not delete, on purpose.
+qint64 leftByDetectors(int count)
+{
+    const qint64 before = usedMemory();
+    for (int i = 0; i < count; ++i)
+        delete new LongPressDetect;
+    return usedMemory() - before;
+}
+
+// By how much the allocator's own needs may differ from one moment to the next: in all, and per
+// object where they stay. A listener or a handler that is left behind is several times that.
+constexpr qint64 allocatorSlack = 4096;
+constexpr qint64 allocatorSlackPerCycle = 64;
+
+class HotPlugTest : public GuestTest
+{
+protected:
+    void SetUp() override
+    {
+        GuestTest::SetUp();
+        devices = std::make_unique<Devices>();
+        devices->onAdd = [this](const QString &node, const QString &name) {
+            if (hasHandlers) {
+                auto *keys = new BasicKeyInputHandler(name);
+                devices->addKeyHandler(node, keys, QString());
+                keys->registerKey(KEY_OK, InputEvent::Confirm, true);
+                keys->registerKey(KEY_INFO, InputEvent::Info, true);
+                keys->enableLongPress(KEY_INFO, true, {300, 100});
+                auto *switches = new BasicSwInputHandler(name);
+                devices->addSwitchHandler(node, switches, QString());
+            }
+        };
+    }
+
+    bool waitForCalls(std::size_t count)
+    {
+        return waitFor([&] { return devices->calls.size() >= count; });
+    }
+
+    std::vector<std::string> waitForEvents(std::size_t count)
+    {
+        EXPECT_TRUE(waitFor([&] { return events.texts().size() >= count; }));
+        return events.take();
+    }
+
+    QStringList watched() const
+    {
+        return devices->findChild<QFileSystemWatcher *>()->directories();
+    }
+
+    /// Plugs and unplugs @p cycles times; each time the product must hear of both.
+    void plugAndUnplug(int cycles, const std::string &node, const std::function<void()> &plug,
+                       const std::function<void()> &unplug)
+    {
+        for (int i = 0; i < cycles; ++i) {
+            plug();
+            ASSERT_TRUE(waitForCalls(1)) << "cycle " << i;
+            unplug();
+            ASSERT_TRUE(waitForCalls(2)) << "cycle " << i;
+            const std::vector<std::string> calls = devices->take();
+            ASSERT_THAT(calls, ElementsAre(StartsWith("add " + node + " "), "remove " + node))
+                << "cycle " << i;
+            const std::vector<std::string> texts = log.texts();
+            ASSERT_EQ(std::count(texts.begin(), texts.end(), " ---> added '" + node + "'"), 1);
+            ASSERT_EQ(std::count(texts.begin(), texts.end(), "Removing " + node), 1);
+            log.clear();
+        }
+    }
+
+    static UinputDescription panel(const std::string &name = "front-panel")
+    {
+        return {name, BUS_HOST, {KEY_OK, KEY_INFO}, {SW_LINEIN_INSERT}};
+    }
+
+    bool hasHandlers = true;
+    std::unique_ptr<Devices> devices;
+};
+
+TEST_F(HotPlugTest, AHundredArrivalsAndDeparturesLeaveNothingBehind)
+{
+    // The product's own panel stays. Without it the whole folder would go each time.
+    UinputDevice staying(panel());
+    ASSERT_TRUE(waitForCalls(1));
+    devices->take();
+    log.clear();
+    std::unique_ptr<UinputDevice> guest;
+    const auto plug = [&] { guest = std::make_unique<UinputDevice>(panel("guest")); };
+    const auto unplug = [&] { guest.reset(); };
+
+    const auto cyclesLeave = [&](bool handlers, int &descriptors) {
+        hasHandlers = handlers;
+        // Until everything that is made once is there.
+        plugAndUnplug(5, "/dev/input/event1", plug, unplug);
+        descriptors = openDescriptors();
+        const qint64 memory = usedMemory();
+        plugAndUnplug(100, "/dev/input/event1", plug, unplug);
+        descriptors = openDescriptors() - descriptors;
+        return usedMemory() - memory;
+    };
+    int descriptors = 0;
+    const qint64 left = cyclesLeave(false, descriptors);
+    std::cout << "100 cycles without handlers: " << left << " bytes, " << descriptors
+              << " descriptors left\n";
+    EXPECT_EQ(descriptors, 0);
+    EXPECT_LT(left, allocatorSlack);
+
+    const qint64 leftWithHandlers = cyclesLeave(true, descriptors);
+    const qint64 timers = leftByDetectors(100);
+    std::cout << "100 cycles with handlers: " << leftWithHandlers << " bytes, of them " << timers
+              << " of the detectors' timers, " << descriptors << " descriptors left\n";
+    EXPECT_EQ(descriptors, 0);
+    EXPECT_LT(leftWithHandlers, timers + 100 * allocatorSlackPerCycle);
+
+    staying.press(KEY_OK);
+    EXPECT_THAT(waitForEvents(1), ElementsAre(local(InputEvent::Confirm, InputEvent::KeyPressed)));
+}
+
+TEST_F(HotPlugTest, TenArrivalsAndDeparturesOfAUsbKeyboard)
+{
+    UinputDevice staying(panel());
+    ASSERT_TRUE(waitForCalls(1));
+    devices->take();
+    log.clear();
+    Monitor monitor;
+    const auto plug = [&] { monitor.plugKeyboard(); };
+    const auto unplug = [&] { monitor.unplugKeyboard(); };
+    hasHandlers = false;
+    plugAndUnplug(2, "/dev/input/event1", plug, unplug);
+    const int descriptors = openDescriptors();
+    const qint64 memory = usedMemory();
+    plugAndUnplug(10, "/dev/input/event1", plug, unplug);
+    const qint64 left = usedMemory() - memory;
+    std::cout << "10 cycles: " << left << " bytes, " << openDescriptors() - descriptors
+              << " descriptors left\n";
+    EXPECT_EQ(openDescriptors(), descriptors);
+    EXPECT_LT(left, allocatorSlack);
+}
+
+TEST_F(HotPlugTest, AKeyHeldAtTheUnplugFiresNoMore)
+{
+    UinputDevice staying(panel());
+    ASSERT_TRUE(waitForCalls(1));
+    auto guest = std::make_unique<UinputDevice>(panel("guest"));
+    ASSERT_TRUE(waitForCalls(2));
+    const std::string pressed = local(InputEvent::Info, InputEvent::KeyPressed);
+    const std::string released = local(InputEvent::Info, InputEvent::KeyReleased);
+    const std::string held = local(InputEvent::Info, InputEvent::KeyLongPress);
+
+    guest->press(KEY_INFO);
+    EXPECT_THAT(waitForEvents(1), ElementsAre(pressed));
+    guest.reset();
+    ASSERT_TRUE(waitForCalls(3));
+    EXPECT_EQ(devices->calls.back(), "remove /dev/input/event1");
+    // The kernel's own release is either read before the node is found dead, or never.
+    const std::vector<std::string> atUnplug = events.take();
+    std::cout << (atUnplug.empty() ? "without" : "with") << " the kernel's release\n";
+    EXPECT_THAT(atUnplug, AnyOf(IsEmpty(), ElementsAre(released)));
+    EXPECT_THAT(log.texts(log4cplus::WARN_LOG_LEVEL), IsEmpty());
+    // The node may be found dead by a read, or gone by a look at the folder, whichever is first.
+    EXPECT_THAT(log.texts(log4cplus::ERROR_LOG_LEVEL),
+                AnyOf(IsEmpty(), Each("Error reading from event device /dev/input/event1")));
+
+    // Longer than what was pending: nothing of it comes.
+    staying.press(KEY_INFO);
+    EXPECT_THAT(waitForEvents(4), ElementsAre(pressed, held, held, held));
+}
+
+TEST_F(HotPlugTest, AnEleventhDeviceIsNeverReported)
+{
+    std::vector<std::unique_ptr<UinputDevice>> plugged;
+    std::vector<std::string> expected;
+    for (int i = 0; i < 11; ++i) {
+        plugged.push_back(std::make_unique<UinputDevice>(panel("panel" + std::to_string(i))));
+        ASSERT_EQ(plugged.back()->node(), QStringLiteral("/dev/input/event%1").arg(i));
+        if (i < 10)
+            expected.push_back("add " + plugged.back()->node().toStdString() + " panel"
+                               + std::to_string(i));
+    }
+    ASSERT_TRUE(waitForCalls(10));
+    EXPECT_EQ(devices->take(), expected);
+    // Also when there is room below it again.
+    plugged[3].reset();
+    ASSERT_TRUE(waitForCalls(1));
+    EXPECT_THAT(devices->take(), ElementsAre("remove /dev/input/event3"));
+    plugged[10]->press(KEY_OK);
+    plugged[9]->press(KEY_OK);
+    plugged[9]->release(KEY_OK);
+    EXPECT_THAT(waitForEvents(2),
+                ElementsAre(local(InputEvent::Confirm, InputEvent::KeyPressed),
+                            local(InputEvent::Confirm, InputEvent::KeyReleased)));
+    plugged[3] = std::make_unique<UinputDevice>(panel("back"));
+    ASSERT_TRUE(waitForCalls(1));
+    EXPECT_THAT(devices->take(), ElementsAre("add /dev/input/event3 back"));
+    EXPECT_THAT(log.texts(), Not(Contains(testing::HasSubstr("event10"))));
+}
+
+TEST_F(HotPlugTest, TheFolderMayGoWithItsLastNodeAndComeBack)
+{
+    auto only = std::make_unique<UinputDevice>(panel("first"));
+    ASSERT_TRUE(waitForCalls(1));
+    EXPECT_THAT(devices->take(), ElementsAre("add /dev/input/event0 first"));
+    EXPECT_THAT(watched(), ElementsAre(QStringLiteral("/dev/input/")));
+
+    only.reset();
+    EXPECT_FALSE(QDir(QStringLiteral("/dev/input")).exists());
+    ASSERT_TRUE(waitFor([this] { return watched().contains(QStringLiteral("/dev/")); }));
+    EXPECT_THAT(devices->take(), IsEmpty()) << "known devices stay until the folder is back";
+
+    UinputDevice second(panel("second"));
+    ASSERT_TRUE(waitFor([this] { return watched().contains(QStringLiteral("/dev/input/")); }));
+    UinputDevice third(panel("third"));
+    ASSERT_TRUE(waitFor([this] {
+        return testing::Matches(Contains("add /dev/input/event1 third"))(devices->calls);
+    }));
+    EXPECT_THAT(watched(), ElementsAre(QStringLiteral("/dev/input/")));
+    // Whoever has the first one's node is taken for it, unless a look fell between the folder's
+    // return and the node's.
+    const bool isKept = devices->calls.size() == 1;
+    std::cout << (isKept ? "kept" : "renewed") << " event0\n";
+    if (!isKept) {
+        EXPECT_THAT(devices->calls,
+                    AnyOf(ElementsAre("remove /dev/input/event0", "add /dev/input/event0 second",
+                                      "add /dev/input/event1 third"),
+                          ElementsAre("remove /dev/input/event0", "add /dev/input/event1 third",
+                                      "add /dev/input/event0 second")));
+    }
+
+    // A device that was kept is a new one with listeners that died with the old one.
+    second.press(KEY_OK);
+    second.release(KEY_OK);
+    third.press(KEY_INFO);
+    std::vector<std::string> expected{local(InputEvent::Info, InputEvent::KeyPressed)};
+    if (!isKept)
+        expected.insert(expected.begin(),
+                        {local(InputEvent::Confirm, InputEvent::KeyPressed),
+                         local(InputEvent::Confirm, InputEvent::KeyReleased)});
+    EXPECT_EQ(waitForEvents(expected.size()), expected);
+}
+
+TEST_F(HotPlugTest, TheFolderMayComeAfterTheStart)
+{
+    ASSERT_TRUE(waitFor([this] { return watched() == QStringList{QStringLiteral("/dev/")}; }));
+    EXPECT_THAT(devices->calls, IsEmpty());
+    UinputDevice device(panel());
+    ASSERT_TRUE(waitForCalls(1));
+    EXPECT_THAT(devices->calls, ElementsAre("add /dev/input/event0 front-panel"));
+    device.press(KEY_OK);
+    EXPECT_THAT(waitForEvents(1), ElementsAre(local(InputEvent::Confirm, InputEvent::KeyPressed)));
+}
+
+TEST_F(HotPlugTest, ANodeReplacedBetweenTwoPassesKeepsItsOldName)
+{
+    const UinputDevice staying(panel());
+    auto replaced = std::make_unique<UinputDevice>(panel("old"));
+    ASSERT_TRUE(waitForCalls(2));
+    EXPECT_THAT(devices->take(),
+                ElementsAre("add /dev/input/event0 front-panel", "add /dev/input/event1 old"));
+    // The event loop sees nothing of this but that something has happened.
+    replaced.reset();
+    replaced = std::make_unique<UinputDevice>(panel("new"));
+    ASSERT_EQ(replaced->node(), QStringLiteral("/dev/input/event1"));
+    UinputDevice third(panel("third"));
+    ASSERT_TRUE(waitForCalls(1));
+    EXPECT_THAT(devices->calls, ElementsAre("add /dev/input/event2 third"));
+    EXPECT_EQ(devices->getDeviceNameMap().value(QStringLiteral("/dev/input/event1")),
+              QStringLiteral("new"));
+
+    // Its listeners belong to the old device, so its keys are not heard.
+    replaced->press(KEY_OK);
+    replaced->release(KEY_OK);
+    third.press(KEY_INFO);
+    EXPECT_THAT(waitForEvents(1), ElementsAre(local(InputEvent::Info, InputEvent::KeyPressed)));
+
+    // Until it is unplugged with the library looking.
+    replaced.reset();
+    ASSERT_TRUE(waitForCalls(2));
+    EXPECT_THAT(devices->calls,
+                ElementsAre("add /dev/input/event2 third", "remove /dev/input/event1"));
+}
+
+} // namespace

@@ -1,0 +1,235 @@
+#include "GuestTest.h"
+#include "UinputDevice.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <functional>
+#include <iostream>
+#include <thread>
+
+namespace {
+
+/// What the kernel delivered, as read() returned it to the library.
+struct Delivered
+{
+    std::atomic<bool> isRecording{false};
+    std::vector<input_event> records;
+} delivered;
+
+} // namespace
+
+// Takes the place of the C library's in this process, for the library and Qt as well.
+extern "C" __attribute__((visibility("default"))) ssize_t read(int fd, void *buffer, size_t size)
+{
+    const ssize_t result = syscall(SYS_read, fd, buffer, size);
+    // A read of the listener's size; nothing else in this process makes one of a node.
+    if (result > 0 && size == 1024 && delivered.isRecording) {
+        const auto *records = static_cast<const input_event *>(buffer);
+        delivered.records.insert(delivered.records.end(), records,
+                                 records + static_cast<std::size_t>(result) / sizeof(input_event));
+    }
+    return result;
+}
+
+namespace {
+
+using testing::IsEmpty;
+
+constexpr int keyRecords = 200'000;
+
+struct Counts
+{
+    int keys = 0;
+    int drops = 0; ///< how often the kernel said that it had to drop records
+};
+
+Counts count(const std::vector<input_event> &records)
+{
+    Counts counts;
+    for (const input_event &record : records) {
+        counts.keys += record.type == EV_KEY ? 1 : 0;
+        counts.drops += record.type == EV_SYN && record.code == SYN_DROPPED ? 1 : 0;
+    }
+    return counts;
+}
+
+std::ostream &operator<<(std::ostream &stream, const Counts &counts)
+{
+    return stream << counts.keys << " of " << keyRecords << " key records delivered, "
+                  << keyRecords - counts.keys << " dropped in " << counts.drops << " SYN_DROPPED";
+}
+
+/// Reads a node with nothing but poll() and read(), until told to end and nothing is left.
+class BareReader
+{
+public:
+    explicit BareReader(const QString &node)
+        : m_fd(::open(node.toUtf8().constData(), O_RDONLY | O_CLOEXEC))
+        , m_thread([this] { run(); })
+    { }
+    ~BareReader() { ::close(m_fd); }
+    BareReader(const BareReader &) = delete;
+    BareReader &operator=(const BareReader &) = delete;
+
+    const std::vector<input_event> &finish()
+    {
+        m_isEnding = true;
+        m_thread.join();
+        return m_records;
+    }
+
+private:
+    void run()
+    {
+        std::array<input_event, 64> batch;
+        pollfd ready = {m_fd, POLLIN, 0};
+        for (;;) {
+            const bool isEnding = m_isEnding;
+            if (::poll(&ready, 1, 50) == 1) {
+                const long size = syscall(SYS_read, m_fd, batch.data(), sizeof(batch));
+                if (size <= 0)
+                    return;
+                m_records.insert(m_records.end(), batch.data(),
+                                 batch.data() + static_cast<std::size_t>(size) / sizeof(batch[0]));
+            } else if (isEnding) {
+                return;
+            }
+        }
+    }
+
+    const int m_fd;
+    std::atomic<bool> m_isEnding{false};
+    std::vector<input_event> m_records;
+    std::thread m_thread;
+};
+
+/// Presses and releases a key as fast as the kernel takes it.
+void flood(const UinputDevice &device)
+{
+    std::array<input_event, 4> click = {};
+    click[0].type = EV_KEY;
+    click[0].code = KEY_OK;
+    click[0].value = 1;
+    click[2].type = EV_KEY;
+    click[2].code = KEY_OK;
+    for (int i = 0; i < keyRecords / 2; ++i) {
+        if (::write(device.descriptor(), click.data(), sizeof(click)) != sizeof(click))
+            qFatal("the kernel takes no more records: %s", std::strerror(errno));
+    }
+}
+
+class LoadTest : public GuestTest
+{
+protected:
+    /// Floods the panel, with the library and a bare loop reading side by side. A last record of
+    /// another key tells when all is read: @p isOver is asked for that.
+    void runFlood(const std::function<bool()> &isOver)
+    {
+        delivered.records.reserve(3 * keyRecords);
+        delivered.isRecording = true;
+        BareReader bare(panel.node());
+        std::atomic<bool> isWritten{false};
+        std::thread writer([&] {
+            flood(panel);
+            isWritten = true;
+        });
+        EXPECT_TRUE(waitFor([&] { return isWritten.load(); }, 90'000));
+        writer.join();
+        const Counts bareCounts = count(bare.finish());
+        panel.press(KEY_INFO);
+        EXPECT_TRUE(waitFor(isOver));
+        delivered.isRecording = false;
+
+        Counts counts = count(delivered.records);
+        --counts.keys;
+        std::cout << "library:   " << counts << "\nbare loop: " << bareCounts << '\n';
+        // What is missing was dropped by the kernel, which says so.
+        EXPECT_EQ(counts.keys<keyRecords, counts.drops> 0);
+        EXPECT_EQ(bareCounts.keys<keyRecords, bareCounts.drops> 0);
+        EXPECT_THAT(warnings.texts(), IsEmpty());
+    }
+
+    UinputDevice panel{{"front-panel", BUS_HOST, {KEY_OK, KEY_INFO}, {}}};
+    // As in a product: what goes wrong is logged, and nothing else.
+    const LogRecorder warnings{log4cplus::WARN_LOG_LEVEL};
+};
+
+/// Keeps every record that it gets.
+class Keeper : public InputHandler
+{
+public:
+    void setId(const QString &) override { }
+    void invalidate() override { }
+    void processEvent(const QList<input_event> &events) override
+    {
+        for (const input_event &event : events) {
+            records.push_back(event);
+            isOver = isOver || (event.type == EV_KEY && event.code == KEY_INFO);
+        }
+    }
+
+    std::vector<input_event> records;
+    bool isOver = false;
+};
+
+TEST_F(LoadTest, EveryDeliveredRecordReachesTheReceiverInOrder)
+{
+    Keeper keeper;
+    keeper.records.reserve(3 * keyRecords);
+    const LinuxInputListener listener(&keeper, panel.node(), LinuxInputListener::Key);
+    runFlood([&] { return keeper.isOver; });
+    ASSERT_EQ(keeper.records.size(), delivered.records.size());
+    EXPECT_EQ(std::memcmp(keeper.records.data(), delivered.records.data(),
+                          keeper.records.size() * sizeof(input_event)),
+              0);
+}
+
+TEST_F(LoadTest, EveryDeliveredKeyIsPublishedInOrder)
+{
+    std::vector<int> published;
+    published.reserve(keyRecords);
+    bool isOver = false;
+    Devices devices;
+    devices.onAdd = [&](const QString &node, const QString &name) {
+        auto *keys = new BasicKeyInputHandler(name);
+        devices.addKeyHandler(node, keys, QString());
+        keys->registerKey(KEY_OK, InputEvent::Confirm, true);
+        keys->registerKey(KEY_INFO, InputEvent::Info, true);
+    };
+    ASSERT_TRUE(waitFor([&] { return !devices.calls.empty(); }));
+    const QMetaObject::Connection connection =
+        QObject::connect(Input::instance(), &Input::inputEvent, [&](const InputEvent &event) {
+            if (event.command() == InputEvent::Confirm)
+                published.push_back(event.state() == InputEvent::KeyPressed ? 1 : 0);
+            else
+                isOver = true;
+        });
+    runFlood([&] { return isOver; });
+    QObject::disconnect(connection);
+
+    // Where the kernel dropped a press, its release belongs to nothing and is dropped as well.
+    std::vector<int> expected;
+    bool isDown = false;
+    int strayReleases = 0;
+    for (const input_event &record : delivered.records) {
+        if (record.type != EV_KEY || record.code != KEY_OK)
+            continue;
+        if (record.value != 0 || isDown)
+            expected.push_back(record.value);
+        else
+            ++strayReleases;
+        isDown = record.value != 0;
+    }
+    std::cout << strayReleases << " releases without a press\n";
+    EXPECT_EQ(published.size(), expected.size());
+    EXPECT_TRUE(published == expected) << "in another order";
+}
+
+} // namespace

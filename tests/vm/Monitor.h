@@ -1,0 +1,37 @@
+#ifndef MONITOR_H
+#define MONITOR_H
+
+#include <QByteArray>
+#include <QJsonObject>
+
+/// The monitor of the emulator that this guest runs in: plugs emulated hardware and presses its
+/// keys. Ends the process when the emulator refuses.
+class Monitor
+{
+public:
+    Monitor();
+    ~Monitor();
+    Monitor(const Monitor &) = delete;
+    Monitor &operator=(const Monitor &) = delete;
+
+    /// Plugs a USB keyboard. The kernel takes a while to find it.
+    void plugKeyboard();
+    /// Unplugs it, if it is there; the destructor does, too. The kernel takes a while to notice.
+    void unplugKeyboard();
+    /// Presses or releases a key of the USB keyboard, by the emulator's name: "a", "kp_enter" …
+    void key(const char *name, bool down);
+    /// Presses and releases the power button.
+    void pressPowerButton();
+
+private:
+    QJsonObject ask(const char *command, const QJsonObject &arguments);
+    void execute(const char *command, const QJsonObject &arguments = QJsonObject());
+    void send(const QJsonObject &message);
+    QJsonObject answerTo(int id);
+
+    int m_fd;
+    int m_lastId;
+    QByteArray m_received;
+};
+
+#endif
