@@ -5,7 +5,7 @@ set -euo pipefail
 usage='usage: lint.sh [--fix] [--help]
 
 Installs what is missing and checks the formatting (clang-format), the code (clang-tidy, on the
-Debug build that it makes first) and the shell scripts (shellcheck). Ends with status 0 when there
+Debug build that it makes first) and the scripts (shellcheck, pyflakes). Ends with status 0 when there
 is nothing to say.
 
 --fix   Formats the sources instead of checking their formatting.
@@ -40,10 +40,12 @@ mapfile -t cpp < <(sources '*.cpp')
 mapfile -t headers < <(sources '*.h')
 clang-format "${format[@]}" "${cpp[@]}" "${headers[@]}" || status=1
 
-echo "== shell scripts"
-mapfile -t scripts < <({ find scripts tests examples -type f -name '*.sh'; echo .ci/run; } |
-    LC_ALL=C sort)
+echo "== scripts"
+mapfile -t scripts < <({ find scripts tests examples -type f -name '*.sh'; echo .ci/run
+    echo tests/vm/init; } | LC_ALL=C sort)
 shellcheck -x "${scripts[@]}" || status=1
+mapfile -t scripts < <(sources '*.py')
+pyflakes3 "${scripts[@]}" || status=1
 
 echo "== clang-tidy"
 mkdir -p build/logs

@@ -1,7 +1,11 @@
 # Debian 12 packages that the scripts install when they are missing; sourced by them.
 # shellcheck shell=bash disable=SC2034
 
-build_packages=(cmake g++ libgmock-dev libgtest-dev liblog4cplus-dev ninja-build pkg-config qtbase5-dev)
+build_packages=(cmake g++ libevdev-dev libgmock-dev libgtest-dev liblog4cplus-dev ninja-build
+    pkg-config qtbase5-dev)
 demo_packages=("${build_packages[@]}" umockdev)
 test_packages=("${demo_packages[@]}" valgrind)
-lint_packages=("${build_packages[@]}" clang-format clang-tidy python3 shellcheck)
+vm_packages=("${build_packages[@]}" busybox-static cpio device-tree-compiler
+    g++-arm-linux-gnueabihf python3 qemu-system-arm qemu-system-x86 qemu-user)
+lint_packages=("${build_packages[@]}" clang-format clang-tidy pyflakes3 python3
+    shellcheck)

@@ -2,7 +2,7 @@
 # Builds the project and runs its tests, the way CI does.
 set -euo pipefail
 
-usage='usage: test.sh [--quick] [--werror] [--help]
+usage='usage: test.sh [--quick] [--vm] [--werror] [--help]
 
 Installs what is missing (with sudo unless it runs as root), builds, and runs all tests:
 
@@ -11,18 +11,27 @@ Installs what is missing (with sudo unless it runs as root), builds, and runs al
   asan       the same under AddressSanitizer and UndefinedBehaviorSanitizer
   valgrind   the unit tests of the Debug build under memcheck
 
+and with --vm also
+
+  armhf      the optimised build for 32-bit ARM: unit tests under emulation
+  vm         tests on real kernel devices, in a virtual machine of each architecture
+
 Ends with a line "N passed, N failed, N skipped", and with status 0 when none failed. Logs are kept
 in build/logs.
 
---quick    The dev tests alone.
+--quick    Of the first four the dev tests alone.
+--vm       Also what needs an emulator. The first time, kernels and an ARM system are fetched and kept
+           in ~/.cache/vorn_input.
 --werror   Compiler warnings are errors.
 --help     Prints this text.'
 
 quick=no
+vm=no
 dev=dev
 for option in "$@"; do
     case $option in
     --quick) quick=yes ;;
+    --vm) vm=yes ;;
     # The same build with warnings as errors.
     --werror) dev=ci ;;
     --help)
@@ -42,6 +51,9 @@ cd "$root"
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
 scripts/install-packages.sh "${test_packages[@]}"
+if [ "$vm" = yes ]; then
+    scripts/install-packages.sh "${vm_packages[@]}"
+fi
 
 logs=build/logs
 mkdir -p "$logs"
@@ -58,15 +70,29 @@ build() {
     grep -E 'warning:' "$logs/$1-build.log" || true
 }
 
-# run NAME PRESET [CTEST-OPTION…]: runs the tests of a build and adds them up. Tells of those that
-# failed or were skipped, with what they printed.
+# run NAME PRESET [CTEST-OPTION…]: runs the tests of a build and reports on them.
 run() {
-    local name=$1 preset=$2
+    echo "== $1: testing"
+    execute "$@"
+    report "$1"
+}
+
+# execute NAME PRESET [CTEST-OPTION…]: runs the tests of a build, in silence.
+execute() {
+    local name=$1 preset=$2 status=0
     shift 2
-    echo "== $name: testing"
-    local junit=$logs/$name.xml log=$logs/$name-test.log status=0
-    rm -f "$junit"
-    ctest --preset "$preset" --output-junit "$root/$junit" "$@" >"$log" 2>&1 || status=$?
+    rm -f "$logs/$name.xml"
+    ctest --preset "$preset" --output-junit "$root/$logs/$name.xml" "$@" >"$logs/$name-test.log" \
+        2>&1 || status=$?
+    echo "$status" >"$logs/$name.status"
+}
+
+# report NAME: adds the results of a run up, and tells of the tests that failed or were skipped, with
+# what they printed.
+report() {
+    local name=$1
+    local junit=$logs/$name.xml log=$logs/$name-test.log status
+    status=$(cat "$logs/$name.status")
     local counts
     if ! counts=$(sed -n '/<testsuite/,/>/p' "$junit" 2>/dev/null); then
         tail -n 40 "$log"
@@ -95,13 +121,26 @@ run() {
 }
 
 build "$dev"
-run dev "$dev" -LE valgrind
+run dev "$dev" -LE 'valgrind|vm'
 if [ "$quick" = no ]; then
     run valgrind "$dev" -L valgrind
     build release
-    run release release -LE valgrind
+    run release release -LE 'valgrind|vm'
     build asan
-    run asan asan -LE valgrind
+    run asan asan -LE 'valgrind|vm'
+fi
+if [ "$vm" = yes ]; then
+    scripts/make-sysroot.sh >/dev/null
+    build armhf
+    run armhf armhf -LE vm
+    build release
+    # Side by side: a guest waits most of the time, and each has a machine of its own.
+    echo "== vm: testing in a guest of x86-64 and in one of 32-bit ARM"
+    execute vm-x86_64 release -L vm &
+    execute vm-armhf armhf -L vm
+    wait
+    report vm-x86_64
+    report vm-armhf
 fi
 
 echo "$passed passed, $failed failed, $skipped skipped"

@@ -165,9 +165,9 @@ class Agent:
 def serial_log(folder, start=0):
     """What the guest's kernel and first process wrote, from an offset on."""
     with contextlib.suppress(OSError):
-        with open(os.path.join(folder, "serial.log"), errors="replace") as log:
+        with open(os.path.join(folder, "serial.log"), errors="replace", newline="\n") as log:
             log.seek(start)
-            return log.read()
+            return "".join(line for line in log if line.strip())
     return ""
 
 
@@ -286,7 +286,7 @@ def run(folder, command):
     state = read_state(folder)
     with open(os.path.join(folder, "lock"), "w") as lock:
         fcntl.flock(lock, fcntl.LOCK_EX)
-        serial_start = len(serial_log(folder))
+        serial_start = os.path.getsize(os.path.join(folder, "serial.log"))
         identity = f"{time.time_ns():x}"
         out = os.path.join(folder, "out", identity)
         with open(out + ".sh", "w") as file:
