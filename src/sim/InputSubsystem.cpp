@@ -18,9 +18,9 @@ InputNode &InputSubsystem::plug(int number, const DeviceDescription &description
     return m_state->node(number);
 }
 
-void InputSubsystem::unplug(int number)
+void InputSubsystem::unplug(int number, Unread unread)
 {
-    m_state->unplug(number);
+    m_state->unplug(number, unread);
 }
 
 InputNode &InputSubsystem::replace(int number, const DeviceDescription &description)

@@ -55,6 +55,15 @@ public:
         ComesAndGoes,
     };
 
+    /// What becomes of records that are unread when their device goes.
+    enum class Unread {
+        /// They are read first, as when the reader is quicker than the unplugging.
+        Delivered,
+        /// They are lost, and with them the releases of held keys. A kernel does so whenever it is
+        /// the quicker one, so a product has to live with either.
+        Lost,
+    };
+
     explicit InputSubsystem(Directory directory = Directory::Persistent);
     ~InputSubsystem();
     InputSubsystem(const InputSubsystem &) = delete;
@@ -65,9 +74,9 @@ public:
     InputNode &plug(int number, const DeviceDescription &description);
 
     /// Unplugs the device: its held keys are released for whoever reads, the node goes, and its
-    /// descriptors fail with `ENODEV` from then on (`read` after what is queued). They stay
-    /// readable. Fatal if none is plugged there.
-    void unplug(int number);
+    /// descriptors fail with `ENODEV` from then on (`read` after what is @p unread, unless that is
+    /// lost). They stay readable. Fatal if none is plugged there.
+    void unplug(int number, Unread unread = Unread::Delivered);
 
     /// Unplugs the device and plugs in another, with no change to the directory that a watcher
     /// could see, as between two scans. The node keeps its access bits.

@@ -196,6 +196,12 @@ void SimulatedDevice::disconnect()
         client->setReadable(true);
 }
 
+void SimulatedDevice::dropUnread()
+{
+    for (Client *client : clients)
+        client->queue.clear();
+}
+
 void SimulatedDevice::deliver(const input_event &record)
 {
     const auto append = [&record](Client &client) {

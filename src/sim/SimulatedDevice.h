@@ -73,6 +73,9 @@ public:
     /// Releases the keys that are held, for the readers to see, and is gone.
     void disconnect();
 
+    /// Takes from every client what it has not read.
+    void dropUnread();
+
     /// Delivers @p record to every client as it is.
     void deliver(const input_event &record);
 

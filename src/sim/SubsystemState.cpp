@@ -177,11 +177,13 @@ void SubsystemState::plug(int number, const DeviceDescription &description)
         makeDirectory();
 }
 
-void SubsystemState::unplug(int number)
+void SubsystemState::unplug(int number, InputSubsystem::Unread unread)
 {
     const Lock lock(m_lock);
     NodeState &node = pluggedNode(number);
     node.device->disconnect();
+    if (unread == InputSubsystem::Unread::Lost)
+        node.device->dropUnread();
     node.device.reset();
     if (!m_directoryExists)
         return;

@@ -66,7 +66,7 @@ public:
 
     InputNode &node(int number);
     void plug(int number, const DeviceDescription &description);
-    void unplug(int number);
+    void unplug(int number, InputSubsystem::Unread unread);
     void replace(int number, const DeviceDescription &description);
     void setPermissions(int number, mode_t mode);
     void removeDirectory();

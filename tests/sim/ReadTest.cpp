@@ -380,6 +380,17 @@ TEST(Unplug, ReleasesTheHeldKeysAndFailsAfterThat)
     EXPECT_EQ(OpenNode(node.path()).openError(), ENOENT);
 }
 
+TEST(Unplug, MayLoseWhatIsUnread)
+{
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(0, panel);
+    const OpenNode reader(node.path());
+    node.press(KEY_OK);
+    subsystem.unplug(0, InputSubsystem::Unread::Lost);
+    EXPECT_TRUE(reader.isReadable());
+    EXPECT_EQ(reader.readError(), ENODEV);
+}
+
 TEST(Unplug, OfAnIdleDeviceDeliversNothing)
 {
     InputSubsystem subsystem;

@@ -467,6 +467,34 @@ TEST_F(HotPlugTest, AnUnplugEndsAHeldKeysLongPress)
     EXPECT_EQ(subsystem.openDescriptors(), 0);
 }
 
+TEST_F(HotPlugTest, AReleaseThatTheKernelLosesAtTheUnplugIsNotMadeUp)
+{
+    EventRecorder events;
+    devices = std::make_unique<Devices>();
+    devices->onAdd = [&](const QString &path, const QString &) {
+        auto *keys = new BasicKeyInputHandler(QStringLiteral("keys"));
+        devices->addKeyHandler(path, keys, QString());
+        keys->registerKey(KEY_A, InputEvent::VolumeUp, true);
+        keys->enableLongPress(KEY_A, true, {500, 100});
+    };
+    plug(0);
+    clock.settle();
+    subsystem.node(0).press(KEY_A);
+    clock.settle();
+    subsystem.unplug(0, Vorn::Sim::InputSubsystem::Unread::Lost);
+    clock.advance(5s);
+    EXPECT_THAT(events.take(), ElementsAre("[cmd=VolumeUp, state=KeyPressed, bus=LocalUI]"));
+    // And the next device on the node begins anew.
+    plug(0);
+    clock.settle();
+    subsystem.node(0).press(KEY_A);
+    subsystem.node(0).release(KEY_A);
+    clock.settle();
+    EXPECT_THAT(events.texts(),
+                ElementsAre("[cmd=VolumeUp, state=KeyPressed, bus=LocalUI]",
+                            "[cmd=VolumeUp, state=KeyReleased, bus=LocalUI]"));
+}
+
 TEST_F(HotPlugTest, AHundredArrivalsAndDeparturesLeaveNothingBehind)
 {
     start();
