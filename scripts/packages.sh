@@ -5,7 +5,7 @@ build_packages=(cmake g++ libevdev-dev libgmock-dev libgtest-dev liblog4cplus-de
     pkg-config qtbase5-dev)
 demo_packages=("${build_packages[@]}" umockdev)
 test_packages=("${demo_packages[@]}" valgrind)
-vm_packages=("${build_packages[@]}" busybox-static cpio device-tree-compiler
+vm_packages=("${build_packages[@]}" acpica-tools busybox-static cpio device-tree-compiler
     g++-arm-linux-gnueabihf python3 qemu-system-arm qemu-system-x86 qemu-user)
 lint_packages=("${build_packages[@]}" clang-format clang-tidy pyflakes3 python3
     shellcheck)

@@ -7,7 +7,6 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::MatchesRegex;
 using testing::Not;
@@ -196,11 +195,10 @@ TEST_F(KeyPathTest, ASwitchIsReportedOnEachChange)
                 ElementsAre(local(InputEvent::SWLineIn, InputEvent::SwitchDisabled)));
     expectNothingBeforeASentinel();
     EXPECT_THAT(log.texts(),
-                IsSupersetOf({" type: 5 code:13 value:1", " type: 5 code:13 value:0",
-                              "Device: front-panel; id: ; command [cmd=SWLineIn, "
-                              "state=SwitchEnabled]",
-                              "Vorn::InputEvent(40) switch enable",
-                              "Vorn::InputEvent(40) switch disable"}));
+                IsSupersetOf(
+                    {" type: 5 code:13 value:1", " type: 5 code:13 value:0",
+                     "Device: front-panel; id: ; command [cmd=SWLineIn, state=SwitchEnabled]",
+                     "Vorn::InputEvent(40) switch enable", "Vorn::InputEvent(40) switch disable"}));
 }
 
 TEST_F(KeyPathTest, AnotherIdentifierForgetsAKeyThatIsDown)

@@ -26,6 +26,7 @@ struct Delivered
 } // namespace
 
 // Takes the place of the C library's in this process, for the library and Qt as well.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): reserved in the header
 extern "C" __attribute__((visibility("default"))) ssize_t read(int fd, void *buffer, size_t size)
 {
     const ssize_t result = syscall(SYS_read, fd, buffer, size);

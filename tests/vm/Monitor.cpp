@@ -81,7 +81,7 @@ void Monitor::execute(const char *command, const QJsonObject &arguments)
                QJsonDocument(answer).toJson(QJsonDocument::Compact).constData());
 }
 
-void Monitor::send(const QJsonObject &message)
+void Monitor::send(const QJsonObject &message) const
 {
     const QByteArray line = QJsonDocument(message).toJson(QJsonDocument::Compact) + '\n';
     if (::write(m_fd, line.constData(), static_cast<std::size_t>(line.size())) != line.size())
@@ -94,7 +94,7 @@ QJsonObject Monitor::answerTo(int id)
     for (;;) {
         int end = 0;
         while ((end = m_received.indexOf('\n')) >= 0) {
-            const QJsonObject message = QJsonDocument::fromJson(m_received.left(end)).object();
+            QJsonObject message = QJsonDocument::fromJson(m_received.left(end)).object();
             m_received.remove(0, end + 1);
             if (message.value(QStringLiteral("id")).toInt(-1) == id)
                 return message;

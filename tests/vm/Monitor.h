@@ -26,7 +26,7 @@ public:
 private:
     QJsonObject ask(const char *command, const QJsonObject &arguments);
     void execute(const char *command, const QJsonObject &arguments = QJsonObject());
-    void send(const QJsonObject &message);
+    void send(const QJsonObject &message) const;
     QJsonObject answerTo(int id);
 
     int m_fd;

@@ -39,7 +39,7 @@ case $architecture in
 x86_64)
     debian=amd64
     package=linux-image-amd64
-    modules+=(button)
+    modules+=(button gpio_keys)
     ;;
 armhf)
     debian=armhf

@@ -63,13 +63,16 @@ def share(name, path, device, writable=False):
     ]
 
 
-def x86_64(kernel, initramfs, _folder):
+def x86_64(kernel, initramfs, folder):
     """QEMU's arguments for a PC."""
+    table = os.path.join(folder, "keys.aml")
+    script("make-acpi-table.sh", table)
     return [
         "qemu-system-x86_64", "-M", "q35,i8042=off", "-cpu", "max", "-smp", "2", "-m", "512",
         "-kernel", kernel, "-initrd", initramfs,
         "-append", "console=ttyS0 quiet panic=-1 mitigations=off tsc=reliable no_timer_check "
-                   "random.trust_cpu=on",
+                   "random.trust_cpu=on memmap=4K$0x10000000",
+        "-acpitable", "file=" + table.replace(",", ",,"),
         "-device", "virtio-serial-pci",
     ]
 
@@ -205,6 +208,7 @@ def check_tools(architecture):
     needed = {"busybox": "busybox-static", "cpio": "cpio"}
     if architecture == "x86_64":
         needed["qemu-system-x86_64"] = "qemu-system-x86"
+        needed["iasl"] = "acpica-tools"
     else:
         needed["qemu-system-arm"] = "qemu-system-arm"
         needed["fdtput"] = "device-tree-compiler"
@@ -267,8 +271,11 @@ def start(architecture, folder, shared):
         while True:
             # A guest that is not yet there may lose what it is sent.
             agent.send("hello")
-            if agent.receive(2) == "ready":
+            answer = agent.receive(2)
+            if answer == "ready":
                 break
+            if answer:
+                raise Failure("the guest does not see all of its folders")
             if time.monotonic() > begin + BOOT_LIMIT:
                 raise Failure(f"the guest was not ready within {BOOT_LIMIT} s")
     except Failure:

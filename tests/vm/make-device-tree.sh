@@ -5,7 +5,7 @@ set -euo pipefail
 usage='usage: make-device-tree.sh [--help] FILE
 
 Writes FILE, the device tree of the board that QEMU emulates, with another set of GPIO keys beside
-the power button: its name has 255 characters, the most that is read of any.'
+the power button: its name has 255 characters, the most that is read of any. Nobody presses it.'
 
 case ${1:-} in
 --help)
