@@ -4,11 +4,8 @@
 
 # The folder that all of this is kept in. cmake/armhf-toolchain.cmake finds it the same way.
 cache_folder() {
-    if [ -n "${VORN_INPUT_CACHE:-}" ]; then
-        echo "$VORN_INPUT_CACHE"
-    else
-        echo "${XDG_CACHE_HOME:-${HOME:?}/.cache}/vorn_input"
-    fi
+    local home=~
+    echo "${VORN_INPUT_CACHE:-${XDG_CACHE_HOME:-$home/.cache}/vorn_input}"
 }
 
 # make_cached FOLDER RECIPE COMMAND…: has COMMAND fill FOLDER, whose name it appends to its

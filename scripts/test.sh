@@ -53,6 +53,10 @@ cd "$root"
 scripts/install-packages.sh "${test_packages[@]}"
 if [ "$vm" = yes ]; then
     scripts/install-packages.sh "${vm_packages[@]}"
+    # shellcheck source=scripts/debian-packages.sh
+    . scripts/debian-packages.sh
+    VORN_INPUT_CACHE=$(cache_folder)
+    export VORN_INPUT_CACHE
 fi
 
 logs=build/logs

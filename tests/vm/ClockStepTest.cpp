@@ -54,12 +54,9 @@ protected:
 
     UinputDevice panel{{"front-panel", BUS_HOST, {KEY_OK}, {}}};
     Devices devices;
-    const std::string pressed =
-        text(InputEvent::Confirm, InputEvent::KeyPressed, InputEvent::Bus::LocalUI);
-    const std::string held =
-        text(InputEvent::Confirm, InputEvent::KeyLongPress, InputEvent::Bus::LocalUI);
-    const std::string released =
-        text(InputEvent::Confirm, InputEvent::KeyReleased, InputEvent::Bus::LocalUI);
+    const std::string pressed = local(InputEvent::Confirm, InputEvent::KeyPressed);
+    const std::string held = local(InputEvent::Confirm, InputEvent::KeyLongPress);
+    const std::string released = local(InputEvent::Confirm, InputEvent::KeyReleased);
 };
 
 // The stamp of the press lies an hour back at once, so the long press falls due at the next tick.

@@ -50,13 +50,6 @@ protected:
         return devices;
     }
 
-    /// Waits until so many events have come.
-    std::vector<std::string> waitForEvents(std::size_t count)
-    {
-        EXPECT_TRUE(waitFor([&] { return events.texts().size() >= count; }));
-        return events.take();
-    }
-
     /// Presses and releases OK, and waits for both events.
     std::vector<std::string> click(UinputDevice &device)
     {

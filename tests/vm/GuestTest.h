@@ -15,6 +15,8 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <string>
+#include <vector>
 
 /// Waits for what is bound to happen, with the event loop running. The limit is there for tests
 /// that fail; how long something takes is never tested by it.
@@ -32,6 +34,12 @@
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     return true;
+}
+
+/// The text of an event of the product's own panel.
+inline std::string local(InputEvent::Command command, InputEvent::State state)
+{
+    return text(command, state, InputEvent::Bus::LocalUI);
 }
 
 /// A test on this machine's real /dev/input, which must be free of devices.
@@ -53,6 +61,13 @@ protected:
     {
         ASSERT_TRUE(m_isFree)
             << "an input device is present; these tests run in a guest of their own";
+    }
+
+    /// Waits until so many events have come, and takes them.
+    std::vector<std::string> waitForEvents(std::size_t count)
+    {
+        EXPECT_TRUE(waitFor([&] { return events.texts().size() >= count; }));
+        return events.take();
     }
 
     LogRecorder log;

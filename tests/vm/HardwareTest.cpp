@@ -49,12 +49,6 @@ protected:
         ASSERT_TRUE(waitFor([this] { return !devices->calls.empty(); }));
     }
 
-    std::vector<std::string> waitForEvents(std::size_t count)
-    {
-        EXPECT_TRUE(waitFor([&] { return events.texts().size() >= count; }));
-        return events.take();
-    }
-
     std::unique_ptr<Devices> devices;
 };
 

@@ -20,12 +20,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
-using Bus = InputEvent::Bus;
-
-std::string local(InputEvent::Command command, InputEvent::State state)
-{
-    return text(command, state, Bus::LocalUI);
-}
 
 int openDescriptors()
 {
@@ -75,12 +69,6 @@ protected:
     bool waitForCalls(std::size_t count)
     {
         return waitFor([&] { return devices->calls.size() >= count; });
-    }
-
-    std::vector<std::string> waitForEvents(std::size_t count)
-    {
-        EXPECT_TRUE(waitFor([&] { return events.texts().size() >= count; }));
-        return events.take();
     }
 
     QStringList watched() const
@@ -245,6 +233,11 @@ TEST_F(HotPlugTest, TheFolderMayGoWithItsLastNodeAndComeBack)
     EXPECT_FALSE(QDir(QStringLiteral("/dev/input")).exists());
     ASSERT_TRUE(waitFor([this] { return watched().contains(QStringLiteral("/dev/")); }));
     EXPECT_THAT(devices->take(), IsEmpty()) << "known devices stay until the folder is back";
+    // Each of the two listeners finds its node dead.
+    const std::string dead = "Error reading from event device /dev/input/event0";
+    ASSERT_TRUE(waitFor([&] { return log.texts(log4cplus::ERROR_LOG_LEVEL).size() >= 2; }));
+    EXPECT_THAT(log.texts(log4cplus::ERROR_LOG_LEVEL), ElementsAre(dead, dead));
+    EXPECT_THAT(log.texts(log4cplus::INFO_LOG_LEVEL), Not(Contains(StartsWith("Removing"))));
 
     UinputDevice second(panel("second"));
     ASSERT_TRUE(waitFor([this] { return watched().contains(QStringLiteral("/dev/input/")); }));

@@ -11,12 +11,6 @@ using testing::IsSupersetOf;
 using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
-using Bus = InputEvent::Bus;
-
-std::string local(InputEvent::Command command, InputEvent::State state)
-{
-    return text(command, state, Bus::LocalUI);
-}
 
 /// A front panel with keys and a jack, and a product that listens to it.
 class KeyPathTest : public GuestTest
@@ -34,13 +28,6 @@ protected:
         ASSERT_TRUE(waitFor([this] { return switches != nullptr; }));
         keys->registerKey(KEY_OK, InputEvent::Confirm, true);
         log.clear();
-    }
-
-    /// Waits until so many events have come.
-    std::vector<std::string> waitForEvents(std::size_t count)
-    {
-        EXPECT_TRUE(waitFor([&] { return events.texts().size() >= count; }));
-        return events.take();
     }
 
     /// Whatever was to come before now has come when this key has.

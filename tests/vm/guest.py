@@ -263,11 +263,14 @@ def start(architecture, folder, shared):
 
     begin = time.monotonic()
     try:
-        while not os.path.exists(os.path.join(sockets, "agent")):
+        agent = None
+        while not agent:
             if process.poll() is not None:
                 raise Failure("QEMU has ended")
+            # Not yet there, or there and not yet listening.
+            with contextlib.suppress(Failure):
+                agent = Agent(sockets)
             time.sleep(0.05)
-        agent = Agent(sockets)
         while True:
             # A guest that is not yet there may lose what it is sent.
             agent.send("hello")

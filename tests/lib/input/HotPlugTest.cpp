@@ -63,6 +63,19 @@ protected:
         clock.settle();
     }
 
+    /// With a handler whose key is reported at once and has a repeating long press.
+    void startWithATimedKey()
+    {
+        devices = std::make_unique<Devices>();
+        devices->onAdd = [this](const QString &path, const QString &) {
+            auto *keys = new BasicKeyInputHandler(QStringLiteral("keys"));
+            devices->addKeyHandler(path, keys, QString());
+            keys->registerKey(KEY_A, InputEvent::VolumeUp, true);
+            keys->enableLongPress(KEY_A, true, {500, 100});
+        };
+        clock.settle();
+    }
+
     QStringList watched() const
     {
         return devices->findChild<QFileSystemWatcher *>()->directories();
@@ -447,15 +460,8 @@ TEST_F(HotPlugTest, RemovalOfAnUnknownDeviceIsHarmless)
 TEST_F(HotPlugTest, AnUnplugEndsAHeldKeysLongPress)
 {
     EventRecorder events;
-    devices = std::make_unique<Devices>();
-    devices->onAdd = [&](const QString &path, const QString &) {
-        auto *keys = new BasicKeyInputHandler(QStringLiteral("keys"));
-        devices->addKeyHandler(path, keys, QString());
-        keys->registerKey(KEY_A, InputEvent::VolumeUp, true);
-        keys->enableLongPress(KEY_A, true, {500, 100});
-    };
     plug(0);
-    clock.settle();
+    startWithATimedKey();
     subsystem.node(0).press(KEY_A);
     clock.advance(400ms);
     subsystem.unplug(0);
@@ -470,15 +476,8 @@ TEST_F(HotPlugTest, AnUnplugEndsAHeldKeysLongPress)
 TEST_F(HotPlugTest, AReleaseThatTheKernelLosesAtTheUnplugIsNotMadeUp)
 {
     EventRecorder events;
-    devices = std::make_unique<Devices>();
-    devices->onAdd = [&](const QString &path, const QString &) {
-        auto *keys = new BasicKeyInputHandler(QStringLiteral("keys"));
-        devices->addKeyHandler(path, keys, QString());
-        keys->registerKey(KEY_A, InputEvent::VolumeUp, true);
-        keys->enableLongPress(KEY_A, true, {500, 100});
-    };
     plug(0);
-    clock.settle();
+    startWithATimedKey();
     subsystem.node(0).press(KEY_A);
     clock.settle();
     subsystem.unplug(0, Vorn::Sim::InputSubsystem::Unread::Lost);
