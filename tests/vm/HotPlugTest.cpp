@@ -60,7 +60,7 @@ protected:
                 devices->addKeyHandler(node, keys, QString());
                 keys->registerKey(KEY_OK, InputEvent::Confirm, true);
                 keys->registerKey(KEY_INFO, InputEvent::Info, true);
-                keys->enableLongPress(KEY_INFO, true, {300, 100});
+                keys->enableLongPress(KEY_INFO, true, {1500, 100});
                 auto *switches = new BasicSwInputHandler(name);
                 devices->addSwitchHandler(node, switches, QString());
             }
