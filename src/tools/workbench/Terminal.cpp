@@ -1,0 +1,165 @@
+#include "Terminal.h"
+
+#include "vorn.h"
+
+#include <QSocketNotifier>
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <utility>
+
+namespace Vorn::Workbench {
+
+namespace {
+
+constexpr qint64 progressIntervalMs = 100;
+constexpr int caughtSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+volatile std::sig_atomic_t interruptionRequested = 0;
+int signalPipe[2] = {-1, -1};
+
+/// Nothing but a write is allowed in here; the event loop does the rest. The handler is gone
+/// afterwards (SA_RESETHAND), so that the next signal ends a process that does not react.
+void onSignal(int)
+{
+    const int savedErrno = errno;
+    interruptionRequested = 1;
+    const char byte = 0;
+    const ssize_t written = write(signalPipe[1], &byte, 1);
+    Q_UNUSED(written)
+    errno = savedErrno;
+}
+
+/// The real time, also while the process's clocks are virtual.
+qint64 processorTimeMs()
+{
+    return static_cast<qint64>(std::clock()) * 1000 / CLOCKS_PER_SEC;
+}
+
+termios savedTerminal;
+bool isTerminalChanged = false;
+
+void restoreTerminal()
+{
+    if (std::exchange(isTerminalChanged, false))
+        tcsetattr(STDIN_FILENO, TCSANOW, &savedTerminal);
+}
+
+} // namespace
+
+bool isTerminal(int descriptor)
+{
+    return isatty(descriptor) == 1;
+}
+
+bool isColoured(Colour colour, int descriptor)
+{
+    if (colour != Colour::Auto)
+        return colour == Colour::Always;
+    return isTerminal(descriptor) && qEnvironmentVariableIsEmpty("NO_COLOR")
+        && qgetenv("TERM") != "dumb";
+}
+
+Progress::Progress()
+    : m_isShown(isTerminal(STDERR_FILENO))
+{ }
+
+Progress::~Progress()
+{
+    clear();
+}
+
+void Progress::show(const QString &text)
+{
+    const qint64 now = processorTimeMs();
+    if (!m_isShown || (m_isDrawn && now - m_lastTime < progressIntervalMs))
+        return;
+    m_lastTime = now;
+    m_isDrawn = true;
+    winsize size = {};
+    const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
+    const int width = isKnown ? size.ws_col - 1 : 79;
+    std::fprintf(stderr, "\r\033[K%s", qPrintable(text.left(width)));
+    std::fflush(stderr);
+}
+
+void Progress::clear()
+{
+    if (std::exchange(m_isDrawn, false))
+        std::fputs("\r\033[K", stderr);
+}
+
+Interruption::Interruption(std::function<void()> callback)
+{
+    interruptionRequested = 0;
+    if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        return;
+    if (callback) {
+        auto *notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, this);
+        Vorn::connect(notifier, &QSocketNotifier::activated, this,
+                      [notifier, callback = std::move(callback)] {
+                          notifier->setEnabled(false);
+                          callback();
+                      });
+    }
+    struct sigaction action = {};
+    action.sa_handler = onSignal;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigemptyset(&action.sa_mask);
+    for (const int signal : caughtSignals)
+        sigaction(signal, &action, nullptr);
+}
+
+Interruption::~Interruption()
+{
+    for (const int signal : caughtSignals)
+        std::signal(signal, SIG_DFL);
+    qDeleteAll(findChildren<QSocketNotifier *>());
+    for (int &descriptor : signalPipe) {
+        if (descriptor >= 0)
+            close(descriptor);
+        descriptor = -1;
+    }
+}
+
+bool Interruption::isRequested()
+{
+    return interruptionRequested != 0;
+}
+
+Keyboard::Keyboard(std::function<void(char)> onKey)
+{
+    if (isTerminal(STDIN_FILENO) && tcgetattr(STDIN_FILENO, &savedTerminal) == 0) {
+        termios keys = savedTerminal;
+        keys.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+        keys.c_cc[VMIN] = 1;
+        keys.c_cc[VTIME] = 0;
+        static const int registered = std::atexit(restoreTerminal);
+        Q_UNUSED(registered)
+        isTerminalChanged = tcsetattr(STDIN_FILENO, TCSANOW, &keys) == 0;
+    }
+    auto *notifier = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, this);
+    Vorn::connect(notifier, &QSocketNotifier::activated, this,
+                  [notifier, onKey = std::move(onKey)] {
+                      char key = 0;
+                      if (read(STDIN_FILENO, &key, 1) == 1)
+                          onKey(key);
+                      else
+                          notifier->setEnabled(false);
+                  });
+}
+
+Keyboard::~Keyboard()
+{
+    restoreTerminal();
+}
+
+} // namespace Vorn::Workbench
