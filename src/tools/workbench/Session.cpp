@@ -1,0 +1,188 @@
+#include "Session.h"
+
+#include "CodeNames.h"
+
+#include <QDateTime>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <linux/input.h>
+
+#include <utility>
+
+namespace Vorn::Workbench {
+
+namespace {
+
+double milliseconds(qint64 microseconds)
+{
+    return static_cast<double>(microseconds) / 1000;
+}
+
+// What has no name is told by its number, so that a reader gets back the same value.
+QString commandText(InputEvent::Command value)
+{
+    const QString name = commandName(value);
+    return command(name) == value ? name : QString::number(value);
+}
+
+QString stateText(InputEvent::State value)
+{
+    const QString name = stateName(value);
+    return state(name) == value ? name : QString::number(value);
+}
+
+QString busText(InputEvent::Bus value)
+{
+    const QString name = busName(value);
+    return bus(name) == value ? name : QString::number(static_cast<int>(value));
+}
+
+QJsonArray codeNames(int type, const QVector<int> &codes)
+{
+    QJsonArray names;
+    for (const int code : codes)
+        names.append(eventCodeName(type, code));
+    return names;
+}
+
+// QDateTime knows milliseconds only.
+QString wallClockText(qint64 time)
+{
+    const qint64 fraction = (time % 1'000'000 + 1'000'000) % 1'000'000;
+    const qint64 seconds = (time - fraction) / 1'000'000;
+    return QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC)
+               .toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"))
+        + QStringLiteral(".%1Z").arg(fraction, 6, 10, QLatin1Char('0'));
+}
+
+QString stepText(DetectorStep::What what)
+{
+    switch (what) {
+    case DetectorStep::What::LongPressDue:
+        return QStringLiteral("long-press-due");
+    case DetectorStep::What::LongPressEnded:
+        return QStringLiteral("long-press-ended");
+    case DetectorStep::What::FirstKeyWithdrawn:
+        return QStringLiteral("first-key-withdrawn");
+    case DetectorStep::What::ChordFound:
+        return QStringLiteral("chord-found");
+    case DetectorStep::What::ChordReleased:
+        return QStringLiteral("chord-released");
+    case DetectorStep::What::Dropped:
+        break;
+    }
+    return QStringLiteral("dropped");
+}
+
+QJsonObject members(const SessionStart &start)
+{
+    return {{"kind", "start"},
+            {"source", start.source},
+            {"profile", start.profile},
+            {"wallClock", wallClockText(start.wallClock)},
+            {"version", 1}};
+}
+
+QJsonObject members(const DeviceChange &change)
+{
+    return {{"kind", "device"},
+            {"change", change.added ? "added" : "removed"},
+            {"device", change.device},
+            {"name", change.name},
+            {"bus", busText(change.bus)}};
+}
+
+QJsonObject members(const RecordRead &record)
+{
+    return {{"kind", "record"},
+            {"device", record.device},
+            {"type", eventTypeName(record.type)},
+            {"typeNumber", record.type},
+            {"code", eventCodeName(record.type, record.code)},
+            {"codeNumber", record.code},
+            {"value", record.value},
+            {"stamp", milliseconds(record.stamp)}};
+}
+
+QJsonObject members(const DetectorStep &step)
+{
+    QJsonObject object{{"kind", "detector"},
+                       {"what", stepText(step.what)},
+                       {"device", step.device},
+                       {"keys", codeNames(EV_KEY, step.keys)}};
+    if (step.what == DetectorStep::What::LongPressDue)
+        object.insert("due", milliseconds(step.due));
+    if (step.what == DetectorStep::What::ChordFound)
+        object.insert("mapped", step.mapped);
+    return object;
+}
+
+QJsonObject members(const EventPublished &event)
+{
+    QJsonObject object{{"kind", "event"},
+                       {"command", commandText(event.command)},
+                       {"state", stateText(event.state)},
+                       {"bus", busText(event.bus)}};
+    if (!event.device.isEmpty())
+        object.insert("device", event.device);
+    if (event.type != 0) {
+        object.insert("codeType", eventTypeName(event.type));
+        object.insert("codes", codeNames(event.type, event.codes));
+    }
+    if (event.latency)
+        object.insert("latency", milliseconds(*event.latency));
+    return object;
+}
+
+QJsonObject members(const IdentifierSelected &selected)
+{
+    return {{"kind", "identifier"}, {"identifier", selected.identifier}};
+}
+
+QJsonObject members(const ExpectationChecked &expectation)
+{
+    QJsonObject object{{"kind", "expectation"},
+                       {"file", expectation.file},
+                       {"line", expectation.line},
+                       {"text", expectation.text},
+                       {"met", expectation.met}};
+    if (!expectation.found.isEmpty())
+        object.insert("found", expectation.found);
+    return object;
+}
+
+QJsonObject members(const Remark &remark)
+{
+    return {{"kind", "remark"}, {"text", remark.text}};
+}
+
+} // namespace
+
+QByteArray toJsonLine(const SessionEntry &entry)
+{
+    QJsonObject object = std::visit([](const auto &what) { return members(what); }, entry.what);
+    object.insert("time", milliseconds(entry.time));
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+SessionLog::SessionLog(Sink sink)
+    : m_sink(std::move(sink))
+    , m_start(std::chrono::steady_clock::now())
+    , m_wallClockAtStart(wallClock())
+{ }
+
+qint64 SessionLog::now() const
+{
+    const auto elapsed = std::chrono::steady_clock::now() - m_start;
+    return std::chrono::duration_cast<std::chrono::microseconds>(elapsed).count();
+}
+
+qint64 SessionLog::wallClock()
+{
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
+}
+
+} // namespace Vorn::Workbench

@@ -1,0 +1,223 @@
+#include "SessionText.h"
+
+#include "CodeNames.h"
+
+#include <QFileInfo>
+
+#include <linux/input.h>
+
+namespace Vorn::Workbench {
+
+namespace {
+
+constexpr int timeWidth = 9;
+constexpr int recordWidth = 34;
+
+const char *const reset = "\x1b[0m";
+const char *const bold = "\x1b[1m";
+const char *const dim = "\x1b[2m";
+const char *const red = "\x1b[31m";
+const char *const green = "\x1b[32m";
+const char *const yellow = "\x1b[33m";
+const char *const boldGreen = "\x1b[1;32m";
+const char *const boldYellow = "\x1b[1;33m";
+const char *const cyan = "\x1b[36m";
+
+/// In s with ms, cut off rather than rounded: what came 0.4 ms before 1.000 is not shown there.
+QString seconds(qint64 microseconds)
+{
+    const bool isNegative = microseconds < 0;
+    const qint64 milliseconds = qAbs(microseconds / 1000);
+    return QStringLiteral("%1%2.%3")
+        .arg(isNegative && milliseconds > 0 ? QStringLiteral("-") : QString())
+        .arg(milliseconds / 1000)
+        .arg(milliseconds % 1000, 3, 10, QLatin1Char('0'));
+}
+
+QString latencyText(qint64 microseconds)
+{
+    const QString text = QString::number(static_cast<double>(microseconds) / 1000, 'f', 1);
+    return (microseconds < 0 ? QString() : QStringLiteral("+")) + text + QStringLiteral(" ms");
+}
+
+/// Line breaks and escape sequences of names and files stay out of the terminal.
+QString printable(const QString &text)
+{
+    QString result;
+    result.reserve(text.size());
+    for (const QChar character : text)
+        result += character.isPrint() || character.isSurrogate()
+            ? character
+            : QChar(QChar::ReplacementCharacter);
+    return result;
+}
+
+QString cut(const QString &text, int width)
+{
+    return text.size() <= width ? text : text.left(width - 1) + QChar(0x2026);
+}
+
+QString names(int type, const QVector<int> &codes, const char *separator)
+{
+    QStringList list;
+    for (const int code : codes)
+        list += eventCodeName(type, code);
+    return list.join(QLatin1String(separator));
+}
+
+QString stepText(const DetectorStep &step)
+{
+    const QString keys = names(EV_KEY, step.keys, " + ");
+    switch (step.what) {
+    case DetectorStep::What::LongPressDue:
+        return QStringLiteral("%1 timed, long press due at %2").arg(keys, seconds(step.due));
+    case DetectorStep::What::LongPressEnded:
+        return QStringLiteral("%1 no longer timed").arg(keys);
+    case DetectorStep::What::FirstKeyWithdrawn:
+        return QStringLiteral("%1 withdrawn").arg(keys);
+    case DetectorStep::What::ChordFound:
+        return (step.mapped ? QStringLiteral("chord %1") : QStringLiteral("chord %1, no command"))
+            .arg(keys);
+    case DetectorStep::What::ChordReleased:
+        return QStringLiteral("chord %1 released").arg(keys);
+    case DetectorStep::What::Dropped:
+        break;
+    }
+    return QStringLiteral("%1 dropped").arg(keys);
+}
+
+const char *stateColour(InputEvent::State state)
+{
+    switch (state) {
+    case InputEvent::KeyPressed:
+    case InputEvent::SwitchEnabled:
+        return boldGreen;
+    case InputEvent::KeyLongPress:
+        return boldYellow;
+    case InputEvent::KeyReleased:
+    case InputEvent::SwitchDisabled:
+    case InputEvent::NoState:
+        break;
+    }
+    return bold;
+}
+
+/// What an entry is rendered to: either column, and the colour it has on a terminal.
+struct Cells
+{
+    QString left;
+    QString right;
+    const char *colour = nullptr;
+};
+
+class CellsOf
+{
+public:
+    CellsOf(const SessionText::Options &options, const QHash<QString, QString> &names)
+        : m_options(options)
+        , m_names(names)
+    { }
+
+    Cells operator()(const SessionStart &) const { return {}; }
+
+    Cells operator()(const DeviceChange &change) const
+    {
+        QString text = QStringLiteral("%1 %2 %3")
+                           .arg(change.added ? QStringLiteral("+") : QStringLiteral("-"),
+                                printable(node(change.device)), printable(change.name));
+        if (change.added)
+            text += QStringLiteral(" (%1)").arg(busName(change.bus));
+        return {{}, text, cyan};
+    }
+
+    Cells operator()(const RecordRead &record) const
+    {
+        if (!m_options.records || record.type == EV_SYN)
+            return {};
+        const QString what = QStringLiteral(" %1 %2").arg(eventCodeName(record.type, record.code),
+                                                          valueName(record.type, record.value));
+        // The key says more than the device's name, which gives way.
+        const int room = qMax(1, recordWidth - what.size());
+        return {cut(name(record.device), room) + what, {}, dim};
+    }
+
+    Cells operator()(const DetectorStep &step) const
+    {
+        if (!m_options.detectors)
+            return {};
+        return {{}, stepText(step), dim};
+    }
+
+    Cells operator()(const EventPublished &event) const
+    {
+        QStringList parts{InputEvent(event.command, event.state, event.bus).toString()};
+        if (!event.device.isEmpty())
+            parts += name(event.device);
+        if (!event.codes.isEmpty())
+            parts += names(event.type, event.codes, " + ");
+        if (m_options.latency && event.latency)
+            parts += latencyText(*event.latency);
+        return {{}, parts.join(QStringLiteral("  ")), stateColour(event.state)};
+    }
+
+    Cells operator()(const IdentifierSelected &selected) const
+    {
+        return {{}, QStringLiteral("identifier '%1'").arg(printable(selected.identifier)), cyan};
+    }
+
+    Cells operator()(const ExpectationChecked &expectation) const
+    {
+        const QString text = printable(expectation.text);
+        if (expectation.met)
+            return {{}, QStringLiteral("met: ") + text, green};
+        QString failed = QStringLiteral("%1:%2: failed: %3")
+                             .arg(printable(expectation.file))
+                             .arg(expectation.line)
+                             .arg(text);
+        if (!expectation.found.isEmpty())
+            failed += QStringLiteral(", but found ") + printable(expectation.found);
+        return {{}, failed, red};
+    }
+
+    Cells operator()(const Remark &remark) const { return {{}, printable(remark.text), yellow}; }
+
+private:
+    static QString node(const QString &device) { return device.section(QLatin1Char('/'), -1); }
+
+    QString name(const QString &device) const
+    {
+        const QString known = m_names.value(device);
+        return known.isEmpty() ? QStringLiteral("(%1)").arg(printable(node(device)))
+                               : printable(known);
+    }
+
+    const SessionText::Options &m_options;
+    const QHash<QString, QString> &m_names;
+};
+
+} // namespace
+
+SessionText::SessionText(const Options &options)
+    : m_options(options)
+{ }
+
+QString SessionText::line(const SessionEntry &entry)
+{
+    if (const auto *change = std::get_if<DeviceChange>(&entry.what))
+        m_names.insert(change->device, change->name);
+
+    const Cells cells = std::visit(CellsOf(m_options, m_names), entry.what);
+    if (cells.left.isEmpty() && cells.right.isEmpty())
+        return {};
+
+    QString text = m_options.records ? cells.left.leftJustified(recordWidth) + QStringLiteral(" │")
+                                     : QString();
+    if (!cells.right.isEmpty())
+        text += (m_options.records ? QStringLiteral(" ") : QString()) + cells.right;
+    if (m_options.coloured && cells.colour)
+        text = QLatin1String(cells.colour) + text + QLatin1String(reset);
+    return QString(m_options.indent, QLatin1Char(' '))
+        + seconds(entry.time).rightJustified(timeWidth) + QStringLiteral("  ") + text;
+}
+
+} // namespace Vorn::Workbench

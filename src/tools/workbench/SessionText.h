@@ -1,0 +1,48 @@
+#ifndef VORN_WORKBENCH_SESSIONTEXT_H
+#define VORN_WORKBENCH_SESSIONTEXT_H
+
+#include "Session.h"
+
+#include <QHash>
+#include <QString>
+
+namespace Vorn::Workbench {
+
+/// Renders a session as text for people, one line for each entry that is to be shown:
+///
+/// ```
+///    1.500  KEY_VOLUMEUP press     │
+///    1.500                         │ [cmd=VolumeUp, state=KeyPressed, bus=LocalUI]  front-panel
+///    KEY_VOLUMEUP  +0.3 ms
+/// ```
+///
+/// With records the left column holds them; without, it is left out.
+class SessionText
+{
+public:
+    struct Options
+    {
+        bool records = false; ///< the records that were read, beside the events
+        bool detectors = false; ///< what the detectors did
+        bool latency = false; ///< how late an event was published
+        bool coloured = false;
+        int indent = 0;
+    };
+
+    explicit SessionText(const Options &options);
+
+    /// The line without its end, or an empty text for an entry that is not shown. Devices are
+    /// named as told by the entries so far.
+    QString line(const SessionEntry &entry);
+
+    void setRecords(bool shown) { m_options.records = shown; }
+    bool records() const { return m_options.records; }
+
+private:
+    Options m_options;
+    QHash<QString, QString> m_names;
+};
+
+} // namespace Vorn::Workbench
+
+#endif

@@ -1,0 +1,74 @@
+#include "Session.h"
+#include "SessionText.h"
+#include "Timeline.h"
+
+#include <QXmlStreamReader>
+
+#include <cstdint>
+#include <cstdlib>
+
+using namespace Vorn::Workbench;
+
+namespace {
+
+QByteArray written(const QVector<SessionEntry> &entries)
+{
+    QByteArray text;
+    for (const SessionEntry &entry : entries)
+        text += toJsonLine(entry);
+    return text;
+}
+
+void require(bool condition)
+{
+    if (!condition)
+        std::abort();
+}
+
+/// Every program that shows a picture must be able to read it.
+void requireWellFormed(const QByteArray &xml)
+{
+    QXmlStreamReader reader(xml);
+    while (!reader.atEnd())
+        reader.readNext();
+    require(!reader.hasError());
+}
+
+} // namespace
+
+// Qt's JSON parser loses a list that is the value of a member which comes twice. Its own frames
+// have no names, so this goes by the library.
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+extern "C" const char *__lsan_default_suppressions();
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+extern "C" const char *__lsan_default_suppressions()
+{
+    return "leak:libQt5Core.so";
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QByteArray text(reinterpret_cast<const char *>(data), static_cast<int>(size));
+    const ParsedSession session = parseSession(text, QStringLiteral("session"));
+
+    const QByteArray once = written(session.entries);
+    const ParsedSession again = parseSession(once, QStringLiteral("session"));
+    require(again.diagnostics.isEmpty());
+    require(again.entries.size() == session.entries.size());
+    require(written(again.entries) == once);
+
+    SessionText::Options options;
+    options.records = true;
+    options.detectors = true;
+    options.latency = true;
+    SessionText lines(options);
+    for (const SessionEntry &entry : session.entries)
+        require(!lines.line(entry).contains(QLatin1Char('\n')));
+
+    requireWellFormed(timelineSvg(session.entries, {}));
+    TimelineOptions part;
+    part.from = 1'000'000;
+    part.to = 2'000'000;
+    requireWellFormed(timelineSvg(session.entries, part));
+    return 0;
+}

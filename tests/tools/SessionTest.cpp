@@ -1,0 +1,326 @@
+#include "Session.h"
+
+#include "VirtualClock.h"
+
+#include <gmock/gmock.h>
+
+#include <linux/input.h>
+
+using namespace Vorn::Workbench;
+
+namespace {
+
+using testing::Each;
+using testing::HasSubstr;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
+
+const qint64 somewhen = 1'700'000'000'123'456;
+
+/// One entry of every kind, and of every form that a kind has.
+QVector<SessionEntry> everyKind()
+{
+    using What = DetectorStep::What;
+    const QString front = "/dev/input/event0";
+    QVector<SessionEntry> entries{
+        {0, SessionStart{"monitor", "player.json", somewhen}},
+        {1, DeviceChange{front, "front-panel", InputEvent::Bus::LocalUI, true}},
+        {1500, RecordRead{front, EV_KEY, KEY_INFO, 1, somewhen}},
+        {1500, RecordRead{front, EV_MSC, MSC_SCAN, -7, somewhen + 1}},
+        {1501, RecordRead{front, 30, 65535, 2147483647, 0}},
+        {1999, DetectorStep{What::LongPressDue, front, {KEY_INFO}, 801'999, false}},
+        {2000, DetectorStep{What::LongPressEnded, front, {KEY_INFO}, 0, false}},
+        {2001, DetectorStep{What::FirstKeyWithdrawn, front, {KEY_STOP}, 0, false}},
+        {2002, DetectorStep{What::ChordFound, front, {KEY_STOP, 700}, 0, true}},
+        {2003, DetectorStep{What::ChordFound, front, {KEY_STOP, KEY_PLAY}, 0, false}},
+        {2004, DetectorStep{What::ChordReleased, front, {KEY_STOP, KEY_PLAY}, 0, false}},
+        {2005, DetectorStep{What::Dropped, front, {KEY_1}, 0, false}},
+        {2006,
+         EventPublished{InputEvent::Info,
+                        InputEvent::KeyLongPress,
+                        InputEvent::Bus::LocalUI,
+                        front,
+                        EV_KEY,
+                        {KEY_INFO},
+                        321}},
+        {2007,
+         EventPublished{InputEvent::SWLineIn,
+                        InputEvent::SwitchDisabled,
+                        InputEvent::Bus::NoBus,
+                        front,
+                        EV_SW,
+                        {SW_LINEIN_INSERT},
+                        -1000}},
+        {2008,
+         EventPublished{static_cast<InputEvent::Command>(57),
+                        InputEvent::NoState,
+                        static_cast<InputEvent::Bus>(12),
+                        {},
+                        0,
+                        {},
+                        std::nullopt}},
+        {2009, IdentifierSelected{"text \"quoted\"\nand broken"}},
+        {2010, ExpectationChecked{"a.scenario", 12, "expect Info KeyPressed", false, "nothing"}},
+        {2011, ExpectationChecked{"a.scenario", 13, "expect nothing", true, {}}},
+        {3'600'000'000'001, Remark{QString::fromUtf8("überraschend \xe2\x80\xa6")}},
+    };
+    return entries;
+}
+
+QByteArray written(const QVector<SessionEntry> &entries)
+{
+    QByteArray text;
+    for (const SessionEntry &entry : entries)
+        text += toJsonLine(entry);
+    return text;
+}
+
+std::vector<std::string> messagesOf(const QByteArray &text)
+{
+    std::vector<std::string> messages;
+    const ParsedSession session = parseSession(text, "a.jsonl");
+    for (const Diagnostic &diagnostic : session.diagnostics)
+        messages.push_back(diagnostic.toString().toStdString());
+    return messages;
+}
+
+template <typename What>
+const What &only(const ParsedSession &session)
+{
+    EXPECT_THAT(session.diagnostics, SizeIs(0));
+    EXPECT_THAT(session.entries, SizeIs(1));
+    return std::get<What>(session.entries.first().what);
+}
+
+} // namespace
+
+TEST(Session, IsReadBackAsItWasWritten)
+{
+    const QByteArray text = written(everyKind());
+    const ParsedSession session = parseSession(text, "a.jsonl");
+    EXPECT_THAT(session.diagnostics, SizeIs(0));
+    ASSERT_EQ(session.entries.size(), everyKind().size());
+    EXPECT_EQ(written(session.entries).toStdString(), text.toStdString());
+}
+
+TEST(Session, KeepsTheValuesOfAnEvent)
+{
+    const EventPublished event{InputEvent::VolumeUp,
+                               InputEvent::KeyPressed,
+                               InputEvent::Bus::USB,
+                               "/dev/input/event3",
+                               EV_KEY,
+                               {KEY_VOLUMEUP},
+                               345};
+    const ParsedSession session = parseSession(toJsonLine({1'234'567, event}), {});
+    const auto &read = only<EventPublished>(session);
+    EXPECT_EQ(session.entries.first().time, 1'234'567);
+    EXPECT_EQ(read.command, InputEvent::VolumeUp);
+    EXPECT_EQ(read.state, InputEvent::KeyPressed);
+    EXPECT_EQ(read.bus, InputEvent::Bus::USB);
+    EXPECT_EQ(read.device.toStdString(), "/dev/input/event3");
+    EXPECT_EQ(read.type, EV_KEY);
+    EXPECT_EQ(read.codes, QVector<int>{KEY_VOLUMEUP});
+    EXPECT_EQ(read.latency, 345);
+}
+
+TEST(Session, KeepsTheValuesOfARecord)
+{
+    const RecordRead record{"/dev/input/event3", EV_KEY, KEY_VOLUMEUP, 2, somewhen};
+    const ParsedSession session = parseSession(toJsonLine({0, record}), {});
+    const auto &read = only<RecordRead>(session);
+    EXPECT_EQ(read.type, EV_KEY);
+    EXPECT_EQ(read.code, KEY_VOLUMEUP);
+    EXPECT_EQ(read.value, 2);
+    EXPECT_EQ(read.stamp, somewhen);
+}
+
+TEST(Session, KeepsTheValuesOfADetectorStep)
+{
+    const DetectorStep step{
+        DetectorStep::What::LongPressDue, "/dev/input/event3", {KEY_INFO}, 1'800'001, false};
+    const ParsedSession session = parseSession(toJsonLine({0, step}), {});
+    const auto &read = only<DetectorStep>(session);
+    EXPECT_EQ(read.what, DetectorStep::What::LongPressDue);
+    EXPECT_EQ(read.keys, QVector<int>{KEY_INFO});
+    EXPECT_EQ(read.due, 1'800'001);
+}
+
+TEST(Session, KeepsTheWallClockToTheMicrosecond)
+{
+    for (const qint64 time : {somewhen, qint64(0), qint64(-1), qint64(4'102'444'799'999'999)}) {
+        const SessionEntry entry{0, SessionStart{"monitor", {}, time}};
+        EXPECT_EQ(only<SessionStart>(parseSession(toJsonLine(entry), {})).wallClock, time);
+    }
+}
+
+TEST(Session, KeepsEveryMicrosecondOfALongTime)
+{
+    for (qint64 time = 4'000'000'000'000'000; time < 4'000'000'000'003'000; ++time) {
+        const ParsedSession session = parseSession(toJsonLine({time, Remark{}}), {});
+        ASSERT_THAT(session.entries, SizeIs(1));
+        ASSERT_EQ(session.entries.first().time, time);
+    }
+}
+
+TEST(Session, WritesOneStableLineForAnEntry)
+{
+    const RecordRead record{"/dev/input/event0", EV_KEY, KEY_INFO, 1, somewhen};
+    EXPECT_EQ(toJsonLine({1500, record}).toStdString(),
+              "{\"code\":\"KEY_INFO\",\"codeNumber\":358,\"device\":\"/dev/input/event0\","
+              "\"kind\":\"record\",\"stamp\":1700000000123.456,\"time\":1.5,\"type\":\"EV_KEY\","
+              "\"typeNumber\":1,\"value\":1}\n");
+    const SessionStart start{"monitor", "p.json", somewhen};
+    EXPECT_EQ(toJsonLine({0, start}).toStdString(),
+              "{\"kind\":\"start\",\"profile\":\"p.json\",\"source\":\"monitor\",\"time\":0,"
+              "\"version\":1,\"wallClock\":\"2023-11-14T22:13:20.123456Z\"}\n");
+    const EventPublished event{
+        InputEvent::Info, InputEvent::KeyPressed, InputEvent::Bus::LocalUI, {}, 0, {},
+        std::nullopt};
+    EXPECT_EQ(toJsonLine({2, event}).toStdString(),
+              "{\"bus\":\"LocalUI\",\"command\":\"Info\",\"kind\":\"event\","
+              "\"state\":\"KeyPressed\",\"time\":0.002}\n");
+}
+
+TEST(Session, WritesLineBreaksOfTextsAsPartOfTheLine)
+{
+    EXPECT_EQ(toJsonLine({0, Remark{"a\nb\r\n"}}).count('\n'), 1);
+}
+
+TEST(Session, SkipsWhatItDoesNotKnow)
+{
+    const ParsedSession session =
+        parseSession(R"({"kind":"weather","time":1,"sun":true})"
+                     "\n"
+                     R"({"kind":"detector","what":"moon","time":1})"
+                     "\n"
+                     R"({"kind":"remark","time":1,"text":"a","colour":{"red":[1,2]}})"
+                     "\n\n  \r\n",
+                     "a.jsonl");
+    EXPECT_EQ(only<Remark>(session).text.toStdString(), "a");
+}
+
+TEST(Session, AcceptsLineEndsOfOtherSystemsAndNoneAtTheEnd)
+{
+    const ParsedSession session = parseSession("{\"kind\":\"remark\",\"time\":1,\"text\":\"a\"}\r\n"
+                                               "{\"kind\":\"remark\",\"time\":1,\"text\":\"b\"}",
+                                               {});
+    EXPECT_THAT(session.diagnostics, SizeIs(0));
+    EXPECT_THAT(session.entries, SizeIs(2));
+}
+
+TEST(Session, TellsWhereALineIsNoJson)
+{
+    EXPECT_THAT(messagesOf("\n{\"kind\":\"remark\",\n"),
+                testing::ElementsAre(StartsWith("a.jsonl:2:18: error: not JSON: ")));
+    EXPECT_THAT(messagesOf("[1]"),
+                testing::ElementsAre("a.jsonl:1: error: must be a JSON object, {…}"));
+}
+
+TEST(Session, TellsWhatALineLacks)
+{
+    const auto message = [](const QByteArray &line) {
+        const auto messages = messagesOf(line);
+        return messages.size() == 1 ? messages.front() : std::string("(not one message)");
+    };
+    EXPECT_EQ(message("{}"), "a.jsonl:1: error: 'kind' is missing");
+    EXPECT_EQ(message(R"({"kind":"remark","text":"a"})"), "a.jsonl:1: error: 'time' is missing");
+    EXPECT_EQ(message(R"({"kind":"remark","time":1,"text":2})"),
+              "a.jsonl:1: error: 'text' must be a text");
+    EXPECT_EQ(
+        message(R"({"kind":"device","time":1,"change":"moved","device":"","name":"","bus":"USB"})"),
+        "a.jsonl:1: error: 'change' must be 'added' or 'removed'");
+    EXPECT_EQ(
+        message(R"({"kind":"event","time":1,"command":"Inof","state":"KeyPressed","bus":"USB"})"),
+        "a.jsonl:1: error: 'command' is 'Inof', which is not known");
+    EXPECT_EQ(message(R"({"kind":"detector","what":"dropped","time":1,"device":"a","keys":[]})"),
+              "a.jsonl:1: error: 'keys' must have a key");
+    EXPECT_EQ(message(R"({"kind":"detector","what":"dropped","time":1,"device":"a","keys":["X"]})"),
+              "a.jsonl:1: error: 'keys' has 'X', which is no code");
+    EXPECT_EQ(message(R"({"kind":"start","time":0,"source":"","profile":"","version":2,)"
+                      R"("wallClock":"2024-01-01T00:00:00.000000Z"})"),
+              "a.jsonl:1: error: 'version' is 2, and only version 1 is known; a newer vorn-input "
+              "reads it");
+    EXPECT_EQ(message(R"({"kind":"start","time":0,"source":"","profile":"","version":1,)"
+                      R"("wallClock":"yesterday"})"),
+              "a.jsonl:1: error: 'wallClock' must be a time like '2024-03-01T12:00:00.000000Z'");
+}
+
+TEST(Session, RejectsTimesThatCannotBe)
+{
+    for (const char *time : {"1e300", "-1e300", "9007199254740992", "\"1\"", "null"}) {
+        const QByteArray line = QByteArray(R"({"kind":"remark","text":"","time":)") + time + "}\n";
+        EXPECT_THAT(messagesOf(line),
+                    testing::ElementsAre("a.jsonl:1: error: 'time' must be a number of "
+                                         "milliseconds, within 142 years"))
+            << time;
+    }
+}
+
+TEST(Session, RejectsNumbersThatAreNotWholeOrOutOfRange)
+{
+    for (const char *value : {"1.5", "2147483648", "-2147483649", "1e99"}) {
+        const QByteArray line = QByteArray(R"({"kind":"record","device":"a","stamp":0,"time":0,)"
+                                           R"("typeNumber":1,"codeNumber":1,"value":)")
+            + value + "}";
+        EXPECT_THAT(messagesOf(line),
+                    testing::ElementsAre(HasSubstr("'value' must be a whole number from "
+                                                   "-2147483648 to 2147483647")))
+            << value;
+    }
+}
+
+TEST(Session, TellsTheFirstTwentyMistakesOnly)
+{
+    QByteArray text;
+    for (int i = 0; i < 50; ++i)
+        text += "{}\n";
+    const auto messages = messagesOf(text);
+    ASSERT_THAT(messages, SizeIs(20));
+    EXPECT_THAT(messages.back(), StartsWith("a.jsonl:20:"));
+}
+
+TEST(Session, ReadsTheGoodLinesBesideTheBad)
+{
+    const ParsedSession session =
+        parseSession("{}\n" + toJsonLine({5, Remark{"a"}}) + "}\n", "a.jsonl");
+    EXPECT_THAT(session.entries, SizeIs(1));
+    EXPECT_THAT(session.diagnostics, SizeIs(2));
+}
+
+TEST(Session, ReadsLinesOfAnyLength)
+{
+    const QString text(3'000'000, 'x');
+    EXPECT_EQ(only<Remark>(parseSession(toJsonLine({0, Remark{text}}), {})).text, text);
+}
+
+TEST(Session, IsNotUpsetByAnyBytes)
+{
+    QByteArray bytes;
+    for (int i = 0; i < 1024; ++i)
+        bytes += static_cast<char>(i * 37);
+    EXPECT_THAT(messagesOf(bytes), Each(StartsWith("a.jsonl:")));
+    EXPECT_THAT(messagesOf(bytes), Not(SizeIs(0)));
+    EXPECT_THAT(parseSession(bytes, {}).entries, SizeIs(0));
+    EXPECT_THAT(messagesOf(QByteArray(100'000, '[')), SizeIs(1));
+    EXPECT_THAT(messagesOf({}), SizeIs(0));
+}
+
+TEST(SessionLog, StampsEntriesWithTheTimeSinceItsStart)
+{
+    Vorn::Sim::VirtualClock clock;
+    std::vector<SessionEntry> told;
+    SessionLog log([&told](const SessionEntry &entry) { told.push_back(entry); });
+    log.add(Remark{"first"});
+    clock.advance(std::chrono::milliseconds(1500));
+    log.add(IdentifierSelected{"a"});
+
+    ASSERT_THAT(told, SizeIs(2));
+    EXPECT_EQ(told[0].time, 0);
+    EXPECT_EQ(std::get<Remark>(told[0].what).text.toStdString(), "first");
+    EXPECT_EQ(told[1].time, 1'500'000);
+    EXPECT_EQ(log.wallClockAtStart(), Vorn::Sim::VirtualClock::DefaultStart * 1000);
+    EXPECT_EQ(SessionLog::wallClock(), log.wallClockAtStart() + 1'500'000);
+    EXPECT_EQ(std::get<IdentifierSelected>(told[1].what).identifier.toStdString(), "a");
+}
