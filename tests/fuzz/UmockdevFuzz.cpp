@@ -1,0 +1,51 @@
+#include "Recording.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+using namespace Vorn::Workbench;
+
+namespace {
+
+void readDeviceFile(const QByteArray &input)
+{
+    const ParsedRecording recording = parseUmockdev(input, QStringLiteral("input"));
+    for (const RecordedNode &node : recording.nodes) {
+        const QByteArray text = umockdevBlock(node.number, node.device.value_or(RecordedDevice()));
+        const ParsedRecording again = parseUmockdev(text, QStringLiteral("again"));
+        if (!again.diagnostics.isEmpty() || again.nodes.size() != 1
+            || umockdevBlock(again.nodes.first().number, *again.nodes.first().device) != text)
+            std::abort();
+    }
+}
+
+void readIoctls(const QByteArray &input)
+{
+    RecordedDevice device;
+    parseIoctls(input, QStringLiteral("input"), &device);
+    const QByteArray text = ioctls(device);
+    RecordedDevice read;
+    if (!parseIoctls(text, QStringLiteral("again"), &read).isEmpty())
+        std::abort();
+    // A longer text does not fit into any answer.
+    constexpr int answerSize = 255;
+    if (device.name.size() < answerSize && device.phys.size() < answerSize
+        && device.uniq.size() < answerSize && ioctls(read) != text)
+        std::abort();
+}
+
+} // namespace
+
+/// A device file, or behind an "i" a file of ioctls; the first byte says which. Whatever is read is
+/// written so that it is read to the same.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    if (size == 0)
+        return 0;
+    const QByteArray input(reinterpret_cast<const char *>(data) + 1, static_cast<int>(size - 1));
+    if (data[0] == 'i')
+        readIoctls(input);
+    else
+        readDeviceFile(input);
+    return 0;
+}
