@@ -1,0 +1,84 @@
+#include "Playback.h"
+
+#include <algorithm>
+
+namespace Vorn::Workbench {
+
+namespace {
+
+bool endsPacket(const RecordedEvent &event)
+{
+    return event.type == EV_SYN && event.code == SYN_REPORT;
+}
+
+qint64 toMilliseconds(qint64 microseconds)
+{
+    return std::max<qint64>(microseconds, 0) / 1000;
+}
+
+} // namespace
+
+Playback::Playback(Sim::InputSubsystem *subsystem)
+    : m_subsystem(subsystem)
+{ }
+
+void Playback::add(int node, const QVector<RecordedEvent> &events, qint64 start)
+{
+    if (events.isEmpty())
+        return;
+    Stream stream;
+    stream.node = node;
+    stream.events = events;
+    stream.start = start;
+    stream.due = start + toMilliseconds(events.first().time);
+    const QVector<RecordedEvent>::const_iterator latest = std::max_element(
+        events.begin(), events.end(),
+        [](const RecordedEvent &a, const RecordedEvent &b) { return a.time < b.time; });
+    stream.end = start + toMilliseconds(latest->time);
+    m_streams.append(stream);
+}
+
+std::optional<qint64> Playback::nextDue() const
+{
+    std::optional<qint64> due;
+    for (const Stream &stream : m_streams)
+        due = std::min(due.value_or(stream.due), stream.due);
+    return due;
+}
+
+std::optional<qint64> Playback::end() const
+{
+    std::optional<qint64> end;
+    for (const Stream &stream : m_streams)
+        end = std::max(end.value_or(stream.end), stream.end);
+    return end;
+}
+
+void Playback::sendNext()
+{
+    const QVector<Stream>::iterator next =
+        std::min_element(m_streams.begin(), m_streams.end(),
+                         [](const Stream &a, const Stream &b) { return a.due < b.due; });
+    if (next == m_streams.end())
+        return;
+    QList<input_event> packet;
+    bool isComplete = false;
+    while (!isComplete && next->next < next->events.size()) {
+        const RecordedEvent &event = next->events[next->next];
+        // A packet whose end was not recorded ends with its moment.
+        if (!packet.isEmpty() && next->start + toMilliseconds(event.time) > next->due)
+            break;
+        packet.append(Sim::InputNode::record(event.type, event.code, event.value));
+        isComplete = endsPacket(event);
+        ++next->next;
+    }
+    m_subsystem->node(next->node).send(packet);
+    // Times that go back do not make it so.
+    if (next->next < next->events.size())
+        next->due =
+            std::max(next->due, next->start + toMilliseconds(next->events[next->next].time));
+    else
+        m_streams.erase(next);
+}
+
+} // namespace Vorn::Workbench

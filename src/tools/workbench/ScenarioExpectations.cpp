@@ -1,0 +1,121 @@
+#include "ScenarioReader.h"
+
+#include "CodeNames.h"
+
+namespace Vorn::Workbench {
+
+namespace {
+
+// The library looks every 50 ms whether a long press is due, with Qt's coarse timers, which are
+// late by as much as 5 %.
+constexpr qint64 tickTolerance = 55;
+
+} // namespace
+
+void ScenarioReader::readExpect(ScenarioLine *line)
+{
+    if (line->takeKeyword(QLatin1String("nothing"))) {
+        readExpectNothing(line);
+        return;
+    }
+    if (line->takeKeyword(QLatin1String("identifier"))) {
+        if (const ScenarioWord *word = line->take(QStringLiteral("the identifier")))
+            add(*line, Step::ExpectIdentifier{word->text});
+        return;
+    }
+
+    Step::ExpectEvent event;
+    const ScenarioWord *word = line->take(QStringLiteral("a command, 'nothing' or 'identifier'"));
+    if (!word)
+        return;
+    const std::optional<InputEvent::Command> found = command(word->text);
+    if (!found) {
+        line->unknown(word->column, QStringLiteral("command"), word->text,
+                      commandNames() << QStringLiteral("nothing") << QStringLiteral("identifier"));
+        return;
+    }
+    event.command = *found;
+    word = line->take(QStringLiteral("a state like KeyPressed"));
+    if (!word)
+        return;
+    const std::optional<InputEvent::State> foundState = state(word->text);
+    if (!foundState) {
+        line->unknown(word->column, QStringLiteral("state"), word->text, stateNames());
+        return;
+    }
+    event.state = *foundState;
+    while (line->isOk() && !line->atEnd()) {
+        if (!readExpectOption(line, &event))
+            return;
+    }
+    if (line->isOk()) {
+        addTime(line, qMax(event.within.value_or(0), event.latest.value_or(0)));
+        add(*line, event);
+    }
+}
+
+bool ScenarioReader::readExpectOption(ScenarioLine *line, Step::ExpectEvent *event)
+{
+    if (line->takeKeyword(QLatin1String("after"))) {
+        readAfter(line, event);
+    } else if (line->takeKeyword(QLatin1String("within"))) {
+        event->within = line->takeDuration();
+    } else if (line->takeKeyword(QLatin1String("from"))) {
+        const ScenarioWord *word = line->take(QStringLiteral("the device that it comes from"));
+        if (!word)
+            return false;
+        if (word->isQuoted) {
+            event->deviceName = word->text.toUtf8();
+        } else {
+            event->device = deviceNamed(word->text);
+            if (event->device < 0)
+                line->unknown(word->column, QStringLiteral("device"), word->text, labels());
+        }
+    } else {
+        const ScenarioWord *word = line->take(QString());
+        event->bus = bus(word->text);
+        if (!event->bus)
+            line->unknown(word->column, QStringLiteral("bus or word"), word->text,
+                          busNames() << QStringLiteral("after") << QStringLiteral("within")
+                                     << QStringLiteral("from"));
+    }
+    return line->isOk();
+}
+
+void ScenarioReader::readAfter(ScenarioLine *line, Step::ExpectEvent *event)
+{
+    const ScenarioWord *word = line->take(QStringLiteral("a time like 700ms or 700ms..750ms"));
+    if (!word)
+        return;
+    const int dots = word->text.indexOf(QLatin1String(".."));
+    const QString first = dots < 0 ? word->text : word->text.left(dots);
+    event->earliest = milliseconds(first);
+    event->latest = dots < 0 ? event->earliest : milliseconds(word->text.mid(dots + 2));
+    if (!event->earliest || !event->latest) {
+        line->error(
+            QStringLiteral("%1 is no time like 700ms or 700ms..750ms, in whole milliseconds")
+                .arg(inQuotes(word->text)));
+        return;
+    }
+    if (dots < 0)
+        event->latest = *event->earliest + tickTolerance;
+    if (*event->latest < *event->earliest)
+        line->error(QStringLiteral("%1 ends before it begins").arg(inQuotes(word->text)));
+    else if (*event->latest > maxWait + tickTolerance)
+        line->error(QStringLiteral("a duration is at most 7 days (168h)"));
+}
+
+void ScenarioReader::readExpectNothing(ScenarioLine *line)
+{
+    Step::ExpectNothing nothing;
+    if (line->takeKeyword(QLatin1String("for"))) {
+        const std::optional<qint64> duration = line->takeDuration();
+        if (!duration)
+            return;
+        addTime(line, *duration);
+        nothing.duration = *duration;
+    }
+    add(*line, nothing);
+}
+
+} // namespace Vorn::Workbench

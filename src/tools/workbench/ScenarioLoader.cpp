@@ -1,0 +1,227 @@
+#include "ScenarioLoader.h"
+
+#include "CodeNames.h"
+#include "ScenarioLine.h"
+#include "ScenarioParser.h"
+
+#include <QFileInfo>
+#include <QSet>
+
+#include <algorithm>
+
+namespace Vorn::Workbench {
+
+namespace {
+
+Diagnostic mistake(const QString &file, int line, const QString &message,
+                   Diagnostic::Severity severity = Diagnostic::Severity::Error)
+{
+    Diagnostic diagnostic;
+    diagnostic.severity = severity;
+    diagnostic.file = file;
+    diagnostic.line = line;
+    diagnostic.message = message;
+    return diagnostic;
+}
+
+void addErrors(const Diagnostics &from, Diagnostics *to)
+{
+    for (const Diagnostic &diagnostic : from) {
+        if (diagnostic.severity == Diagnostic::Severity::Error)
+            to->append(diagnostic);
+    }
+}
+
+std::optional<QByteArray> readInclude(const QString &path, QString *error)
+{
+    Diagnostics diagnostics;
+    std::optional<QByteArray> text = readFile(path, maxTextSize, &diagnostics);
+    if (!text && !diagnostics.isEmpty())
+        *error = diagnostics.first().message;
+    return text;
+}
+
+bool isUmockdev(const QString &path)
+{
+    return path.endsWith(QLatin1String(".umockdev"));
+}
+
+/// The steps that a file holds; none for an empty path.
+Scenario readSteps(const QString &path, Diagnostics *diagnostics)
+{
+    if (path.isEmpty())
+        return parseScenario({}, {}, readInclude).scenario;
+    const std::optional<QByteArray> text = readFile(path, maxTextSize, diagnostics);
+    if (!text)
+        return {};
+    const ParsedScenario parsed = parseScenario(*text, path, readInclude);
+    *diagnostics += parsed.diagnostics;
+    return parsed.scenario;
+}
+
+QString expectationsBeside(const QString &recording)
+{
+    const QString path =
+        recording.left(recording.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".expect");
+    return QFileInfo::exists(path) ? path : QString();
+}
+
+void loadProfileOf(LoadedScenario *loaded, const QString &override)
+{
+    const Scenario &scenario = loaded->scenario;
+    loaded->profileFile = override.isEmpty() ? scenario.profile : override;
+    if (loaded->profileFile.isEmpty()) {
+        loaded->diagnostics.append(
+            mistake(loaded->source, 0,
+                    QStringLiteral("no profile says what the keys mean; write 'profile \"FILE\"' "
+                                   "or give --profile FILE")));
+        return;
+    }
+    const ParsedProfile parsed = loadProfile(loaded->profileFile);
+    if (hasErrors(parsed.diagnostics) && override.isEmpty())
+        loaded->diagnostics.append(mistake(
+            scenario.profileNamedIn, scenario.profileLine,
+            QStringLiteral("the profile %1 has mistakes").arg(inQuotes(loaded->profileFile))));
+    addErrors(parsed.diagnostics, &loaded->diagnostics);
+    loaded->profile = parsed.profile;
+}
+
+void loadRecordingOf(LoadedScenario *loaded, const QString &path, const QString &file, int line)
+{
+    if (loaded->recordings.contains(path))
+        return;
+    const ParsedRecording recording = loadRecording(path);
+    if (hasErrors(recording.diagnostics) && path != loaded->source)
+        loaded->diagnostics.append(mistake(
+            file, line, QStringLiteral("the recording %1 cannot be used").arg(inQuotes(path))));
+    addErrors(recording.diagnostics, &loaded->diagnostics);
+    loaded->recordings.insert(path, recording);
+}
+
+void loadRecordings(LoadedScenario *loaded)
+{
+    for (const ScenarioDevice &device : loaded->scenario.devices) {
+        if (device.recording.isEmpty())
+            continue;
+        loadRecordingOf(loaded, device.recording, device.file, device.line);
+        const QVector<RecordedNode> &nodes = loaded->recordings[device.recording].nodes;
+        if (!hasErrors(loaded->diagnostics) && (nodes.size() != 1 || !nodes.first().device))
+            loaded->diagnostics.append(mistake(
+                device.file, device.line,
+                QStringLiteral("%1 does not describe one device").arg(inQuotes(device.recording))));
+    }
+    for (const ScenarioStep &step : loaded->scenario.steps) {
+        const auto *play = std::get_if<Step::Play>(&step.what);
+        if (!play)
+            continue;
+        loadRecordingOf(loaded, play->file, step.file, step.line);
+        const int nodes = loaded->recordings[play->file].nodes.size();
+        if (play->device >= 0 && nodes > 1)
+            loaded->diagnostics.append(mistake(
+                step.file, step.line,
+                QStringLiteral("%1 holds %2 devices, so it cannot be played on one; leave 'on' out")
+                    .arg(inQuotes(play->file))
+                    .arg(nodes)));
+    }
+}
+
+int lowestFree(QSet<int> *taken)
+{
+    int number = 0;
+    while (taken->contains(number))
+        ++number;
+    taken->insert(number);
+    return number;
+}
+
+/// The nodes of devices and recordings: those that are given first, the others where there is room.
+void assignNodes(LoadedScenario *loaded)
+{
+    QSet<int> taken;
+    for (const ScenarioDevice &device : loaded->scenario.devices) {
+        if (device.node)
+            taken.insert(*device.node);
+    }
+    QStringList evemus;
+    for (const ScenarioStep &step : loaded->scenario.steps) {
+        const auto *play = std::get_if<Step::Play>(&step.what);
+        if (!play || play->device >= 0 || loaded->recordingNodes.contains(play->file))
+            continue;
+        QVector<int> &numbers = loaded->recordingNodes[play->file];
+        if (!isUmockdev(play->file)) {
+            evemus.append(play->file);
+            continue;
+        }
+        for (const RecordedNode &node : loaded->recordings[play->file].nodes) {
+            if (taken.contains(node.number))
+                loaded->diagnostics.append(mistake(
+                    step.file, step.line,
+                    QStringLiteral("the recording's node event%1 is taken; give the other device "
+                                   "another node=")
+                        .arg(node.number)));
+            taken.insert(node.number);
+            numbers.append(node.number);
+        }
+    }
+    for (const ScenarioDevice &device : loaded->scenario.devices)
+        loaded->deviceNodes.append(device.node ? *device.node : lowestFree(&taken));
+    for (const QString &path : qAsConst(evemus)) {
+        for (int i = 0; i < loaded->recordings[path].nodes.size(); ++i)
+            loaded->recordingNodes[path].append(lowestFree(&taken));
+    }
+}
+
+// Without a handler nothing is reported, which may be meant, but seldom is.
+void warnOfUnknownIdentifiers(LoadedScenario *loaded)
+{
+    const QStringList known = loaded->profile.identifiers();
+    for (const ScenarioStep &step : loaded->scenario.steps) {
+        const auto *select = std::get_if<Step::Select>(&step.what);
+        if (select && !known.contains(select->identifier))
+            loaded->diagnostics.append(mistake(
+                step.file, step.line,
+                QStringLiteral("the profile has no identifier %1%2")
+                    .arg(inQuotes(select->identifier), suggestion(select->identifier, known)),
+                Diagnostic::Severity::Warning));
+    }
+}
+
+} // namespace
+
+bool isRecording(const QString &path)
+{
+    return path.endsWith(QLatin1String(".evemu")) || isUmockdev(path);
+}
+
+LoadedScenario loadScenario(const QString &path, const LoadOptions &options)
+{
+    LoadedScenario loaded;
+    loaded.source = path;
+    if (isRecording(path)) {
+        const QString expectations =
+            options.expectations.isEmpty() ? expectationsBeside(path) : options.expectations;
+        loaded.scenario = readSteps(expectations, &loaded.diagnostics);
+        Step::Play play;
+        play.file = path;
+        loaded.scenario.steps.prepend(
+            ScenarioStep{path, 0, QStringLiteral("play \"%1\"").arg(path), play, false});
+    } else {
+        if (!options.expectations.isEmpty())
+            loaded.diagnostics.append(
+                mistake(path, 0,
+                        QStringLiteral("--expectations is for recordings (.evemu, .umockdev); a "
+                                       "scenario holds its own")));
+        loaded.scenario = readSteps(path, &loaded.diagnostics);
+    }
+    if (hasErrors(loaded.diagnostics))
+        return loaded;
+    loadProfileOf(&loaded, options.profile);
+    loadRecordings(&loaded);
+    if (hasErrors(loaded.diagnostics))
+        return loaded;
+    assignNodes(&loaded);
+    warnOfUnknownIdentifiers(&loaded);
+    return loaded;
+}
+
+} // namespace Vorn::Workbench

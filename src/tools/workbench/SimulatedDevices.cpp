@@ -1,0 +1,178 @@
+#include "SimulatedDevices.h"
+
+#include "CodeNames.h"
+
+namespace Vorn::Workbench {
+
+namespace {
+
+constexpr mode_t readableMode = 0660;
+
+void addOnce(QVector<int> *codes, int code)
+{
+    if (!codes->contains(code))
+        codes->append(code);
+}
+
+/// What a profile maps for the device, so that the device has these keys and switches.
+void addMapped(const Profile &profile, Sim::DeviceDescription *device, bool keys, bool switches)
+{
+    const QString name = QString::fromUtf8(device->name);
+    const DeviceProfile *mapped = profile.deviceFor(name, libraryBus(device->id.bustype, name));
+    if (!mapped)
+        return;
+    for (const HandlerProfile &handler : mapped->handlers) {
+        if (keys) {
+            for (const KeyMapping &key : handler.keys)
+                addOnce(&device->keys, key.code);
+            for (const ChordMapping &chord : handler.chords) {
+                addOnce(&device->keys, chord.first);
+                addOnce(&device->keys, chord.second);
+            }
+        }
+        if (switches) {
+            for (const SwitchMapping &mapping : handler.switches)
+                addOnce(&device->switches, mapping.code);
+        }
+    }
+}
+
+void addUsed(const QVector<RecordedEvent> &events, Sim::DeviceDescription *device, bool keys,
+             bool switches)
+{
+    for (const RecordedEvent &event : events) {
+        if (keys && event.type == EV_KEY)
+            addOnce(&device->keys, event.code);
+        else if (switches && event.type == EV_SW)
+            addOnce(&device->switches, event.code);
+    }
+}
+
+} // namespace
+
+Sim::DeviceDescription describe(const RecordedDevice &device)
+{
+    Sim::DeviceDescription result;
+    result.name = device.name.isNull() ? QByteArray("") : device.name;
+    result.id = device.id;
+    result.keys = device.codesOf(EV_KEY);
+    result.switches = device.codesOf(EV_SW);
+    result.keysHeld = device.keysDown;
+    result.switchesOn = device.switchesOn;
+    result.autoRepeat = device.has(EV_REP);
+    for (auto it = device.codes.cbegin(); it != device.codes.cend(); ++it) {
+        if (it.key() != EV_REP)
+            result.eventTypes.append(it.key());
+    }
+    return result;
+}
+
+SimulatedDevices::SimulatedDevices(const LoadedScenario &loaded, Sim::InputSubsystem *subsystem)
+    : m_loaded(loaded)
+    , m_subsystem(subsystem)
+    , m_readable(loaded.scenario.devices.size(), true)
+{ }
+
+Sim::DeviceDescription SimulatedDevices::describe(int device) const
+{
+    const ScenarioDevice &declared = m_loaded.scenario.devices[device];
+    Sim::DeviceDescription result;
+    const bool isRecorded = !declared.recording.isEmpty();
+    if (isRecorded)
+        result = Workbench::describe(*m_loaded.recordings[declared.recording].nodes.first().device);
+    else
+        result.name = declared.label.toUtf8();
+    if (declared.name)
+        result.name = *declared.name;
+    if (declared.bus)
+        result.id.bustype = static_cast<__u16>(*declared.bus);
+    result.keysHeld += declared.held;
+    result.switchesOn += declared.on;
+    result.autoRepeat = result.autoRepeat || declared.autoRepeat;
+    if (declared.keys)
+        result.keys = *declared.keys;
+    if (declared.switches)
+        result.switches = *declared.switches;
+    if (!isRecorded) {
+        const bool keys = !declared.keys;
+        const bool switches = !declared.switches;
+        if (keys)
+            result.keys += declared.usedKeys;
+        if (switches)
+            result.switches += declared.usedSwitches;
+        addMapped(m_loaded.profile, &result, keys, switches);
+        for (const ScenarioStep &step : m_loaded.scenario.steps) {
+            const auto *play = std::get_if<Step::Play>(&step.what);
+            if (play && play->device == device) {
+                for (const RecordedNode &node : m_loaded.recordings[play->file].nodes)
+                    addUsed(node.events, &result, keys, switches);
+            }
+        }
+    }
+    result.mode = m_readable[device] ? readableMode : 0;
+    return result;
+}
+
+void SimulatedDevices::plug(int device)
+{
+    m_subsystem->plug(m_loaded.deviceNodes[device], describe(device));
+}
+
+void SimulatedDevices::releaseKeys(int device)
+{
+    Sim::InputNode &keys = node(device);
+    for (int code = 0; code <= maxKeyCode; ++code) {
+        if (keys.isKeyDown(code))
+            keys.report(EV_KEY, code, 0);
+    }
+    keys.sync();
+}
+
+void SimulatedDevices::unplug(int device, bool losingRecords)
+{
+    m_subsystem->unplug(m_loaded.deviceNodes[device],
+                        losingRecords ? Sim::InputSubsystem::Unread::Lost
+                                      : Sim::InputSubsystem::Unread::Delivered);
+}
+
+void SimulatedDevices::replace(const Step::Replace &step)
+{
+    Sim::DeviceDescription other = describe(step.device);
+    other.name = step.name;
+    if (step.bus)
+        other.id.bustype = static_cast<__u16>(*step.bus);
+    const ScenarioDevice &declared = m_loaded.scenario.devices[step.device];
+    addMapped(m_loaded.profile, &other, !declared.keys, !declared.switches);
+    m_subsystem->replace(m_loaded.deviceNodes[step.device], other);
+}
+
+void SimulatedDevices::permit(int device, bool readable)
+{
+    m_readable[device] = readable;
+    m_subsystem->setPermissions(m_loaded.deviceNodes[device], readable ? readableMode : 0);
+}
+
+void SimulatedDevices::plugRecorded(const QString &recording)
+{
+    const QVector<RecordedNode> &nodes = m_loaded.recordings[recording].nodes;
+    const QVector<int> numbers = m_loaded.recordingNodes[recording];
+    for (int i = 0; i < nodes.size(); ++i) {
+        if (m_subsystem->node(numbers[i]).isPlugged())
+            continue;
+        Sim::DeviceDescription description;
+        if (nodes[i].device) {
+            description = Workbench::describe(*nodes[i].device);
+        } else {
+            description.name = "device";
+            addUsed(nodes[i].events, &description, true, true);
+        }
+        m_subsystem->plug(numbers[i], description);
+    }
+}
+
+Sim::InputNode &SimulatedDevices::node(int device)
+{
+    return m_subsystem->node(m_loaded.deviceNodes[device]);
+}
+
+} // namespace Vorn::Workbench
