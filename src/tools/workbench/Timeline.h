@@ -1,0 +1,26 @@
+#ifndef VORN_WORKBENCH_TIMELINE_H
+#define VORN_WORKBENCH_TIMELINE_H
+
+#include "Session.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QVector>
+
+namespace Vorn::Workbench {
+
+struct TimelineOptions
+{
+    QString title; ///< empty: the session's source
+    qint64 from = 0; ///< µs of the session
+    qint64 to = -1; ///< µs; -1: to its end
+};
+
+/// Draws a session as a picture (SVG): a lane for each key with the times it was down, what the
+/// detectors did with it, and the published events, all on one axis of time. Readable on a light
+/// and on a dark background. The same bytes for the same session, on every machine.
+QByteArray timelineSvg(const QVector<SessionEntry> &entries, const TimelineOptions &options);
+
+} // namespace Vorn::Workbench
+
+#endif
