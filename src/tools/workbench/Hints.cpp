@@ -1,0 +1,164 @@
+#include "Hints.h"
+
+#include "CodeNames.h"
+
+#include <linux/input.h>
+
+#include <algorithm>
+
+namespace Vorn::Workbench {
+
+namespace {
+
+QString inputEvent(std::optional<InputEvent::Command> command)
+{
+    return QStringLiteral("InputEvent::")
+        + (command ? commandName(*command) : QStringLiteral("\u2026"));
+}
+
+/// Calls @p isThere for each of the handlers that are registered under @p identifier.
+template <typename Predicate>
+bool anyHandler(const DeviceProfile *mapping, const QString &identifier, Predicate isThere)
+{
+    return mapping
+        && std::any_of(mapping->handlers.begin(), mapping->handlers.end(),
+                       [&](const HandlerProfile &handler) {
+                           return handler.identifiers.contains(identifier) && isThere(handler);
+                       });
+}
+
+bool hasKey(const DeviceProfile *mapping, const QString &identifier, int code)
+{
+    return anyHandler(mapping, identifier, [code](const HandlerProfile &handler) {
+        const auto isCode = [code](const KeyMapping &key) { return key.code == code; };
+        const auto isPart = [code](const ChordMapping &chord) {
+            return chord.first == code || chord.second == code;
+        };
+        return std::any_of(handler.keys.begin(), handler.keys.end(), isCode)
+            || std::any_of(handler.chords.begin(), handler.chords.end(), isPart);
+    });
+}
+
+bool hasSwitch(const DeviceProfile *mapping, const QString &identifier, int code)
+{
+    return anyHandler(mapping, identifier, [code](const HandlerProfile &handler) {
+        return std::any_of(handler.switches.begin(), handler.switches.end(),
+                           [code](const SwitchMapping &each) { return each.code == code; });
+    });
+}
+
+QString keyId(const QString &device, int code)
+{
+    return device + QLatin1Char(':') + QString::number(code);
+}
+
+} // namespace
+
+bool isUsuallyImmediate(InputEvent::Command command)
+{
+    switch (command) {
+    case InputEvent::CursorLeft:
+    case InputEvent::CursorRight:
+    case InputEvent::CursorUp:
+    case InputEvent::CursorDown:
+    case InputEvent::CursorPageUp:
+    case InputEvent::CursorPageDown:
+    case InputEvent::VolumeUp:
+    case InputEvent::VolumeDown:
+    case InputEvent::PlaySpeedUp:
+    case InputEvent::PlaySpeedDown:
+    case InputEvent::PushToTalk:
+    case InputEvent::Backspace:
+    case InputEvent::Delete:
+        return true;
+    default:
+        return isCharacter(command);
+    }
+}
+
+QString keyRegistration(int code)
+{
+    const auto command = usualKeyCommand(code);
+    return QStringLiteral("keys->registerKey(%1, %2, %3);")
+        .arg(keyName(code), inputEvent(command),
+             QLatin1String(command && isUsuallyImmediate(*command) ? "true" : "false"));
+}
+
+QString longPressRegistration(int code)
+{
+    return QStringLiteral("keys->enableLongPress(%1, false, {%2});")
+        .arg(keyName(code))
+        .arg(usualLongPressMs);
+}
+
+QString chordRegistration(int first, int second)
+{
+    return QStringLiteral("keys->registerDoubleKey(%1, %2, %3);")
+        .arg(keyName(first), keyName(second), inputEvent(std::nullopt));
+}
+
+QString switchRegistration(int code)
+{
+    return QStringLiteral("switches->registerSwitch(%1, %2);")
+        .arg(switchName(code), inputEvent(usualSwitchCommand(code)));
+}
+
+QStringList Hints::once(const QString &place, const QString &text)
+{
+    const QString key = place + text;
+    if (m_told.contains(key))
+        return {};
+    m_told.insert(key);
+    return {text};
+}
+
+QStringList Hints::add(const SessionEntry &entry, const Profile *profile, const QString &identifier)
+{
+    if (const auto *change = std::get_if<DeviceChange>(&entry.what)) {
+        if (change->added)
+            m_devices.insert(change->device, Device{change->name, change->bus});
+        else
+            m_devices.remove(change->device);
+        return {};
+    }
+    const auto mappingOf = [&](const QString &path) -> const DeviceProfile * {
+        const Device device = m_devices.value(path);
+        return profile ? profile->deviceFor(device.name, device.bus) : nullptr;
+    };
+    if (const auto *record = std::get_if<RecordRead>(&entry.what))
+        return ofRecord(*record, entry.time, mappingOf(record->device), identifier);
+    const auto *step = std::get_if<DetectorStep>(&entry.what);
+    if (!step || step->what != DetectorStep::What::ChordFound || step->keys.size() != 2)
+        return {};
+    // How long a chord is held says nothing about a long press of its keys.
+    for (const int code : step->keys)
+        m_pressed.remove(keyId(step->device, code));
+    // With a profile, two keys that happen to be down together are no news.
+    return profile ? QStringList()
+                   : once(step->device, chordRegistration(step->keys.first(), step->keys.last()));
+}
+
+QStringList Hints::ofRecord(const RecordRead &record, qint64 time, const DeviceProfile *mapping,
+                            const QString &identifier)
+{
+    const QString place = record.device + QLatin1Char('/') + identifier;
+    if (record.type == EV_SW) {
+        return hasSwitch(mapping, identifier, record.code)
+            ? QStringList()
+            : once(place, switchRegistration(record.code));
+    }
+    if (record.type != EV_KEY || hasKey(mapping, identifier, record.code))
+        return {};
+    const QString key = keyId(record.device, record.code);
+    if (record.value == 1) {
+        m_pressed.insert(key, time);
+        return once(place, keyRegistration(record.code));
+    }
+    if (record.value == 0 && m_pressed.contains(key)
+        && time - m_pressed.take(key) >= longPressHoldUs) {
+        return once(place, longPressRegistration(record.code));
+    }
+    return {};
+}
+
+} // namespace Vorn::Workbench

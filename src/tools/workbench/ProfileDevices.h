@@ -1,0 +1,91 @@
+#ifndef VORN_WORKBENCH_PROFILEDEVICES_H
+#define VORN_WORKBENCH_PROFILEDEVICES_H
+
+#include "BasicInputHandler.h"
+#include "ObservedHandlers.h"
+#include "Profile.h"
+#include "Session.h"
+
+#include <QMap>
+#include <QSet>
+#include <QString>
+#include <QVector>
+
+#include <optional>
+
+namespace Vorn::Workbench {
+
+/// The library's device manager with the registrations of a profile, as a product would make them.
+/// It tells a SessionLog of everything that happens: devices, records, what the detectors do,
+/// published events, selections.
+///
+/// Nothing is read twice: handlers see the batches on their way to the library. Where the product
+/// would have no handler (a device or an identifier that the profile does not mention), one without
+/// registrations takes the records, so that they are told of; nothing is published by that.
+///
+/// **Thread**: the one of the event loop. Only one at a time, since all publish on the same bus.
+class ProfileDevices : public BasicInputHandler
+{
+    Q_OBJECT
+
+public:
+    /// Selects the profile's initial identifier.
+    /// @param log must live longer
+    ProfileDevices(const Profile &profile, SessionLog *log);
+    ~ProfileDevices() override;
+
+    void addDevice(const QString &device, const QString &name) override;
+    void removeDevice(const QString &device) override;
+
+    /// Selects an identifier, as a product does, and tells the log.
+    void select(const QString &identifier);
+    QString identifier() const { return m_identifier; }
+
+    const Profile &profile() const { return m_profile; }
+
+    /// Paths and kernel names of the devices that are there.
+    QMap<QString, QString> devices() const;
+
+Q_SIGNALS:
+    /// Emitted after the log was told.
+    void deviceAdded(const QString &device, const QString &name);
+    void deviceRemoved(const QString &device);
+
+private:
+    struct Device
+    {
+        QString name;
+        InputEvent::Bus bus = InputEvent::Bus::NoBus;
+        /// Owned here; they take what the product would leave unread.
+        ObservedKeyHandler *otherKeys = nullptr;
+        ObservedSwitchHandler *otherSwitches = nullptr;
+        /// Owned by the library.
+        QVector<ObservedKeyHandler *> keyHandlers;
+        QSet<QString> keyIdentifiers;
+        QSet<QString> switchIdentifiers;
+    };
+
+    struct LongPressSource
+    {
+        ObservedKeyHandler *handler = nullptr;
+        QString device;
+        ObservedKeyHandler::DueKey key;
+    };
+
+    void onInputEvent(const InputEvent &event);
+    LongPressSource longPressSource(const InputEvent &event) const;
+    void addHandlers(const QString &path, Device *device, const HandlerProfile &handlers,
+                     const Observation &keys, const Observation &switches);
+    void takeUnreadRecords();
+    static void deleteOtherHandlers(const Device &device);
+
+    const Profile m_profile;
+    SessionLog *const m_log;
+    QString m_identifier;
+    QMap<QString, Device> m_devices;
+    std::optional<Cause> m_cause;
+};
+
+} // namespace Vorn::Workbench
+
+#endif

@@ -1,0 +1,39 @@
+#ifndef VORN_WORKBENCH_PROFILEWATCHER_H
+#define VORN_WORKBENCH_PROFILEWATCHER_H
+
+#include "Profile.h"
+
+#include <QByteArray>
+#include <QFileSystemWatcher>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <functional>
+
+namespace Vorn::Workbench {
+
+/// Reads a profile again whenever its file changes, however an editor saves it: in place, or by
+/// renaming a new file to it. A file that is missing for the moment is waited for; the same content
+/// is no change.
+class ProfileWatcher : public QObject
+{
+public:
+    using OnChange = std::function<void(const ParsedProfile &)>;
+
+    /// @param onChange called with each new content, mistakes and all
+    ProfileWatcher(const QString &path, OnChange onChange);
+
+private:
+    void lookAgain();
+
+    const QString m_path;
+    const OnChange m_onChange;
+    QByteArray m_content;
+    QFileSystemWatcher m_watcher;
+    QTimer m_settled;
+};
+
+} // namespace Vorn::Workbench
+
+#endif

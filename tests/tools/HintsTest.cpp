@@ -1,0 +1,120 @@
+#include "Hints.h"
+
+#include <gmock/gmock.h>
+
+#include <linux/input.h>
+
+using namespace Vorn::Workbench;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+const QString panel = QStringLiteral("/dev/input/event0");
+
+class HintsTest : public testing::Test
+{
+protected:
+    HintsTest()
+    {
+        m_hints.add({0, DeviceChange{panel, "front-panel", InputEvent::Bus::LocalUI, true}},
+                    nullptr, {});
+    }
+
+    std::vector<std::string> add(qint64 time, const decltype(SessionEntry::what) &what,
+                                 const Profile *profile = nullptr, const QString &identifier = {})
+    {
+        std::vector<std::string> lines;
+        for (const QString &line : m_hints.add({time, what}, profile, identifier))
+            lines.push_back(line.toStdString());
+        return lines;
+    }
+
+private:
+    Hints m_hints;
+};
+
+RecordRead key(int code, int value)
+{
+    return RecordRead{panel, EV_KEY, code, value, 1};
+}
+
+Profile profileWith(const HandlerProfile &handler)
+{
+    Profile profile;
+    DeviceProfile device;
+    device.name = QStringLiteral("front-panel");
+    device.handlers += handler;
+    profile.devices += device;
+    return profile;
+}
+
+} // namespace
+
+TEST_F(HintsTest, ShowTheRegistrationOfAKeyOnce)
+{
+    EXPECT_THAT(add(0, key(KEY_INFO, 1)),
+                ElementsAre("keys->registerKey(KEY_INFO, InputEvent::Info, false);"));
+    EXPECT_THAT(add(0, key(KEY_INFO, 0)), IsEmpty());
+    EXPECT_THAT(add(0, key(KEY_INFO, 1)), IsEmpty());
+    EXPECT_THAT(add(0, key(KEY_VOLUMEUP, 1)),
+                ElementsAre("keys->registerKey(KEY_VOLUMEUP, InputEvent::VolumeUp, true);"));
+    EXPECT_THAT(add(0, key(KEY_F12, 1)),
+                ElementsAre("keys->registerKey(KEY_F12, InputEvent::\u2026, false);"));
+}
+
+TEST_F(HintsTest, ShowTheLongPressOfAKeyThatWasHeld)
+{
+    add(0, key(KEY_INFO, 1));
+    EXPECT_THAT(add(599'999, key(KEY_INFO, 0)), IsEmpty());
+    add(1'000'000, key(KEY_INFO, 1));
+    EXPECT_THAT(add(1'600'000, key(KEY_INFO, 0)),
+                ElementsAre("keys->enableLongPress(KEY_INFO, false, {700});"));
+}
+
+TEST_F(HintsTest, ShowTheRegistrationOfAChordAndOfASwitch)
+{
+    DetectorStep chord;
+    chord.what = DetectorStep::What::ChordFound;
+    chord.device = panel;
+    chord.keys = {KEY_STOP, KEY_PLAY};
+    EXPECT_THAT(add(0, chord),
+                ElementsAre("keys->registerDoubleKey(KEY_STOP, KEY_PLAY, InputEvent::\u2026);"));
+    EXPECT_THAT(add(0, RecordRead{panel, EV_SW, SW_LINEIN_INSERT, 1, 1}),
+                ElementsAre("switches->registerSwitch(SW_LINEIN_INSERT, InputEvent::SWLineIn);"));
+}
+
+TEST_F(HintsTest, ShowNoLongPressOfTheKeysOfAChord)
+{
+    add(0, key(KEY_STOP, 1));
+    DetectorStep chord;
+    chord.what = DetectorStep::What::ChordFound;
+    chord.device = panel;
+    chord.keys = {KEY_STOP, KEY_PLAY};
+    add(0, chord);
+    EXPECT_THAT(add(5'000'000, key(KEY_STOP, 0)), IsEmpty());
+}
+
+TEST_F(HintsTest, SayNothingOfWhatIsRegisteredUnderTheIdentifier)
+{
+    HandlerProfile handler;
+    handler.identifiers = QStringList{QStringLiteral("browse")};
+    handler.keys += KeyMapping{KEY_INFO, InputEvent::Info, false, {}, {}};
+    handler.chords += ChordMapping{KEY_STOP, KEY_PLAY, InputEvent::FactoryReset, {}};
+    handler.switches += SwitchMapping{SW_LINEIN_INSERT, InputEvent::SWLineIn};
+    const Profile profile = profileWith(handler);
+
+    for (const int code : {KEY_INFO, KEY_STOP, KEY_PLAY})
+        EXPECT_THAT(add(0, key(code, 1), &profile, "browse"), IsEmpty());
+    EXPECT_THAT(add(0, RecordRead{panel, EV_SW, SW_LINEIN_INSERT, 1, 1}, &profile, "browse"),
+                IsEmpty());
+    EXPECT_EQ(add(0, key(KEY_MUTE, 1), &profile, "browse").size(), 1U);
+    EXPECT_EQ(add(0, key(KEY_INFO, 1), &profile, "text").size(), 1U);
+}
+
+TEST_F(HintsTest, SayNothingOfOtherRecords)
+{
+    EXPECT_THAT(add(0, RecordRead{panel, EV_MSC, MSC_SCAN, 7, 1}), IsEmpty());
+    EXPECT_THAT(add(0, RecordRead{panel, EV_SYN, SYN_REPORT, 0, 1}), IsEmpty());
+    EXPECT_THAT(add(0, IdentifierSelected{"text"}), IsEmpty());
+}
