@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# vorn-input monitor reads an edited profile again, keeps the old one when the new one is broken, and
+# ends cleanly when it is interrupted, with everything recorded that came until then.
+# usage: workbench_monitor_test.sh SOURCE PROGRAM
+. "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
+
+source=$1 program=$2
+command -v umockdev-run >/dev/null || skip "umockdev-run is missing"
+cd "$folder"
+cp "$source/examples/profiles/player.json" profile.json
+
+# wait_for PATTERN FILE
+wait_for() {
+    local i
+    for ((i = 0; i < 200; ++i)); do
+        if grep -q -E "$1" "$2" 2>/dev/null; then
+            return
+        fi
+        sleep 0.1
+    done
+    failed "expected in $2: $1"
+    finish
+}
+
+description='monitor, interrupted' status=0
+touch out err
+# In the background a shell ignores SIGINT, and so would what it starts.
+setsid bash -c 'trap - INT; exec "$@"' bash \
+    "$source/examples/player/recordings/replay.sh" bash -c 'echo $$ >pid; exec "$@"' bash \
+    "$program" monitor --profile profile.json --record session --json >out 2>err &
+replay=$!
+wait_for '"KeyLongPress"' out
+
+sed 's/"VolumeUp"/"VolumUp"/' "$source/examples/profiles/player.json" >profile.json
+wait_for "profile.json has mistakes" out
+wait_for "profile.json:[0-9]+:[0-9]+: error: unknown command 'VolumUp'" err
+wait_for '"FactoryReset"' out
+sed 's/"FactoryReset"/"Power"/' "$source/examples/profiles/player.json" >new.json
+mv new.json profile.json
+wait_for "profile.json was loaded again" out
+
+kill -INT "$(cat pid)"
+wait "$replay" || status=$?
+expect_status 0
+grep -q '"KeyLongPress"' session/session.jsonl || failed "expected the long press to be recorded"
+grep -q 'KeyLongPress' session/session.expect || failed "expected the long press to be expected"
+[ "$(grep -c '"change":"added"' out)" -eq 4 ] || failed "expected each device to be shown once"
+jq -e . out >json 2>&1 || failed "expected JSON, one object a line"
+finish

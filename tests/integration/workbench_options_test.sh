@@ -1,0 +1,94 @@
+#!/usr/bin/env bash
+# vorn-input refuses what it cannot do in one clear line, with status 2, and leaves nothing behind.
+# usage: workbench_options_test.sh SOURCE PROGRAM
+. "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
+
+source=$1 program=$2
+cd "$folder"
+player=$source/examples/profiles/player.json
+echo 'this is no JSON' >broken.json
+echo 'panel press' >broken.scenario
+echo 'wait 1s' >wait.scenario
+echo 'E: what' >broken.evemu
+echo '[]' >broken.jsonl
+touch existing.json empty.jsonl
+
+for command in devices monitor learn check simulate timeline; do
+    run "$program" "$command" --help
+    expect_status 0
+    expect_nothing_on_stderr
+    grep -q '^Examples:' "$folder/out" || failed "expected examples in the help"
+    case $command in
+    check | simulate) required=(broken.json) ;;
+    learn) required=(-o new.json) ;;
+    timeline) required=(broken.jsonl -o new.svg) ;;
+    *) required=() ;;
+    esac
+    run "$program" "$command" "${required[@]}" --nonsense
+    expect_status 2
+    [ ! -s "$folder/out" ] || failed "expected nothing on stdout"
+    grep -q -e --nonsense "$folder/err" || failed "expected the option's name"
+done
+
+run "$program" --version
+expect_status 0
+expect_out 'vorn-input [0-9]+\.[0-9]+\.[0-9]+'
+run "$program" --help
+expect_status 0
+run "$program"
+expect_status 2
+run "$program" nonsense
+expect_status 2
+run "$program" --log nonsense devices
+expect_status 2
+run "$program" --color nonsense devices
+expect_status 2
+
+# refuse PATTERN ARGUMENT…: status 2, and one line on stderr.
+refuse() {
+    local pattern=$1
+    shift
+    run "$program" "$@"
+    expect_status 2
+    [ ! -s "$folder/out" ] || failed "expected nothing on stdout"
+    grep -q -E -e "$pattern" "$folder/err" || failed "expected on stderr: $pattern"
+}
+
+for command in check simulate; do
+    run "$program" "$command"
+    expect_status 2
+done
+run "$program" check missing.json
+expect_status 2
+run "$program" check broken.json
+expect_status 1
+expect_nothing_on_stderr
+run "$program" check "$player"
+expect_status 0
+run "$program" check broken.json "$player" missing.json
+expect_status 2
+
+refuse 'missing.scenario: error: cannot be read' simulate missing.scenario
+refuse 'broken.scenario:1:[0-9]+: error: ' simulate broken.scenario
+refuse 'broken.evemu:1.*: error: ' simulate broken.evemu
+refuse 'broken.json:1:[0-9]+: error: ' simulate --profile broken.json wait.scenario
+refuse 'broken.json:1:[0-9]+: error: ' monitor --profile broken.json
+refuse 'missing.json: error: cannot be read' monitor --profile missing.json
+refuse 'duration' monitor --duration 0
+refuse 'duration' monitor --duration x
+refuse 'existing.json exists' learn -o existing.json
+refuse "unknown command 'VolumUp', did you mean 'VolumeUp'" learn -o new.json -c VolumUp
+refuse 'output' learn
+refuse 'missing.jsonl: error: cannot be read' timeline missing.jsonl -o new.svg
+refuse 'broken.jsonl:1.*: error: ' timeline broken.jsonl -o new.svg
+refuse 'empty.jsonl' timeline empty.jsonl -o new.svg
+refuse 'output' timeline broken.jsonl
+
+mkdir "$folder/full"
+touch "$folder/full/session.umockdev"
+refuse 'full' monitor --record full
+
+if [ -e new.json ] || [ -e new.svg ]; then
+    failed "expected no file to be written"
+fi
+finish
