@@ -1,0 +1,34 @@
+#include "Profile.h"
+
+namespace Vorn::Workbench {
+
+const DeviceProfile *Profile::deviceFor(const QString &name, InputEvent::Bus bus) const
+{
+    for (const DeviceProfile &device : devices) {
+        if (device.name.value_or(name) == name && device.bus.value_or(bus) == bus)
+            return &device;
+    }
+    return nullptr;
+}
+
+QStringList Profile::identifiers() const
+{
+    QStringList all{initial};
+    for (const SelectRule &rule : select)
+        all += rule.identifier;
+    for (const DeviceProfile &device : devices) {
+        for (const HandlerProfile &handler : device.handlers)
+            all += handler.identifiers;
+    }
+    all.removeDuplicates();
+    return all;
+}
+
+ParsedProfile loadProfile(const QString &path)
+{
+    ParsedProfile parsed;
+    const auto text = readFile(path, maxTextSize, &parsed.diagnostics);
+    return text ? parseProfile(*text, path) : parsed;
+}
+
+} // namespace Vorn::Workbench

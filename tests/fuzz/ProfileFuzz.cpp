@@ -1,0 +1,33 @@
+#include "Profile.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+using namespace Vorn::Workbench;
+
+// Qt's parser leaves a list or an object behind whose member comes again in the same object.
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions()
+{
+    return "leak:libQt5Core";
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QByteArray text(reinterpret_cast<const char *>(data), static_cast<int>(size));
+    const ParsedProfile parsed = parseProfile(text, QStringLiteral("fuzz.json"));
+    for (const Diagnostic &diagnostic : parsed.diagnostics) {
+        if (diagnostic.line < 1 || diagnostic.column < 1 || diagnostic.message.isEmpty())
+            std::abort();
+    }
+    if (hasErrors(parsed.diagnostics))
+        return 0;
+
+    // What was read without a mistake is written without one, and to the same bytes again.
+    const QByteArray written = profileToJson(parsed.profile);
+    const ParsedProfile again = parseProfile(written, QStringLiteral("written.json"));
+    if (hasErrors(again.diagnostics) || profileToJson(again.profile) != written)
+        std::abort();
+    return 0;
+}
