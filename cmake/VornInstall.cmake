@@ -55,3 +55,17 @@ configure_file(
     "${PROJECT_BINARY_DIR}/vorn_input.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/vorn_input.pc"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+if(TARGET vorn_input_tool)
+    install(TARGETS vorn_input_tool RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+    install(FILES "${PROJECT_SOURCE_DIR}/share/vorn-input/profile.schema.json"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/vorn-input")
+    install(FILES "${PROJECT_SOURCE_DIR}/packaging/completions/vorn-input.bash"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" RENAME vorn-input)
+    install(FILES "${PROJECT_SOURCE_DIR}/packaging/completions/_vorn-input"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions")
+    if(TARGET vorn_input_manual)
+        install(FILES "${PROJECT_BINARY_DIR}/vorn-input.1"
+            DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+    endif()
+endif()

@@ -28,8 +28,8 @@ esac
 # What the programs need when they run, with all that it depends on.
 runtime_packages=(libc6-dev libevdev2 liblog4cplus-2.0.5 libqt5core5a libqt5test5)
 # What is needed to build them, without the graphics libraries that it depends on.
-development_packages=(busybox-static libevdev-dev libgmock-dev libgtest-dev liblog4cplus-dev
-    qt5-qmake qtbase5-dev)
+development_packages=(busybox-static libcli11-dev libevdev-dev libgmock-dev libgtest-dev
+    liblog4cplus-dev qt5-qmake qtbase5-dev)
 
 fill() {
     local sysroot=$1 state log

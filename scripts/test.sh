@@ -10,6 +10,7 @@ Installs what is missing (with sudo unless it runs as root), builds, and runs al
   release    the same on the optimised build; its assertions must be as fatal
   asan       the same under AddressSanitizer and UndefinedBehaviorSanitizer
   valgrind   the unit tests of the Debug build under memcheck
+  fuzz       everything that reads files, with inputs that a fuzzer makes up for ten seconds each
 
 and with --vm also
 
@@ -19,7 +20,7 @@ and with --vm also
 Ends with a line "N passed, N failed, N skipped", and with status 0 when none failed. Logs are kept
 in build/logs.
 
---quick    Of the first four the dev tests alone.
+--quick    Of the first five the dev tests alone.
 --vm       Also what needs an emulator. The first time, kernels and an ARM system are fetched and kept
            in ~/.cache/vorn_input.
 --werror   Compiler warnings are errors.
@@ -132,6 +133,8 @@ if [ "$quick" = no ]; then
     run release release -LE 'valgrind|vm'
     build asan
     run asan asan -LE 'valgrind|vm'
+    build fuzz
+    run fuzz fuzz
 fi
 if [ "$vm" = yes ]; then
     scripts/make-sysroot.sh >/dev/null

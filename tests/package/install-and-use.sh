@@ -24,6 +24,15 @@ cmake -S "$consumer" -B "$scratch/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" 
 cmake --build "$scratch/cmake" >"$scratch/log" 2>&1 || { cat "$scratch/log"; exit 1; }
 "$scratch/cmake/consumer"
 
+if [ -x "$build/src/tools/vorn-input" ]; then
+    for file in bin/vorn-input share/vorn-input/profile.schema.json \
+        share/bash-completion/completions/vorn-input share/zsh/site-functions/_vorn-input; do
+        [ -f "$prefix/$file" ] || { echo "not installed: $file"; exit 1; }
+    done
+    # Finds the libraries that were installed with it.
+    "$prefix/bin/vorn-input" --version
+fi
+
 pc=$(dirname "$(find "$prefix" -name vorn_input.pc)")
 read -ra options < <(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs vorn_input)
 "$cxx" -std=c++17 -fPIC "${flags[@]}" "$consumer/main.cpp" "${options[@]}" -o "$scratch/consumer"

@@ -12,7 +12,7 @@ trap 'rm -rf "$folder"' EXIT
 if ! {
     cmake -S "$source" -B "$folder" -G Ninja --toolchain "$toolchain" -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_CXX_FLAGS="-D_TIME_BITS=64 -D_FILE_OFFSET_BITS=64" \
-        -DVORN_INPUT_WERROR=ON -DVORN_INPUT_BUILD_TESTS=OFF &&
+        -DVORN_INPUT_WERROR=ON -DVORN_INPUT_BUILD_TESTS=OFF -DVORN_INPUT_BUILD_TOOLS=OFF &&
         cmake --build "$folder"
 } >"$folder/log" 2>&1; then
     cat "$folder/log"
