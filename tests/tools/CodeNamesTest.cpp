@@ -87,6 +87,10 @@ TEST(CodeNames, KnowEveryCommandStateAndBusByItsName)
         EXPECT_EQ(commandName(*command(name)).toStdString(), name.toStdString());
     EXPECT_EQ(command("CharMore"), InputEvent::CharMore);
     EXPECT_EQ(command("volumeup"), std::nullopt);
+    EXPECT_EQ(command("InputEvent::Stop"), std::nullopt);
+    EXPECT_EQ(command(QString::fromLatin1("Stop\0", 5)), std::nullopt);
+    EXPECT_EQ(keyCode(QString::fromLatin1("KEY_INFO\0", 9)), std::nullopt);
+    EXPECT_EQ(bus("InputEvent::USB"), std::nullopt);
     EXPECT_EQ(command("16"), std::nullopt);
 
     EXPECT_EQ(stateNames().size(), 5);

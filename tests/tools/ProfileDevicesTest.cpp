@@ -266,6 +266,10 @@ TEST_F(ProfileDevicesTest, TellOfAnUnmappedPair)
                 Contains("[cmd=Stop, state=KeyPressed, bus=LocalUI] of KEY_INFO+KEY_STOP after 0")
                     .Times(0));
     EXPECT_THAT(entries, Contains("[cmd=Stop, state=KeyPressed, bus=LocalUI] of KEY_STOP after 0"));
+    // Whichever key is the last to come up, the second one is reported.
+    panel.release(KEY_STOP);
+    panel.release(KEY_INFO);
+    EXPECT_THAT(take(), Contains("[cmd=Stop, state=KeyReleased, bus=LocalUI] of KEY_STOP after 0"));
 }
 
 TEST_F(ProfileDevicesTest, TellOfTheRecordsOfDevicesThatTheProfileDoesNotMention)

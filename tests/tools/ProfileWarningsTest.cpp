@@ -316,4 +316,11 @@ TEST(ProfileWarnings, DoNotGuessAtWhatAnErrorHides)
     EXPECT_THAT(problemsIn(R"({"initial": "a", "select": [{"command": "Info", "identifier": "a"}],
 "devices": [{"handlers": [{"identifiers": ["a"], "keys": [{"code": 1, "command": "Inof"}]}]}]})"),
                 ElementsAre("p:2:82: error: unknown command 'Inof', did you mean 'Info'?"));
+    EXPECT_THAT(problemsInDevices("{\"bus\": \"Usb\", HANDLERS},\n{\"name\": \"a\", HANDLERS}"),
+                ElementsAre("p:2:9: error: unknown bus 'Usb', did you mean 'USB'?"));
+    EXPECT_THAT(problemsInDevices("{HANDLERS},\n{\"name\": 1, HANDLERS}"),
+                ElementsAre("p:3:10: error: 'name' is a string, not a number"));
+    EXPECT_THAT(problemsInHandler("\"keys\": [{\"code\": 1, \"command\": \"Info\"},\n"
+                                  "{\"code\": 1, \"command\": \"Info\", \"bus\": \"Usb\"}]"),
+                ElementsAre("p:3:39: error: unknown bus 'Usb', did you mean 'USB'?"));
 }

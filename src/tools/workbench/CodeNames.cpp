@@ -111,6 +111,14 @@ constexpr struct
     {KEY_SPACE, InputEvent::CharSpace},
 };
 
+/// The name as C functions take it. Null for one that they would take for another: they stop at a
+/// null character, and Qt's take "InputEvent::Stop" for "Stop".
+QByteArray plain(const QString &name)
+{
+    const bool isPlain = !name.contains(QChar(0)) && !name.contains(QLatin1Char(':'));
+    return isPlain ? name.toUtf8() : QByteArray();
+}
+
 std::optional<int> number(const QString &text, int largest)
 {
     bool isNumber = false;
@@ -124,8 +132,8 @@ std::optional<int> number(const QString &text, int largest)
 
 std::optional<int> code(int type, const QString &nameOrNumber, int largest)
 {
-    const int value = libevdev_event_code_from_name(static_cast<unsigned>(type),
-                                                    nameOrNumber.toUtf8().constData());
+    const int value =
+        libevdev_event_code_from_name(static_cast<unsigned>(type), plain(nameOrNumber).constData());
     if (value >= 0 && value <= largest)
         return value;
     return number(nameOrNumber, largest);
@@ -216,7 +224,7 @@ QStringList switchNames()
 
 std::optional<int> eventType(const QString &nameOrNumber)
 {
-    const int type = libevdev_event_type_from_name(nameOrNumber.toUtf8().constData());
+    const int type = libevdev_event_type_from_name(plain(nameOrNumber).constData());
     if (type >= 0 && type <= maxEventType)
         return type;
     return number(nameOrNumber, maxEventType);
@@ -251,7 +259,7 @@ std::optional<InputEvent::Command> command(const QString &name)
 {
     bool isKnown = false;
     const int value =
-        QMetaEnum::fromType<InputEvent::Command>().keyToValue(name.toUtf8().constData(), &isKnown);
+        QMetaEnum::fromType<InputEvent::Command>().keyToValue(plain(name).constData(), &isKnown);
     if (!isKnown)
         return std::nullopt;
     return static_cast<InputEvent::Command>(value);
@@ -303,7 +311,7 @@ std::optional<InputEvent::Bus> bus(const QString &name)
 {
     bool isKnown = false;
     const int value =
-        QMetaEnum::fromType<InputEvent::Bus>().keyToValue(name.toUtf8().constData(), &isKnown);
+        QMetaEnum::fromType<InputEvent::Bus>().keyToValue(plain(name).constData(), &isKnown);
     if (!isKnown)
         return std::nullopt;
     return static_cast<InputEvent::Bus>(value);

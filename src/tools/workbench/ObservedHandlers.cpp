@@ -179,8 +179,8 @@ void ObservedKeyHandler::onChord(const QList<input_event> &keys)
         getDoubleKeyEvent({codes.first(), codes.last()}) != InputEvent::Command::None;
     const bool isPressed = keys.first().value != 0;
     m_chord = isPressed ? codes : QVector<int>();
-    if (isMapped && m_observation.cause->has_value())
-        (*m_observation.cause)->codes = codes;
+    if (m_observation.cause->has_value())
+        (*m_observation.cause)->codes = isMapped ? codes : QVector<int>{codes.last()};
     tell(isPressed ? DetectorStep::What::ChordFound : DetectorStep::What::ChordReleased, codes, 0,
          isMapped);
     time(isMapped ? keys.first() : keys.last());

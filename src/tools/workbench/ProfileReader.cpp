@@ -185,7 +185,8 @@ std::optional<KeyMapping> ProfileReader::readKey(const JsonValue &value)
     if (longPress != members->cend())
         key.longPress = readLongPress(*longPress);
     key.bus = readBus(*members);
-    if (!code || !command)
+    const bool isBusWrong = members->contains(name("bus")) && !key.bus;
+    if (!code || !command || isBusWrong)
         return std::nullopt;
     key.code = *code;
     key.command = *command;
@@ -214,7 +215,8 @@ std::optional<ChordMapping> ProfileReader::readChord(const JsonValue &value)
         m_findings->error(keys->offset(),
                           QStringLiteral("a chord has exactly two keys, not %1").arg(count));
     }
-    if (count != 2 || codes.size() != 2 || !command)
+    const bool isBusWrong = members->contains(name("bus")) && !chord.bus;
+    if (count != 2 || codes.size() != 2 || !command || isBusWrong)
         return std::nullopt;
     chord.first = codes.at(0);
     chord.second = codes.at(1);

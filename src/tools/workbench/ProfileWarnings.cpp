@@ -161,6 +161,12 @@ void ProfileWarnings::findAll()
 void ProfileWarnings::checkDevice(const DeviceProfile &device, const DevicePlaces &places)
 {
     m_range = rangeOf(device.name, device.bus);
+    // With a mistake in it nobody knows which devices the entry is for.
+    const auto isWrong = [&places](const char *member, bool isRead) {
+        return !isRead && places.device.member(QLatin1String(member));
+    };
+    const bool isKnown =
+        !isWrong("name", device.name.has_value()) && !isWrong("bus", device.bus.has_value());
     if (device.name && device.name->isEmpty()) {
         warn(placeOf(places.device, "name"),
              QStringLiteral("this fits devices without a name only; leave 'name' out to fit all"));
@@ -169,7 +175,7 @@ void ProfileWarnings::checkDevice(const DeviceProfile &device, const DevicePlace
         warn(placeOf(places.device, "bus"),
              QStringLiteral("no device fits, since the bus Hostlink is that of the device named "
                             "'hostlink' and of no other"));
-    } else if (const int line = m_taken.takenBy(m_range)) {
+    } else if (const int line = isKnown ? m_taken.takenBy(m_range) : 0) {
         warn(places.device,
              QStringLiteral("this entry is never used, all its devices fit the one at line %1")
                  .arg(line));
@@ -181,7 +187,7 @@ void ProfileWarnings::checkDevice(const DeviceProfile &device, const DevicePlace
     for (int i = 0; i < device.handlers.size(); ++i)
         checkHandler(device.handlers.at(i), places.handlers.at(i));
     checkIdentifiers(device, places);
-    if (!m_range.isEmpty())
+    if (isKnown && !m_range.isEmpty())
         m_taken.take(m_range, places.device.line());
 }
 

@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# Draws the timing diagrams of the documentation from the scenarios that it speaks of.
+set -euo pipefail
+
+usage='usage: make-pictures.sh PROGRAM [FOLDER]
+
+Draws the pictures in docs/pictures, or in FOLDER, with PROGRAM, a built vorn-input. The same
+scenarios give the same pictures, byte for byte; the tests compare them.
+
+Example: scripts/make-pictures.sh build/dev/src/tools/vorn-input'
+
+case ${1:-} in
+--help)
+    echo "$usage"
+    exit 0
+    ;;
+'' | -*)
+    echo "$usage" >&2
+    exit 2
+    ;;
+esac
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+program=$(realpath "$1")
+folder=$(realpath -m "${2:-$root/docs/pictures}")
+mkdir -p "$folder"
+cd "$root/tests/scenarios"
+for scenario in long-press-repeating chord-after-long-press; do
+    "$program" simulate --quiet --timeline "$folder/$scenario.svg" "$scenario.scenario"
+done
+# The one that the walk through the workbench draws, from what it has the reader write.
+cd "$folder"
+awk '/<<.END.$/ { inside = 1; next } $0 == "END" { inside = 0 } inside' \
+    "$root/docs/workbench.md" >stop.scenario
+cat >panel.json <<'END'
+{
+  "devices": [
+    {
+      "name": "front-panel",
+      "handlers": [
+        {
+          "keys": [
+            {"code": "KEY_STOP", "command": "Stop"}
+          ],
+          "chords": [
+            {"keys": ["KEY_STOP", "KEY_PLAY"], "command": "FactoryReset"}
+          ]
+        }
+      ]
+    }
+  ]
+}
+END
+"$program" simulate --quiet --profile panel.json --timeline stop.svg stop.scenario
+rm stop.scenario panel.json
