@@ -20,34 +20,34 @@ constexpr int maxBus = 0xFFFF;
 
 struct KernelBus
 {
-    int number;
     const char *name;
+    int number;
     InputEvent::Bus bus;
 };
 
 constexpr KernelBus kernelBuses[] = {
-    {BUS_PCI, "BUS_PCI", InputEvent::Bus::PCI},
-    {BUS_ISAPNP, "BUS_ISAPNP", InputEvent::Bus::NoBus},
-    {BUS_USB, "BUS_USB", InputEvent::Bus::USB},
-    {BUS_HIL, "BUS_HIL", InputEvent::Bus::NoBus},
-    {BUS_BLUETOOTH, "BUS_BLUETOOTH", InputEvent::Bus::Bluetooth},
-    {BUS_VIRTUAL, "BUS_VIRTUAL", InputEvent::Bus::NoBus},
-    {BUS_ISA, "BUS_ISA", InputEvent::Bus::NoBus},
-    {BUS_I8042, "BUS_I8042", InputEvent::Bus::NoBus},
-    {BUS_XTKBD, "BUS_XTKBD", InputEvent::Bus::NoBus},
-    {BUS_RS232, "BUS_RS232", InputEvent::Bus::NoBus},
-    {BUS_GAMEPORT, "BUS_GAMEPORT", InputEvent::Bus::NoBus},
-    {BUS_PARPORT, "BUS_PARPORT", InputEvent::Bus::NoBus},
-    {BUS_AMIGA, "BUS_AMIGA", InputEvent::Bus::NoBus},
-    {BUS_ADB, "BUS_ADB", InputEvent::Bus::ADB},
-    {BUS_I2C, "BUS_I2C", InputEvent::Bus::I2C},
-    {BUS_HOST, "BUS_HOST", InputEvent::Bus::LocalUI},
-    {BUS_GSC, "BUS_GSC", InputEvent::Bus::NoBus},
-    {BUS_ATARI, "BUS_ATARI", InputEvent::Bus::NoBus},
-    {BUS_SPI, "BUS_SPI", InputEvent::Bus::SPI},
-    {BUS_RMI, "BUS_RMI", InputEvent::Bus::NoBus},
-    {BUS_CEC, "BUS_CEC", InputEvent::Bus::CEC},
-    {BUS_INTEL_ISHTP, "BUS_INTEL_ISHTP", InputEvent::Bus::NoBus},
+    {"BUS_PCI", BUS_PCI, InputEvent::Bus::PCI},
+    {"BUS_ISAPNP", BUS_ISAPNP, InputEvent::Bus::NoBus},
+    {"BUS_USB", BUS_USB, InputEvent::Bus::USB},
+    {"BUS_HIL", BUS_HIL, InputEvent::Bus::NoBus},
+    {"BUS_BLUETOOTH", BUS_BLUETOOTH, InputEvent::Bus::Bluetooth},
+    {"BUS_VIRTUAL", BUS_VIRTUAL, InputEvent::Bus::NoBus},
+    {"BUS_ISA", BUS_ISA, InputEvent::Bus::NoBus},
+    {"BUS_I8042", BUS_I8042, InputEvent::Bus::NoBus},
+    {"BUS_XTKBD", BUS_XTKBD, InputEvent::Bus::NoBus},
+    {"BUS_RS232", BUS_RS232, InputEvent::Bus::NoBus},
+    {"BUS_GAMEPORT", BUS_GAMEPORT, InputEvent::Bus::NoBus},
+    {"BUS_PARPORT", BUS_PARPORT, InputEvent::Bus::NoBus},
+    {"BUS_AMIGA", BUS_AMIGA, InputEvent::Bus::NoBus},
+    {"BUS_ADB", BUS_ADB, InputEvent::Bus::ADB},
+    {"BUS_I2C", BUS_I2C, InputEvent::Bus::I2C},
+    {"BUS_HOST", BUS_HOST, InputEvent::Bus::LocalUI},
+    {"BUS_GSC", BUS_GSC, InputEvent::Bus::NoBus},
+    {"BUS_ATARI", BUS_ATARI, InputEvent::Bus::NoBus},
+    {"BUS_SPI", BUS_SPI, InputEvent::Bus::SPI},
+    {"BUS_RMI", BUS_RMI, InputEvent::Bus::NoBus},
+    {"BUS_CEC", BUS_CEC, InputEvent::Bus::CEC},
+    {"BUS_INTEL_ISHTP", BUS_INTEL_ISHTP, InputEvent::Bus::NoBus},
 };
 
 constexpr const char *stateTexts[] = {"NoState",      "KeyPressed",    "KeyReleased",
