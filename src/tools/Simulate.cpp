@@ -225,8 +225,14 @@ int simulate(const SimulateOptions &options)
     const bool showsProgress =
         options.files.size() > 1 && (options.quiet || !isTerminal(STDOUT_FILENO));
     int status = Success;
-    for (int i = 0; i < options.files.size() && !Interruption::isRequested(); ++i) {
+    for (int i = 0; i < options.files.size(); ++i) {
         const QString &file = options.files[i];
+        if (Interruption::isRequested()) {
+            progress.clear();
+            write(stderr, QStringLiteral("interrupted before %1").arg(file));
+            status = Failure;
+            break;
+        }
         if (showsProgress)
             progress.show(
                 QStringLiteral("%1 of %2: %3").arg(i + 1).arg(options.files.size()).arg(file));
@@ -235,8 +241,6 @@ int simulate(const SimulateOptions &options)
         static_cast<void>(std::fflush(stdout));
     }
     progress.clear();
-    if (Interruption::isRequested())
-        status = Failure;
     if (std::ferror(stdout) != 0) {
         write(stderr, QStringLiteral("error: cannot write to the standard output"));
         status = Failure;
