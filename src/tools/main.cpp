@@ -8,7 +8,8 @@
 #include <log4cplus/layout.h>
 #include <log4cplus/logger.h>
 
-#include <cstdlib>
+#include <cstdio>
+#include <exception>
 #include <functional>
 #include <map>
 #include <memory>
@@ -213,9 +214,7 @@ CLI::App *addTimeline(CLI::App *app, TimelineOptions *options)
     return command;
 }
 
-} // namespace
-
-int main(int argc, char *argv[])
+int run(int argc, char *argv[])
 {
     const log4cplus::Initializer logging;
     const QCoreApplication application(argc, argv);
@@ -256,14 +255,14 @@ int main(int argc, char *argv[])
     SimulateOptions simulateOptions;
     TimelineOptions timelineOptions;
     int status = Success;
-    const auto run = [&](CLI::App *command, auto *options, auto function) {
+    const auto carryOut = [&](CLI::App *command, auto *options, auto function) {
         command->final_callback([&status, &common, options, function] {
             configureLog(common.log);
             status = function(*options);
         });
     };
     const auto runColoured = [&](CLI::App *command, auto *options, auto function) {
-        run(command, options, [&common, function](auto coloured) {
+        carryOut(command, options, [&common, function](auto coloured) {
             coloured.colour = common.colour;
             return function(coloured);
         });
@@ -273,7 +272,7 @@ int main(int argc, char *argv[])
     runColoured(addLearn(&app, &learnOptions), &learnOptions, learn);
     runColoured(addCheck(&app, &checkOptions), &checkOptions, check);
     runColoured(addSimulate(&app, &simulateOptions), &simulateOptions, simulate);
-    run(addTimeline(&app, &timelineOptions), &timelineOptions, timeline);
+    carryOut(addTimeline(&app, &timelineOptions), &timelineOptions, timeline);
 
     try {
         app.parse(argc, argv);
@@ -281,4 +280,16 @@ int main(int argc, char *argv[])
         return app.exit(error) == 0 ? Success : Failure;
     }
     return status;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    try {
+        return run(argc, argv);
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "vorn-input: %s\n", error.what());
+        return Failure;
+    }
 }

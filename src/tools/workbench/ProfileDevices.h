@@ -34,8 +34,8 @@ public:
     ProfileDevices(const Profile &profile, SessionLog *log);
     ~ProfileDevices() override;
 
-    void addDevice(const QString &device, const QString &name) override;
-    void removeDevice(const QString &device) override;
+    void addDevice(const QString &path, const QString &name) override;
+    void removeDevice(const QString &path) override;
 
     /// Selects an identifier, as a product does, and tells the log.
     void select(const QString &identifier);
