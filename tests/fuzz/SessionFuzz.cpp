@@ -39,9 +39,7 @@ void requireWellFormed(const QByteArray &xml)
 // Qt's JSON parser loses a list that is the value of a member which comes twice. Its own frames
 // have no names, so this goes by the library.
 // NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
-extern "C" const char *__lsan_default_suppressions();
-// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
-extern "C" const char *__lsan_default_suppressions()
+extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions()
 {
     return "leak:libQt5Core.so";
 }
