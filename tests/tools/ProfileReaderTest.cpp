@@ -62,7 +62,7 @@ QJsonObject schema()
 std::string namesOf(const QJsonValue &definition)
 {
     QStringList names;
-    for (const QJsonValue &value : definition[QStringLiteral("enum")].toArray())
+    for (const auto &value : definition[QStringLiteral("enum")].toArray())
         names += value.toString();
     return names.join(' ').toStdString();
 }
