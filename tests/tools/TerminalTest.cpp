@@ -1,6 +1,7 @@
 #include "Terminal.h"
 
 #include <QTest>
+#include <QThread>
 
 #include <gmock/gmock.h>
 
@@ -10,6 +11,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <string>
 
 using namespace Vorn::Workbench;
@@ -79,7 +81,7 @@ TEST(Colour, IsNotUsedInAPipe)
     close(ends[1]);
 }
 
-TEST(Interruption, IsNoticedOnceAndEndsTheProcessTheSecondTime)
+TEST(Interruption, IsNoticedOnce)
 {
     int calls = 0;
     {
@@ -88,14 +90,46 @@ TEST(Interruption, IsNoticedOnceAndEndsTheProcessTheSecondTime)
         std::raise(SIGINT);
         EXPECT_TRUE(Interruption::isRequested());
         EXPECT_TRUE(QTest::qWaitFor([&] { return calls == 1; }));
-        struct sigaction action = {};
-        sigaction(SIGINT, nullptr, &action);
-        EXPECT_EQ(action.sa_handler, SIG_DFL);
-        sigaction(SIGTERM, nullptr, &action);
-        EXPECT_NE(action.sa_handler, SIG_DFL);
     }
+    std::raise(SIGINT);
     const Interruption next;
     EXPECT_FALSE(Interruption::isRequested());
+}
+
+TEST(Interruption, LeavesTheSignalsAsTheyWereWhenNoneCame)
+{
+    {
+        const Interruption interruption;
+    }
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction action = {};
+        sigaction(signal, nullptr, &action);
+        EXPECT_EQ(action.sa_handler, SIG_DFL) << signal;
+    }
+}
+
+TEST(Interruption, TakesTheSameOneThatIsPassedOnByAnotherProgram)
+{
+    int calls = 0;
+    const Interruption interruption([&] { ++calls; });
+    std::raise(SIGINT);
+    std::raise(SIGINT);
+    std::raise(SIGTERM);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return calls == 1; }));
+    EXPECT_TRUE(Interruption::isRequested());
+}
+
+TEST(InterruptionDeathTest, EndsAProcessThatDoesNotReactTheSecondTime)
+{
+    EXPECT_EXIT(
+        {
+            const Interruption interruption;
+            std::raise(SIGINT);
+            QThread::msleep(Interruption::repetitionMs + 50);
+            std::raise(SIGINT);
+            std::exit(0);
+        },
+        testing::KilledBySignal(SIGINT), "");
 }
 
 TEST(Keyboard, GivesSingleKeysOfATerminalAndLeavesItAsItWas)

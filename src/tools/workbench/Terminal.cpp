@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
+#include <sys/times.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -26,15 +27,30 @@ constexpr int caughtSignals[] = {SIGINT, SIGTERM, SIGHUP};
 volatile std::sig_atomic_t interruptionRequested = 0;
 int signalPipe[2] = {-1, -1};
 
-/// Nothing but a write is allowed in here; the event loop does the rest. The handler is gone
-/// afterwards (SA_RESETHAND), so that the next signal ends a process that does not react.
-void onSignal(int)
+clock_t interruptionTicks = 0;
+
+/// Runs at any moment, with the other signals blocked; the event loop does the rest.
+///
+/// The same Ctrl-C may come twice: from the terminal, and passed on by a program that runs this one
+/// (umockdev-run and sudo do). Only one that comes later means that the process does not react.
+void onSignal(int signal)
 {
     const int savedErrno = errno;
-    interruptionRequested = 1;
-    const char byte = 0;
-    const ssize_t written = write(signalPipe[1], &byte, 1);
-    Q_UNUSED(written)
+    tms unused = {};
+    const clock_t now = times(&unused);
+    if (interruptionRequested == 0) {
+        interruptionTicks = now;
+        interruptionRequested = 1;
+        const char byte = 0;
+        const ssize_t written = write(signalPipe[1], &byte, 1);
+        Q_UNUSED(written)
+    } else if ((now - interruptionTicks) * 1000
+               >= Interruption::repetitionMs * sysconf(_SC_CLK_TCK)) {
+        struct sigaction action = {};
+        action.sa_handler = SIG_DFL;
+        sigaction(signal, &action, nullptr);
+        raise(signal);
+    }
     errno = savedErrno;
 }
 
@@ -112,16 +128,20 @@ Interruption::Interruption(std::function<void()> callback)
     }
     struct sigaction action = {};
     action.sa_handler = onSignal;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigemptyset(&action.sa_mask);
+    for (const int signal : caughtSignals)
+        sigaddset(&action.sa_mask, signal);
     for (const int signal : caughtSignals)
         sigaction(signal, &action, nullptr);
 }
 
 Interruption::~Interruption()
 {
-    for (const int signal : caughtSignals)
-        std::signal(signal, SIG_DFL);
+    // After a signal the process is about to end, and the same one may still come a second time.
+    if (!isRequested()) {
+        for (const int signal : caughtSignals)
+            std::signal(signal, SIG_DFL);
+    }
     qDeleteAll(findChildren<QSocketNotifier *>());
     for (int &descriptor : signalPipe) {
         if (descriptor >= 0)
