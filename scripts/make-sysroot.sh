@@ -26,7 +26,7 @@ esac
 . "$(dirname "${BASH_SOURCE[0]}")/debian-packages.sh"
 
 # What the programs need when they run, with all that it depends on.
-runtime_packages=(libc6-dev libevdev2 liblog4cplus-2.0.5 libqt5core5a libqt5test5)
+runtime_packages=(evemu-tools libc6-dev libevdev2 liblog4cplus-2.0.5 libqt5core5a libqt5test5)
 # What is needed to build them, without the graphics libraries that it depends on.
 development_packages=(busybox-static libcli11-dev libevdev-dev libgmock-dev libgtest-dev
     liblog4cplus-dev qt5-qmake qtbase5-dev)

@@ -1,11 +1,10 @@
 #include "GuestTest.h"
+#include "Program.h"
 #include "UinputDevice.h"
 
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryFile>
 
-#include <grp.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,60 +18,7 @@
 
 namespace {
 
-/// The example player, run as a process of its own; what it prints is collected.
-class Player : public QProcess
-{
-public:
-    enum class User { Root, Nobody };
-
-    explicit Player(User user, const QStringList &arguments = {})
-        : m_user(user)
-    {
-        setProcessChannelMode(QProcess::MergedChannels);
-        start(QStringLiteral(VORN_PLAYER), arguments);
-        if (!waitForStarted())
-            qFatal("cannot start the player: %s", qPrintable(errorString()));
-    }
-    ~Player() override
-    {
-        if (state() != QProcess::NotRunning)
-            finish();
-    }
-
-    /// What was printed so far.
-    QByteArray printed()
-    {
-        m_printed += readAll();
-        return m_printed;
-    }
-    int lines() { return printed().count('\n'); }
-
-    /// Ends it as a service manager would, and returns its exit status.
-    int finish()
-    {
-        terminate();
-        if (!waitForFinished()) {
-            kill();
-            waitForFinished();
-            return -1;
-        }
-        printed();
-        return exitStatus() == QProcess::NormalExit ? exitCode() : -1;
-    }
-
-protected:
-    void setupChildProcess() override
-    {
-        constexpr unsigned int nobody = 65534;
-        if (m_user == User::Nobody
-            && (setgroups(0, nullptr) != 0 || setgid(nobody) != 0 || setuid(nobody) != 0))
-            _exit(99);
-    }
-
-private:
-    const User m_user;
-    QByteArray m_printed;
-};
+const QString player = QStringLiteral(VORN_PLAYER);
 
 QByteArray contentOf(const QString &path)
 {
@@ -148,11 +94,11 @@ TEST_F(PlayerTest, PrintsTheRecordedSessionOnRealDevices)
                      [](const auto &a, const auto &b) { return a.usecs < b.usecs; });
     ASSERT_GT(session.size(), 50U);
 
-    Player player(Player::User::Root);
+    Program program(player);
     // What it has to say about the devices that it finds.
-    ASSERT_TRUE(waitFor([&] { return player.lines() >= 2; }));
+    ASSERT_TRUE(waitFor([&] { return program.lines() >= 2; }));
     for (const QByteArray &line :
-         contentOf(QStringLiteral("/proc/%1/smaps_rollup").arg(player.processId())).split('\n'))
+         contentOf(QStringLiteral("/proc/%1/smaps_rollup").arg(program.processId())).split('\n'))
     {
         if (line.startsWith("Private_"))
             std::cout << "the idle player's " << line.simplified().constData() << '\n';
@@ -166,9 +112,9 @@ TEST_F(PlayerTest, PrintsTheRecordedSessionOnRealDevices)
     }
     const QByteArray expected =
         contentOf(source + QStringLiteral("/tests/integration/session.expected"));
-    EXPECT_TRUE(waitFor([&] { return player.lines() >= expected.count('\n'); }));
-    EXPECT_EQ(player.finish(), 0);
-    EXPECT_EQ(player.printed().toStdString(), expected.toStdString());
+    EXPECT_TRUE(waitFor([&] { return program.lines() >= expected.count('\n'); }));
+    EXPECT_EQ(program.finish(), 0);
+    EXPECT_EQ(program.printed().toStdString(), expected.toStdString());
 }
 
 TEST_F(PlayerTest, AnOrdinaryUsersProcessFindsANodeThatIsOpenedUpLater)
@@ -186,12 +132,13 @@ TEST_F(PlayerTest, AnOrdinaryUsersProcessFindsANodeThatIsOpenedUpLater)
     // Something else is there, so that the folder is watched from the start.
     UinputDevice other({"hostlink", BUS_VIRTUAL, {KEY_POWER}, {}});
     ASSERT_EQ(::chmod(qPrintable(other.node()), 0444), 0);
-    Player player(Player::User::Nobody, {QStringLiteral("--config"), configuration.fileName()});
+    Program program(player, {QStringLiteral("--config"), configuration.fileName()},
+                    Program::User::Nobody);
     const auto hasPrinted = [&](const char *line) {
-        return waitFor([&] { return player.printed().contains(line); });
+        return waitFor([&] { return program.printed().contains(line); });
     };
     ASSERT_TRUE(hasPrinted("DEBUG BasicInputHandler:  ---> added '/dev/input/event0'\n"))
-        << player.printed().constData();
+        << program.printed().constData();
 
     UinputDevice panel({"front-panel", BUS_HOST, {KEY_VOLUMEUP}, {}});
     ASSERT_EQ(::chmod(qPrintable(panel.node()), 0), 0);
@@ -199,23 +146,23 @@ TEST_F(PlayerTest, AnOrdinaryUsersProcessFindsANodeThatIsOpenedUpLater)
     UinputDevice third({"third", BUS_HOST, {KEY_OK}, {}});
     ASSERT_EQ(::chmod(qPrintable(third.node()), 0444), 0);
     ASSERT_TRUE(hasPrinted("DEBUG BasicInputHandler:  ---> added '/dev/input/event2'\n"))
-        << player.printed().constData();
-    EXPECT_FALSE(player.printed().contains("event1")) << player.printed().constData();
+        << program.printed().constData();
+    EXPECT_FALSE(program.printed().contains("event1")) << program.printed().constData();
 
     ASSERT_EQ(::chmod(qPrintable(panel.node()), 0444), 0);
     ASSERT_TRUE(hasPrinted("DEBUG BasicInputHandler:  ---> added '/dev/input/event1'\n"))
-        << player.printed().constData();
+        << program.printed().constData();
     EXPECT_TRUE(hasPrinted("DEBUG LinuxInputListener: name: front-panel\n"));
     panel.press(KEY_VOLUMEUP);
     panel.release(KEY_VOLUMEUP);
     EXPECT_TRUE(hasPrinted("[cmd=VolumeUp, state=KeyReleased, bus=LocalUI]\n"))
-        << player.printed().constData();
+        << program.printed().constData();
 
     // And when it is closed again, it is as if it were unplugged.
     ASSERT_EQ(::chmod(qPrintable(panel.node()), 0), 0);
     EXPECT_TRUE(hasPrinted("INFO  BasicInputHandler: Removing /dev/input/event1\n"));
-    EXPECT_EQ(player.finish(), 0);
-    EXPECT_FALSE(player.printed().contains("ERROR")) << player.printed().constData();
+    EXPECT_EQ(program.finish(), 0);
+    EXPECT_FALSE(program.printed().contains("ERROR")) << program.printed().constData();
 }
 
 } // namespace
