@@ -164,7 +164,9 @@ int statusOf(const SimulationResult &result)
     return Failure;
 }
 
-int simulateFile(const SimulateOptions &options, const QString &file)
+/// @param progress shown under @p label, if there is any
+int simulateFile(const SimulateOptions &options, const QString &file, Progress *progress,
+                 const QString &label)
 {
     const LoadedScenario loaded =
         loadScenario(file, LoadOptions{options.profile, options.expectations});
@@ -173,8 +175,13 @@ int simulateFile(const SimulateOptions &options, const QString &file)
         return Failure;
 
     Output output(options);
-    const SimulationResult result =
-        Workbench::simulate(loaded, [&output](const SessionEntry &entry) { output.add(entry); });
+    const SimulationResult result = Workbench::simulate(loaded, [&](const SessionEntry &entry) {
+        output.add(entry);
+        if (progress && progress->isDue())
+            progress->show(QStringLiteral("%1, %2 s").arg(label, seconds(entry.time)));
+    });
+    if (progress)
+        progress->clear();
     output.writeFailure();
     writeDiagnostics(result.diagnostics);
     const int status = statusOf(result);
@@ -222,8 +229,7 @@ int simulate(const SimulateOptions &options)
     const Interruption interruption;
     Progress progress;
     // Lines that come one by one on the same terminal show it well enough.
-    const bool showsProgress =
-        options.files.size() > 1 && (options.quiet || !isTerminal(STDOUT_FILENO));
+    const bool showsProgress = options.quiet || !isTerminal(STDOUT_FILENO);
     int status = Success;
     for (int i = 0; i < options.files.size(); ++i) {
         const QString &file = options.files[i];
@@ -233,11 +239,12 @@ int simulate(const SimulateOptions &options)
             status = Failure;
             break;
         }
-        if (showsProgress)
-            progress.show(
-                QStringLiteral("%1 of %2: %3").arg(i + 1).arg(options.files.size()).arg(file));
+        const QString label = options.files.size() == 1
+            ? file
+            : QStringLiteral("%1 of %2: %3").arg(i + 1).arg(options.files.size()).arg(file);
         // Ordered by gravity.
-        status = qMax(status, simulateFile(options, file));
+        status =
+            qMax(status, simulateFile(options, file, showsProgress ? &progress : nullptr, label));
         static_cast<void>(std::fflush(stdout));
     }
     progress.clear();

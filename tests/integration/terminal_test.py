@@ -1,58 +1,14 @@
 #!/usr/bin/env python3
-"""vorn-input monitor on a terminal: colours, and keys that select identifiers and end it.
+"""vorn-input on a terminal: monitor's colours, and keys that select identifiers and end it; how far
+simulate is.
 
 usage: terminal_test.py SOURCE PROGRAM
 """
 import os
-import pty
-import select
 import sys
-import termios
-import time
+import tempfile
 
-SECONDS = 30
-
-
-class Terminal:
-    def __init__(self, arguments):
-        self.text = ""
-        self.process, self.descriptor = pty.fork()
-        if self.process == 0:
-            os.environ["TERM"] = "xterm"
-            os.environ.pop("NO_COLOR", None)
-            os.execvp(arguments[0], arguments)
-
-    def read(self):
-        """Takes what is there; returns whether the other end is open."""
-        if not select.select([self.descriptor], [], [], 0.1)[0]:
-            return True
-        try:
-            data = os.read(self.descriptor, 4096)
-        except OSError:
-            return False
-        self.text += data.decode("utf-8", "replace")
-        return bool(data)
-
-    def wait_for(self, wanted):
-        end = time.monotonic() + SECONDS
-        while wanted not in self.text:
-            if not self.read() or time.monotonic() > end:
-                sys.exit(f"FAILED: expected {wanted!r} in\n{self.text}")
-        self.text = self.text[self.text.index(wanted) + len(wanted):]
-
-    def type(self, key):
-        os.write(self.descriptor, key.encode())
-
-    def is_line_buffered(self):
-        return bool(termios.tcgetattr(self.descriptor)[3] & termios.ICANON)
-
-    def status(self):
-        end = time.monotonic() + SECONDS
-        while self.read():
-            if time.monotonic() > end:
-                sys.exit(f"FAILED: expected an end\n{self.text}")
-        return os.waitstatus_to_exitcode(os.waitpid(self.process, 0)[1])
-
+from pseudo_terminal import Terminal
 
 def monitor(source, program):
     recordings = os.path.join(source, "examples/player/recordings")
@@ -61,8 +17,28 @@ def monitor(source, program):
                      "--profile", profile])
 
 
+def simulate(source, program, folder):
+    """A key that is held for hours, with the result where it does not show progress itself."""
+    scenario = os.path.join(folder, "hold.scenario")
+    with open(scenario, "w") as file:
+        file.write('device panel name="front-panel" bus=LocalUI keys=KEY_VOLUMEUP\n'
+                   "panel press KEY_VOLUMEUP\nwait 4h\n")
+    return Terminal(["sh", "-c", 'exec "$@" >"$0"', os.path.join(folder, "out"), program,
+                     "simulate", "--profile",
+                     os.path.join(source, "examples/profiles/player.json"), scenario])
+
+
 def main():
     source, program = sys.argv[1:]
+    with tempfile.TemporaryDirectory() as folder:
+        terminal = simulate(source, program, folder)
+        terminal.wait_for("\r\x1b[K" + os.path.join(folder, "hold.scenario, "))
+        terminal.wait_for(" s\r\x1b[K")
+        if terminal.status() != 0:
+            sys.exit("FAILED: simulate does not end well")
+        if terminal.text.rsplit("\x1b[K")[-1]:
+            sys.exit("FAILED: the progress is left on the terminal")
+
     terminal = monitor(source, program)
     terminal.wait_for("1: select 'browse'   2: select 'text'")
     terminal.wait_for("\x1b[")

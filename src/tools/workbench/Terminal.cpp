@@ -86,6 +86,7 @@ bool isColoured(Colour colour, int descriptor)
 
 Progress::Progress()
     : m_isShown(isTerminal(STDERR_FILENO))
+    , m_lastTime(processorTimeMs())
 { }
 
 Progress::~Progress()
@@ -93,12 +94,16 @@ Progress::~Progress()
     clear();
 }
 
+bool Progress::isDue() const
+{
+    return m_isShown && processorTimeMs() - m_lastTime >= progressIntervalMs;
+}
+
 void Progress::show(const QString &text)
 {
-    const qint64 now = processorTimeMs();
-    if (!m_isShown || (m_isDrawn && now - m_lastTime < progressIntervalMs))
+    if (!isDue())
         return;
-    m_lastTime = now;
+    m_lastTime = processorTimeMs();
     m_isDrawn = true;
     winsize size = {};
     const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;

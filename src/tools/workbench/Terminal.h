@@ -28,20 +28,23 @@ public:
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;
 
-    /// Shows @p text, but not more often than a person can read.
+    /// Whether show() would do anything: there is a terminal, and so much has been done since the
+    /// start or the last time that a person would like to know.
+    bool isDue() const;
+    /// Shows @p text, if that is due.
     void show(const QString &text);
     /// Removes the line, for other output.
     void clear();
 
 private:
     const bool m_isShown;
-    qint64 m_lastTime = 0;
+    qint64 m_lastTime;
     bool m_isDrawn = false;
 };
 
 /// Catches SIGINT, SIGTERM and SIGHUP while it is alive, so that work ends cleanly: the first one
-/// sets a flag and, in an event loop, calls back; one that comes repetitionMs later or more ends the
-/// process. So it stays after a signal, also when it is destroyed, since the process ends then.
+/// sets a flag and, in an event loop, calls back; one that comes repetitionMs later or more ends
+/// the process. So it stays after a signal, also when it is destroyed, since the process ends then.
 class Interruption : public QObject
 {
 public:
