@@ -1,3 +1,4 @@
+#include "CodeNames.h"
 #include "Commands.h"
 
 #include <QCoreApplication>
@@ -77,6 +78,55 @@ CLI::Option *addSeconds(CLI::App *app, const std::string &name, double *value,
     return app->add_option(name, *value, description)
         ->type_name("SECONDS")
         ->check(CLI::Range(0.001, longest).description(""));
+}
+
+QStringList commandNames(const CLI::App &app)
+{
+    QStringList names;
+    for (const CLI::App *command : app.get_subcommands({}))
+        names += text(command->get_name());
+    return names;
+}
+
+/// The long names of options, as they are typed.
+QStringList optionNames(const CLI::App &app)
+{
+    QStringList names;
+    for (const CLI::Option *option : app.get_options()) {
+        for (const std::string &name : option->get_lnames())
+            names += QStringLiteral("--") + text(name);
+    }
+    return names;
+}
+
+/// What is wrong with a command line, and what was probably meant.
+std::string refusal(const CLI::App &app, const CLI::Error &error)
+{
+    const std::vector<CLI::App *> commands = app.get_subcommands();
+    QStringList unknown = texts(app.remaining(true));
+    unknown.removeAll(QStringLiteral("--"));
+    if (unknown.isEmpty()) {
+        if (commands.empty() && error.get_name() == "RequiredError")
+            return "a command is required: "
+                + commandNames(app).join(QStringLiteral(", ")).toStdString();
+        return error.what();
+    }
+    for (const QString &word : unknown) {
+        if (!word.startsWith(QLatin1Char('-')))
+            continue;
+        QStringList known = optionNames(app);
+        for (const CLI::App *command : commands)
+            known += optionNames(*command);
+        return QStringLiteral("unknown option '%1'%2")
+            .arg(word, Vorn::Workbench::suggestion(word.section(QLatin1Char('='), 0, 0), known))
+            .toStdString();
+    }
+    const QString word = unknown.first();
+    if (commands.empty())
+        return QStringLiteral("unknown command '%1'%2")
+            .arg(word, Vorn::Workbench::suggestion(word, commandNames(app)))
+            .toStdString();
+    return QStringLiteral("unexpected argument '%1'").arg(word).toStdString();
 }
 
 CLI::App *addDevices(CLI::App *app, DevicesOptions *options)
@@ -228,8 +278,8 @@ int run(int argc, char *argv[])
     app.require_subcommand(1);
     // Common options may stand behind the sub-command, where people look for them.
     app.fallthrough();
-    app.failure_message([](const CLI::App *, const CLI::Error &error) {
-        return "vorn-input: " + std::string(error.what()) + " (see --help)\n";
+    app.failure_message([](const CLI::App *failed, const CLI::Error &error) {
+        return "vorn-input: " + refusal(*failed, error) + " (see --help)\n";
     });
     app.footer("See vorn-input COMMAND --help for options and examples, and the manual: man "
                "vorn-input\nExit status: 0 success, 1 something was found (a mistake, a failed "

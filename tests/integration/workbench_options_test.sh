@@ -35,10 +35,6 @@ expect_status 0
 expect_out 'vorn-input [0-9]+\.[0-9]+\.[0-9]+'
 run "$program" --help
 expect_status 0
-run "$program"
-expect_status 2
-run "$program" nonsense
-expect_status 2
 run "$program" --log nonsense devices
 expect_status 2
 run "$program" --color nonsense devices
@@ -54,6 +50,13 @@ refuse() {
     grep -q -E -e "$pattern" "$folder/err" || failed "expected on stderr: $pattern"
 }
 
+refuse 'a command is required: devices, monitor, learn, check, simulate, timeline'
+refuse "unknown command 'chek', did you mean 'check'\?" chek x.json
+refuse "unknown command 'nonsense' \(" nonsense
+refuse "unknown option '--verson', did you mean '--version'\?" --verson
+refuse "unknown option '--profil', did you mean '--profile'\?" monitor --profil x.json
+refuse "unknown option '--titel=x', did you mean '--title'\?" timeline --titel=x x.jsonl -o x.svg
+refuse "unexpected argument 'x'" devices x
 for command in check simulate; do
     run "$program" "$command"
     expect_status 2
