@@ -24,8 +24,11 @@ protected:
     std::vector<std::string> add(qint64 time, const decltype(SessionEntry::what) &what,
                                  const Profile *profile = nullptr, const QString &identifier = {})
     {
+        SessionEntry entry{time, what};
+        if (auto *record = std::get_if<RecordRead>(&entry.what))
+            record->stamp = 1'700'000'000'000'000 + time;
         std::vector<std::string> lines;
-        for (const QString &line : m_hints.add({time, what}, profile, identifier))
+        for (const QString &line : m_hints.add(entry, profile, identifier))
             lines.push_back(line.toStdString());
         return lines;
     }

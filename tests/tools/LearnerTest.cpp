@@ -29,9 +29,11 @@ protected:
         m_learner->start();
     }
 
-    void key(int code, int value, const QString &device = panel)
+    /// @param latenessMs how long the record waits until it is read
+    void key(int code, int value, const QString &device = panel, int latenessMs = 0)
     {
-        m_learner->add({m_now, RecordRead{device, EV_KEY, code, value, 1}});
+        const qint64 stamp = 1'700'000'000'000'000 + m_now;
+        m_learner->add({m_now + latenessMs * 1000, RecordRead{device, EV_KEY, code, value, stamp}});
     }
 
     void wait(int ms) { m_now += ms * 1000; }
@@ -120,6 +122,21 @@ TEST_F(LearnerTest, OffersALongPressForAKeyThatIsHeld)
     EXPECT_THAT(keysOf("front-panel"),
                 ElementsAre("KEY_INFO Info 700", "KEY_VOLUMEUP VolumeUp immediate 700 600 repeat",
                             "KEY_MUTE Mute"));
+}
+
+TEST_F(LearnerTest, MeasuresAHoldByItsRecordsNotByWhenTheyAreRead)
+{
+    learn({InputEvent::Info, InputEvent::Mute, InputEvent::Stop});
+    key(KEY_INFO, 1, panel, 600);
+    wait(1000);
+    key(KEY_INFO, 0);
+    EXPECT_THAT(lastSaid(), HasSubstr("held for 1.0 s: report a long press of KEY_INFO"));
+    learner().answer('y');
+    key(KEY_MUTE, 1);
+    wait(200);
+    key(KEY_MUTE, 0, panel, 600);
+    EXPECT_THAT(said(), Contains(HasSubstr("KEY_MUTE on front-panel, 0.2 s")));
+    EXPECT_THAT(keysOf("front-panel"), ElementsAre("KEY_INFO Info 700", "KEY_MUTE Mute"));
 }
 
 TEST_F(LearnerTest, TakesTheNextKeyForADeclinedOffer)

@@ -126,7 +126,7 @@ QStringList Hints::add(const SessionEntry &entry, const Profile *profile, const 
         return profile ? profile->deviceFor(device.name, device.bus) : nullptr;
     };
     if (const auto *record = std::get_if<RecordRead>(&entry.what))
-        return ofRecord(*record, entry.time, mappingOf(record->device), identifier);
+        return ofRecord(*record, mappingOf(record->device), identifier);
     const auto *step = std::get_if<DetectorStep>(&entry.what);
     if (!step || step->what != DetectorStep::What::ChordFound || step->keys.size() != 2)
         return {};
@@ -138,7 +138,7 @@ QStringList Hints::add(const SessionEntry &entry, const Profile *profile, const 
                    : once(step->device, chordRegistration(step->keys.first(), step->keys.last()));
 }
 
-QStringList Hints::ofRecord(const RecordRead &record, qint64 time, const DeviceProfile *mapping,
+QStringList Hints::ofRecord(const RecordRead &record, const DeviceProfile *mapping,
                             const QString &identifier)
 {
     const QString place = record.device + QLatin1Char('/') + identifier;
@@ -151,11 +151,12 @@ QStringList Hints::ofRecord(const RecordRead &record, qint64 time, const DeviceP
         return {};
     const QString key = keyId(record.device, record.code);
     if (record.value == 1) {
-        m_pressed.insert(key, time);
+        m_pressed.insert(key, record.stamp);
         return once(place, keyRegistration(record.code));
     }
     if (record.value == 0 && m_pressed.contains(key)
-        && time - m_pressed.take(key) >= longPressHoldUs) {
+        && record.stamp - m_pressed.take(key) >= longPressHoldUs)
+    {
         return once(place, longPressRegistration(record.code));
     }
     return {};

@@ -45,12 +45,12 @@ private:
         QString name;
         InputEvent::Bus bus = InputEvent::Bus::NoBus;
     };
-    QStringList ofRecord(const RecordRead &record, qint64 time, const DeviceProfile *mapping,
+    QStringList ofRecord(const RecordRead &record, const DeviceProfile *mapping,
                          const QString &identifier);
     QStringList once(const QString &place, const QString &text);
 
     QHash<QString, Device> m_devices;
-    QHash<QString, qint64> m_pressed; ///< by device and code: when
+    QHash<QString, qint64> m_pressed; ///< by device and code: the stamp, µs
     QSet<QString> m_told;
 };
 

@@ -105,25 +105,26 @@ void Learner::add(const SessionEntry &entry)
     if (!record || m_isFinished)
         return;
     if (record->type == EV_KEY)
-        onKey(*record, entry.time);
+        onKey(*record);
     else if (record->type == EV_SW)
         onSwitch(*record);
 }
 
-void Learner::onKey(const RecordRead &record, qint64 time)
+void Learner::onKey(const RecordRead &record)
 {
     // Keys of another device are somebody else's fingers.
     if (!m_press.down.isEmpty() && m_press.device != record.device)
         return;
     if (record.value == 1) {
         if (m_press.down.isEmpty())
-            m_press = Press{record.device, {}, {}, time, 0};
+            m_press = Press{record.device, {}, {}, record.stamp, 0};
         if (!m_press.keys.contains(record.code))
             m_press.keys += record.code;
         if (!m_press.down.contains(record.code))
             m_press.down += record.code;
     } else if (record.value == 0 && m_press.down.removeOne(record.code) && m_press.down.isEmpty()) {
-        m_press.duration = time - m_press.begin;
+        // By the stamps, like the library: when the records are read is a matter of load.
+        m_press.duration = qMax<qint64>(0, record.stamp - m_press.begin);
         onPressed(std::exchange(m_press, Press()));
     }
 }

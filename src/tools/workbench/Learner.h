@@ -52,7 +52,7 @@ private:
         QString device;
         QVector<int> keys;
         QVector<int> down;
-        qint64 begin = 0; ///< µs
+        qint64 begin = 0; ///< the first record's stamp, µs
         qint64 duration = 0; ///< µs
     };
     struct Learnt
@@ -68,7 +68,7 @@ private:
     void next();
     void back();
     void finish();
-    void onKey(const RecordRead &record, qint64 time);
+    void onKey(const RecordRead &record);
     void onSwitch(const RecordRead &record);
     void onPressed(const Press &press);
     void learn(const Learnt &learnt);
