@@ -22,7 +22,7 @@ def simulate(source, program, folder):
     scenario = os.path.join(folder, "hold.scenario")
     with open(scenario, "w") as file:
         file.write('device panel name="front-panel" bus=LocalUI keys=KEY_VOLUMEUP\n'
-                   "panel press KEY_VOLUMEUP\nwait 4h\n")
+                   "panel press KEY_VOLUMEUP\nwait 1h\n")
     return Terminal(["sh", "-c", 'exec "$@" >"$0"', os.path.join(folder, "out"), program,
                      "simulate", "--profile",
                      os.path.join(source, "examples/profiles/player.json"), scenario])
