@@ -44,8 +44,9 @@ void onSignal(int signal)
         const char byte = 0;
         const ssize_t written = write(signalPipe[1], &byte, 1);
         Q_UNUSED(written)
-    } else if ((now - interruptionTicks) * 1000
-               >= Interruption::repetitionMs * sysconf(_SC_CLK_TCK)) {
+    } else if (static_cast<qint64>(now - interruptionTicks) * 1000
+               >= static_cast<qint64>(Interruption::repetitionMs) * sysconf(_SC_CLK_TCK))
+    {
         struct sigaction action = {};
         action.sa_handler = SIG_DFL;
         sigaction(signal, &action, nullptr);
