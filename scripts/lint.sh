@@ -8,8 +8,8 @@ Installs what is missing and checks the formatting (clang-format), the code (cla
 Debug build that it makes first) and the scripts (shellcheck, pyflakes). Ends with status 0 when there
 is nothing to say.
 
---all   Checks the code of the tests as well, which takes longer than everything else together and
-        is not done in CI: before a release, or when a test needs a second opinion.
+--all   Checks the code of the tests as well, which takes some minutes more and is not done in CI:
+        before a release, or when a test needs a second opinion.
 --fix   Formats the sources instead of checking their formatting.
 --help  Prints this text.'
 

@@ -21,12 +21,14 @@ protected:
                     nullptr, {});
     }
 
-    std::vector<std::string> add(qint64 time, const decltype(SessionEntry::what) &what,
+    /// @param stamp of a record, µs. All are read at once, as by a process that was stopped: only
+    /// their stamps tell how long a key was held.
+    std::vector<std::string> add(qint64 stamp, const decltype(SessionEntry::what) &what,
                                  const Profile *profile = nullptr, const QString &identifier = {})
     {
-        SessionEntry entry{time, what};
+        SessionEntry entry{0, what};
         if (auto *record = std::get_if<RecordRead>(&entry.what))
-            record->stamp = 1'700'000'000'000'000 + time;
+            record->stamp = 1'700'000'000'000'000 + stamp;
         std::vector<std::string> lines;
         for (const QString &line : m_hints.add(entry, profile, identifier))
             lines.push_back(line.toStdString());
