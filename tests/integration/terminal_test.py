@@ -18,7 +18,7 @@ def monitor(source, program):
 
 
 def simulate(source, program, folder):
-    """A key that is held for hours, with the result where it does not show progress itself."""
+    """A key that is held for an hour, with the result where it does not show progress itself."""
     scenario = os.path.join(folder, "hold.scenario")
     with open(scenario, "w") as file:
         file.write('device panel name="front-panel" bus=LocalUI keys=KEY_VOLUMEUP\n'
