@@ -40,6 +40,29 @@ static_assert(EVIOCGSW(requestedStatusBytes) == 0x8004451B);
 static_assert(sizeof(long) != 4 || sizeof(input_event) == 16);
 static_assert(sizeof(long) != 4 || readSize / sizeof(input_event) == 64);
 
+// The batch before, to be filled anew: QList allocates each of its records on its own, and a device
+// that is read again and again would free and allocate them all each time.
+thread_local QList<input_event> spareBatch;
+
+/// The spare batch with other records, or a new one while a receiver keeps the last, or is still at
+/// work on it and runs an event loop meanwhile.
+QList<input_event> takeBatch(const input_event *records, int count)
+{
+    QList<input_event> batch;
+    batch.swap(spareBatch);
+    if (!batch.isDetached()) {
+        batch.clear();
+        batch.reserve(count);
+    }
+    while (batch.size() > count)
+        batch.removeLast();
+    const int reused = batch.size();
+    std::copy(records, records + reused, batch.begin());
+    for (int i = reused; i < count; ++i)
+        batch.append(records[i]);
+    return batch;
+}
+
 InputEvent::Bus busOf(unsigned int linuxBus)
 {
     switch (linuxBus) {
@@ -224,8 +247,8 @@ void LinuxInputListener::readData(int socket)
                                                       "LinuxInputListener")
                              << ": " << socket);
 
-    char buffer[readSize];
-    const ssize_t bytes = ::read(socket, buffer, sizeof(buffer));
+    input_event records[readSize / sizeof(input_event) + 1];
+    const ssize_t bytes = ::read(socket, records, readSize);
     if (bytes < 0) {
         LOG4CPLUS_ERROR(logger, "Error reading from event device " << m_device);
         // Deletes the notifier whose signal this is; nothing may touch it from here on.
@@ -238,18 +261,17 @@ void LinuxInputListener::readData(int socket)
     }
 
     const int count = static_cast<int>(static_cast<std::size_t>(bytes) / sizeof(input_event));
-    QList<input_event> batch;
-    batch.reserve(count);
     for (int i = 0; i < count; ++i) {
-        input_event record;
-        std::memcpy(&record, buffer + static_cast<std::size_t>(i) * sizeof(record), sizeof(record));
         LOG4CPLUS_DEBUG(logger,
-                        " type: " << record.type << " code:" << record.code
-                                  << " value:" << record.value);
-        batch.append(record);
+                        " type: " << records[i].type << " code:" << records[i].code
+                                  << " value:" << records[i].value);
     }
-    if (m_handler)
-        m_handler->processEvent(batch);
+    if (!m_handler)
+        return;
+    QList<input_event> batch = takeBatch(records, count);
+    m_handler->processEvent(batch);
+    // The receiver may have deleted this listener.
+    spareBatch.swap(batch);
 }
 
 int LinuxInputListener::statusSize() const
