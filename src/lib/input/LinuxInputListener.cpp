@@ -242,10 +242,14 @@ void LinuxInputListener::getInputStatus()
 
 void LinuxInputListener::readData(int socket)
 {
-    LOG4CPLUS_TRACE(logger,
-                    "Enter " << dbglog_scopedFunction("void LinuxInputListener::readData(int)",
-                                                      "LinuxInputListener")
-                             << ": " << socket);
+    // Asked once for all that follows: when it is off, nothing runs here that could turn it on.
+    const bool isLogging = logger.isEnabledFor(log4cplus::DEBUG_LOG_LEVEL);
+    if (isLogging) {
+        LOG4CPLUS_TRACE(logger,
+                        "Enter " << dbglog_scopedFunction("void LinuxInputListener::readData(int)",
+                                                          "LinuxInputListener")
+                                 << ": " << socket);
+    }
 
     input_event records[readSize / sizeof(input_event) + 1];
     const ssize_t bytes = ::read(socket, records, readSize);
@@ -261,7 +265,7 @@ void LinuxInputListener::readData(int socket)
     }
 
     const int count = static_cast<int>(static_cast<std::size_t>(bytes) / sizeof(input_event));
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; isLogging && i < count; ++i) {
         LOG4CPLUS_DEBUG(logger,
                         " type: " << records[i].type << " code:" << records[i].code
                                   << " value:" << records[i].value);
