@@ -165,12 +165,13 @@ DoubleKeyDetect::~DoubleKeyDetect() = default;
 
 void DoubleKeyDetect::checkDoubleKeyDetect(const input_event &event)
 {
+    // Not by begin(), which makes an empty list allocate what append() then has to enlarge.
     const auto stored =
-        std::find_if(storedEvents.begin(), storedEvents.end(),
+        std::find_if(storedEvents.cbegin(), storedEvents.cend(),
                      [&event](const input_event &other) { return other.code == event.code; });
-    if (stored != storedEvents.end()) {
+    if (stored != storedEvents.cend()) {
         LOG4CPLUS_DEBUG(logger, "Found already event for code:" << event.code);
-        *stored = event;
+        storedEvents[static_cast<int>(stored - storedEvents.cbegin())] = event;
     } else if (detected) {
         LOG4CPLUS_DEBUG(logger, "Double key press detected and new press event received -> drop");
         return;
