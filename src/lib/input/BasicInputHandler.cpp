@@ -258,11 +258,12 @@ void BasicKeyInputHandler::on_doubleKeyDetect(const QList<input_event> &keys, bo
         } else {
             immediate = immediateKeys.contains(record.code);
         }
-        if (!keyMap.contains(record.code)) {
+        const auto mapped = keyMap.constFind(record.code);
+        if (mapped == keyMap.constEnd()) {
             longPressDetect->process(record);
             return;
         }
-        command = keyMap.value(record.code);
+        command = *mapped;
     }
 
     longPressDetect->process(record);
