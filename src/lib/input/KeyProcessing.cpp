@@ -4,6 +4,7 @@
 #include "vorn.h"
 
 #include <QTimer>
+#include <QVarLengthArray>
 
 #include <log4cplus/logger.h>
 #include <log4cplus/loggingmacros.h>
@@ -123,15 +124,17 @@ void LongPressDetect::update()
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
 
     // An application that answers a long press by a nested event loop, or by registering keys
-    // anew, must find the detector between two steps and not inside one. So the keys are walked in
+    // anew, must find the detector between two steps and not inside one. So the codes are walked in
     // a copy, each key's state is looked up when its turn comes, and it is brought up to date
     // before the key is told of.
-    const QHash<int, KeyData> held = keyData;
-    for (auto it = held.constBegin(); it != held.constEnd(); ++it) {
-        const int key = it.key();
-        if (!keyData.contains(key))
+    QVarLengthArray<int, 32> held;
+    for (auto it = keyData.constBegin(); it != keyData.constEnd(); ++it)
+        held.append(it.key());
+    for (const int key : held) {
+        const auto found = keyData.constFind(key);
+        if (found == keyData.constEnd())
             continue;
-        const KeyData data = keyData.value(key);
+        const KeyData data = *found;
         const int stage = stages.value(key, 0);
         const Event event = events.value(key);
         // operator[], not at(): its assertion names this operator.
