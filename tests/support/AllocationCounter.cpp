@@ -1,7 +1,10 @@
 #include "AllocationCounter.h"
 
-#include <cstdlib>
-#include <new>
+#include <cerrno>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define VORN_SANITIZER_ALLOCATES
+#endif
 
 namespace {
 
@@ -9,51 +12,80 @@ thread_local int allocationCount = 0;
 thread_local int deallocationCount = 0;
 thread_local std::size_t byteCount = 0;
 
-void *allocate(std::size_t size)
+void countAllocation(std::size_t size)
 {
     ++allocationCount;
     byteCount += size;
-    return std::malloc(size == 0 ? 1 : size);
 }
 
-void deallocate(void *memory)
+void countDeallocation(const volatile void *memory)
 {
     if (memory)
         ++deallocationCount;
-    std::free(memory);
 }
 
 } // namespace
 
-#define REPLACES_THE_LIBRARYS __attribute__((visibility("default")))
+#ifdef VORN_SANITIZER_ALLOCATES
 
-REPLACES_THE_LIBRARYS void *operator new(std::size_t size)
-{
-    void *memory = allocate(size);
-    if (!memory)
-        throw std::bad_alloc();
-    return memory;
+// The sanitizer's allocator must stay in its place; it tells what it does.
+extern "C" int __sanitizer_install_malloc_and_free_hooks( // NOLINT(bugprone-reserved-identifier)
+    void (*)(const volatile void *, std::size_t), void (*)(const volatile void *));
+
+namespace {
+
+const int isInstalled = __sanitizer_install_malloc_and_free_hooks(
+    [](const volatile void *, std::size_t size) { countAllocation(size); }, countDeallocation);
+
+} // namespace
+
+#else
+
+extern "C" {
+// The C library's own, under the names that it keeps for those who take its place.
+void *__libc_malloc(std::size_t size); // NOLINT(bugprone-reserved-identifier)
+void *__libc_calloc(std::size_t number, std::size_t size); // NOLINT(bugprone-reserved-identifier)
+void *__libc_realloc(void *memory, std::size_t size); // NOLINT(bugprone-reserved-identifier)
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+void *__libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void *memory); // NOLINT(bugprone-reserved-identifier)
 }
 
-REPLACES_THE_LIBRARYS void *operator new(std::size_t size, const std::nothrow_t &) noexcept
+#define REPLACES_THE_LIBRARYS extern "C" __attribute__((visibility("default")))
+
+REPLACES_THE_LIBRARYS void *malloc(std::size_t size)
 {
-    return allocate(size);
+    countAllocation(size);
+    return __libc_malloc(size);
 }
 
-REPLACES_THE_LIBRARYS void operator delete(void *memory) noexcept
+REPLACES_THE_LIBRARYS void *calloc(std::size_t number, std::size_t size)
 {
-    deallocate(memory);
+    countAllocation(number * size);
+    return __libc_calloc(number, size);
 }
 
-REPLACES_THE_LIBRARYS void operator delete(void *memory, std::size_t) noexcept
+REPLACES_THE_LIBRARYS void *realloc(void *memory, std::size_t size)
 {
-    deallocate(memory);
+    countAllocation(size);
+    countDeallocation(memory);
+    return __libc_realloc(memory, size);
 }
 
-REPLACES_THE_LIBRARYS void operator delete(void *memory, const std::nothrow_t &) noexcept
+REPLACES_THE_LIBRARYS int posix_memalign(void **memory, std::size_t alignment, std::size_t size)
 {
-    deallocate(memory);
+    countAllocation(size);
+    *memory = __libc_memalign(alignment, size);
+    return *memory ? 0 : ENOMEM;
 }
+
+REPLACES_THE_LIBRARYS void free(void *memory)
+{
+    countDeallocation(memory);
+    __libc_free(memory);
+}
+
+#endif
 
 AllocationCounter::AllocationCounter()
     : m_allocations(allocationCount)

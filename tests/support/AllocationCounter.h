@@ -3,9 +3,11 @@
 
 #include <cstddef>
 
-/// Counts what `operator new` and `operator delete` do on this thread from its construction on.
+/// Counts the allocations of this thread from its construction on: `malloc` and its kin, to which
+/// `operator new` and Qt's containers come as well. A `realloc` is an allocation of its own.
 ///
-/// Linking its source replaces both operators in the whole process, the libraries included.
+/// Linking its source replaces these functions in the whole process, the libraries included; under
+/// a sanitizer its allocator tells instead.
 class AllocationCounter
 {
 public:

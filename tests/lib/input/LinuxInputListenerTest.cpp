@@ -501,6 +501,90 @@ TEST_F(LinuxInputListenerTest, MayBeClosedOrRedirectedByItsReceiver)
     EXPECT_EQ(node.openDescriptors(), 0);
 }
 
+TEST_F(LinuxInputListenerTest, LeavesABatchAloneThatItsReceiverKeeps)
+{
+    class KeepingHandler : public RecordingHandler
+    {
+    public:
+        void processEvent(const QList<input_event> &events) override { kept.push_back(events); }
+        std::vector<QList<input_event>> kept;
+    } keeper;
+    Vorn::Sim::InputNode &node = plugKeyboard();
+    const auto listener = listen(LinuxInputListener::Key);
+    listener->setHandler(&keeper);
+    for (const int value : {1, 2, 0}) {
+        node.send({keyRecord(KEY_A, value), keyRecord(KEY_S, value)});
+        QCoreApplication::processEvents();
+    }
+    ASSERT_THAT(keeper.kept, SizeIs(3));
+    EXPECT_EQ(describe(keeper.kept[0]), "1/30=1@0 1/31=1@0");
+    EXPECT_EQ(describe(keeper.kept[1]), "1/30=2@0 1/31=2@0");
+    EXPECT_EQ(describe(keeper.kept[2]), "1/30=0@0 1/31=0@0");
+}
+
+TEST_F(LinuxInputListenerTest, DeliversBatchesOfChangingSizes)
+{
+    Vorn::Sim::InputNode &node = plugKeyboard();
+    const auto listener = listen(LinuxInputListener::Key);
+    for (const int size : {1, 3, 2, 4, 1}) {
+        QList<input_event> records;
+        std::string expected;
+        for (int i = 0; i < size; ++i) {
+            records.append(keyRecord(KEY_A + i, size));
+            expected += (i == 0 ? "" : " ") + describe({records.last()});
+        }
+        node.send(records);
+        QCoreApplication::processEvents();
+        EXPECT_THAT(receiver.take(), ElementsAre(expected));
+    }
+}
+
+TEST_F(LinuxInputListenerTest, MayReadOnWhileItsReceiverIsAtWork)
+{
+    // As when an application answers a key with a nested event loop.
+    class NestingHandler : public RecordingHandler
+    {
+    public:
+        void processEvent(const QList<input_event> &events) override
+        {
+            const std::string before = describe(events);
+            while (!onDelivery.empty()) {
+                const auto next = onDelivery.back();
+                onDelivery.pop_back();
+                next();
+                QCoreApplication::processEvents();
+            }
+            EXPECT_EQ(describe(events), before);
+            batches.push_back(describe(events));
+        }
+        std::vector<std::function<void()>> onDelivery;
+    } nesting;
+    Vorn::Sim::InputNode &node = plugKeyboard();
+    const auto listener = listen(LinuxInputListener::Key);
+    listener->setHandler(&nesting);
+    nesting.onDelivery = {[&] {
+                              node.send({keyRecord(KEY_D, 1), keyRecord(KEY_D, 0)});
+                          },
+                          [&] {
+                              node.send({keyRecord(KEY_S, 1), keyRecord(KEY_S, 0)});
+                          }};
+    node.send({keyRecord(KEY_A, 1), keyRecord(KEY_A, 0)});
+    QCoreApplication::processEvents();
+    EXPECT_THAT(nesting.batches,
+                ElementsAre("1/32=1@0 1/32=0@0", "1/31=1@0 1/31=0@0", "1/30=1@0 1/30=0@0"));
+}
+
+TEST_F(LinuxInputListenerTest, MayBeDeletedByItsReceiver)
+{
+    Vorn::Sim::InputNode &node = plugKeyboard();
+    auto listener = listen(LinuxInputListener::Key);
+    receiver.onBatch = [&] { listener.reset(); };
+    node.send({keyRecord(KEY_A, 1), keyRecord(KEY_A, 0)});
+    QCoreApplication::processEvents();
+    EXPECT_THAT(receiver.take(), SizeIs(1));
+    EXPECT_EQ(node.openDescriptors(), 0);
+}
+
 TEST_F(LinuxInputListenerTest, TwoListenersOnOneNodeReadEachForItself)
 {
     Vorn::Sim::InputNode &node =
