@@ -10,6 +10,7 @@ import statistics
 import subprocess
 import sys
 import tempfile
+import time
 from pathlib import Path
 
 COLUMNS = ["group", "subject", "stream", "burst", "parameter", "figure", "unit", "median", "low",
@@ -89,7 +90,7 @@ class Bench:
         return (totals[1] - totals[0]) / ((bursts[1] - bursts[0]) * burst)
 
     def system_calls(self, command, stream, burst, options=()):
-        """All system calls and those of read(), for each further burst."""
+        """What each further burst takes, by the names of the system calls."""
         output = self.scratch / "strace.out"
         bursts = [100, 300]
         counts = []
@@ -99,8 +100,8 @@ class Bench:
             self.feed(["strace", "-D", "-f", "-c", "-o", str(output), *command], stream, burst,
                       number * burst, options=["--warm-up", str(10 * burst), *options])
             counts.append(count_calls(output))
-        return tuple((second - first) / (bursts[1] - bursts[0])
-                     for first, second in zip(*counts))
+        return {name: (counts[1].get(name, 0) - counts[0].get(name, 0)) / (bursts[1] - bursts[0])
+                for name in counts[1]}
 
 
 def environment():
@@ -112,16 +113,19 @@ def environment():
 
 def count_calls(table):
     """The numbers of strace's table, once it has been written."""
+    # The tracer writes it when its subject has ended, which is not waited for.
     for _ in range(100):
         if table.exists() and "total" in table.read_text():
             break
-        subprocess.run(["sleep", "0.05"], check=True)
+        time.sleep(0.05)
+    else:
+        raise SystemExit("path.py: strace has counted nothing; may it trace processes here?")
     calls = {}
     for line in table.read_text().splitlines():
         fields = line.split()
         if len(fields) >= 5 and fields[0][0].isdigit():
             calls[fields[-1]] = int(fields[3])
-    return calls.pop("total"), calls.get("read", 0)
+    return calls
 
 
 class Rows:
@@ -177,9 +181,9 @@ def measure_path(bench, rows, runs, counts):
             progress(f"burst {burst}, counts: {subject}, {stream}")
             rows.add(*row, "instructions", "1/record", [bench.instructions(command, raw, burst)])
             rows.add(*row, "allocations", "1/record", [bench.allocated(command, raw, burst)])
-            calls, reads = bench.system_calls(command, raw, burst)
-            rows.add(*row, "system calls", "1/burst", [calls])
-            rows.add(*row, "reads", "1/burst", [reads])
+            calls = bench.system_calls(command, raw, burst)
+            rows.add(*row, "system calls", "1/burst", [calls["total"]])
+            rows.add(*row, "reads", "1/burst", [calls["read"]])
 
 
 def measure_growth(bench, rows, runs, counts):

@@ -4,8 +4,9 @@
 build_packages=(cmake g++ libcli11-dev libevdev-dev libgmock-dev libgtest-dev liblog4cplus-dev
     ninja-build pkg-config qtbase5-dev scdoc)
 demo_packages=("${build_packages[@]}" umockdev)
-test_packages=("${demo_packages[@]}" clang jq libclang-rt-14-dev libqt5svg5-dev python3
-    python3-jsonschema valgrind zsh)
+bench_packages=("${build_packages[@]}" gnuplot-nox libbenchmark-dev python3 strace valgrind)
+test_packages=("${demo_packages[@]}" "${bench_packages[@]}" clang jq libclang-rt-14-dev
+    libqt5svg5-dev python3-jsonschema zsh)
 vm_packages=("${build_packages[@]}" acpica-tools busybox-static cpio device-tree-compiler evemu-tools
     g++-arm-linux-gnueabihf python3 qemu-system-arm qemu-system-x86 qemu-user)
 lint_packages=("${build_packages[@]}" clang-format clang-tidy pyflakes3 python3
