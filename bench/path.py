@@ -68,6 +68,7 @@ class Bench:
         return json.loads(result.stdout)
 
     def nanoseconds(self, command, stream, burst, records, options=()):
+        """CPU time for each record."""
         run = self.feed(command, stream, burst, records, options=options)
         return run["nanoseconds"] / run["records"]
 
@@ -172,7 +173,7 @@ def measure_path(bench, rows, runs, counts):
             for case in cases(bench):
                 progress(f"burst {burst}, run {run + 1} of {runs}: {case[0]}, {case[1]}")
                 times.setdefault(case[:3], []).append(
-                    bench.nanoseconds(case[3], case[4], burst, records))
+                    bench.nanoseconds(case[3], case[4], burst, records, ["--pace", "read"]))
         for subject, stream, parameter, command, raw in cases(bench):
             row = ["path", subject, stream, burst, parameter]
             rows.add(*row, "CPU time", "ns/record", times[subject, stream, parameter])
@@ -184,6 +185,19 @@ def measure_path(bench, rows, runs, counts):
             calls = bench.system_calls(command, raw, burst)
             rows.add(*row, "system calls", "1/burst", [calls["total"]])
             rows.add(*row, "reads", "1/burst", [calls["read"]])
+
+
+def measure_wakeups(bench, rows, runs):
+    """The same where every burst finds its reader asleep, as a key does."""
+    clicks = [case for case in cases(bench) if case[4] == "clicks" and case[2] != LOG_DEBUG]
+    times = {}
+    for run in range(runs):
+        for case in clicks:
+            progress(f"wake-ups, run {run + 1} of {runs}: {case[0]}, {case[1]}")
+            times.setdefault(case[:3], []).append(
+                2 * bench.nanoseconds(case[3], case[4], 2, 10_000))
+    for (subject, stream, parameter), values in times.items():
+        rows.add("wakeup", subject, stream, 2, parameter, "CPU time", "ns/wake-up", values)
 
 
 def measure_growth(bench, rows, runs, counts):
@@ -232,7 +246,7 @@ def main():
     parser.add_argument("--peers", help="folder that triggerhappy and interception-tools are "
                         "unpacked in; without it they are left out")
     parser.add_argument("--runs", type=int, default=10, help="runs of each (default: 10)")
-    parser.add_argument("--only", choices=["path", "growth", "hold"], help="measure only this")
+    parser.add_argument("--only", choices=["path", "wakeup", "growth", "hold"], help="measure only this")
     parser.add_argument("--no-counts", action="store_true",
                         help="times only: neither instructions, allocations nor system calls")
     parser.add_argument("output", help="the CSV file that is written")
@@ -243,6 +257,8 @@ def main():
         counts = not options.no_counts
         if options.only in (None, "path"):
             measure_path(bench, rows, options.runs, counts)
+        if options.only in (None, "wakeup"):
+            measure_wakeups(bench, rows, options.runs)
         if options.only in (None, "growth"):
             measure_growth(bench, rows, max(1, options.runs // 3), counts)
         if options.only in (None, "hold"):

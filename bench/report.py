@@ -25,6 +25,7 @@ HEADER = ["group", "subject", "stream", "burst", "parameter", "figure", "unit", 
 # In the order of the report.
 GROUPS = {
     "path": "Whole path",
+    "wakeup": "Wake-ups",
     "hold": "A key that is held",
     "growth": "Growth",
     "parts": "Parts",

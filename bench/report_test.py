@@ -133,7 +133,7 @@ class TargetTest(ReportTest):
         self.assertEqual(verdicts["Qt evdev keyboard ÷ library", "unmapped", "42"],
                          ("", "not measured"))
         self.assertEqual(verdicts["library ÷ bare loop", "switches", "2"], ("", "not measured"))
-        self.assertEqual(len(verdicts), 4 + 12 + 6)
+        self.assertEqual(len(verdicts), 4 + 11 + 6)
 
     def test_only_what_is_measured_in_service_counts(self):
         text = self.make(path_row("empty Qt shape", "clicks", 100),
@@ -147,7 +147,7 @@ class TargetTest(ReportTest):
         self.assertEqual(result.returncode, 0)
         self.assertIn("library ÷ empty Qt shape  unmapped  42  ≤ 1.5  1.51  missed\n",
                       result.stdout)
-        self.assertIn("not measured: growth, parts, scan, start", result.stdout)
+        self.assertIn("not measured: wakeup, hold, growth, parts, scan, start", result.stdout)
 
 
 class GroupTest(ReportTest):
@@ -181,7 +181,7 @@ class GroupTest(ReportTest):
 
     def test_missing_groups_are_named_and_left_out(self):
         text = self.make("parts,Input: report,,,,CPU time,ns/event,50,40,60,10\n")
-        self.assertIn("Not measured: Whole path, Growth, Device scan, Start, Latency, Silence,"
+        self.assertIn("Not measured: Whole path, Wake-ups, A key that is held, Growth, Device scan, Start, Latency, Silence,"
                       " Memory, Footprint.\n", text)
         self.assertEqual([line for line in text.splitlines() if line.startswith("## ")],
                          ["## Targets", "## Parts"])

@@ -110,9 +110,7 @@ scripts/footprint.sh "${builds[@]}" >"$results/footprint.csv"
 # One table of all, with one head.
 {
     head -n 1 "$results/path.csv"
-    for file in "$results"/*.csv; do
-        tail -n +2 "$file"
-    done
+    grep -h -v '^group,' "$results"/*.csv
 } >"$output/results.csv.new"
 mv "$output/results.csv.new" "$output/results.csv"
 bench/report.py "$output/results.csv" -o "$output"

@@ -1,0 +1,53 @@
+#include "Commands.h"
+#include "Figures.h"
+#include "Process.h"
+#include "Setup.h"
+#include "UinputDevice.h"
+
+#include <cstdio>
+
+namespace Vorn::Bench {
+
+namespace {
+
+constexpr int nodes = 5;
+
+} // namespace
+
+void runStartSubject()
+{
+    const Application application;
+    const auto start = std::chrono::steady_clock::now();
+    const Product product;
+    waitForFirstPass();
+    const double time = microsecondsSince(start);
+    requireDevices(product, nodes);
+    announceReady();
+    std::printf("%.2f\n", time);
+}
+
+void measureStart(const Options &options)
+{
+    requireNoDevices();
+    const Expedition expedition(options.expedite);
+    const auto devices = makeDevices(nodes);
+    std::vector<double> times;
+    for (int i = 1; i <= options.starts; ++i) {
+        // A process of its own each time, as a product starts once.
+        Process process({ownPath(), "subject", "start"});
+        process.waitUntilReady();
+        const std::vector<double> numbers = process.finish(std::chrono::seconds(20));
+        times.insert(times.end(), numbers.begin(), numbers.end());
+        std::fprintf(stderr, "start, %d of %d: %.0f us\n", i, options.starts, times.back());
+    }
+    print({"start",
+           "library",
+           {},
+           {},
+           expedition.parameter(std::to_string(nodes) + " nodes"),
+           "first scan",
+           "us"},
+          times);
+}
+
+} // namespace Vorn::Bench
