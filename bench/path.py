@@ -213,7 +213,9 @@ def measure_growth(bench, rows, runs, counts):
     for stream in ["unmapped", "immediate", "deferred"]:
         for quantity, number, burst, feeding, options in grown:
             progress(f"growth: {stream}, {quantity} {number}")
-            row = ["growth", "library", stream, burst, f"{quantity}={number}"]
+            # A burst that grows is no series of its own.
+            row = ["growth", "library", stream, "" if burst == number else burst,
+                   f"{quantity}={number}"]
             command = bench.library(stream, *options)
             rows.add(*row, "CPU time", "ns/record",
                      [bench.nanoseconds(command, STREAMS[stream], burst, max(burst, 10) * 1000,

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Measures how much of a flash memory the libraries take, and how much the loader has to do for them.
+# Measures how much flash memory the libraries take, and how much the loader has to do for them.
 set -euo pipefail
 
 usage='usage: footprint.sh BUILD ...
@@ -49,8 +49,8 @@ measure() {
     row "$subject" "$architecture" data byte "$data"
     row "$subject" "$architecture" bss byte "$bss"
 
-    # Those of the load address and those of a symbol are processed when the library is loaded, those
-    # of calls when each function is called first.
+    # Those of the load address and those of a symbol are processed when the library is loaded,
+    # those of calls when each function is called first.
     "${prefix}readelf" -rW "$file" | grep -o 'R_[A-Z0-9_]*' >"$temporary/relocations"
     row "$subject" "$architecture" 'relative relocations' count \
         "$(grep -c '_RELATIVE$' "$temporary/relocations" || true)"

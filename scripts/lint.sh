@@ -8,16 +8,20 @@ Installs what is missing and checks the formatting (clang-format), the code (cla
 Debug build that it makes first) and the scripts (shellcheck, pyflakes). Ends with status 0 when there
 is nothing to say.
 
---all   Checks the code of the tests as well, which takes some minutes more and is not done in CI:
-        before a release, or when a test needs a second opinion.
+--all   Checks the code of the tests and benchmarks as well, which takes some minutes more and is not
+        done in CI: before a release, or when one of them needs a second opinion.
 --fix   Formats the sources instead of checking their formatting.
 --help  Prints this text.'
 
 format=(--dry-run -Werror)
-unchecked='^tests/'
+unchecked='^(tests|bench)/'
+bench=OFF
 for option in "$@"; do
     case $option in
-    --all) unchecked='^$' ;;
+    --all)
+        unchecked='^$'
+        bench=ON
+        ;;
     --fix) format=(-i) ;;
     --help)
         echo "$usage"
@@ -34,9 +38,10 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
 scripts/install-packages.sh "${lint_packages[@]}"
+[ "$bench" = OFF ] || scripts/install-packages.sh "${bench_packages[@]}"
 
 # Every file below the project that is not built, whether or not it is committed yet.
-sources() { find src tests examples -type f -name "$1" | LC_ALL=C sort; }
+sources() { find src tests examples bench -type f -name "$1" | LC_ALL=C sort; }
 status=0
 
 echo "== formatting"
@@ -45,7 +50,7 @@ mapfile -t headers < <(sources '*.h')
 clang-format "${format[@]}" "${cpp[@]}" "${headers[@]}" || status=1
 
 echo "== scripts"
-mapfile -t scripts < <({ find scripts tests examples -type f -name '*.sh'; echo .ci/run
+mapfile -t scripts < <({ find scripts tests examples bench -type f -name '*.sh'; echo .ci/run
     echo tests/vm/init; } | LC_ALL=C sort)
 shellcheck -x "${scripts[@]}" || status=1
 mapfile -t scripts < <(sources '*.py')
@@ -54,7 +59,8 @@ pyflakes3 "${scripts[@]}" || status=1
 echo "== clang-tidy"
 mkdir -p build/logs
 log=build/logs/lint-build.log
-if ! { cmake --preset ci && cmake --build --preset ci; } >"$log" 2>&1; then
+if ! { cmake --preset ci "-DVORN_INPUT_BUILD_BENCH=$bench" && cmake --build --preset ci; } \
+    >"$log" 2>&1; then
     tail -n 60 "$log"
     echo "lint.sh: the build failed, see $log" >&2
     exit 1
@@ -73,7 +79,7 @@ json.dump(entries, open("build/lint/compile_commands.json", "w"))' |
     grep -v '^build/' | LC_ALL=C sort -u)
 mapfile -t checked < <(printf '%s\n' "${compiled[@]}" | grep -v -E "$unchecked")
 comm -23 <(printf '%s\n' "${cpp[@]}") <(printf '%s\n' "${compiled[@]}") |
-    grep -v '^tests/package/consumer/' | sed 's/$/: not compiled, not checked/' || true
+    grep -v -E "^tests/package/consumer/$([ "$bench" = ON ] || echo '|^bench/')" | sed 's/$/: not compiled, not checked/' || true
 log=build/logs/clang-tidy.log
 if ! printf '%s\0' "${checked[@]}" |
     xargs -0 -n 1 -P "$(nproc)" clang-tidy -p build/lint --quiet >"$log" 2>&1; then

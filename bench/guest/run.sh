@@ -11,9 +11,9 @@ nine minutes for each guest, which should not share its processors with anything
 
 Needed: the target vorn_guest_bench, built in build/release for x86_64 and in build/armhf for armhf.
 
---instructions  Counts the instructions, of the kernel and of the program, that latency and scan take on
-                armhf, in place of all else. They hardly depend on the machine and on what else it
-                does. Takes two minutes.
+--instructions  Counts the instructions, of the kernel and of the program, that latency and scan
+                take on armhf, in place of all else. They hardly depend on the machine and on what
+                else it does. Takes two minutes.
 --quick         Takes about a minute for each guest, to try it out; the rows say nothing.
 --help          Prints this text.'
 

@@ -44,12 +44,12 @@ static_assert(sizeof(long) != 4 || readSize / sizeof(input_event) == 64);
 // that is read again and again would free and allocate them all each time.
 thread_local QList<input_event> spareBatch;
 
-/// The spare batch with other records, or a new one while a receiver keeps the last, or is still at
-/// work on it and runs an event loop meanwhile.
-QList<input_event> takeBatch(const input_event *records, int count)
+/// The @p spare batch with other records, or a new one while a receiver keeps the last, or is still
+/// at work on it and runs an event loop meanwhile.
+QList<input_event> takeBatch(QList<input_event> &spare, const input_event *records, int count)
 {
     QList<input_event> batch;
-    batch.swap(spareBatch);
+    batch.swap(spare);
     if (!batch.isDetached()) {
         batch.clear();
         batch.reserve(count);
@@ -272,10 +272,11 @@ void LinuxInputListener::readData(int socket)
     }
     if (!m_handler)
         return;
-    QList<input_event> batch = takeBatch(records, count);
+    QList<input_event> &spare = spareBatch;
+    QList<input_event> batch = takeBatch(spare, records, count);
     m_handler->processEvent(batch);
     // The receiver may have deleted this listener.
-    spareBatch.swap(batch);
+    spare.swap(batch);
 }
 
 int LinuxInputListener::statusSize() const
