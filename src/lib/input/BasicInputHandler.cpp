@@ -46,11 +46,13 @@ InputEvent::Bus busOf(const LinuxInputListener *listener)
 }
 
 /// Logs and publishes a command. The logged event is without a bus: the line names the device.
-/// @p function is the signature of the caller, which the log line is attributed to.
+/// @p function is the signature of the caller, which the log line is attributed to. @p mayTrace is
+/// false when the caller has just seen that less than TRACE is off.
 void report(const char *function, const InputHandler &handler, const QString &device,
-            const QString &id, InputEvent::Command command, InputEvent::State state)
+            const QString &id, InputEvent::Command command, InputEvent::State state,
+            bool mayTrace = true)
 {
-    if (logger.isEnabledFor(log4cplus::TRACE_LOG_LEVEL)) {
+    if (mayTrace && logger.isEnabledFor(log4cplus::TRACE_LOG_LEVEL)) {
         std::ostringstream text;
         text << "Device: " << device << "; id: " << id << "; command "
              << InputEvent(command, state, InputEvent::Bus::NoBus).toString();
@@ -236,8 +238,10 @@ void BasicKeyInputHandler::on_keyLongPress(int code, int repeat)
  */
 void BasicKeyInputHandler::on_doubleKeyDetect(const QList<input_event> &keys, bool fake)
 {
-    for (const input_event &key : keys) {
-        LOG4CPLUS_DEBUG(logger, "key:" << key.code << " value " << key.value);
+    bool isLogging = logger.isEnabledFor(log4cplus::DEBUG_LOG_LEVEL);
+    if (isLogging) {
+        for (const input_event &key : keys)
+            LOG4CPLUS_DEBUG(logger, "key:" << key.code << " value " << key.value);
     }
     if (keys.isEmpty())
         return;
@@ -273,7 +277,9 @@ void BasicKeyInputHandler::on_doubleKeyDetect(const QList<input_event> &keys, bo
     // Whatever a report's receivers change must not change what this record means, so the maps are
     // not looked at after the first report.
     const auto reportState = [&, function = __PRETTY_FUNCTION__](InputEvent::State state) {
-        report(function, *this, device, id, command, state);
+        report(function, *this, device, id, command, state, isLogging);
+        // A receiver may have set another level.
+        isLogging = true;
     };
     if (immediate) {
         reportState(record.value != 0 ? InputEvent::KeyPressed : InputEvent::KeyReleased);
