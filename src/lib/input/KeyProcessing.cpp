@@ -168,23 +168,31 @@ DoubleKeyDetect::~DoubleKeyDetect() = default;
 
 void DoubleKeyDetect::checkDoubleKeyDetect(const input_event &event)
 {
+    // Asked once: when it is off, nothing runs before the signals that could turn it on.
+    const bool isLogging = logger.isEnabledFor(log4cplus::DEBUG_LOG_LEVEL);
     // Not by begin(), which makes an empty list allocate what append() then has to enlarge.
     const auto stored =
         std::find_if(storedEvents.cbegin(), storedEvents.cend(),
                      [&event](const input_event &other) { return other.code == event.code; });
     if (stored != storedEvents.cend()) {
-        LOG4CPLUS_DEBUG(logger, "Found already event for code:" << event.code);
+        if (isLogging)
+            LOG4CPLUS_DEBUG(logger, "Found already event for code:" << event.code);
         storedEvents[static_cast<int>(stored - storedEvents.cbegin())] = event;
     } else if (detected) {
-        LOG4CPLUS_DEBUG(logger, "Double key press detected and new press event received -> drop");
+        if (isLogging) {
+            LOG4CPLUS_DEBUG(logger,
+                            "Double key press detected and new press event received -> drop");
+        }
         return;
     } else if (event.value != 0) {
         storedEvents.append(event);
     } else {
-        LOG4CPLUS_DEBUG(logger, "Received release for non existing press -> drop");
+        if (isLogging)
+            LOG4CPLUS_DEBUG(logger, "Received release for non existing press -> drop");
         return;
     }
-    LOG4CPLUS_DEBUG(logger, "Stored:" << Records{storedEvents});
+    if (isLogging)
+        LOG4CPLUS_DEBUG(logger, "Stored:" << Records{storedEvents});
 
     // The receiver may reset the detector from inside each signal, so the state is final and the
     // list a copy before it is emitted.
