@@ -197,9 +197,11 @@ void DoubleKeyDetect::checkDoubleKeyDetect(const input_event &event)
     // The receiver may reset the detector from inside each signal, so the state is final and the
     // list a copy before it is emitted.
     if (storedEvents.size() == 1) {
-        const QList<input_event> single = storedEvents;
+        QList<input_event> single;
         if (event.value == 0)
-            storedEvents.clear();
+            single.swap(storedEvents);
+        else
+            single = storedEvents;
         Q_EMIT keyDoubleDetect(single, false);
     } else if (allPressed(storedEvents)) {
         if (detected)
