@@ -460,14 +460,15 @@ def growth_plot(quantity, series):
     wide = values[-1] / max(values[0], 1) >= 50
     lines = terminal(760, sum(heights))
     lines += ["set multiplot",
-              "set lmargin 10",
+              "set lmargin 13",
               *(["set logscale x", f"set xrange [{values[0] / 1.15}:{values[-1] * 1.15}]"] if wide
                 else [f"set xrange [0:{values[-1] * 1.03}]"]),
               "set xtics (" + ", ".join(f'"{value}" {value}' for value in values) + ")",
               f'set grid linetype 1 linecolor rgb "{GRID}"',
               "set key bmargin left Left reverse vertical maxcols 1 samplen 2"
               f' textcolor rgb "{INK}"',
-              f"set xlabel {quoted(QUANTITIES.get(quantity, quantity))} textcolor rgb '{INK}'",
+              f"set xlabel {quoted(QUANTITIES.get(quantity, quantity))} offset 0,0.4"
+              f" textcolor rgb '{INK}'",
               "set bars 0.4"]
     for number_of_panel, ((figure, measure), curves) in enumerate(panels.items()):
         medians = [point.median for _, figures in curves for point in figures.values()]
@@ -521,7 +522,8 @@ def report(results, pictures):
     """The text of results.md."""
     lines = ["# Results", "",
              "Each figure is the median of its runs, with the least and the most in brackets where",
-             "they differ. Tables of growth show the medians only; their pictures show the spread, too."]
+             "they differ. Tables of growth show the medians only; their pictures show the spread,",
+             "too."]
     missing = [title for group, title in GROUPS.items() if not group_of(results, group)]
     if missing:
         lines += ["", "Not measured: " + ", ".join(missing) + "."]

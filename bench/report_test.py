@@ -181,7 +181,8 @@ class GroupTest(ReportTest):
 
     def test_missing_groups_are_named_and_left_out(self):
         text = self.make("parts,Input: report,,,,CPU time,ns/event,50,40,60,10\n")
-        self.assertIn("Not measured: Whole path, Wake-ups, A key that is held, Growth, Device scan, Start, Latency, Silence,"
+        self.assertIn("Not measured: Whole path, Wake-ups, A key that is held, Growth, Device scan,"
+                      " Start, Latency, Silence,"
                       " Memory, Footprint.\n", text)
         self.assertEqual([line for line in text.splitlines() if line.startswith("## ")],
                          ["## Targets", "## Parts"])

@@ -9,6 +9,8 @@
 
 #include <QMetaMethod>
 
+#include <log4cplus/logger.h>
+
 #include <gmock/gmock.h>
 
 #include <memory>
@@ -16,8 +18,11 @@
 namespace {
 
 using namespace std::chrono_literals;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using Bus = InputEvent::Bus;
 using Vorn::Sim::DeviceDescription;
 
@@ -131,6 +136,20 @@ TEST_F(DeferredKey, IsReportedAsAClickOnRelease)
     release(A);
     EXPECT_THAT(events.take(),
                 ElementsAre(pressed(InputEvent::Confirm), released(InputEvent::Confirm)));
+}
+
+TEST_F(DeferredKey, LogsAtTheLevelThatAReceiverSetsBetweenItsTwoReports)
+{
+    LogRecorder log(log4cplus::WARN_LOG_LEVEL);
+    events.onEvent([](const InputEvent &) {
+        log4cplus::Logger::getRoot().setLogLevel(log4cplus::TRACE_LOG_LEVEL);
+    });
+    handler->registerKey(A, InputEvent::Confirm, false);
+    press(A);
+    release(A);
+    EXPECT_THAT(log.texts(log4cplus::TRACE_LOG_LEVEL),
+                Contains("Device: panel; id: browse; command [cmd=Confirm, state=KeyReleased]"));
+    EXPECT_THAT(log.texts(log4cplus::TRACE_LOG_LEVEL), Not(Contains(HasSubstr("KeyPressed"))));
 }
 
 TEST_F(DeferredKey, HasALoneReleaseAfterALongPress)
