@@ -134,20 +134,21 @@ void LongPressDetect::update()
         const auto found = keyData.constFind(key);
         if (found == keyData.constEnd())
             continue;
-        const KeyData data = *found;
+        const int count = found->count;
+        const qint64 start = found->time.toMSecsSinceEpoch();
         const int stage = stages.value(key, 0);
         const Event event = events.value(key);
         // operator[], not at(): its assertion names this operator.
         const qint64 timeout = event.timeouts[stage];
-        if (now - data.time.toMSecsSinceEpoch() < timeout)
+        if (now - start < timeout)
             continue;
 
         if (stage < event.timeouts.size() - 1)
             stages.insert(key, stage + 1);
         // From this tick, not from when the timeout fell due: a repetition never comes early.
-        keyData.insert(key, KeyData{data.count + 1, dateTime(now)});
-        if (data.count == 1 || event.repeat)
-            Q_EMIT keyLongPress(key, data.count);
+        keyData.insert(key, KeyData{count + 1, dateTime(now)});
+        if (count == 1 || event.repeat)
+            Q_EMIT keyLongPress(key, count);
     }
 
     if (keyData.isEmpty())
