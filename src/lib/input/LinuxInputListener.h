@@ -54,6 +54,9 @@ public:
 
     /// Takes one batch: all records of one read, in device order, synchronisation records
     /// included; or one record made by LinuxInputListener::getInputStatus().
+    ///
+    /// A copy of @p events may be kept, which costs the next read an allocation for each record. A
+    /// reference to the list or to a record may not: the next read puts its own records there.
     virtual void processEvent(const QList<input_event> &events) = 0;
 
     /// The listener that this handler owns; null before setListener() and after the listener was
