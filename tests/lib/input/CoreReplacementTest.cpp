@@ -20,6 +20,7 @@
 namespace {
 
 std::vector<std::string> watchers;
+int composedTexts = 0;
 
 } // namespace
 
@@ -49,6 +50,7 @@ const QString &Profiler::UIDrawEvent()
 
 std::string dbglog_scopedFunction(const std::string &function, const std::string &logger)
 {
+    ++composedTexts;
     // As a library may that traces itself.
     LOG4CPLUS_TRACE(log4cplus::Logger::getInstance("maker"), "asked for " << logger);
     return "{" + function + "|" + logger + "}";
@@ -56,6 +58,7 @@ std::string dbglog_scopedFunction(const std::string &function, const std::string
 
 std::ostream &operator<<(std::ostream &stream, const QString &text)
 {
+    ++composedTexts;
     LOG4CPLUS_TRACE(log4cplus::Logger::getInstance("maker"), "a text");
     return stream << "'" << text.toLatin1().constData() << "'";
 }
@@ -108,6 +111,27 @@ TEST(CoreLibrary, OfTheMakerWritesTheTimeOfARecord)
     std::ostringstream stream;
     stream << keyRecord(28, 1, 1000);
     EXPECT_EQ(stream.str(), "input_event: code:28 value:press time:'00:00:01,000'");
+}
+
+TEST(CoreLibrary, OfTheMakerIsAskedForNoTextOfALineThatIsNotLogged)
+{
+    EventRecorder events;
+    BasicKeyInputHandler keys(QStringLiteral("panel"));
+    keys.registerKey(28, InputEvent::Confirm, false);
+    Devices devices;
+    const auto textsAt = [&](log4cplus::LogLevel level) {
+        const LogRecorder log(level);
+        composedTexts = 0;
+        // A chord that is none, with its list of records, and an entry trace.
+        keys.processEvent({keyRecord(28, 1), keyRecord(29, 1), keyRecord(28, 0), keyRecord(29, 0)});
+        keys.processEvent({keyRecord(28, 1), keyRecord(28, 0)});
+        devices.selectKeyHandler(QStringLiteral("text"));
+        return composedTexts;
+    };
+    EXPECT_EQ(textsAt(log4cplus::OFF_LOG_LEVEL), 0);
+    EXPECT_EQ(textsAt(log4cplus::WARN_LOG_LEVEL), 0);
+    EXPECT_GT(textsAt(log4cplus::DEBUG_LOG_LEVEL), 0);
+    EXPECT_GT(textsAt(log4cplus::TRACE_LOG_LEVEL), textsAt(log4cplus::DEBUG_LOG_LEVEL));
 }
 
 TEST(CoreLibrary, OfTheMakerTimesEachEvent)
