@@ -7,11 +7,11 @@ usage='usage: bench.sh [--quick] [--guests] [--output FOLDER] [--help]
 Installs what is missing, builds the preset release, and measures: the whole path from a node to an
 application beside other readers of evdev, its growth, the parts by themselves, the scan of devices,
 and the size of the binaries. Writes results.csv, results.md and plots (SVG) into FOLDER, and says
-which targets are met. Takes about 20 minutes; the machine should have nothing else to do.
+which targets are met. Takes about 12 minutes; the machine should have nothing else to do.
 
---quick          Two runs of each in place of ten, to see whether all of it works (about 8 minutes).
+--quick          Two runs of each in place of ten, to see whether all of it works.
 --guests         Also what needs a kernel with devices: latency, silence, start and memory, in a
-                 guest of x86-64 and in one of 32-bit ARM. Software emulation takes another 10 minutes.
+                 guest of x86-64 and in one of 32-bit ARM. Software emulation takes another 25 minutes.
 --output FOLDER  Where the results go (build/bench).
 --help           Prints this text.'
 
@@ -103,6 +103,7 @@ if [ "$guests" = yes ]; then
         step "guest of $architecture"
         bench/guest/run.sh "$architecture" >"$results/guest-$architecture.csv"
     done
+    bench/guest/run.sh --instructions >"$results/guest-instructions.csv"
 fi
 step "size"
 scripts/footprint.sh "${builds[@]}" >"$results/footprint.csv"
