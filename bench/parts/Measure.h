@@ -1,7 +1,7 @@
 #ifndef VORN_BENCH_MEASURE_H
 #define VORN_BENCH_MEASURE_H
 
-#include "Allocations.h"
+#include "AllocationCounter.h"
 
 #include <QList>
 
@@ -32,11 +32,10 @@ void measure(benchmark::State &state, const char *item, int items, Operation ope
 
     // Apart from the time, so that the two do not disturb each other.
     constexpr int rounds = 16;
-    const std::uint64_t before = allocationCount();
+    const AllocationCounter counter;
     for (int round = 0; round < rounds; ++round)
         operation();
-    state.counters["allocations"] =
-        static_cast<double>(allocationCount() - before) / (rounds * items);
+    state.counters["allocations"] = static_cast<double>(counter.allocations()) / (rounds * items);
 }
 
 /// What is written to the log.
