@@ -47,7 +47,7 @@ InputEvent::Bus busOf(const LinuxInputListener *listener)
 
 /// Logs and publishes a command. The logged event is without a bus: the line names the device.
 /// @p function is the signature of the caller, which the log line is attributed to. @p mayTrace is
-/// false when the caller has just seen that less than TRACE is off.
+/// false when the caller has just seen that not even DEBUG is on.
 void report(const char *function, const InputHandler &handler, const QString &device,
             const QString &id, InputEvent::Command command, InputEvent::State state,
             bool mayTrace = true)
