@@ -3,7 +3,7 @@
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR arm)
 
-# The same folder as cache_folder() of scripts/debian-packages.sh.
+# The same folder as cache_folder() of scripts/lib/debian-packages.sh.
 if(NOT "$ENV{VORN_INPUT_CACHE}" STREQUAL "")
     set(CMAKE_SYSROOT "$ENV{VORN_INPUT_CACHE}/armhf-sysroot")
 elseif(NOT "$ENV{XDG_CACHE_HOME}" STREQUAL "")

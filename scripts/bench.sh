@@ -45,10 +45,10 @@ done
 mkdir -p "$output"
 output=$(realpath "$output")
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-# shellcheck source=scripts/packages.sh
-. scripts/packages.sh
-# shellcheck source=scripts/debian-packages.sh
-. scripts/debian-packages.sh
+# shellcheck source=scripts/lib/packages.sh
+. scripts/lib/packages.sh
+# shellcheck source=scripts/lib/debian-packages.sh
+. scripts/lib/debian-packages.sh
 scripts/install-packages.sh "${bench_packages[@]}"
 
 # The daemon would react to this machine's keys if it were installed, so it is only unpacked.

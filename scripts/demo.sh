@@ -74,8 +74,8 @@ esac
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 recordings=$root/examples/player/recordings
 player=$root/build/dev/examples/player/player
-# shellcheck source=scripts/packages.sh
-. "$root/scripts/packages.sh"
+# shellcheck source=scripts/lib/packages.sh
+. "$root/scripts/lib/packages.sh"
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 

@@ -35,8 +35,8 @@ for option in "$@"; do
 done
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-# shellcheck source=scripts/packages.sh
-. scripts/packages.sh
+# shellcheck source=scripts/lib/packages.sh
+. scripts/lib/packages.sh
 scripts/install-packages.sh "${lint_packages[@]}"
 [ "$bench" = OFF ] || scripts/install-packages.sh "${bench_packages[@]}"
 

@@ -22,8 +22,8 @@ case ${1:-} in
     ;;
 esac
 
-# shellcheck source=scripts/debian-packages.sh
-. "$(dirname "${BASH_SOURCE[0]}")/debian-packages.sh"
+# shellcheck source=scripts/lib/debian-packages.sh
+. "$(dirname "${BASH_SOURCE[0]}")/lib/debian-packages.sh"
 
 # What the programs need when they run, with all that it depends on.
 runtime_packages=(evemu-tools libc6-dev libevdev2 liblog4cplus-2.0.5 libqt5core5a libqt5test5)

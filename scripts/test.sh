@@ -49,13 +49,13 @@ done
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # Presets are looked for in the current directory.
 cd "$root"
-# shellcheck source=scripts/packages.sh
-. scripts/packages.sh
+# shellcheck source=scripts/lib/packages.sh
+. scripts/lib/packages.sh
 scripts/install-packages.sh "${test_packages[@]}"
 if [ "$vm" = yes ]; then
     scripts/install-packages.sh "${vm_packages[@]}"
-    # shellcheck source=scripts/debian-packages.sh
-    . scripts/debian-packages.sh
+    # shellcheck source=scripts/lib/debian-packages.sh
+    . scripts/lib/debian-packages.sh
     VORN_INPUT_CACHE=$(cache_folder)
     export VORN_INPUT_CACHE
 fi

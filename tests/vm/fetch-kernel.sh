@@ -30,8 +30,8 @@ x86_64 | armhf) architecture=$1 ;;
 *) status=2 fail "expected x86_64 or armhf (see --help)" ;;
 esac
 
-# shellcheck source=scripts/debian-packages.sh
-. "$(dirname "${BASH_SOURCE[0]}")/../../scripts/debian-packages.sh"
+# shellcheck source=scripts/lib/debian-packages.sh
+. "$(dirname "${BASH_SOURCE[0]}")/../../scripts/lib/debian-packages.sh"
 
 # Those that are not built in are loaded when the guest starts, in this order.
 modules=(evdev uinput hid uhid usbhid hid-generic xhci-pci virtio_pci virtio_console 9p 9pnet_virtio)
