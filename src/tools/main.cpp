@@ -1,5 +1,7 @@
-#include "CodeNames.h"
+#include "CommandNames.h"
 #include "Commands.h"
+#include "Suggestion.h"
+#include "Terminal.h"
 
 #include <QCoreApplication>
 

@@ -1,3 +1,5 @@
+#include "Evemu.h"
+#include "RecordedDevice.h"
 #include "Recording.h"
 
 #include <cstdint>

@@ -1,4 +1,5 @@
 #include "Profile.h"
+#include "ProfileWriter.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,7 @@
 #include "Session.h"
-#include "SessionText.h"
+#include "SessionPrinter.h"
+#include "SessionReader.h"
+#include "SessionWriter.h"
 #include "Timeline.h"
 
 #include <QXmlStreamReader>
@@ -55,11 +57,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     require(again.entries.size() == session.entries.size());
     require(written(again.entries) == once);
 
-    SessionText::Options options;
+    SessionPrinter::Options options;
     options.records = true;
     options.detectors = true;
     options.latency = true;
-    SessionText lines(options);
+    SessionPrinter lines(options);
     for (const SessionEntry &entry : session.entries)
         require(!lines.line(entry).contains(QLatin1Char('\n')));
 

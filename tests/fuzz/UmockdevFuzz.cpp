@@ -1,4 +1,7 @@
+#include "Ioctls.h"
+#include "RecordedDevice.h"
 #include "Recording.h"
+#include "Umockdev.h"
 
 #include <cstdint>
 #include <cstdlib>

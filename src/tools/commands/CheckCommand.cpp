@@ -1,5 +1,7 @@
 #include "Commands.h"
+#include "Diagnostic.h"
 #include "Profile.h"
+#include "TextFile.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>

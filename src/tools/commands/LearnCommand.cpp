@@ -1,9 +1,15 @@
+#include "CommandNames.h"
 #include "Commands.h"
-
-#include "CodeNames.h"
 #include "Diagnostic.h"
+#include "Interruption.h"
+#include "Keyboard.h"
 #include "Learner.h"
-#include "ProfileDevices.h"
+#include "Product.h"
+#include "ProfileWriter.h"
+#include "Session.h"
+#include "SessionLog.h"
+#include "Suggestion.h"
+#include "TextFile.h"
 #include "vorn.h"
 
 #include <QCoreApplication>
@@ -97,7 +103,7 @@ int learn(const LearnOptions &options)
         learner.add(entry);
         wait();
     });
-    const ProfileDevices devices(Profile(), &log);
+    const Product devices(Profile(), &log);
     const Interruption interruption([] { QCoreApplication::quit(); });
     const Keyboard keyboard([&](char key) {
         learner.answer(key);

@@ -1,12 +1,17 @@
 #include "Commands.h"
-
-#include "CodeNames.h"
 #include "Diagnostic.h"
 #include "Hints.h"
-#include "ProfileDevices.h"
+#include "Interruption.h"
+#include "Keyboard.h"
+#include "Product.h"
 #include "ProfileWatcher.h"
 #include "Recorder.h"
-#include "SessionText.h"
+#include "Session.h"
+#include "SessionLog.h"
+#include "SessionPrinter.h"
+#include "SessionWriter.h"
+#include "Suggestion.h"
+#include "Terminal.h"
 #include "vorn.h"
 
 #include <QCoreApplication>
@@ -54,18 +59,18 @@ private:
     const MonitorOptions m_options;
     const bool m_hasProfile;
     Profile m_profile;
-    SessionText m_text;
+    SessionPrinter m_text;
     Hints m_hints;
     std::unique_ptr<Recorder> m_recorder;
     bool m_isReloading = false;
     SessionLog m_log;
-    std::unique_ptr<ProfileDevices> m_devices;
+    std::unique_ptr<Product> m_devices;
     QMap<QString, QString> m_devicesBefore;
 };
 
-SessionText::Options textOptions(const MonitorOptions &options)
+SessionPrinter::Options textOptions(const MonitorOptions &options)
 {
-    SessionText::Options text;
+    SessionPrinter::Options text;
     // Without a profile there is nothing but records to see.
     text.records = options.raw || options.profile.isEmpty();
     text.latency = true;
@@ -152,7 +157,7 @@ void LiveView::useProfile(const Profile &profile)
     if (m_devices)
         m_devicesBefore = m_devices->devices();
     m_devices.reset();
-    m_devices = std::make_unique<ProfileDevices>(profile, &m_log);
+    m_devices = std::make_unique<Product>(profile, &m_log);
     // Queued behind the library's look at the devices.
     QTimer::singleShot(0, m_devices.get(), [this] {
         m_isReloading = false;

@@ -1,10 +1,13 @@
 #include "Commands.h"
-
 #include "Diagnostic.h"
+#include "Interruption.h"
+#include "Progress.h"
 #include "Session.h"
-#include "SessionText.h"
+#include "SessionPrinter.h"
+#include "SessionWriter.h"
 #include "Simulation.h"
 #include "Terminal.h"
+#include "TextFile.h"
 #include "Timeline.h"
 
 #include <QVector>
@@ -38,17 +41,17 @@ QString seconds(qint64 milliseconds)
     return QString::number(static_cast<double>(milliseconds) / 1000, 'f', 3);
 }
 
-SessionText::Options shownText(const SimulateOptions &options)
+SessionPrinter::Options shownText(const SimulateOptions &options)
 {
-    SessionText::Options result;
+    SessionPrinter::Options result;
     result.records = options.raw;
     result.coloured = isColoured(options.colour, STDOUT_FILENO);
     return result;
 }
 
-SessionText::Options contextText()
+SessionPrinter::Options contextText()
 {
-    SessionText::Options result;
+    SessionPrinter::Options result;
     result.records = true;
     result.detectors = true;
     result.indent = 2;
@@ -114,8 +117,8 @@ public:
 
 private:
     const SimulateOptions &m_options;
-    SessionText m_text;
-    SessionText m_contextText;
+    SessionPrinter m_text;
+    SessionPrinter m_contextText;
     QStringList m_context;
     SessionEntry m_failure;
     QVector<SessionEntry> m_entries;

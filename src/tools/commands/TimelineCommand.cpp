@@ -1,5 +1,8 @@
-#include "Timeline.h"
 #include "Commands.h"
+#include "Diagnostic.h"
+#include "SessionReader.h"
+#include "TextFile.h"
+#include "Timeline.h"
 
 #include <cmath>
 #include <cstdio>

@@ -1,7 +1,9 @@
 #include "NodeInfo.h"
 
-#include "CodeNames.h"
-#include "RecordingText.h"
+#include "Bitmaps.h"
+#include "BusNames.h"
+#include "LibraryFacts.h"
+#include "RecordedDevice.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,10 +23,6 @@ namespace {
 
 constexpr char inputFolder[] = "/dev/input";
 constexpr char nodePrefix[] = "/dev/input/event";
-// The library looks at event0 to event9.
-constexpr int libraryNodes = 10;
-// The library asks for the first 31 event types, and for the state of the first 32 codes.
-constexpr int typeBytes = 31;
 constexpr int textBytes = 256;
 constexpr int switchBytes = (SW_CNT + 7) / 8;
 
@@ -149,7 +147,7 @@ LibraryView NodeInfo::libraryView() const
 {
     LibraryView view;
     view.bus = libraryBus(hasIdentity ? device.id.bustype : 0, name());
-    if (number < 0 || number >= libraryNodes)
+    if (number < 0 || number >= nodeCount)
         view.reason = QStringLiteral("the library looks at event0 to event9 only");
     else if (!isReadable())
         view.reason = error;

@@ -2,7 +2,7 @@
 #define VORN_WORKBENCH_NODEINFO_H
 
 #include "Input.h"
-#include "Recording.h"
+#include "RecordedDevice.h"
 
 #include <QString>
 #include <QStringList>

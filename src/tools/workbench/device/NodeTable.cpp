@@ -1,6 +1,7 @@
 #include "NodeTable.h"
 
-#include "CodeNames.h"
+#include "BusNames.h"
+#include "EventNames.h"
 
 #include <QFileInfo>
 #include <QJsonArray>

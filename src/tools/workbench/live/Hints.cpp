@@ -1,6 +1,9 @@
 #include "Hints.h"
 
-#include "CodeNames.h"
+#include "CommandNames.h"
+#include "EventNames.h"
+#include "Session.h"
+#include "UsualCommands.h"
 
 #include <linux/input.h>
 

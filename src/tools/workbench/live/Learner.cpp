@@ -1,7 +1,9 @@
 #include "Learner.h"
 
-#include "CodeNames.h"
+#include "CommandNames.h"
+#include "EventNames.h"
 #include "Hints.h"
+#include "Session.h"
 
 #include <linux/input.h>
 

@@ -1,6 +1,8 @@
 #ifndef VORN_WORKBENCH_LEARNER_H
 #define VORN_WORKBENCH_LEARNER_H
 
+#include "CommandNames.h"
+#include "EventNames.h"
 #include "Profile.h"
 #include "Session.h"
 

@@ -1,5 +1,7 @@
 #include "ProfileWatcher.h"
 
+#include "Diagnostic.h"
+#include "TextFile.h"
 #include "vorn.h"
 
 #include <QFileInfo>

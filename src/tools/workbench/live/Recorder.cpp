@@ -1,8 +1,15 @@
 #include "Recorder.h"
 
-#include "CodeNames.h"
+#include "BusNames.h"
+#include "CommandNames.h"
+#include "Evemu.h"
+#include "Ioctls.h"
 #include "NodeInfo.h"
-#include "RecordingText.h"
+#include "Recording.h"
+#include "Session.h"
+#include "SessionWriter.h"
+#include "TextFile.h"
+#include "Umockdev.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,6 +1,9 @@
 #include "TextBlanking.h"
 
-#include "CodeNames.h"
+#include "CommandNames.h"
+#include "EventNames.h"
+#include "RecordedDevice.h"
+#include "Session.h"
 
 #include <QRegularExpression>
 

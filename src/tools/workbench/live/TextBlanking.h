@@ -2,7 +2,7 @@
 #define VORN_WORKBENCH_TEXTBLANKING_H
 
 #include "Profile.h"
-#include "Recording.h"
+#include "RecordedDevice.h"
 #include "Session.h"
 
 #include <QHash>

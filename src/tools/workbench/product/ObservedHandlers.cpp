@@ -1,5 +1,7 @@
 #include "ObservedHandlers.h"
 
+#include "Session.h"
+#include "SessionLog.h"
 #include "vorn.h"
 
 #include <algorithm>

@@ -5,6 +5,7 @@
 #include "KeyProcessing.h"
 #include "Profile.h"
 #include "Session.h"
+#include "SessionLog.h"
 
 #include <QHash>
 #include <QString>

@@ -1,5 +1,8 @@
-#include "ProfileDevices.h"
+#include "Product.h"
 
+#include "CommandNames.h"
+#include "Session.h"
+#include "SessionLog.h"
 #include "vorn.h"
 
 #include <QSocketNotifier>
@@ -24,23 +27,23 @@ InputEvent::Bus busOf(const LinuxInputListener *keys, const LinuxInputListener *
 
 } // namespace
 
-ProfileDevices::ProfileDevices(const Profile &profile, SessionLog *log)
+Product::Product(const Profile &profile, SessionLog *log)
     : m_profile(profile)
     , m_log(log)
 {
-    Vorn::connect(Input::instance(), &Input::inputEvent, this, &ProfileDevices::onInputEvent);
+    Vorn::connect(Input::instance(), &Input::inputEvent, this, &Product::onInputEvent);
     select(profile.initial);
 }
 
 // The handlers of this class go first: they ask for the deferred deletion of their listeners,
 // which the library deletes at once.
-ProfileDevices::~ProfileDevices()
+Product::~Product()
 {
     for (const Device &device : qAsConst(m_devices))
         deleteOtherHandlers(device);
 }
 
-void ProfileDevices::addDevice(const QString &path, const QString &name)
+void Product::addDevice(const QString &path, const QString &name)
 {
     Device device;
     device.name = name;
@@ -68,9 +71,8 @@ void ProfileDevices::addDevice(const QString &path, const QString &name)
     Q_EMIT deviceAdded(path, name);
 }
 
-void ProfileDevices::addHandlers(const QString &path, Device *device,
-                                 const HandlerProfile &handlers, const Observation &keys,
-                                 const Observation &switches)
+void Product::addHandlers(const QString &path, Device *device, const HandlerProfile &handlers,
+                          const Observation &keys, const Observation &switches)
 {
     if (!handlers.keys.isEmpty() || !handlers.chords.isEmpty()) {
         auto *handler = new ObservedKeyHandler(path, device->name, keys);
@@ -93,7 +95,7 @@ void ProfileDevices::addHandlers(const QString &path, Device *device,
     }
 }
 
-void ProfileDevices::removeDevice(const QString &path)
+void Product::removeDevice(const QString &path)
 {
     const Device device = m_devices.take(path);
     deleteOtherHandlers(device);
@@ -102,7 +104,7 @@ void ProfileDevices::removeDevice(const QString &path)
     Q_EMIT deviceRemoved(path);
 }
 
-void ProfileDevices::select(const QString &identifier)
+void Product::select(const QString &identifier)
 {
     m_identifier = identifier;
     m_log->add(IdentifierSelected{identifier});
@@ -110,7 +112,7 @@ void ProfileDevices::select(const QString &identifier)
     takeUnreadRecords();
 }
 
-QMap<QString, QString> ProfileDevices::devices() const
+QMap<QString, QString> Product::devices() const
 {
     QMap<QString, QString> names;
     for (auto it = m_devices.cbegin(); it != m_devices.cend(); ++it)
@@ -120,7 +122,7 @@ QMap<QString, QString> ProfileDevices::devices() const
 
 // Attached to the listeners directly: registered with the library they would make it select anew
 // for all devices, which ends chords and long presses that are going on.
-void ProfileDevices::takeUnreadRecords()
+void Product::takeUnreadRecords()
 {
     for (const Device &device : qAsConst(m_devices)) {
         if (!device.keyIdentifiers.contains(m_identifier) && device.otherKeys->listener())
@@ -130,13 +132,13 @@ void ProfileDevices::takeUnreadRecords()
     }
 }
 
-void ProfileDevices::deleteOtherHandlers(const Device &device)
+void Product::deleteOtherHandlers(const Device &device)
 {
     delete device.otherKeys;
     delete device.otherSwitches;
 }
 
-void ProfileDevices::onInputEvent(const InputEvent &event)
+void Product::onInputEvent(const InputEvent &event)
 {
     EventPublished published;
     published.command = event.command();
@@ -172,7 +174,7 @@ void ProfileDevices::onInputEvent(const InputEvent &event)
 }
 
 // A long press comes from a timer. The key is the one whose long press was due first.
-ProfileDevices::LongPressSource ProfileDevices::longPressSource(const InputEvent &event) const
+Product::LongPressSource Product::longPressSource(const InputEvent &event) const
 {
     const qint64 now = SessionLog::wallClock() / 1000;
     LongPressSource source;

@@ -4,7 +4,7 @@
 #include "BasicInputHandler.h"
 #include "ObservedHandlers.h"
 #include "Profile.h"
-#include "Session.h"
+#include "SessionLog.h"
 
 #include <QMap>
 #include <QSet>
@@ -24,15 +24,15 @@ namespace Vorn::Workbench {
 /// registrations takes the records, so that they are told of; nothing is published by that.
 ///
 /// **Thread**: the one of the event loop. Only one at a time, since all publish on the same bus.
-class ProfileDevices : public BasicInputHandler
+class Product : public BasicInputHandler
 {
     Q_OBJECT
 
 public:
     /// Selects the profile's initial identifier.
     /// @param log must live longer
-    ProfileDevices(const Profile &profile, SessionLog *log);
-    ~ProfileDevices() override;
+    Product(const Profile &profile, SessionLog *log);
+    ~Product() override;
 
     void addDevice(const QString &path, const QString &name) override;
     void removeDevice(const QString &path) override;

@@ -1,5 +1,8 @@
 #include "JsonText.h"
 
+#include "Diagnostic.h"
+#include "Quoting.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -8,8 +11,6 @@
 namespace Vorn::Workbench {
 
 namespace {
-
-constexpr int maxQuotedSize = 60;
 
 bool isSpace(char byte)
 {
@@ -342,18 +343,6 @@ Diagnostics Findings::toDiagnostics(const QByteArray &text, const QString &file)
             {finding.severity, file, position.line, position.column, finding.message});
     }
     return diagnostics;
-}
-
-QString quoted(const QString &text)
-{
-    QString result = text.left(maxQuotedSize);
-    for (QChar &character : result) {
-        if (!character.isPrint())
-            character = QChar::ReplacementCharacter;
-    }
-    if (text.size() > maxQuotedSize)
-        result += QChar(0x2026);
-    return QLatin1Char('\'') + result + QLatin1Char('\'');
 }
 
 } // namespace Vorn::Workbench

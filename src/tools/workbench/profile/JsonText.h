@@ -2,6 +2,7 @@
 #define VORN_WORKBENCH_JSONTEXT_H
 
 #include "Diagnostic.h"
+#include "Quoting.h"
 
 #include <QByteArray>
 #include <QString>
@@ -143,9 +144,6 @@ private:
     QVector<Finding> m_findings;
     bool m_hasErrors = false;
 };
-
-/// A text from a file in single quotes, on one line and not too long for a message.
-QString quoted(const QString &text);
 
 } // namespace Vorn::Workbench
 

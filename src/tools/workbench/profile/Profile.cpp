@@ -1,5 +1,7 @@
 #include "Profile.h"
 
+#include "TextFile.h"
+
 namespace Vorn::Workbench {
 
 const DeviceProfile *Profile::deviceFor(const QString &name, InputEvent::Bus bus) const

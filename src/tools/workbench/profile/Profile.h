@@ -102,9 +102,6 @@ ParsedProfile parseProfile(const QByteArray &text, const QString &file);
 /// Reads a profile from a file.
 ParsedProfile loadProfile(const QString &path);
 
-/// The profile as JSON, indented, that parseProfile() reads back to the same value.
-QByteArray profileToJson(const Profile &profile);
-
 } // namespace Vorn::Workbench
 
 #endif

@@ -1,6 +1,11 @@
 #include "ProfileReader.h"
 
-#include "CodeNames.h"
+#include "BusNames.h"
+#include "CommandNames.h"
+#include "EventNames.h"
+#include "ProfileWarnings.h"
+#include "Quoting.h"
+#include "Suggestion.h"
 
 #include <cmath>
 #include <limits>

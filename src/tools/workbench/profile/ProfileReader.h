@@ -87,9 +87,6 @@ private:
     int m_suggestions = 0;
 };
 
-/// Finds what is no mistake in the format but does not do what it looks like.
-void findProfileWarnings(const Profile &profile, const ProfilePlaces &places, Findings *findings);
-
 } // namespace Vorn::Workbench
 
 #endif

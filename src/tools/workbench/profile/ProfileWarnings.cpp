@@ -1,5 +1,13 @@
-#include "CodeNames.h"
+#include "ProfileWarnings.h"
+
+#include "BusNames.h"
+#include "CommandNames.h"
+#include "Diagnostic.h"
+#include "EventNames.h"
+#include "LibraryFacts.h"
 #include "ProfileReader.h"
+#include "Quoting.h"
+#include "Suggestion.h"
 
 #include <linux/input-event-codes.h>
 
@@ -12,15 +20,7 @@ namespace Vorn::Workbench {
 
 namespace {
 
-/// How often the library looks whether a long press is due, in ms.
-constexpr int tick = 50;
-
 using Bus = std::optional<InputEvent::Bus>;
-
-QString hostlinkName()
-{
-    return QStringLiteral("hostlink");
-}
 
 /// Where a member of an object stands; the object itself if it is not there.
 JsonValue placeOf(const JsonValue &object, const char *member)
@@ -36,16 +36,17 @@ struct Range
 
     bool isEmpty() const
     {
-        return name && bus && (*name == hostlinkName()) != (*bus == InputEvent::Bus::Hostlink);
+        return name && bus
+            && (*name == QLatin1String(hostlinkName)) != (*bus == InputEvent::Bus::Hostlink);
     }
 };
 
 Range rangeOf(std::optional<QString> name, Bus bus)
 {
-    if (!bus && name == hostlinkName())
+    if (!bus && name == QLatin1String(hostlinkName))
         bus = InputEvent::Bus::Hostlink;
     if (!name && bus == InputEvent::Bus::Hostlink)
-        name = hostlinkName();
+        name = QLatin1String(hostlinkName);
     return {name, bus};
 }
 
@@ -287,11 +288,11 @@ void ProfileWarnings::checkLongPress(const LongPress &longPress, const JsonValue
 {
     const JsonValue timeouts = placeOf(place, "timeouts");
     for (const JsonValue &timeout : timeouts.children()) {
-        if (timeout.isNumber() && timeout.number() >= 0 && timeout.number() < tick) {
+        if (timeout.isNumber() && timeout.number() >= 0 && timeout.number() < tickMs) {
             warn(timeout,
                  QStringLiteral("timeouts are looked at every %1 ms, shorter ones make no "
                                 "difference")
-                     .arg(tick));
+                     .arg(tickMs));
         }
     }
     if (longPress.timeouts.size() > 1 && !longPress.repeat) {

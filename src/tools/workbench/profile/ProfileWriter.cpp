@@ -1,4 +1,8 @@
-#include "CodeNames.h"
+#include "ProfileWriter.h"
+
+#include "BusNames.h"
+#include "CommandNames.h"
+#include "EventNames.h"
 #include "Profile.h"
 
 #include <QStringList>

@@ -1,5 +1,11 @@
+#include "Evemu.h"
+
+#include "Bitmaps.h"
+#include "LineReader.h"
+#include "Problems.h"
+#include "Quoting.h"
+#include "RecordedDevice.h"
 #include "Recording.h"
-#include "RecordingText.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,5 +1,11 @@
-#include "Recording.h"
-#include "RecordingText.h"
+#include "Ioctls.h"
+
+#include "Bitmaps.h"
+#include "Diagnostic.h"
+#include "LineReader.h"
+#include "Problems.h"
+#include "Quoting.h"
+#include "RecordedDevice.h"
 
 #include <algorithm>
 #include <cstring>

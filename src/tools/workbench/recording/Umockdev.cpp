@@ -1,5 +1,11 @@
+#include "Umockdev.h"
+
+#include "Bitmaps.h"
+#include "LineReader.h"
+#include "Problems.h"
+#include "Quoting.h"
+#include "RecordedDevice.h"
 #include "Recording.h"
-#include "RecordingText.h"
 
 #include <QHash>
 
@@ -305,7 +311,7 @@ private:
         if (!isValid) {
             m_problems->error(block->line,
                               QStringLiteral("the capabilities of %1 are no bitmaps of codes")
-                                  .arg(quoted(block->path.constData())));
+                                  .arg(quoted(QString::fromUtf8(block->path))));
         }
     }
 

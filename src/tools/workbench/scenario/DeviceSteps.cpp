@@ -1,6 +1,8 @@
+#include "BusNames.h"
+#include "EventNames.h"
+#include "LibraryFacts.h"
+#include "Quoting.h"
 #include "ScenarioReader.h"
-
-#include "CodeNames.h"
 
 #include <QRegularExpression>
 
@@ -91,12 +93,12 @@ void ScenarioReader::readDevice(ScenarioLine *line)
     if (label->isQuoted || !pattern.match(label->text.left(65)).hasMatch()) {
         line->error(QStringLiteral("%1 cannot name a device; use letters, digits, '-' and '_', and "
                                    "give the kernel's name with name=\"…\"")
-                        .arg(inQuotes(label->text)));
+                        .arg(quoted(label->text)));
         return;
     }
     if (scenarioSteps().contains(label->text)) {
         line->error(QStringLiteral("%1 begins a step of its own; name the device otherwise")
-                        .arg(inQuotes(label->text)));
+                        .arg(quoted(label->text)));
         return;
     }
     const int other = deviceNamed(label->text);
@@ -134,7 +136,7 @@ void ScenarioReader::readDeviceOptions(ScenarioLine *line, ScenarioDevice *devic
         const ScenarioWord *word = line->take(QString());
         const QString name = word->option.isEmpty() ? word->text : word->option;
         if (seen.contains(name)) {
-            line->error(QStringLiteral("%1 is given twice").arg(inQuotes(name)));
+            line->error(QStringLiteral("%1 is given twice").arg(quoted(name)));
             return;
         }
         seen += name;
@@ -186,7 +188,7 @@ void ScenarioReader::readDeviceOption(ScenarioLine *line, const ScenarioWord &wo
         if (!device->node)
             line->error(word.valueColumn,
                         QStringLiteral("%1 is no node; write one from event0 to event%2")
-                            .arg(inQuotes(word.value))
+                            .arg(quoted(word.value))
                             .arg(maxNode));
     } else if (word.option == QLatin1String("keys")) {
         device->keys = codes(true);
@@ -206,7 +208,7 @@ void ScenarioReader::checkHostlink(ScenarioLine *line, const ScenarioDevice &dev
     // From a recording comes a name that is not known here.
     const bool isUnknown = !device.recording.isEmpty() && !device.name;
     if (m_hostlinkColumn > 0 && !isUnknown
-        && device.name.value_or(device.label.toUtf8()) != "hostlink")
+        && device.name.value_or(device.label.toUtf8()) != hostlinkName)
         line->error(m_hostlinkColumn,
                     QStringLiteral("a device is on the bus Hostlink by its name alone; give it "
                                    "name=\"hostlink\""));
@@ -283,7 +285,7 @@ std::optional<int> ScenarioReader::takeKey(ScenarioLine *line, int device)
     const std::optional<int> code = keyCode(word->text);
     if (!code && switchCode(word->text)) {
         line->error(QStringLiteral("%1 is a switch; write '%2 switch %3 on'")
-                        .arg(inQuotes(word->text), declared.label, word->text));
+                        .arg(quoted(word->text), declared.label, word->text));
     } else if (!code) {
         line->unknown(word->column, QStringLiteral("key"), word->text, keyNames());
     } else if (declared.keys && !declared.keys->contains(*code) && !declared.held.contains(*code)) {
@@ -306,7 +308,7 @@ std::optional<int> ScenarioReader::takeSwitch(ScenarioLine *line, int device)
     const std::optional<int> code = switchCode(word->text);
     if (!code && keyCode(word->text)) {
         line->error(QStringLiteral("%1 is a key; write '%2 press %3'")
-                        .arg(inQuotes(word->text), declared.label, word->text));
+                        .arg(quoted(word->text), declared.label, word->text));
     } else if (!code) {
         line->unknown(word->column, QStringLiteral("switch"), word->text, switchNames());
     } else if (declared.switches && !declared.switches->contains(*code)
@@ -391,8 +393,7 @@ void ScenarioReader::readSwitch(ScenarioLine *line, int device)
         return;
     const bool isOn = word->text == QLatin1String("on");
     if (!isOn && word->text != QLatin1String("off")) {
-        line->error(
-            QStringLiteral("a switch goes 'on' or 'off', not %1").arg(inQuotes(word->text)));
+        line->error(QStringLiteral("a switch goes 'on' or 'off', not %1").arg(quoted(word->text)));
         return;
     }
     const ScenarioDevice &declared = m_result.scenario.devices[device];
@@ -444,7 +445,7 @@ void ScenarioReader::readRecord(ScenarioLine *line, int device)
     if (!isNumber) {
         line->error(QStringLiteral("%1 is no value; write a number, for a key 1 press, 0 release, "
                                    "2 repeat")
-                        .arg(inQuotes(word->text)));
+                        .arg(quoted(word->text)));
         return;
     }
     record.type = *type;
@@ -459,7 +460,7 @@ void ScenarioReader::readRecord(ScenarioLine *line, int device)
         const std::optional<qint64> offset = word ? signedMilliseconds(word->text) : std::nullopt;
         if (word && (!offset || qAbs(*offset) > maxWait))
             line->error(QStringLiteral("%1 is no offset like -500ms or +1h, of at most 7 days")
-                            .arg(inQuotes(word->text)));
+                            .arg(quoted(word->text)));
         record.offset = offset.value_or(0);
     }
     if (line->isOk())

@@ -1,14 +1,15 @@
+#include "BusNames.h"
+#include "CommandNames.h"
+#include "LibraryFacts.h"
+#include "Quoting.h"
 #include "ScenarioReader.h"
-
-#include "CodeNames.h"
 
 namespace Vorn::Workbench {
 
 namespace {
 
-// The library looks every 50 ms whether a long press is due, with Qt's coarse timers, which are
-// late by as much as 5 %.
-constexpr qint64 tickTolerance = 55;
+// A long press that is due at a tick may be reported at the next one, and that may be late.
+constexpr qint64 tickTolerance = tickMs + tickToleranceMs;
 
 } // namespace
 
@@ -94,13 +95,13 @@ void ScenarioReader::readAfter(ScenarioLine *line, Step::ExpectEvent *event)
     if (!event->earliest || !event->latest) {
         line->error(
             QStringLiteral("%1 is no time like 700ms or 700ms..750ms, in whole milliseconds")
-                .arg(inQuotes(word->text)));
+                .arg(quoted(word->text)));
         return;
     }
     if (dots < 0)
         event->latest = *event->earliest + tickTolerance;
     if (*event->latest < *event->earliest)
-        line->error(QStringLiteral("%1 ends before it begins").arg(inQuotes(word->text)));
+        line->error(QStringLiteral("%1 ends before it begins").arg(quoted(word->text)));
     else if (*event->latest > maxWait + tickTolerance)
         line->error(QStringLiteral("a duration is at most 7 days (168h)"));
 }

@@ -1,6 +1,8 @@
 #include "ScenarioLine.h"
 
-#include "CodeNames.h"
+#include "Diagnostic.h"
+#include "Quoting.h"
+#include "Suggestion.h"
 
 #include <QRegularExpression>
 
@@ -11,13 +13,6 @@ namespace {
 constexpr int longestQuotation = 60;
 
 } // namespace
-
-QString inQuotes(const QString &text)
-{
-    const QString shown =
-        text.size() > longestQuotation ? text.left(longestQuotation) + QStringLiteral("…") : text;
-    return QLatin1Char('\'') + shown + QLatin1Char('\'');
-}
 
 std::optional<qint64> milliseconds(const QString &text)
 {
@@ -156,7 +151,7 @@ std::optional<qint64> ScenarioLine::takeDuration()
     if (!duration) {
         error(QStringLiteral("%1 is no duration; write one like 1200ms, 1.5s, 2min or 1h, in "
                              "whole milliseconds")
-                  .arg(inQuotes(word->text)));
+                  .arg(quoted(word->text)));
         return std::nullopt;
     }
     if (*duration > maxWait) {
@@ -170,7 +165,7 @@ void ScenarioLine::finish()
 {
     if (isOk() && !atEnd())
         error(peek()->column,
-              QStringLiteral("unexpected %1 at the end of the step").arg(inQuotes(peek()->text)));
+              QStringLiteral("unexpected %1 at the end of the step").arg(quoted(peek()->text)));
 }
 
 void ScenarioLine::error(int column, const QString &message)
@@ -196,7 +191,7 @@ void ScenarioLine::unknown(int column, const QString &what, const QString &text,
 {
     error(column,
           QStringLiteral("unknown %1 %2%3")
-              .arg(what, inQuotes(text), suggestion(text.left(longestQuotation), known)));
+              .arg(what, quoted(text), suggestion(text.left(longestQuotation), known)));
 }
 
 } // namespace Vorn::Workbench

@@ -2,6 +2,7 @@
 #define VORN_WORKBENCH_SCENARIOLINE_H
 
 #include "Diagnostic.h"
+#include "Quoting.h"
 
 #include <QString>
 #include <QStringList>
@@ -67,9 +68,6 @@ private:
     int m_endColumn = 1;
     bool m_isOk = true;
 };
-
-/// A text in quotes for a message, shortened if it is long.
-QString inQuotes(const QString &text);
 
 /// "1200ms", "1.5s", "2min", "1h" in milliseconds; nothing for what is no whole number of them.
 std::optional<qint64> milliseconds(const QString &text);

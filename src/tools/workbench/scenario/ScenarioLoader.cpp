@@ -1,8 +1,13 @@
 #include "ScenarioLoader.h"
 
-#include "CodeNames.h"
+#include "Diagnostic.h"
+#include "Quoting.h"
+#include "Recording.h"
+#include "RecordingLoader.h"
 #include "ScenarioLine.h"
 #include "ScenarioParser.h"
+#include "Suggestion.h"
+#include "TextFile.h"
 
 #include <QFileInfo>
 #include <QSet>
@@ -81,7 +86,7 @@ void loadProfileOf(LoadedScenario *loaded, const QString &override)
     if (hasErrors(parsed.diagnostics) && override.isEmpty())
         loaded->diagnostics.append(mistake(
             scenario.profileNamedIn, scenario.profileLine,
-            QStringLiteral("the profile %1 has mistakes").arg(inQuotes(loaded->profileFile))));
+            QStringLiteral("the profile %1 has mistakes").arg(quoted(loaded->profileFile))));
     addErrors(parsed.diagnostics, &loaded->diagnostics);
     loaded->profile = parsed.profile;
 }
@@ -93,7 +98,7 @@ void loadRecordingOf(LoadedScenario *loaded, const QString &path, const QString 
     const ParsedRecording recording = loadRecording(path);
     if (hasErrors(recording.diagnostics) && path != loaded->source)
         loaded->diagnostics.append(mistake(
-            file, line, QStringLiteral("the recording %1 cannot be used").arg(inQuotes(path))));
+            file, line, QStringLiteral("the recording %1 cannot be used").arg(quoted(path))));
     addErrors(recording.diagnostics, &loaded->diagnostics);
     loaded->recordings.insert(path, recording);
 }
@@ -108,7 +113,7 @@ void loadRecordings(LoadedScenario *loaded)
         if (!hasErrors(loaded->diagnostics) && (nodes.size() != 1 || !nodes.first().device))
             loaded->diagnostics.append(mistake(
                 device.file, device.line,
-                QStringLiteral("%1 does not describe one device").arg(inQuotes(device.recording))));
+                QStringLiteral("%1 does not describe one device").arg(quoted(device.recording))));
     }
     for (const ScenarioStep &step : loaded->scenario.steps) {
         const auto *play = std::get_if<Step::Play>(&step.what);
@@ -120,7 +125,7 @@ void loadRecordings(LoadedScenario *loaded)
             loaded->diagnostics.append(mistake(
                 step.file, step.line,
                 QStringLiteral("%1 holds %2 devices, so it cannot be played on one; leave 'on' out")
-                    .arg(inQuotes(play->file))
+                    .arg(quoted(play->file))
                     .arg(nodes)));
     }
 }
@@ -178,11 +183,11 @@ void warnOfUnknownIdentifiers(LoadedScenario *loaded)
     for (const ScenarioStep &step : loaded->scenario.steps) {
         const auto *select = std::get_if<Step::Select>(&step.what);
         if (select && !known.contains(select->identifier))
-            loaded->diagnostics.append(mistake(
-                step.file, step.line,
-                QStringLiteral("the profile has no identifier %1%2")
-                    .arg(inQuotes(select->identifier), suggestion(select->identifier, known)),
-                Diagnostic::Severity::Warning));
+            loaded->diagnostics.append(
+                mistake(step.file, step.line,
+                        QStringLiteral("the profile has no identifier %1%2")
+                            .arg(quoted(select->identifier), suggestion(select->identifier, known)),
+                        Diagnostic::Severity::Warning));
     }
 }
 

@@ -1,6 +1,7 @@
 #ifndef VORN_WORKBENCH_SCENARIOLOADER_H
 #define VORN_WORKBENCH_SCENARIOLOADER_H
 
+#include "Diagnostic.h"
 #include "Profile.h"
 #include "Recording.h"
 #include "Scenario.h"

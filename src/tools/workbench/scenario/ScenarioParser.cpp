@@ -1,6 +1,8 @@
 #include "ScenarioParser.h"
 
+#include "Quoting.h"
 #include "ScenarioReader.h"
+#include "TextFile.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -33,15 +35,6 @@ QStringList scenarioSteps()
             QStringLiteral("select"),  QStringLiteral("input-directory"),
             QStringLiteral("play"),    QStringLiteral("ignore"),
             QStringLiteral("expect")};
-}
-
-bool Scenario::hasExpectations() const
-{
-    return std::any_of(steps.begin(), steps.end(), [](const ScenarioStep &step) {
-        return std::holds_alternative<Step::ExpectEvent>(step.what)
-            || std::holds_alternative<Step::ExpectNothing>(step.what)
-            || std::holds_alternative<Step::ExpectIdentifier>(step.what);
-    });
 }
 
 QString pathFrom(const QString &file, const QString &name)
@@ -186,7 +179,7 @@ void ScenarioReader::readInclude(ScenarioLine *line)
     const QString path = pathFrom(line->file(), name->text);
     if (m_openFiles.contains(path)) {
         line->error(QStringLiteral("%1 includes itself, by way of %2")
-                        .arg(inQuotes(path), m_openFiles.join(QStringLiteral(", "))));
+                        .arg(quoted(path), m_openFiles.join(QStringLiteral(", "))));
         return;
     }
     if (m_openFiles.size() >= maxDepth) {
@@ -196,7 +189,7 @@ void ScenarioReader::readInclude(ScenarioLine *line)
     QString reason;
     const std::optional<QByteArray> text = m_readInclude(path, &reason);
     if (!text) {
-        line->error(QStringLiteral("cannot include %1: %2").arg(inQuotes(path), reason));
+        line->error(QStringLiteral("cannot include %1: %2").arg(quoted(path), reason));
         return;
     }
     readFile(*text, path);
@@ -217,7 +210,7 @@ void ScenarioReader::readStart(ScenarioLine *line)
     // Without a time zone it would be another moment on each machine.
     if (!time.isValid() || time.timeSpec() == Qt::LocalTime) {
         line->error(QStringLiteral("%1 is no time like 2026-01-02T10:00:00Z, in UTC")
-                        .arg(inQuotes(word->text)));
+                        .arg(quoted(word->text)));
         return;
     }
     m_wallClock = time.toMSecsSinceEpoch();
@@ -248,7 +241,7 @@ void ScenarioReader::readClock(ScenarioLine *line)
     if (!delta || *delta > maxClockStep || *delta < -maxClockStep) {
         line->error(QStringLiteral("%1 is no step of the clock; write one like +1h or -5s, of at "
                                    "most 10 years")
-                        .arg(inQuotes(word->text)));
+                        .arg(quoted(word->text)));
         return;
     }
     m_wallClock += *delta;

@@ -3,6 +3,7 @@
 
 #include "ScenarioLine.h"
 #include "ScenarioParser.h"
+#include "TextFile.h"
 
 #include <QSet>
 

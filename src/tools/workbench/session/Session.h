@@ -1,15 +1,11 @@
 #ifndef VORN_WORKBENCH_SESSION_H
 #define VORN_WORKBENCH_SESSION_H
 
-#include "Diagnostic.h"
 #include "Input.h"
 
-#include <QByteArray>
 #include <QString>
 #include <QVector>
 
-#include <chrono>
-#include <functional>
 #include <optional>
 #include <variant>
 
@@ -103,53 +99,6 @@ struct SessionEntry
     std::variant<SessionStart, DeviceChange, RecordRead, DetectorStep, EventPublished,
                  IdentifierSelected, ExpectationChecked, Remark>
         what;
-};
-
-/// One line of JSON, with the line's end; the same for the same entry. The format is documented in
-/// docs/session.md and stable.
-QByteArray toJsonLine(const SessionEntry &entry);
-
-struct ParsedSession
-{
-    QVector<SessionEntry> entries;
-    Diagnostics diagnostics;
-};
-
-/// Reads what toJsonLine() wrote. Kinds and members that are not known are skipped; a line that is
-/// no JSON object, or lacks what its kind needs, is an error. At most the first 20 are told.
-ParsedSession parseSession(const QByteArray &text, const QString &file);
-
-/// Stamps entries with the time and passes them on.
-///
-/// **Thread**: the one of the event loop.
-class SessionLog
-{
-public:
-    using Sink = std::function<void(const SessionEntry &)>;
-
-    /// The session begins now.
-    explicit SessionLog(Sink sink);
-
-    /// Passes an entry on that happens now.
-    template <typename What>
-    void add(const What &what)
-    {
-        m_sink(SessionEntry{now(), what});
-    }
-
-    /// µs since the start.
-    qint64 now() const;
-
-    /// The wall clock at the start, µs since the epoch.
-    qint64 wallClockAtStart() const { return m_wallClockAtStart; }
-
-    /// The wall clock now, µs since the epoch.
-    static qint64 wallClock();
-
-private:
-    const Sink m_sink;
-    const std::chrono::steady_clock::time_point m_start;
-    const qint64 m_wallClockAtStart;
 };
 
 } // namespace Vorn::Workbench

@@ -1,6 +1,8 @@
-#include "SessionText.h"
+#include "SessionPrinter.h"
 
-#include "CodeNames.h"
+#include "BusNames.h"
+#include "EventNames.h"
+#include "Session.h"
 
 #include <QFileInfo>
 
@@ -113,7 +115,7 @@ struct Cells
 class CellsOf
 {
 public:
-    CellsOf(const SessionText::Options &options, const QHash<QString, QString> &names)
+    CellsOf(const SessionPrinter::Options &options, const QHash<QString, QString> &names)
         : m_options(options)
         , m_names(names)
     { }
@@ -191,17 +193,17 @@ private:
                                : printable(known);
     }
 
-    const SessionText::Options &m_options;
+    const SessionPrinter::Options &m_options;
     const QHash<QString, QString> &m_names;
 };
 
 } // namespace
 
-SessionText::SessionText(const Options &options)
+SessionPrinter::SessionPrinter(const Options &options)
     : m_options(options)
 { }
 
-QString SessionText::line(const SessionEntry &entry)
+QString SessionPrinter::line(const SessionEntry &entry)
 {
     if (const auto *change = std::get_if<DeviceChange>(&entry.what))
         m_names.insert(change->device, change->name);

@@ -17,7 +17,7 @@ namespace Vorn::Workbench {
 /// ```
 ///
 /// With records the left column holds them; without, it is left out.
-class SessionText
+class SessionPrinter
 {
 public:
     struct Options
@@ -29,7 +29,7 @@ public:
         int indent = 0;
     };
 
-    explicit SessionText(const Options &options);
+    explicit SessionPrinter(const Options &options);
 
     /// The line without its end, or an empty text for an entry that is not shown. Devices are
     /// named as told by the entries so far.

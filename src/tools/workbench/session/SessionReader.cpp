@@ -1,4 +1,9 @@
-#include "CodeNames.h"
+#include "SessionReader.h"
+
+#include "BusNames.h"
+#include "CommandNames.h"
+#include "Diagnostic.h"
+#include "EventNames.h"
 #include "Session.h"
 
 #include <QDateTime>

@@ -1,5 +1,7 @@
 #include "Playback.h"
 
+#include "Recording.h"
+
 #include <algorithm>
 
 namespace Vorn::Workbench {

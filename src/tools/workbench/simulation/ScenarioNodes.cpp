@@ -1,6 +1,9 @@
-#include "SimulatedDevices.h"
+#include "ScenarioNodes.h"
 
-#include "CodeNames.h"
+#include "BusNames.h"
+#include "EventNames.h"
+#include "RecordedDevice.h"
+#include "Recording.h"
 
 namespace Vorn::Workbench {
 
@@ -67,13 +70,13 @@ Sim::DeviceDescription describe(const RecordedDevice &device)
     return result;
 }
 
-SimulatedDevices::SimulatedDevices(const LoadedScenario &loaded, Sim::InputSubsystem *subsystem)
+ScenarioNodes::ScenarioNodes(const LoadedScenario &loaded, Sim::InputSubsystem *subsystem)
     : m_loaded(loaded)
     , m_subsystem(subsystem)
     , m_readable(loaded.scenario.devices.size(), true)
 { }
 
-Sim::DeviceDescription SimulatedDevices::describe(int device) const
+Sim::DeviceDescription ScenarioNodes::describe(int device) const
 {
     const ScenarioDevice &declared = m_loaded.scenario.devices[device];
     Sim::DeviceDescription result;
@@ -113,12 +116,12 @@ Sim::DeviceDescription SimulatedDevices::describe(int device) const
     return result;
 }
 
-void SimulatedDevices::plug(int device)
+void ScenarioNodes::plug(int device)
 {
     m_subsystem->plug(m_loaded.deviceNodes[device], describe(device));
 }
 
-void SimulatedDevices::releaseKeys(int device)
+void ScenarioNodes::releaseKeys(int device)
 {
     Sim::InputNode &keys = node(device);
     for (int code = 0; code <= maxKeyCode; ++code) {
@@ -128,14 +131,14 @@ void SimulatedDevices::releaseKeys(int device)
     keys.sync();
 }
 
-void SimulatedDevices::unplug(int device, bool losingRecords)
+void ScenarioNodes::unplug(int device, bool losingRecords)
 {
     m_subsystem->unplug(m_loaded.deviceNodes[device],
                         losingRecords ? Sim::InputSubsystem::Unread::Lost
                                       : Sim::InputSubsystem::Unread::Delivered);
 }
 
-void SimulatedDevices::replace(const Step::Replace &step)
+void ScenarioNodes::replace(const Step::Replace &step)
 {
     Sim::DeviceDescription other = describe(step.device);
     other.name = step.name;
@@ -146,13 +149,13 @@ void SimulatedDevices::replace(const Step::Replace &step)
     m_subsystem->replace(m_loaded.deviceNodes[step.device], other);
 }
 
-void SimulatedDevices::permit(int device, bool readable)
+void ScenarioNodes::permit(int device, bool readable)
 {
     m_readable[device] = readable;
     m_subsystem->setPermissions(m_loaded.deviceNodes[device], readable ? readableMode : 0);
 }
 
-void SimulatedDevices::plugRecorded(const QString &recording)
+void ScenarioNodes::plugRecorded(const QString &recording)
 {
     const QVector<RecordedNode> &nodes = m_loaded.recordings[recording].nodes;
     const QVector<int> numbers = m_loaded.recordingNodes[recording];
@@ -170,7 +173,7 @@ void SimulatedDevices::plugRecorded(const QString &recording)
     }
 }
 
-Sim::InputNode &SimulatedDevices::node(int device)
+Sim::InputNode &ScenarioNodes::node(int device)
 {
     return m_subsystem->node(m_loaded.deviceNodes[device]);
 }

@@ -2,16 +2,17 @@
 #define VORN_WORKBENCH_SIMULATEDDEVICES_H
 
 #include "InputSubsystem.h"
+#include "RecordedDevice.h"
 #include "ScenarioLoader.h"
 
 namespace Vorn::Workbench {
 
 /// The devices of a scenario in the simulated input subsystem.
-class SimulatedDevices
+class ScenarioNodes
 {
 public:
     /// Both must live longer.
-    SimulatedDevices(const LoadedScenario &loaded, Sim::InputSubsystem *subsystem);
+    ScenarioNodes(const LoadedScenario &loaded, Sim::InputSubsystem *subsystem);
 
     void plug(int device);
     /// Releases the keys that are down, as the kernel does when a device goes.

@@ -1,11 +1,17 @@
 #include "Simulation.h"
 
-#include "CodeNames.h"
+#include "BusNames.h"
+#include "CommandNames.h"
+#include "Diagnostic.h"
+#include "EventNames.h"
 #include "InputSubsystem.h"
+#include "Interruption.h"
 #include "Playback.h"
-#include "ProfileDevices.h"
-#include "SimulatedDevices.h"
-#include "Terminal.h"
+#include "Product.h"
+#include "Recording.h"
+#include "ScenarioNodes.h"
+#include "Session.h"
+#include "SessionLog.h"
 #include "VirtualClock.h"
 
 #include <QFileInfo>
@@ -101,9 +107,9 @@ private:
     SimulationResult m_result;
     qint64 m_action = 0; ///< when the last action began
     const ScenarioStep *m_step = nullptr;
-    SimulatedDevices m_devices;
+    ScenarioNodes m_devices;
     Playback m_playback;
-    std::unique_ptr<ProfileDevices> m_library;
+    std::unique_ptr<Product> m_library;
 };
 
 Run::Run(const LoadedScenario &loaded, const SessionLog::Sink &sink)
@@ -120,7 +126,7 @@ Run::Run(const LoadedScenario &loaded, const SessionLog::Sink &sink)
     start.profile = QFileInfo(loaded.profileFile).fileName();
     start.wallClock = m_log.wallClockAtStart();
     m_log.add(start);
-    m_library = std::make_unique<ProfileDevices>(loaded.profile, &m_log);
+    m_library = std::make_unique<Product>(loaded.profile, &m_log);
 }
 
 void Run::onEntry(const SessionEntry &entry)

@@ -1,8 +1,9 @@
 #ifndef VORN_WORKBENCH_SIMULATION_H
 #define VORN_WORKBENCH_SIMULATION_H
 
+#include "Diagnostic.h"
 #include "ScenarioLoader.h"
-#include "Session.h"
+#include "SessionLog.h"
 
 namespace Vorn::Workbench {
 

@@ -1,5 +1,7 @@
 #include "Timeline.h"
 
+#include "LibraryFacts.h"
+#include "Session.h"
 #include "TimelineLayout.h"
 #include "TimelineSvg.h"
 
@@ -16,7 +18,7 @@ using FlagKind = TimelineFlag::Kind;
 using LegendItem = PlacedLegend::Item;
 using MarkKind = TimelineMark::Kind;
 
-constexpr qint64 tickInterval = 50'000;
+constexpr qint64 tickInterval = tickMs * qint64{1000}; // µs
 /// More elements than that are no picture any more, and slow to show.
 constexpr int maxMarks = 20'000;
 /// Marks that are closer than that look like one.

@@ -1,6 +1,10 @@
 #include "TimelineLanes.h"
 
-#include "CodeNames.h"
+#include "BusNames.h"
+#include "CommandNames.h"
+#include "EventNames.h"
+#include "LibraryFacts.h"
+#include "Session.h"
 
 #include <QMap>
 #include <QPair>
@@ -16,7 +20,7 @@ namespace Vorn::Workbench {
 namespace {
 
 /// Of the detector's timer.
-constexpr qint64 tickInterval = 50'000;
+constexpr qint64 tickInterval = tickMs * qint64{1000}; // µs
 
 using LaneKey = QPair<QString, QPair<int, QVector<int>>>;
 

@@ -1,6 +1,7 @@
 #include "Learner.h"
-
-#include "CodeNames.h"
+#include "CommandNames.h"
+#include "EventNames.h"
+#include "Session.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,10 @@
 #include "Recorder.h"
-
-#include "CodeNames.h"
+#include "BusNames.h"
 #include "InputSubsystem.h"
+#include "Recording.h"
+#include "RecordingLoader.h"
+#include "Session.h"
+#include "Umockdev.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,8 @@
-#include "CodeNames.h"
+#include "EventNames.h"
+#include "BusNames.h"
+#include "CommandNames.h"
+#include "Suggestion.h"
+#include "UsualCommands.h"
 
 #include <gmock/gmock.h>
 

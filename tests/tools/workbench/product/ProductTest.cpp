@@ -1,7 +1,9 @@
-#include "ProfileDevices.h"
-
-#include "CodeNames.h"
+#include "Product.h"
+#include "BusNames.h"
+#include "EventNames.h"
 #include "InputSubsystem.h"
+#include "Session.h"
+#include "SessionLog.h"
 #include "VirtualClock.h"
 
 #include <gmock/gmock.h>
@@ -76,12 +78,12 @@ KeyMapping keyOf(int code, InputEvent::Command command, bool isImmediate,
     return key;
 }
 
-class ProfileDevicesTest : public testing::Test
+class ProductTest : public testing::Test
 {
 protected:
     void start(const Profile &profile)
     {
-        m_devices = std::make_unique<ProfileDevices>(profile, &m_log);
+        m_devices = std::make_unique<Product>(profile, &m_log);
         m_clock.settle();
     }
 
@@ -103,7 +105,7 @@ protected:
         return node;
     }
 
-    ProfileDevices &devices() { return *m_devices; }
+    Product &devices() { return *m_devices; }
     InputSubsystem &subsystem() { return m_subsystem; }
     VirtualClock &clock() { return m_clock; }
 
@@ -143,12 +145,12 @@ private:
     InputSubsystem m_subsystem;
     QVector<SessionEntry> m_entries;
     SessionLog m_log{[this](const SessionEntry &entry) { m_entries.append(entry); }};
-    std::unique_ptr<ProfileDevices> m_devices;
+    std::unique_ptr<Product> m_devices;
 };
 
 } // namespace
 
-TEST_F(ProfileDevicesTest, TellOfTheIdentifierAndOfDevicesThatComeAndGo)
+TEST_F(ProductTest, TellOfTheIdentifierAndOfDevicesThatComeAndGo)
 {
     start(panelProfile());
     EXPECT_THAT(take(), ElementsAre("select "));
@@ -162,7 +164,7 @@ TEST_F(ProfileDevicesTest, TellOfTheIdentifierAndOfDevicesThatComeAndGo)
     EXPECT_THAT(take(), ElementsAre("-/dev/input/event0 front-panel LocalUI"));
 }
 
-TEST_F(ProfileDevicesTest, TellOfARecordBeforeWhatItLeadsTo)
+TEST_F(ProductTest, TellOfARecordBeforeWhatItLeadsTo)
 {
     start(panelProfile());
     InputNode &panel = plugPanel();
@@ -174,7 +176,7 @@ TEST_F(ProfileDevicesTest, TellOfARecordBeforeWhatItLeadsTo)
                             "[cmd=Stop, state=KeyReleased, bus=LocalUI] of KEY_STOP after 0"));
 }
 
-TEST_F(ProfileDevicesTest, TellWhenALongPressIsDueAndWhenItCame)
+TEST_F(ProductTest, TellWhenALongPressIsDueAndWhenItCame)
 {
     start(panelProfile());
     InputNode &panel = plugPanel();
@@ -201,7 +203,7 @@ TEST_F(ProfileDevicesTest, TellWhenALongPressIsDueAndWhenItCame)
                     "[cmd=VolumeUp, state=KeyReleased, bus=LocalUI] of KEY_VOLUMEUP after 0"));
 }
 
-TEST_F(ProfileDevicesTest, TellOnlyTheFirstLongPressOfAKeyThatDoesNotRepeat)
+TEST_F(ProductTest, TellOnlyTheFirstLongPressOfAKeyThatDoesNotRepeat)
 {
     start(panelProfile());
     InputNode &panel = plugPanel();
@@ -213,7 +215,7 @@ TEST_F(ProfileDevicesTest, TellOnlyTheFirstLongPressOfAKeyThatDoesNotRepeat)
     EXPECT_THAT(entries.at(2), testing::StartsWith("[cmd=Info, state=KeyLongPress, bus=LocalUI]"));
 }
 
-TEST_F(ProfileDevicesTest, TellWhatTheChordDetectorDoes)
+TEST_F(ProductTest, TellWhatTheChordDetectorDoes)
 {
     start(panelProfile());
     InputNode &panel = plugPanel();
@@ -237,7 +239,7 @@ TEST_F(ProfileDevicesTest, TellWhatTheChordDetectorDoes)
     EXPECT_THAT(take(), ElementsAre("KEY_INFO release", "[dropped KEY_INFO]"));
 }
 
-TEST_F(ProfileDevicesTest, TellOfTheReleaseOfAWithdrawnKeyAsItsOwn)
+TEST_F(ProductTest, TellOfTheReleaseOfAWithdrawnKeyAsItsOwn)
 {
     Profile profile = panelProfile();
     profile.devices[0].handlers[0].keys[2].immediate = true;
@@ -254,7 +256,7 @@ TEST_F(ProfileDevicesTest, TellOfTheReleaseOfAWithdrawnKeyAsItsOwn)
                          "after 0"));
 }
 
-TEST_F(ProfileDevicesTest, TellOfAnUnmappedPair)
+TEST_F(ProductTest, TellOfAnUnmappedPair)
 {
     start(panelProfile());
     InputNode &panel = plugPanel();
@@ -272,7 +274,7 @@ TEST_F(ProfileDevicesTest, TellOfAnUnmappedPair)
     EXPECT_THAT(take(), Contains("[cmd=Stop, state=KeyReleased, bus=LocalUI] of KEY_STOP after 0"));
 }
 
-TEST_F(ProfileDevicesTest, TellOfTheRecordsOfDevicesThatTheProfileDoesNotMention)
+TEST_F(ProductTest, TellOfTheRecordsOfDevicesThatTheProfileDoesNotMention)
 {
     start(panelProfile());
     InputNode &other = plug(1, DeviceDescription::keyboard("other", BUS_USB, {KEY_INFO}));
@@ -281,7 +283,7 @@ TEST_F(ProfileDevicesTest, TellOfTheRecordsOfDevicesThatTheProfileDoesNotMention
     EXPECT_THAT(take(), ElementsAre("KEY_INFO press"));
 }
 
-TEST_F(ProfileDevicesTest, TellOfTheRecordsUnderAnIdentifierWithoutHandlers)
+TEST_F(ProductTest, TellOfTheRecordsUnderAnIdentifierWithoutHandlers)
 {
     start(panelProfile());
     InputNode &panel = plugPanel();
@@ -295,7 +297,7 @@ TEST_F(ProfileDevicesTest, TellOfTheRecordsUnderAnIdentifierWithoutHandlers)
     EXPECT_THAT(take(), ElementsAre("KEY_STOP release", "[dropped KEY_STOP]"));
 }
 
-TEST_F(ProfileDevicesTest, LeaveOtherDevicesAloneWhenAnUnknownOneArrives)
+TEST_F(ProductTest, LeaveOtherDevicesAloneWhenAnUnknownOneArrives)
 {
     start(panelProfile());
     InputNode &panel = plugPanel();
@@ -308,7 +310,7 @@ TEST_F(ProfileDevicesTest, LeaveOtherDevicesAloneWhenAnUnknownOneArrives)
     EXPECT_THAT(take(), Contains("[chord KEY_STOP+KEY_PLAY]"));
 }
 
-TEST_F(ProfileDevicesTest, TellOfTheRecordsOfANodeWithKeysAndSwitchesOnce)
+TEST_F(ProductTest, TellOfTheRecordsOfANodeWithKeysAndSwitchesOnce)
 {
     start(Profile());
     InputNode &node = plug(
@@ -320,7 +322,7 @@ TEST_F(ProfileDevicesTest, TellOfTheRecordsOfANodeWithKeysAndSwitchesOnce)
     EXPECT_THAT(take(), ElementsAre("KEY_INFO press", "SW_LINEIN_INSERT on"));
 }
 
-TEST_F(ProfileDevicesTest, ReportPositionsAtStartWithoutRecords)
+TEST_F(ProductTest, ReportPositionsAtStartWithoutRecords)
 {
     HandlerProfile handler;
     handler.switches = {{SW_LINEIN_INSERT, InputEvent::SWLineIn}};
@@ -344,7 +346,7 @@ TEST_F(ProfileDevicesTest, ReportPositionsAtStartWithoutRecords)
                             "SW_LINEIN_INSERT after 0"));
 }
 
-TEST_F(ProfileDevicesTest, SelectAnIdentifierOnAnEventAsTheProfileSays)
+TEST_F(ProductTest, SelectAnIdentifierOnAnEventAsTheProfileSays)
 {
     Profile profile = panelProfile();
     profile.devices[0].handlers[0].identifiers = QStringList{"browse", "text"};
@@ -359,7 +361,7 @@ TEST_F(ProfileDevicesTest, SelectAnIdentifierOnAnEventAsTheProfileSays)
     EXPECT_EQ(devices().identifier().toStdString(), "text");
 }
 
-TEST_F(ProfileDevicesTest, FollowTheBusFilter)
+TEST_F(ProductTest, FollowTheBusFilter)
 {
     Profile profile = panelProfile();
     auto &keys = profile.devices[0].handlers[0].keys;
@@ -380,7 +382,7 @@ TEST_F(ProfileDevicesTest, FollowTheBusFilter)
     EXPECT_THAT(entries.back(), testing::StartsWith("[cmd=Stop, state=KeyLongPress"));
 }
 
-TEST_F(ProfileDevicesTest, UseTheFirstEntryThatFitsNameAndBus)
+TEST_F(ProductTest, UseTheFirstEntryThatFitsNameAndBus)
 {
     const auto entry = [](const std::optional<QString> &name,
                           const std::optional<InputEvent::Bus> &bus, InputEvent::Command command) {

@@ -185,12 +185,3 @@ TEST(Findings, WithWarningsOnlyHaveNoErrors)
     findings.warning(0, "w");
     EXPECT_FALSE(findings.hasErrors());
 }
-
-TEST(Quoted, KeepsAMessageOnOneShortLine)
-{
-    EXPECT_EQ(quoted("a b").toStdString(), "'a b'");
-    EXPECT_EQ(quoted("a\nb\x1B").toStdString(),
-              "'a\xEF\xBF\xBD"
-              "b\xEF\xBF\xBD'");
-    EXPECT_EQ(quoted(QString(500, 'x')).size(), 63);
-}

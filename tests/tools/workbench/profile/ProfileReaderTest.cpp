@@ -1,5 +1,9 @@
-#include "CodeNames.h"
+#include "BusNames.h"
+#include "CommandNames.h"
+#include "Diagnostic.h"
+#include "EventNames.h"
 #include "Profile.h"
+#include "TextFile.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -1,3 +1,6 @@
+#include "Evemu.h"
+#include "Diagnostic.h"
+#include "RecordedDevice.h"
 #include "Recording.h"
 
 #include <gmock/gmock.h>

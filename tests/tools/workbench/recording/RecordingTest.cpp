@@ -1,4 +1,7 @@
 #include "Recording.h"
+#include "Diagnostic.h"
+#include "RecordedDevice.h"
+#include "RecordingLoader.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,3 +1,8 @@
+#include "Umockdev.h"
+#include "Diagnostic.h"
+#include "Ioctls.h"
+#include "Keyboard.h"
+#include "RecordedDevice.h"
 #include "Recording.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "SessionText.h"
+#include "SessionPrinter.h"
 
 #include <gmock/gmock.h>
 
@@ -43,17 +43,17 @@ DetectorStep step(DetectorStep::What what, const QVector<int> &keys)
 
 /// The line of the last entry, after those before it.
 template <typename... What>
-std::string lastLine(SessionText::Options options, const What &...what)
+std::string lastLine(SessionPrinter::Options options, const What &...what)
 {
-    SessionText text(options);
+    SessionPrinter text(options);
     QString line;
     ((line = text.line({1'500'000, what})), ...);
     return line.toStdString();
 }
 
-SessionText::Options all()
+SessionPrinter::Options all()
 {
-    SessionText::Options options;
+    SessionPrinter::Options options;
     options.records = true;
     options.detectors = true;
     options.latency = true;
@@ -62,14 +62,14 @@ SessionText::Options all()
 
 } // namespace
 
-TEST(SessionText, ShowsAnEventWithItsDeviceAndKey)
+TEST(SessionPrinter, ShowsAnEventWithItsDeviceAndKey)
 {
     EXPECT_EQ(lastLine({}, frontPanel(), volumeUp()),
               "    1.500  [cmd=VolumeUp, state=KeyPressed, bus=LocalUI]  front-panel  "
               "KEY_VOLUMEUP");
 }
 
-TEST(SessionText, ShowsOnlyTheEventWhereItsSourceIsNotKnown)
+TEST(SessionPrinter, ShowsOnlyTheEventWhereItsSourceIsNotKnown)
 {
     const EventPublished event{
         InputEvent::Power, InputEvent::KeyReleased, InputEvent::Bus::NoBus, {}, 0, {},
@@ -77,21 +77,21 @@ TEST(SessionText, ShowsOnlyTheEventWhereItsSourceIsNotKnown)
     EXPECT_EQ(lastLine({}, event), "    1.500  [cmd=Power, state=KeyReleased]");
 }
 
-TEST(SessionText, NamesADeviceThatItWasNotToldOfByItsNode)
+TEST(SessionPrinter, NamesADeviceThatItWasNotToldOfByItsNode)
 {
     EXPECT_THAT(lastLine({}, volumeUp()), EndsWith("  (event0)  KEY_VOLUMEUP"));
 }
 
-TEST(SessionText, StillNamesADeviceThatIsGone)
+TEST(SessionPrinter, StillNamesADeviceThatIsGone)
 {
     DeviceChange gone = frontPanel();
     gone.added = false;
     EXPECT_THAT(lastLine({}, frontPanel(), gone, volumeUp()), HasSubstr("  front-panel  "));
 }
 
-TEST(SessionText, ShowsLatencyWhenAsked)
+TEST(SessionPrinter, ShowsLatencyWhenAsked)
 {
-    SessionText::Options options;
+    SessionPrinter::Options options;
     EXPECT_THAT(lastLine(options, volumeUp(345)), EndsWith("KEY_VOLUMEUP"));
     options.latency = true;
     EXPECT_THAT(lastLine(options, volumeUp(345)), EndsWith("KEY_VOLUMEUP  +0.3 ms"));
@@ -99,14 +99,14 @@ TEST(SessionText, ShowsLatencyWhenAsked)
     EXPECT_THAT(lastLine(options, volumeUp()), EndsWith("KEY_VOLUMEUP"));
 }
 
-TEST(SessionText, NamesBothKeysOfAChord)
+TEST(SessionPrinter, NamesBothKeysOfAChord)
 {
     EventPublished chord = volumeUp();
     chord.codes = {KEY_STOP, KEY_PLAY};
     EXPECT_THAT(lastLine({}, chord), EndsWith("  KEY_STOP + KEY_PLAY"));
 }
 
-TEST(SessionText, PutsRecordsIntoAColumnOfTheirOwn)
+TEST(SessionPrinter, PutsRecordsIntoAColumnOfTheirOwn)
 {
     EXPECT_EQ(lastLine(all(), frontPanel(), record(KEY_INFO, 1)),
               "    1.500  front-panel KEY_INFO press         │");
@@ -115,7 +115,7 @@ TEST(SessionText, PutsRecordsIntoAColumnOfTheirOwn)
               "state=KeyPressed, bus=LocalUI]  front-panel  KEY_VOLUMEUP");
 }
 
-TEST(SessionText, CutsALongNameSoThatColumnsLineUp)
+TEST(SessionPrinter, CutsALongNameSoThatColumnsLineUp)
 {
     DeviceChange change = frontPanel();
     change.name = "A keyboard with a very long name indeed";
@@ -123,7 +123,7 @@ TEST(SessionText, CutsALongNameSoThatColumnsLineUp)
               "    1.500  A keyboard w… KEY_VOLUMEUP release │");
 }
 
-TEST(SessionText, ShowsRecordsAndStepsOnlyWhenAsked)
+TEST(SessionPrinter, ShowsRecordsAndStepsOnlyWhenAsked)
 {
     EXPECT_EQ(lastLine({}, record(KEY_INFO, 1)), "");
     EXPECT_EQ(lastLine({}, step(DetectorStep::What::Dropped, {KEY_INFO})), "");
@@ -131,9 +131,9 @@ TEST(SessionText, ShowsRecordsAndStepsOnlyWhenAsked)
     EXPECT_EQ(lastLine(all(), RecordRead{front, EV_SYN, SYN_REPORT, 0, 1}), "");
 }
 
-TEST(SessionText, CanShowRecordsFromSomePointOn)
+TEST(SessionPrinter, CanShowRecordsFromSomePointOn)
 {
-    SessionText text({});
+    SessionPrinter text({});
     EXPECT_FALSE(text.records());
     EXPECT_TRUE(text.line({0, record(KEY_INFO, 1)}).isEmpty());
     text.setRecords(true);
@@ -141,10 +141,10 @@ TEST(SessionText, CanShowRecordsFromSomePointOn)
     EXPECT_FALSE(text.line({0, record(KEY_INFO, 0)}).isEmpty());
 }
 
-TEST(SessionText, TellsWhatTheDetectorsDid)
+TEST(SessionPrinter, TellsWhatTheDetectorsDid)
 {
     using What = DetectorStep::What;
-    SessionText::Options options;
+    SessionPrinter::Options options;
     options.detectors = true;
     const auto line = [&](What what, const QVector<int> &keys) {
         return lastLine(options, step(what, keys)).substr(11);
@@ -164,7 +164,7 @@ TEST(SessionText, TellsWhatTheDetectorsDid)
     EXPECT_THAT(lastLine(options, unmapped), EndsWith("chord KEY_STOP + KEY_PLAY, no command"));
 }
 
-TEST(SessionText, TellsOfDevicesIdentifiersAndRemarks)
+TEST(SessionPrinter, TellsOfDevicesIdentifiersAndRemarks)
 {
     DeviceChange gone = frontPanel();
     gone.added = false;
@@ -175,7 +175,7 @@ TEST(SessionText, TellsOfDevicesIdentifiersAndRemarks)
               "    1.500  the profile was reloaded");
 }
 
-TEST(SessionText, TellsWhetherExpectationsWereMet)
+TEST(SessionPrinter, TellsWhetherExpectationsWereMet)
 {
     EXPECT_EQ(lastLine({}, ExpectationChecked{"a.scenario", 3, "expect nothing", true, {}}),
               "    1.500  met: expect nothing");
@@ -183,25 +183,25 @@ TEST(SessionText, TellsWhetherExpectationsWereMet)
               "    1.500  a.scenario:3: failed: expect nothing, but found Info");
 }
 
-TEST(SessionText, ShowsTimesThatWereNotReachedAsTheMillisecondBefore)
+TEST(SessionPrinter, ShowsTimesThatWereNotReachedAsTheMillisecondBefore)
 {
-    SessionText text({});
+    SessionPrinter text({});
     EXPECT_THAT(text.line({999'999, Remark{"a"}}).toStdString(), StartsWith("    0.999  "));
     EXPECT_THAT(text.line({-1'500, Remark{"a"}}).toStdString(), StartsWith("   -0.001  "));
     EXPECT_THAT(text.line({123'456'789'000'000, Remark{"a"}}).toStdString(),
                 StartsWith("123456789.000  "));
 }
 
-TEST(SessionText, IndentsLines)
+TEST(SessionPrinter, IndentsLines)
 {
-    SessionText::Options options;
+    SessionPrinter::Options options;
     options.indent = 2;
     EXPECT_EQ(lastLine(options, Remark{"a"}), "      1.500  a");
 }
 
-TEST(SessionText, ColoursOnlyWhenAsked)
+TEST(SessionPrinter, ColoursOnlyWhenAsked)
 {
-    SessionText::Options options = all();
+    SessionPrinter::Options options = all();
     EXPECT_EQ(lastLine(options, volumeUp()).find('\x1b'), std::string::npos);
     options.coloured = true;
     EXPECT_THAT(lastLine(options, volumeUp()), HasSubstr("\x1b[1;32m"));
@@ -214,7 +214,7 @@ TEST(SessionText, ColoursOnlyWhenAsked)
                 HasSubstr("\x1b[31m"));
 }
 
-TEST(SessionText, KeepsEscapeSequencesOfNamesOutOfTheTerminal)
+TEST(SessionPrinter, KeepsEscapeSequencesOfNamesOutOfTheTerminal)
 {
     DeviceChange change = frontPanel();
     change.name = "evil\x1b[2J\nname";

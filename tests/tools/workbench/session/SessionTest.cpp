@@ -1,5 +1,8 @@
 #include "Session.h"
-
+#include "Diagnostic.h"
+#include "SessionLog.h"
+#include "SessionReader.h"
+#include "SessionWriter.h"
 #include "VirtualClock.h"
 
 #include <gmock/gmock.h>

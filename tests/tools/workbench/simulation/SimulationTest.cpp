@@ -1,9 +1,15 @@
 #include "Simulation.h"
-
-#include "CodeNames.h"
+#include "CommandNames.h"
 #include "Commands.h"
+#include "Diagnostic.h"
 #include "Input.h"
+#include "RecordedDevice.h"
+#include "Recording.h"
 #include "ScenarioParser.h"
+#include "Session.h"
+#include "SessionReader.h"
+#include "SessionWriter.h"
+#include "Terminal.h"
 
 #include <QDir>
 #include <QFile>

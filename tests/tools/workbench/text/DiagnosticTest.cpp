@@ -1,4 +1,5 @@
 #include "Diagnostic.h"
+#include "TextFile.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,6 +1,9 @@
-#include "Session.h"
+#include "SessionWriter.h"
 
-#include "CodeNames.h"
+#include "BusNames.h"
+#include "CommandNames.h"
+#include "EventNames.h"
+#include "Session.h"
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -8,8 +11,6 @@
 #include <QJsonObject>
 
 #include <linux/input.h>
-
-#include <utility>
 
 namespace Vorn::Workbench {
 
@@ -165,24 +166,6 @@ QByteArray toJsonLine(const SessionEntry &entry)
     QJsonObject object = std::visit([](const auto &what) { return members(what); }, entry.what);
     object.insert("time", milliseconds(entry.time));
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
-}
-
-SessionLog::SessionLog(Sink sink)
-    : m_sink(std::move(sink))
-    , m_start(std::chrono::steady_clock::now())
-    , m_wallClockAtStart(wallClock())
-{ }
-
-qint64 SessionLog::now() const
-{
-    const auto elapsed = std::chrono::steady_clock::now() - m_start;
-    return std::chrono::duration_cast<std::chrono::microseconds>(elapsed).count();
-}
-
-qint64 SessionLog::wallClock()
-{
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
 }
 
 } // namespace Vorn::Workbench

@@ -1,0 +1,60 @@
+#include "Progress.h"
+
+#include "Terminal.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <ctime>
+#include <utility>
+
+namespace Vorn::Workbench {
+
+namespace {
+
+constexpr qint64 progressIntervalMs = 100;
+
+/// The real time, also while the process's clocks are virtual.
+qint64 processorTimeMs()
+{
+    return static_cast<qint64>(std::clock()) * 1000 / CLOCKS_PER_SEC;
+}
+
+} // namespace
+
+Progress::Progress()
+    : m_isShown(isTerminal(STDERR_FILENO))
+    , m_lastTime(processorTimeMs())
+{ }
+
+Progress::~Progress()
+{
+    clear();
+}
+
+bool Progress::isDue() const
+{
+    return m_isShown && processorTimeMs() - m_lastTime >= progressIntervalMs;
+}
+
+void Progress::show(const QString &text)
+{
+    if (!isDue())
+        return;
+    m_lastTime = processorTimeMs();
+    m_isDrawn = true;
+    winsize size = {};
+    const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
+    const int width = isKnown ? size.ws_col - 1 : 79;
+    std::fprintf(stderr, "\r\033[K%s", qPrintable(text.left(width)));
+    std::fflush(stderr);
+}
+
+void Progress::clear()
+{
+    if (std::exchange(m_isDrawn, false))
+        std::fputs("\r\033[K", stderr);
+}
+
+} // namespace Vorn::Workbench

@@ -1,0 +1,28 @@
+#ifndef VORN_WORKBENCH_COMMANDNAMES_H
+#define VORN_WORKBENCH_COMMANDNAMES_H
+
+#include "Input.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace Vorn::Workbench {
+
+/// "VolumeUp"; numbers are not accepted.
+std::optional<InputEvent::Command> command(const QString &name);
+QString commandName(InputEvent::Command command);
+QStringList commandNames();
+/// Whether the command stands for a typed character: "CharSpace" to "CharTilde", the digits
+/// included.
+bool isCharacter(InputEvent::Command command);
+
+/// "KeyPressed", … "SwitchDisabled"; not "NoState".
+std::optional<InputEvent::State> state(const QString &name);
+QString stateName(InputEvent::State state);
+QStringList stateNames();
+
+} // namespace Vorn::Workbench
+
+#endif

@@ -1,0 +1,20 @@
+#ifndef VORN_WORKBENCH_PLAINNAME_H
+#define VORN_WORKBENCH_PLAINNAME_H
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace Vorn::Workbench {
+
+/// @p name for a lookup by a C function. Null if the function would take it for another name: C
+/// functions stop at a null character, and Qt's accept "InputEvent::Stop" for "Stop".
+QByteArray plainName(const QString &name);
+
+/// A number in decimal or, after "0x", in hexadecimal, from 0 to @p largest.
+std::optional<int> plainNumber(const QString &text, int largest);
+
+} // namespace Vorn::Workbench
+
+#endif

@@ -1,0 +1,143 @@
+#include "RecordingLoader.h"
+
+#include "Diagnostic.h"
+#include "Evemu.h"
+#include "Ioctls.h"
+#include "Problems.h"
+#include "RecordedDevice.h"
+#include "Recording.h"
+#include "TextFile.h"
+#include "Umockdev.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <limits>
+
+namespace Vorn::Workbench {
+
+namespace {
+
+// The first of the files that exists; empty if none does.
+QString existing(const QStringList &paths)
+{
+    for (const QString &path : paths) {
+        if (QFileInfo::exists(path))
+            return path;
+    }
+    return {};
+}
+
+// Reads the files that lie beside a device file into one of its nodes.
+class SideFiles
+{
+public:
+    SideFiles(const QString &folder, Diagnostics *diagnostics)
+        : m_folder(folder)
+        , m_diagnostics(diagnostics)
+    { }
+
+    void readInto(DeviceFileNode *node) const
+    {
+        readEvemu(node);
+        readIoctls(node);
+    }
+
+private:
+    QString pathOf(const DeviceFileNode &node, const QString &suffix) const
+    {
+        const QString byNumber =
+            m_folder + QStringLiteral("/event%1.%2").arg(node.node.number).arg(suffix);
+        // The name comes from the file, so it must not lead out of the folder.
+        if (node.folder.isEmpty() || node.folder.startsWith(QLatin1Char('.')))
+            return existing({byNumber});
+        return existing(
+            {m_folder + QLatin1Char('/') + node.folder + QLatin1Char('.') + suffix, byNumber});
+    }
+
+    void readEvemu(DeviceFileNode *node) const
+    {
+        const QString path = pathOf(*node, QStringLiteral("evemu"));
+        if (path.isEmpty())
+            return;
+        const auto text = readFile(path, maxRecordingSize, m_diagnostics);
+        if (!text)
+            return;
+        const ParsedRecording recording = parseEvemuAsRecorded(*text, path);
+        *m_diagnostics += recording.diagnostics;
+        node->node.events = recording.nodes.first().events;
+        if (recording.nodes.first().device)
+            node->node.device = recording.nodes.first().device;
+    }
+
+    void readIoctls(DeviceFileNode *node) const
+    {
+        const QString path = pathOf(*node, QStringLiteral("ioctl"));
+        if (path.isEmpty())
+            return;
+        const auto text = readFile(path, maxRecordingSize, m_diagnostics);
+        if (!text)
+            return;
+        RecordedDevice device = node->node.device.value_or(RecordedDevice());
+        *m_diagnostics += parseIoctls(*text, path, &device);
+        node->node.device = device;
+    }
+
+    const QString m_folder;
+    Diagnostics *const m_diagnostics;
+};
+
+// All nodes begin together, with the first event of any.
+void startAtFirstEvent(QVector<RecordedNode> *nodes)
+{
+    qint64 first = std::numeric_limits<qint64>::max();
+    for (const RecordedNode &node : qAsConst(*nodes)) {
+        if (!node.events.isEmpty())
+            first = std::min(first, node.events.first().time);
+    }
+    for (RecordedNode &node : *nodes) {
+        for (RecordedEvent &event : node.events)
+            event.time -= first;
+    }
+}
+
+ParsedRecording loadDeviceFile(const QByteArray &text, const QString &path)
+{
+    Problems problems(path);
+    QVector<DeviceFileNode> nodes = readDeviceFile(text, &problems);
+    ParsedRecording recording;
+    recording.diagnostics = problems.diagnostics();
+    const SideFiles files(QFileInfo(path).path(), &recording.diagnostics);
+    for (DeviceFileNode &node : nodes) {
+        files.readInto(&node);
+        recording.nodes += node.node;
+    }
+    startAtFirstEvent(&recording.nodes);
+
+    const auto hasEvents = [](const RecordedNode &node) { return !node.events.isEmpty(); };
+    if (!hasErrors(recording.diagnostics)
+        && std::none_of(recording.nodes.cbegin(), recording.nodes.cend(), hasEvents))
+    {
+        Problems empty(path);
+        empty.warning(0,
+                      QStringLiteral("no events; they are looked for beside the file, as "
+                                     "'event0.evemu' for the node event0"));
+        recording.diagnostics += empty.diagnostics();
+    }
+    return recording;
+}
+
+} // namespace
+
+ParsedRecording loadRecording(const QString &path)
+{
+    ParsedRecording recording;
+    const auto text = readFile(path, maxRecordingSize, &recording.diagnostics);
+    if (!text)
+        return recording;
+    if (path.endsWith(QLatin1String(".umockdev")))
+        return loadDeviceFile(*text, path);
+    return parseEvemu(*text, path);
+}
+
+} // namespace Vorn::Workbench

@@ -1,0 +1,16 @@
+#include "Scenario.h"
+
+#include <algorithm>
+
+namespace Vorn::Workbench {
+
+bool Scenario::hasExpectations() const
+{
+    return std::any_of(steps.begin(), steps.end(), [](const ScenarioStep &step) {
+        return std::holds_alternative<Step::ExpectEvent>(step.what)
+            || std::holds_alternative<Step::ExpectNothing>(step.what)
+            || std::holds_alternative<Step::ExpectIdentifier>(step.what);
+    });
+}
+
+} // namespace Vorn::Workbench

@@ -1,0 +1,18 @@
+#ifndef VORN_WORKBENCH_QUOTING_H
+#define VORN_WORKBENCH_QUOTING_H
+
+#include <QString>
+
+#include <string_view>
+
+namespace Vorn::Workbench {
+
+/// A text from a file or a command line, in single quotes for a message: on one line, shortened if
+/// it is long, and without characters that a terminal would act on.
+QString quoted(const QString &text);
+/// The same for UTF-8.
+QString quoted(std::string_view text);
+
+} // namespace Vorn::Workbench
+
+#endif

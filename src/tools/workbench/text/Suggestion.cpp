@@ -1,0 +1,74 @@
+#include "Suggestion.h"
+
+#include <QVector>
+
+#include <algorithm>
+#include <cstdlib>
+#include <numeric>
+
+namespace Vorn::Workbench {
+
+namespace {
+
+/// How many characters have to be inserted, removed, replaced or swapped with their neighbour to
+/// make one text of the other.
+int distance(const QString &a, const QString &b)
+{
+    QVector<int> beforeLast(b.size() + 1);
+    QVector<int> last(b.size() + 1);
+    QVector<int> row(b.size() + 1);
+    std::iota(last.begin(), last.end(), 0);
+    for (int i = 1; i <= a.size(); ++i) {
+        row[0] = i;
+        for (int j = 1; j <= b.size(); ++j) {
+            const int change = a.at(i - 1) == b.at(j - 1) ? 0 : 1;
+            row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + change});
+            if (i > 1 && j > 1 && a.at(i - 1) == b.at(j - 2) && a.at(i - 2) == b.at(j - 1))
+                row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+        }
+        beforeLast.swap(last);
+        last.swap(row);
+    }
+    return last.last();
+}
+
+/// "VOLUMEUP" of "KEY_VOLUMEUP": people forget the prefix, or mix up which one it is.
+QString withoutPrefix(const QString &name)
+{
+    for (const char *prefix : {"KEY_", "BTN_", "SW_", "BUS_", "EV_"}) {
+        if (name.startsWith(QLatin1String(prefix), Qt::CaseInsensitive))
+            return name.mid(static_cast<int>(qstrlen(prefix)));
+    }
+    return name;
+}
+
+} // namespace
+
+QString closest(const QString &unknown, const QStringList &known)
+{
+    // Longer texts are no name that was mistyped, and would take long to compare.
+    if (unknown.isEmpty() || unknown.size() > 64)
+        return {};
+    const QString wanted = withoutPrefix(unknown).toLower();
+    QString best;
+    int bestDistance = static_cast<int>(std::max(1, wanted.size() / 3)) + 1;
+    for (const QString &candidate : known) {
+        const QString text = withoutPrefix(candidate).toLower();
+        if (std::abs(text.size() - wanted.size()) >= bestDistance)
+            continue;
+        const int found = distance(wanted, text);
+        if (found < bestDistance) {
+            bestDistance = found;
+            best = candidate;
+        }
+    }
+    return best;
+}
+
+QString suggestion(const QString &unknown, const QStringList &known)
+{
+    const QString meant = closest(unknown, known);
+    return meant.isEmpty() ? QString() : QStringLiteral(", did you mean '%1'?").arg(meant);
+}
+
+} // namespace Vorn::Workbench

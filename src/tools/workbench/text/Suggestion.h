@@ -1,0 +1,18 @@
+#ifndef VORN_WORKBENCH_SUGGESTION_H
+#define VORN_WORKBENCH_SUGGESTION_H
+
+#include <QString>
+#include <QStringList>
+
+namespace Vorn::Workbench {
+
+/// The one of @p known that @p unknown was probably meant to be, without regard to case; empty if
+/// none is close.
+QString closest(const QString &unknown, const QStringList &known);
+
+/// ", did you mean 'VolumeUp'?" or nothing, to end a message about an unknown name.
+QString suggestion(const QString &unknown, const QStringList &known);
+
+} // namespace Vorn::Workbench
+
+#endif

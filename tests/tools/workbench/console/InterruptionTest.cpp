@@ -1,0 +1,74 @@
+#include "Interruption.h"
+
+#include <QTest>
+#include <QThread>
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <cstdlib>
+
+using namespace Vorn::Workbench;
+
+namespace {
+
+class InterruptionTest : public testing::Test
+{
+protected:
+    // A request stays until the process ends, or until the next one is waited for: the tests after
+    // these would find themselves interrupted.
+    void TearDown() override { const Interruption forgetsTheLast; }
+};
+
+} // namespace
+
+TEST_F(InterruptionTest, IsNoticedOnce)
+{
+    int calls = 0;
+    {
+        const Interruption interruption([&] { ++calls; });
+        EXPECT_FALSE(Interruption::isRequested());
+        std::raise(SIGINT);
+        EXPECT_TRUE(Interruption::isRequested());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return calls == 1; }));
+    }
+    std::raise(SIGINT);
+    const Interruption next;
+    EXPECT_FALSE(Interruption::isRequested());
+}
+
+TEST_F(InterruptionTest, LeavesTheSignalsAsTheyWereWhenNoneCame)
+{
+    {
+        const Interruption interruption;
+    }
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction action = {};
+        sigaction(signal, nullptr, &action);
+        EXPECT_EQ(action.sa_handler, SIG_DFL) << signal;
+    }
+}
+
+TEST_F(InterruptionTest, TakesTheSameOneThatIsPassedOnByAnotherProgram)
+{
+    int calls = 0;
+    const Interruption interruption([&] { ++calls; });
+    std::raise(SIGINT);
+    std::raise(SIGINT);
+    std::raise(SIGTERM);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return calls == 1; }));
+    EXPECT_TRUE(Interruption::isRequested());
+}
+
+TEST(InterruptionDeathTest, EndsAProcessThatDoesNotReactTheSecondTime)
+{
+    EXPECT_EXIT(
+        {
+            const Interruption interruption;
+            std::raise(SIGINT);
+            QThread::msleep(Interruption::repetitionMs + 50);
+            std::raise(SIGINT);
+            std::exit(0);
+        },
+        testing::KilledBySignal(SIGINT), "");
+}
