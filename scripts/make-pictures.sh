@@ -32,24 +32,15 @@ done
 cd "$folder"
 awk '/<<.END.$/ { inside = 1; next } $0 == "END" { inside = 0 } inside' \
     "$root/docs/workbench.md" >stop.scenario
-cat >panel.json <<'END'
-{
-  "devices": [
-    {
-      "name": "front-panel",
-      "handlers": [
-        {
-          "keys": [
-            {"code": "KEY_STOP", "command": "Stop"}
-          ],
-          "chords": [
-            {"keys": ["KEY_STOP", "KEY_PLAY"], "command": "FactoryReset"}
-          ]
-        }
-      ]
-    }
-  ]
-}
+cat >panel.toml <<'END'
+[[device]]
+name = "front-panel"
+
+[device.handler.keys]
+KEY_STOP = "Stop"
+
+[device.handler.chords]
+"KEY_STOP+KEY_PLAY" = "FactoryReset"
 END
-"$program" simulate --quiet --profile panel.json --timeline stop.svg stop.scenario
-rm stop.scenario panel.json
+"$program" simulate --quiet --profile panel.toml --timeline stop.svg stop.scenario
+rm stop.scenario panel.toml

@@ -1,4 +1,4 @@
-#include "Profile.h"
+#include "ProfileReader.h"
 #include "ProfileWriter.h"
 
 #include <cstddef>
@@ -17,7 +17,7 @@ extern "C" __attribute__((visibility("default"))) const char *__lsan_default_sup
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QByteArray text(reinterpret_cast<const char *>(data), static_cast<int>(size));
-    const ParsedProfile parsed = parseProfile(text, QStringLiteral("fuzz.json"));
+    const ParsedProfile parsed = parseProfile(text, QStringLiteral("fuzz.toml"));
     for (const Diagnostic &diagnostic : parsed.diagnostics) {
         if (diagnostic.line < 1 || diagnostic.column < 1 || diagnostic.message.isEmpty())
             std::abort();
@@ -26,9 +26,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         return 0;
 
     // What was read without a mistake is written without one, and to the same bytes again.
-    const QByteArray written = profileToJson(parsed.profile);
-    const ParsedProfile again = parseProfile(written, QStringLiteral("written.json"));
-    if (hasErrors(again.diagnostics) || profileToJson(again.profile) != written)
+    const QByteArray written = writeProfile(parsed.profile);
+    const ParsedProfile again = parseProfile(written, QStringLiteral("written.toml"));
+    if (hasErrors(again.diagnostics) || writeProfile(again.profile) != written)
         std::abort();
     return 0;
 }

@@ -17,8 +17,8 @@ TYPED = [
     ("vorn-input --col", "vorn-input --color "),
     ("vorn-input --log inf", "vorn-input --log info "),
     ("vorn-input --log info tim", "vorn-input --log info timeline "),
-    ("vorn-input check pan", "vorn-input check panel.json "),
-    ("vorn-input learn --output pan", "vorn-input learn --output panel.json "),
+    ("vorn-input check pan", "vorn-input check panel.toml "),
+    ("vorn-input learn --output pan", "vorn-input learn --output panel.toml "),
     ("vorn-input check --strict --js", "vorn-input check --strict --json "),
 ]
 
@@ -37,7 +37,7 @@ def main():
     source = os.path.abspath(sys.argv[1])
     with tempfile.TemporaryDirectory() as folder:
         os.chdir(folder)
-        with open("panel.json", "w") as file:
+        with open("panel.toml", "w") as file:
             file.write("{}")
         for command, load in shells(source):
             if not shutil.which(command[0]):

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""The schema for editors accepts every profile that is shipped, and refuses a mistake.
+"""The schema for editors accepts every profile that is shipped, and rejects mistakes.
 
 usage: schema_test.py SOURCE
 """
+import copy
 import glob
 import json
 import os
@@ -10,33 +11,75 @@ import sys
 
 try:
     import jsonschema
-except ImportError:
-    print("SKIPPED: the Python package jsonschema is missing")
+    import tomllib
+except ImportError as error:
+    print(f"SKIPPED: {error}")
     sys.exit(77)
 
 
 def load(path):
-    with open(path, encoding="utf-8") as file:
-        return json.load(file)
+    with open(path, "rb") as file:
+        return tomllib.load(file)
+
+
+# Each is a change of the player's profile that the schema has to reject.
+def wrong_command(profile):
+    profile["device"][0]["handler"]["keys"]["KEY_STOP"] = "Stopp"
+
+
+def wrong_key(profile):
+    profile["device"][0]["handler"]["keys"]["SW_LID"] = "Stop"
+
+
+def wrong_member(profile):
+    profile["device"][0]["handler"]["keys"]["KEY_STOP"] = {"command": "Stop", "imediate": True}
+
+
+def repeat_alone(profile):
+    profile["device"][0]["handler"]["keys"]["KEY_STOP"] = {"command": "Stop", "repeat": True}
+
+
+def no_timeout(profile):
+    profile["device"][0]["handler"]["keys"]["KEY_STOP"] = {"command": "Stop", "long-press": []}
+
+
+def chord_of_one(profile):
+    profile["device"][0]["handler"]["chords"] = {"KEY_STOP": "FactoryReset"}
+
+
+def listed_without_code(profile):
+    profile["device"][0]["handler"]["keys"] = [{"command": "Stop"}]
+
+
+def no_device(profile):
+    del profile["device"]
+
+
+MISTAKES = [wrong_command, wrong_key, wrong_member, repeat_alone, no_timeout, chord_of_one,
+            listed_without_code, no_device]
 
 
 def main():
     source = sys.argv[1]
-    schema = load(os.path.join(source, "share/vorn-input/profile.schema.json"))
+    with open(os.path.join(source, "share/vorn-input/profile.schema.json"),
+              encoding="utf-8") as file:
+        schema = json.load(file)
     jsonschema.Draft7Validator.check_schema(schema)
     validator = jsonschema.Draft7Validator(schema)
-    profiles = glob.glob(os.path.join(source, "examples/profiles/*.json"))
-    profiles += glob.glob(os.path.join(source, "tests/scenarios/profiles/*.json"))
-    if len(profiles) < 2:
+    profiles = glob.glob(os.path.join(source, "examples/profiles/*.toml"))
+    profiles += glob.glob(os.path.join(source, "tests/scenarios/profiles/*.toml"))
+    if len(profiles) < 5:
         sys.exit("FAILED: no profiles")
     for path in profiles:
         for error in validator.iter_errors(load(path)):
             sys.exit(f"FAILED: {path}: {error.message}")
-    wrong = load(profiles[0])
-    wrong["devices"][0]["handlers"][0]["keys"][0]["command"] = "VolumUp"
-    if validator.is_valid(wrong):
-        sys.exit("FAILED: a command that does not exist is accepted")
-    print(f"PASSED: {len(profiles)} profiles")
+    player = load(os.path.join(source, "examples/profiles/player.toml"))
+    for mistake in MISTAKES:
+        wrong = copy.deepcopy(player)
+        mistake(wrong)
+        if validator.is_valid(wrong):
+            sys.exit(f"FAILED: {mistake.__name__} is accepted")
+    print(f"PASSED: {len(profiles)} profiles, {len(MISTAKES)} mistakes")
 
 
 if __name__ == "__main__":

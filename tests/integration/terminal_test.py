@@ -12,7 +12,7 @@ from pseudo_terminal import Terminal
 
 def monitor(source, program):
     recordings = os.path.join(source, "examples/player/recordings")
-    profile = os.path.join(source, "examples/profiles/player.json")
+    profile = os.path.join(source, "examples/profiles/player.toml")
     return Terminal([os.path.join(recordings, "replay.sh"), "--still", program, "monitor",
                      "--profile", profile])
 
@@ -25,7 +25,7 @@ def simulate(source, program, folder):
                    "panel press KEY_VOLUMEUP\nwait 1h\n")
     return Terminal(["sh", "-c", 'exec "$@" >"$0"', os.path.join(folder, "out"), program,
                      "simulate", "--profile",
-                     os.path.join(source, "examples/profiles/player.json"), scenario])
+                     os.path.join(source, "examples/profiles/player.toml"), scenario])
 
 
 def main():

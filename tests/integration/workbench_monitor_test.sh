@@ -7,7 +7,7 @@
 source=$1 program=$2
 command -v umockdev-run >/dev/null || skip "umockdev-run is missing"
 cd "$folder"
-cp "$source/examples/profiles/player.json" profile.json
+cp "$source/examples/profiles/player.toml" profile.toml
 
 # wait_for PATTERN FILE
 wait_for() {
@@ -27,17 +27,17 @@ touch out err
 # In the background a shell ignores SIGINT, and so would what it starts.
 setsid bash -c 'trap - INT; exec "$@"' bash \
     "$source/examples/player/recordings/replay.sh" bash -c 'echo $$ >pid; exec "$@"' bash \
-    "$program" monitor --profile profile.json --record session --json >out 2>err &
+    "$program" monitor --profile profile.toml --record session --json >out 2>err &
 replay=$!
 wait_for '"KeyLongPress"' out
 
-sed 's/"VolumeUp"/"VolumUp"/' "$source/examples/profiles/player.json" >profile.json
-wait_for "profile.json has mistakes" out
-wait_for "profile.json:[0-9]+:[0-9]+: error: unknown command 'VolumUp'" err
+sed 's/"VolumeUp"/"VolumUp"/' "$source/examples/profiles/player.toml" >profile.toml
+wait_for "profile.toml has mistakes" out
+wait_for "profile.toml:[0-9]+:[0-9]+: error: unknown command 'VolumUp'" err
 wait_for '"FactoryReset"' out
-sed 's/"FactoryReset"/"Power"/' "$source/examples/profiles/player.json" >new.json
-mv new.json profile.json
-wait_for "profile.json was loaded again" out
+sed 's/"FactoryReset"/"Power"/' "$source/examples/profiles/player.toml" >new.json
+mv new.json profile.toml
+wait_for "profile.toml was loaded again" out
 
 kill -INT "$(cat pid)"
 wait "$replay" || status=$?

@@ -5,8 +5,8 @@
 
 source=$1 program=$2
 cd "$folder"
-player=$source/examples/profiles/player.json
-echo 'this is no JSON' >broken.json
+player=$source/examples/profiles/player.toml
+echo 'this is no JSON' >broken.toml
 echo 'panel press' >broken.scenario
 echo 'wait 1s' >wait.scenario
 echo 'E: what' >broken.evemu
@@ -19,7 +19,7 @@ for command in devices monitor learn check simulate timeline; do
     expect_nothing_on_stderr
     grep -q '^Examples:' "$folder/out" || failed "expected examples in the help"
     case $command in
-    check | simulate) required=(broken.json) ;;
+    check | simulate) required=(broken.toml) ;;
     learn) required=(-o new.json) ;;
     timeline) required=(broken.jsonl -o new.svg) ;;
     *) required=() ;;
@@ -63,19 +63,19 @@ for command in check simulate; do
 done
 run "$program" check missing.json
 expect_status 2
-run "$program" check broken.json
+run "$program" check broken.toml
 expect_status 1
 expect_nothing_on_stderr
 run "$program" check "$player"
 expect_status 0
-run "$program" check broken.json "$player" missing.json
+run "$program" check broken.toml "$player" missing.json
 expect_status 2
 
 refuse 'missing.scenario: error: cannot be read' simulate missing.scenario
 refuse 'broken.scenario:1:[0-9]+: error: ' simulate broken.scenario
 refuse 'broken.evemu:1.*: error: ' simulate broken.evemu
-refuse 'broken.json:1:[0-9]+: error: ' simulate --profile broken.json wait.scenario
-refuse 'broken.json:1:[0-9]+: error: ' monitor --profile broken.json
+refuse 'broken.toml:1:[0-9]+: error: ' simulate --profile broken.toml wait.scenario
+refuse 'broken.toml:1:[0-9]+: error: ' monitor --profile broken.toml
 refuse 'missing.json: error: cannot be read' monitor --profile missing.json
 refuse 'duration' monitor --duration 0
 refuse 'duration' monitor --duration x

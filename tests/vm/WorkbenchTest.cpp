@@ -18,7 +18,7 @@ namespace {
 using testing::ElementsAre;
 
 const QString workbench = QStringLiteral(VORN_WORKBENCH);
-const QString profile = QStringLiteral(VORN_SOURCE_FOLDER "/examples/profiles/player.json");
+const QString profile = QStringLiteral(VORN_SOURCE_FOLDER "/examples/profiles/player.toml");
 const UinputDescription panel = {
     "front-panel", BUS_HOST, {KEY_VOLUMEUP, KEY_VOLUMEDOWN, KEY_INFO, KEY_STOP, KEY_PLAY}, {}};
 

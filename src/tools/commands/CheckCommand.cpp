@@ -1,6 +1,6 @@
 #include "Commands.h"
 #include "Diagnostic.h"
-#include "Profile.h"
+#include "ProfileReader.h"
 #include "TextFile.h"
 
 #include <QFileInfo>

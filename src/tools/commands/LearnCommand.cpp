@@ -5,6 +5,7 @@
 #include "Keyboard.h"
 #include "Learner.h"
 #include "Product.h"
+#include "ProfileReader.h"
 #include "ProfileWriter.h"
 #include "Session.h"
 #include "SessionLog.h"
@@ -54,7 +55,7 @@ int write(const Learner &learner, const QString &path)
         complain(QStringLiteral("nothing was learnt, so nothing is written"));
         return Found;
     }
-    const QByteArray json = profileToJson(learner.profile());
+    const QByteArray json = writeProfile(learner.profile());
     const QString error = writeFile(path, json);
     if (!error.isEmpty()) {
         complain(error);

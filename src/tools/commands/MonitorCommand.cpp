@@ -4,6 +4,7 @@
 #include "Interruption.h"
 #include "Keyboard.h"
 #include "Product.h"
+#include "ProfileReader.h"
 #include "ProfileWatcher.h"
 #include "Recorder.h"
 #include "Session.h"

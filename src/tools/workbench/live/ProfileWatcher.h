@@ -1,7 +1,7 @@
 #ifndef VORN_WORKBENCH_PROFILEWATCHER_H
 #define VORN_WORKBENCH_PROFILEWATCHER_H
 
-#include "Profile.h"
+#include "ProfileReader.h"
 
 #include <QByteArray>
 #include <QFileSystemWatcher>

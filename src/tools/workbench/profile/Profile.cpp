@@ -1,7 +1,5 @@
 #include "Profile.h"
 
-#include "TextFile.h"
-
 namespace Vorn::Workbench {
 
 const DeviceProfile *Profile::deviceFor(const QString &name, InputEvent::Bus bus) const
@@ -24,13 +22,6 @@ QStringList Profile::identifiers() const
     }
     all.removeDuplicates();
     return all;
-}
-
-ParsedProfile loadProfile(const QString &path)
-{
-    ParsedProfile parsed;
-    const auto text = readFile(path, maxTextSize, &parsed.diagnostics);
-    return text ? parseProfile(*text, path) : parsed;
 }
 
 } // namespace Vorn::Workbench

@@ -1,10 +1,8 @@
 #ifndef VORN_WORKBENCH_PROFILE_H
 #define VORN_WORKBENCH_PROFILE_H
 
-#include "Diagnostic.h"
 #include "Input.h"
 
-#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -28,7 +26,7 @@ struct KeyMapping
     InputEvent::Command command = InputEvent::None;
     bool immediate = false;
     std::optional<LongPress> longPress;
-    /// Registered by the bus-filtered forms, so only where the device hangs on this bus.
+    /// Registered by the bus-filtered forms, so only for devices attached to this bus.
     std::optional<InputEvent::Bus> bus;
 };
 
@@ -48,22 +46,23 @@ struct SwitchMapping
     InputEvent::Command command = InputEvent::None;
 };
 
-/// What is registered under one or several identifiers of a device: one key handler, if there are
-/// keys or chords, and one switch handler, if there are switches.
+/// What is registered for a device under one or several identifiers: one key handler if there are
+/// keys or chords, and one switch handler if there are switches.
 struct HandlerProfile
 {
     QStringList identifiers{QString()};
     QVector<KeyMapping> keys;
     QVector<ChordMapping> chords;
     QVector<SwitchMapping> switches;
-    /// Whether the switches' positions are asked for when the device arrives.
+    /// Whether the positions of the switches are reported when the device arrives.
     bool positionsAtStart = false;
 };
 
-/// What is registered for the devices of a name, of a bus, of both, or of neither: all others.
+/// What is registered for the devices with a name, on a bus, or both; for all others if neither is
+/// given.
 struct DeviceProfile
 {
-    std::optional<QString> name; ///< the kernel's name, whole
+    std::optional<QString> name; ///< the kernel's, in full
     std::optional<InputEvent::Bus> bus;
     QVector<HandlerProfile> handlers;
 };
@@ -79,28 +78,15 @@ struct SelectRule
 /// What a product registers with the library. A plain value.
 struct Profile
 {
-    QString initial; ///< the identifier that is selected at first
-    QVector<DeviceProfile> devices; ///< the first that fits a device is used
+    QString initial; ///< the identifier selected at the start
+    QVector<DeviceProfile> devices; ///< the first that matches a device is used
     QVector<SelectRule> select;
 
-    /// Null if none fits.
+    /// Null if none matches.
     const DeviceProfile *deviceFor(const QString &name, InputEvent::Bus bus) const;
-    /// Every identifier that is mentioned, each once, in the order of the file.
+    /// Every identifier mentioned, each once, in the order of the file.
     QStringList identifiers() const;
 };
-
-struct ParsedProfile
-{
-    Profile profile; ///< meaningless if there are errors
-    Diagnostics diagnostics; ///< in the order of the file
-};
-
-/// Reads a profile (JSON) and finds all mistakes in it. Never fails otherwise, whatever @p text is.
-/// @param file for the diagnostics
-ParsedProfile parseProfile(const QByteArray &text, const QString &file);
-
-/// Reads a profile from a file.
-ParsedProfile loadProfile(const QString &path);
 
 } // namespace Vorn::Workbench
 

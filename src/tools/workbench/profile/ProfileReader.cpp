@@ -1,507 +1,437 @@
 #include "ProfileReader.h"
 
 #include "BusNames.h"
+#include "CodeReader.h"
 #include "CommandNames.h"
-#include "EventNames.h"
 #include "ProfileWarnings.h"
 #include "Quoting.h"
-#include "Suggestion.h"
+#include "TableReader.h"
+#include "TextFile.h"
 
-#include <cmath>
 #include <limits>
 
 namespace Vorn::Workbench {
 
 namespace {
 
-// Each takes a comparison with all names, which a file of nonsense should not have to wait for.
-constexpr int maxSuggestions = 500;
+using Type = TomlValue::Type;
 
-QString name(const char *text)
+/// Makes a profile of a TOML document, top down: profile, devices, handlers, registrations. Parts
+/// with errors are left out, so that one mistake does not hide the others.
+class ProfileReader
 {
-    return QString::fromLatin1(text);
-}
-
-QString typeText(JsonValue::Type type)
-{
-    switch (type) {
-    case JsonValue::Type::Object:
-        return QStringLiteral("an object");
-    case JsonValue::Type::Array:
-        return QStringLiteral("a list");
-    case JsonValue::Type::Bool:
-        return QStringLiteral("true or false");
-    default:
-        return QStringLiteral("a string");
+public:
+    ProfileReader(const TomlValue &root, Findings *findings)
+        : m_findings(findings)
+        , m_codes(findings)
+        , m_places{&root, {}, {}}
+    {
+        readRoot();
     }
-}
 
-/// The value as it would have to stand in a list, for a value that stands there without one.
-QString listHint(const char *member, const JsonValue &value)
-{
-    if (qstrcmp(member, "timeouts") == 0 && value.isNumber())
-        return QStringLiteral("; write [%1]").arg(value.number());
-    if (qstrcmp(member, "identifiers") == 0 && value.isString() && value.string().size() < 20)
-        return QStringLiteral("; write [\"%1\"]").arg(value.string());
-    return {};
-}
+    const Profile &profile() const { return m_profile; }
+    const ProfilePlaces &places() const { return m_places; }
 
-bool isWhole(double number)
-{
-    return std::trunc(number) == number;
-}
+private:
+    /// Which members a registration has beside its command, and how its code is written.
+    struct EntryKind
+    {
+        const char *what; ///< "a key", for messages
+        const char *group; ///< the member of the handler that holds them
+        const char *codeMember; ///< that names the code in a list
+        QStringList optional;
+    };
 
-} // namespace
+    void readRoot();
+    void readDevice(const TomlValue &value);
+    void readHandler(const TomlValue &value, DeviceProfile *device, DevicePlaces *places);
+    void readIdentifiers(const TableReader &table, HandlerProfile *handler, HandlerPlaces *places);
+    template <typename ReadEntry>
+    void readEntries(const TableReader &handler, const EntryKind &kind, ReadEntry readEntry);
+    void readKeys(const TableReader &handler, HandlerProfile *profile, HandlerPlaces *places);
+    void readChords(const TableReader &handler, HandlerProfile *profile, HandlerPlaces *places);
+    void readSwitches(const TableReader &handler, HandlerProfile *profile, HandlerPlaces *places);
+    std::optional<SelectRule> readRule(const TomlValue &value);
+    std::optional<LongPress> readLongPress(const TableReader &table);
+    std::optional<int> readTimeout(const TomlValue &value);
+    std::optional<InputEvent::Command> readCommand(const TomlValue &value);
+    std::optional<InputEvent::Command> readCommand(const TableReader &table);
+    /// The bus of a table; a mistake in it is reported and counts as none.
+    std::optional<InputEvent::Bus> readBus(const TableReader &table);
 
-/// What there is to say about codes of keys and of switches.
-struct ProfileReader::CodeKind
-{
-    const char *kind;
-    const char *otherKind;
-    const char *place; ///< of the other kind
-    int largest;
-    std::optional<int> (*code)(const QString &);
-    std::optional<int> (*otherCode)(const QString &);
-    QStringList (*names)();
-
-    static const CodeKind key;
-    static const CodeKind switchOf;
+    Findings *const m_findings;
+    CodeReader m_codes;
+    Profile m_profile;
+    ProfilePlaces m_places;
 };
-
-const ProfileReader::CodeKind ProfileReader::CodeKind::key{
-    "key", "switch", "switches", maxKeyCode, keyCode, switchCode, keyNames};
-const ProfileReader::CodeKind ProfileReader::CodeKind::switchOf{
-    "switch", "key", "keys", maxSwitchCode, switchCode, keyCode, switchNames};
-
-ProfileReader::ProfileReader(const JsonText &text, Findings *findings)
-    : m_findings(findings)
-    , m_places{text.root(), {}, {}}
-{
-    readRoot();
-}
 
 void ProfileReader::readRoot()
 {
-    const auto members = membersOf(m_places.root, QStringLiteral("a profile"), {name("devices")},
-                                   {name("$schema"), name("initial"), name("select")});
-    if (!members)
-        return;
-    text(*members, "$schema");
-    m_profile.initial = text(*members, "initial");
-    for (const JsonValue &value : elements(*members, "select")) {
-        if (const auto rule = readRule(value)) {
+    TableReader table(*m_places.root, QStringLiteral("a profile"), &m_codes);
+    table.allow({"initial", "select", "device"});
+    m_profile.initial = table.text("initial");
+    for (const TomlValue *value : table.tables("select")) {
+        if (const auto rule = readRule(*value)) {
             m_profile.select.append(*rule);
             m_places.select.append(value);
         }
     }
-    for (const JsonValue &value : elements(*members, "devices"))
-        readDevice(value);
+    if (!table.member("device")) {
+        m_findings->error(m_places.root->position,
+                          QStringLiteral("a profile needs at least one [[device]]"));
+    }
+    for (const TomlValue *value : table.tables("device"))
+        readDevice(*value);
 }
 
-void ProfileReader::readDevice(const JsonValue &value)
+void ProfileReader::readDevice(const TomlValue &value)
 {
-    const auto members = membersOf(value, QStringLiteral("a device entry"), {},
-                                   {name("name"), name("bus"), name("handlers")});
-    if (!members)
+    TableReader table(value, QStringLiteral("a device"), &m_codes);
+    table.allow({"name", "bus", "handler"});
+    if (!table.isTable())
         return;
     DeviceProfile device;
-    DevicePlaces places{value, {}};
-    if (const auto deviceName = member(*members, "name", JsonValue::Type::String))
-        device.name = deviceName->string();
-    device.bus = readBus(*members);
-    for (const JsonValue &handler : elements(*members, "handlers"))
-        readHandler(handler, &device, &places);
+    DevicePlaces places{&value, {}};
+    if (const TomlValue *name = table.member("name", Type::String))
+        device.name = name->string;
+    device.bus = readBus(table);
+    for (const TomlValue *handler : table.tables("handler"))
+        readHandler(*handler, &device, &places);
     m_profile.devices.append(device);
     m_places.devices.append(places);
 }
 
-void ProfileReader::readHandler(const JsonValue &value, DeviceProfile *device, DevicePlaces *places)
+void ProfileReader::readHandler(const TomlValue &value, DeviceProfile *device, DevicePlaces *places)
 {
-    const auto members = membersOf(value, QStringLiteral("a handler"), {},
-                                   {name("identifiers"), name("keys"), name("chords"),
-                                    name("switches"), name("positionsAtStart")});
-    if (!members)
+    TableReader table(value, QStringLiteral("a handler"), &m_codes);
+    table.allow({"identifiers", "positions-at-start", "keys", "chords", "switches"});
+    if (!table.isTable())
         return;
     HandlerProfile handler;
-    HandlerPlaces handlerPlaces{value, {}, {}, {}, {}};
-    readIdentifiers(*members, &handler, &handlerPlaces);
-    for (const JsonValue &element : elements(*members, "keys")) {
-        if (const auto key = readKey(element)) {
-            handler.keys.append(*key);
-            handlerPlaces.keys.append(element);
-        }
-    }
-    for (const JsonValue &element : elements(*members, "chords")) {
-        if (const auto chord = readChord(element)) {
-            handler.chords.append(*chord);
-            handlerPlaces.chords.append(element);
-        }
-    }
-    for (const JsonValue &element : elements(*members, "switches")) {
-        if (const auto mapping = readSwitch(element)) {
-            handler.switches.append(*mapping);
-            handlerPlaces.switches.append(element);
-        }
-    }
-    handler.positionsAtStart = flag(*members, "positionsAtStart");
+    HandlerPlaces handlerPlaces;
+    handlerPlaces.handler = &value;
+    readIdentifiers(table, &handler, &handlerPlaces);
+    handler.positionsAtStart = table.flag("positions-at-start");
+    readKeys(table, &handler, &handlerPlaces);
+    readChords(table, &handler, &handlerPlaces);
+    readSwitches(table, &handler, &handlerPlaces);
     device->handlers.append(handler);
     places->handlers.append(handlerPlaces);
 }
 
-void ProfileReader::readIdentifiers(const Members &members, HandlerProfile *handler,
+void ProfileReader::readIdentifiers(const TableReader &table, HandlerProfile *handler,
                                     HandlerPlaces *places)
 {
-    const auto list = member(members, "identifiers", JsonValue::Type::Array);
+    const TomlValue *list = table.member("identifiers", Type::List);
     if (!list) {
-        places->identifiers.append(places->handler);
+        places->identifiers.append(places->handler->position);
         return;
     }
     handler->identifiers.clear();
-    for (const JsonValue &value : list->children()) {
+    for (const TomlValue &value : list->children) {
         if (!value.isString()) {
             m_findings->error(
-                value.offset(),
-                QStringLiteral("an identifier is a string, not %1").arg(value.typeName()));
+                value.position,
+                QStringLiteral("an identifier is a string, not %1").arg(value.typeName));
             continue;
         }
-        handler->identifiers.append(value.string());
-        places->identifiers.append(value);
+        handler->identifiers.append(value.string);
+        places->identifiers.append(value.position);
     }
-    if (list->children().isEmpty()) {
-        m_findings->error(list->offset(),
-                          QStringLiteral("a handler without an identifier is never selected; leave "
-                                         "'identifiers' out for the empty one"));
+    if (list->children.empty()) {
+        m_findings->error(list->position,
+                          QStringLiteral("a handler without an identifier is never selected; omit "
+                                         "'identifiers' for the empty one"));
     }
 }
 
-std::optional<KeyMapping> ProfileReader::readKey(const JsonValue &value)
+/// Registrations come in two forms. In a table, the member's name is the code, and its value the
+/// registration, or a list of them. In a list of tables, each names its code, so that any order of
+/// registration can be written.
+///
+/// @param readEntry is called with the value that holds or names the code, whether that is the name
+///        of a member, and the registration; see readKeys()
+template <typename ReadEntry>
+void ProfileReader::readEntries(const TableReader &handler, const EntryKind &kind,
+                                ReadEntry readEntry)
 {
-    const auto members = membersOf(value, QStringLiteral("a key"), {name("code"), name("command")},
-                                   {name("immediate"), name("longPress"), name("bus")});
-    if (!members)
-        return std::nullopt;
-    KeyMapping key;
-    const auto codeValue = members->constFind(name("code"));
-    const auto code =
-        codeValue == members->cend() ? std::nullopt : readCode(*codeValue, CodeKind::key);
-    const auto command = readCommand(*members);
-    key.immediate = flag(*members, "immediate");
-    const auto longPress = members->constFind(name("longPress"));
-    if (longPress != members->cend())
-        key.longPress = readLongPress(*longPress);
-    key.bus = readBus(*members);
-    const bool isBusWrong = members->contains(name("bus")) && !key.bus;
-    if (!code || !command || isBusWrong)
-        return std::nullopt;
-    key.code = *code;
-    key.command = *command;
-    return key;
-}
+    const TomlValue *group = handler.member(kind.group);
+    if (!group)
+        return;
+    QStringList known = kind.optional;
+    known.prepend(QStringLiteral("command"));
+    const auto readOne = [&](const TomlValue *code, const TomlValue &value) {
+        if (value.isString()) {
+            // KEY_OK = "Confirm"
+            const TableReader empty(value, &m_codes);
+            readEntry(code, value, empty, readCommand(value));
+            return;
+        }
+        TableReader table(value, QLatin1String(kind.what), &m_codes);
+        table.allow(code ? known : QStringList(known) << QLatin1String(kind.codeMember));
+        if (!table.isTable())
+            return;
+        if (!code && !table.require(kind.codeMember))
+            return;
+        const auto command =
+            table.require("command") ? readCommand(table) : std::optional<InputEvent::Command>();
+        readEntry(code, value, table, command);
+    };
 
-std::optional<ChordMapping> ProfileReader::readChord(const JsonValue &value)
-{
-    const auto members =
-        membersOf(value, QStringLiteral("a chord"), {name("keys"), name("command")}, {name("bus")});
-    if (!members)
-        return std::nullopt;
-    ChordMapping chord;
-    const auto command = readCommand(*members);
-    chord.bus = readBus(*members);
-    const auto keys = member(*members, "keys", JsonValue::Type::Array);
-    if (!keys)
-        return std::nullopt;
-    QVector<int> codes;
-    for (const JsonValue &key : keys->children()) {
-        if (const auto code = readCode(key, CodeKind::key))
-            codes.append(*code);
+    if (group->isList()) {
+        for (const TomlValue &value : group->children) {
+            if (value.isTable())
+                readOne(nullptr, value);
+            else
+                m_findings->error(value.position,
+                                  QStringLiteral("%1 in a list is a table with '%2', not %3")
+                                      .arg(QLatin1String(kind.what), QLatin1String(kind.codeMember),
+                                           value.typeName));
+        }
+        return;
     }
-    const int count = keys->children().size();
-    if (count != 2) {
-        m_findings->error(keys->offset(),
-                          QStringLiteral("a chord has exactly two keys, not %1").arg(count));
+    if (!handler.member(kind.group, Type::Table))
+        return;
+    for (const TomlValue &member : group->children) {
+        if (!member.isList()) {
+            readOne(&member, member);
+            continue;
+        }
+        for (const TomlValue &value : member.children)
+            readOne(&member, value);
     }
-    const bool isBusWrong = members->contains(name("bus")) && !chord.bus;
-    if (count != 2 || codes.size() != 2 || !command || isBusWrong)
-        return std::nullopt;
-    chord.first = codes.at(0);
-    chord.second = codes.at(1);
-    chord.command = *command;
-    return chord;
 }
 
-std::optional<SwitchMapping> ProfileReader::readSwitch(const JsonValue &value)
+void ProfileReader::readKeys(const TableReader &handler, HandlerProfile *profile,
+                             HandlerPlaces *places)
 {
-    const auto members =
-        membersOf(value, QStringLiteral("a switch"), {name("code"), name("command")}, {});
-    if (!members)
-        return std::nullopt;
-    const auto codeValue = members->constFind(name("code"));
-    const auto code =
-        codeValue == members->cend() ? std::nullopt : readCode(*codeValue, CodeKind::switchOf);
-    const auto command = readCommand(*members);
-    if (!code || !command)
-        return std::nullopt;
-    return SwitchMapping{*code, *command};
+    const EntryKind kind{"a key",
+                         "keys",
+                         "key",
+                         {QStringLiteral("immediate"), QStringLiteral("long-press"),
+                          QStringLiteral("repeat"), QStringLiteral("bus")}};
+    readEntries(handler, kind,
+                [&](const TomlValue *name, const TomlValue &value, const TableReader &table,
+                    std::optional<InputEvent::Command> command) {
+                    const TomlValue &codeValue = name ? *name : *table.member("key");
+                    const auto code = name ? m_codes.keyNamed(name->key, name->keyPosition)
+                                           : m_codes.key(codeValue);
+                    KeyMapping key;
+                    key.immediate = table.flag("immediate");
+                    key.longPress = readLongPress(table);
+                    key.bus = readBus(table);
+                    const bool isBusWrong = table.member("bus") && !key.bus;
+                    if (!code || !command || isBusWrong)
+                        return;
+                    key.code = *code;
+                    key.command = *command;
+                    profile->keys.append(key);
+                    places->keys.append({&value, name ? name->keyPosition : codeValue.position});
+                });
 }
 
-std::optional<SelectRule> ProfileReader::readRule(const JsonValue &value)
+void ProfileReader::readChords(const TableReader &handler, HandlerProfile *profile,
+                               HandlerPlaces *places)
 {
-    const auto members = membersOf(value, QStringLiteral("a select rule"),
-                                   {name("command"), name("identifier")}, {name("state")});
-    if (!members)
+    const EntryKind kind{"a chord", "chords", "keys", {QStringLiteral("bus")}};
+    readEntries(handler, kind,
+                [&](const TomlValue *name, const TomlValue &value, const TableReader &table,
+                    std::optional<InputEvent::Command> command) {
+                    const TomlValue *list = name ? nullptr : table.member("keys", Type::List);
+                    const auto pair = name ? m_codes.pairNamed(name->key, name->keyPosition)
+                        : list             ? m_codes.pair(*list)
+                                           : std::nullopt;
+                    ChordMapping chord;
+                    chord.bus = readBus(table);
+                    const bool isBusWrong = table.member("bus") && !chord.bus;
+                    if (!pair || !command || isBusWrong)
+                        return;
+                    chord.first = pair->first;
+                    chord.second = pair->second;
+                    chord.command = *command;
+                    profile->chords.append(chord);
+                    places->chords.append({&value, name ? name->keyPosition : list->position});
+                });
+}
+
+void ProfileReader::readSwitches(const TableReader &handler, HandlerProfile *profile,
+                                 HandlerPlaces *places)
+{
+    const EntryKind kind{"a switch", "switches", "switch", {}};
+    readEntries(
+        handler, kind,
+        [&](const TomlValue *name, const TomlValue &value, const TableReader &table,
+            std::optional<InputEvent::Command> command) {
+            const TomlValue &codeValue = name ? *name : *table.member("switch");
+            const auto code = name ? m_codes.switchNamed(name->key, name->keyPosition)
+                                   : m_codes.switchOf(codeValue);
+            if (!code || !command)
+                return;
+            profile->switches.append({*code, *command});
+            places->switches.append({&value, name ? name->keyPosition : codeValue.position});
+        });
+}
+
+std::optional<SelectRule> ProfileReader::readRule(const TomlValue &value)
+{
+    TableReader table(value, QStringLiteral("a select rule"), &m_codes);
+    table.allow({"command", "state", "identifier"});
+    if (!table.isTable())
         return std::nullopt;
+    const bool hasCommand = table.require("command");
+    const bool hasIdentifier = table.require("identifier");
     SelectRule rule;
-    const auto command = readCommand(*members);
-    rule.identifier = text(*members, "identifier");
-    if (const auto stateValue = member(*members, "state", JsonValue::Type::String)) {
-        const QString stateText = stateValue->string();
-        const auto known = state(stateText);
+    const auto command = readCommand(table);
+    rule.identifier = table.text("identifier");
+    if (const TomlValue *stateValue = table.member("state", Type::String)) {
+        const auto known = state(stateValue->string);
         if (known) {
             rule.state = *known;
         } else {
-            m_findings->error(stateValue->offset(),
+            m_findings->error(stateValue->position,
                               QStringLiteral("unknown state %1%2")
-                                  .arg(quoted(stateText), suggest(stateText, stateNames())));
+                                  .arg(quoted(stateValue->string),
+                                       m_codes.suggest(stateValue->string, stateNames())));
         }
     }
-    if (!command)
+    if (!hasCommand || !hasIdentifier || !command)
         return std::nullopt;
     rule.command = *command;
     return rule;
 }
 
-std::optional<LongPress> ProfileReader::readLongPress(const JsonValue &value)
+std::optional<LongPress> ProfileReader::readLongPress(const TableReader &table)
 {
-    const auto members =
-        membersOf(value, QStringLiteral("a long press"), {name("timeouts")}, {name("repeat")});
-    if (!members)
+    const TomlValue *timeouts = table.member("long-press");
+    const bool repeat = table.flag("repeat");
+    if (!timeouts) {
+        if (const TomlValue *alone = table.member("repeat"))
+            m_findings->error(alone->keyPosition,
+                              QStringLiteral("'repeat' needs 'long-press', e.g. [700, 600]"));
         return std::nullopt;
+    }
     LongPress longPress;
-    longPress.repeat = flag(*members, "repeat");
-    const auto timeouts = member(*members, "timeouts", JsonValue::Type::Array);
-    if (!timeouts)
-        return std::nullopt;
-    if (timeouts->children().isEmpty()) {
-        m_findings->error(timeouts->offset(),
+    longPress.repeat = repeat;
+    if (!timeouts->isList()) {
+        // long-press = 700
+        if (const auto timeout = readTimeout(*timeouts))
+            longPress.timeouts.append(*timeout);
+        return longPress;
+    }
+    if (timeouts->children.empty()) {
+        m_findings->error(timeouts->position,
                           QStringLiteral("an empty list of timeouts would end the process when the "
                                          "key is held; give at least one timeout, e.g. [700]"));
     }
-    for (const JsonValue &element : timeouts->children()) {
+    for (const TomlValue &element : timeouts->children) {
         if (const auto timeout = readTimeout(element))
             longPress.timeouts.append(*timeout);
     }
     return longPress;
 }
 
-std::optional<int> ProfileReader::readTimeout(const JsonValue &value)
+std::optional<int> ProfileReader::readTimeout(const TomlValue &value)
 {
-    if (!value.isNumber()) {
-        m_findings->error(
-            value.offset(),
-            QStringLiteral("a timeout is a number of milliseconds, not %1").arg(value.typeName()));
-        return std::nullopt;
-    }
-    const double number = value.number();
-    constexpr double largest = std::numeric_limits<int>::max();
-    if (!isWhole(number) || number < 0 || number > largest) {
-        m_findings->error(value.offset(),
+    constexpr int largest = std::numeric_limits<int>::max();
+    if (value.isInteger() && value.integer >= 0 && value.integer <= largest)
+        return static_cast<int>(value.integer);
+    if (value.isInteger() || value.fraction) {
+        m_findings->error(value.position,
                           QStringLiteral("a timeout is a whole number of milliseconds from 0 to "
-                                         "2147483647, not %1")
-                              .arg(number, 0, 'g', 12));
-        return std::nullopt;
-    }
-    return static_cast<int>(number);
-}
-
-std::optional<int> ProfileReader::readCode(const JsonValue &value, const CodeKind &kind)
-{
-    if (value.isString())
-        return readCodeName(value, kind);
-    if (!value.isNumber()) {
-        m_findings->error(value.offset(),
-                          QStringLiteral("the code of a %1 is a name or a number, not %2")
-                              .arg(name(kind.kind), value.typeName()));
-        return std::nullopt;
-    }
-    const double number = value.number();
-    if (!isWhole(number) || number < 0 || number > kind.largest) {
-        m_findings->error(value.offset(),
-                          QStringLiteral("the code of a %1 is a whole number from 0 to %2, not %3")
-                              .arg(name(kind.kind))
-                              .arg(kind.largest)
-                              .arg(number, 0, 'g', 12));
-        return std::nullopt;
-    }
-    return static_cast<int>(number);
-}
-
-std::optional<int> ProfileReader::readCodeName(const JsonValue &value, const CodeKind &kind)
-{
-    const QString codeText = value.string();
-    // What is looked up ends at a NUL.
-    const bool isWord = !codeText.contains(QChar::Null);
-    const auto code = kind.code(codeText);
-    if (isWord && code)
-        return code;
-    bool isNumber = false;
-    codeText.toLongLong(&isNumber, 0);
-    if (isNumber) {
-        m_findings->error(value.offset(),
-                          QStringLiteral("the code of a %1 is a whole number from 0 to %2, not %3")
-                              .arg(name(kind.kind))
-                              .arg(kind.largest)
-                              .arg(quoted(codeText)));
-    } else if (isWord && kind.otherCode(codeText)) {
-        m_findings->error(
-            value.offset(),
-            QStringLiteral("%1 is a %2, not a %3; it belongs under '%4'")
-                .arg(quoted(codeText), name(kind.otherKind), name(kind.kind), name(kind.place)));
+                                         "%1, not %2")
+                              .arg(largest)
+                              .arg(value.numberText()));
     } else {
         m_findings->error(
-            value.offset(),
-            QStringLiteral("unknown %1 %2%3")
-                .arg(name(kind.kind), quoted(codeText), suggest(codeText, kind.names())));
+            value.position,
+            QStringLiteral("a timeout is a number of milliseconds, not %1").arg(value.typeName));
     }
     return std::nullopt;
 }
 
-std::optional<InputEvent::Command> ProfileReader::readCommand(const JsonValue &value)
+std::optional<InputEvent::Command> ProfileReader::readCommand(const TomlValue &value)
 {
-    if (value.isNumber()) {
-        const double number = value.number();
+    if (value.isInteger()) {
         QString hint;
-        if (isWhole(number) && number >= 0 && number <= static_cast<int>(InputEvent::CharTilde)) {
-            const QString text =
-                commandName(static_cast<InputEvent::Command>(static_cast<int>(number)));
+        if (value.integer >= 0 && value.integer <= InputEvent::CharTilde) {
+            const QString text = commandName(static_cast<InputEvent::Command>(value.integer));
             if (commandNames().contains(text))
-                hint = QStringLiteral("; %1 is '%2'").arg(number).arg(text);
+                hint = QStringLiteral("; %1 is '%2'").arg(value.integer).arg(text);
         }
-        m_findings->error(value.offset(),
+        m_findings->error(value.position,
                           QStringLiteral("'command' is a name, not a number") + hint);
         return std::nullopt;
     }
-    const QString commandText = value.string();
-    const auto known = command(commandText);
-    // Qt's look-up takes "InputEvent::Stop" for "Stop".
-    if (known && commandName(*known) == commandText)
+    if (!value.isString()) {
+        m_findings->error(value.position,
+                          QStringLiteral("'command' is a string, not %1").arg(value.typeName));
+        return std::nullopt;
+    }
+    const auto known = command(value.string);
+    // Qt's lookup accepts "InputEvent::Stop" for "Stop".
+    if (known && commandName(*known) == value.string)
         return known;
-    m_findings->error(value.offset(),
-                      QStringLiteral("unknown command %1%2")
-                          .arg(quoted(commandText), suggest(commandText, commandNames())));
+    m_findings->error(
+        value.position,
+        QStringLiteral("unknown command %1%2")
+            .arg(quoted(value.string), m_codes.suggest(value.string, commandNames())));
     return std::nullopt;
 }
 
-std::optional<InputEvent::Command> ProfileReader::readCommand(const Members &members)
+std::optional<InputEvent::Command> ProfileReader::readCommand(const TableReader &table)
 {
-    const auto value = members.constFind(name("command"));
-    if (value == members.cend())
-        return std::nullopt;
-    if (value->isNumber())
-        return readCommand(*value);
-    const auto checked = member(members, "command", JsonValue::Type::String);
-    return checked ? readCommand(*checked) : std::nullopt;
+    const TomlValue *value = table.member("command");
+    return value ? readCommand(*value) : std::nullopt;
 }
 
-std::optional<InputEvent::Bus> ProfileReader::readBus(const Members &members)
+std::optional<InputEvent::Bus> ProfileReader::readBus(const TableReader &table)
 {
-    const auto value = member(members, "bus", JsonValue::Type::String);
+    const TomlValue *value = table.member("bus", Type::String);
     if (!value)
         return std::nullopt;
-    const QString busText = value->string();
-    const auto known = bus(busText);
-    if (known && busName(*known) == busText)
+    const auto known = bus(value->string);
+    if (known && busName(*known) == value->string)
         return known;
-    m_findings->error(
-        value->offset(),
-        QStringLiteral("unknown bus %1%2").arg(quoted(busText), suggest(busText, busNames())));
+    m_findings->error(value->position,
+                      QStringLiteral("unknown bus %1%2")
+                          .arg(quoted(value->string), m_codes.suggest(value->string, busNames())));
     return std::nullopt;
 }
 
-std::optional<ProfileReader::Members> ProfileReader::membersOf(const JsonValue &value,
-                                                               const QString &what,
-                                                               const QStringList &required,
-                                                               const QStringList &optional)
+/// Whether a file is one of the JSON profiles of before, or another JSON object. No TOML document
+/// begins with a brace.
+bool isJson(const QByteArray &text)
 {
-    if (!value.isObject()) {
-        m_findings->error(value.offset(),
-                          QStringLiteral("%1 is an object, not %2").arg(what, value.typeName()));
-        return std::nullopt;
-    }
-    const QStringList known = required + optional + QStringList{name("description")};
-    Members members;
-    for (const JsonValue &child : value.children()) {
-        const QString key = child.key();
-        if (!known.contains(key)) {
-            m_findings->error(child.keyOffset(),
-                              QStringLiteral("%1 has no member %2%3")
-                                  .arg(what, quoted(key), suggest(key, known)));
-            continue;
-        }
-        if (members.contains(key)) {
-            m_findings->warning(
-                child.keyOffset(),
-                QStringLiteral("%1 stands here again, only the last one counts").arg(quoted(key)));
-        }
-        members.insert(key, child);
-    }
-    for (const QString &key : required) {
-        if (!members.contains(key))
-            m_findings->error(value.offset(), QStringLiteral("%1 needs '%2'").arg(what, key));
-    }
-    text(members, "description");
-    return members;
+    const QByteArray content = text.startsWith("\xef\xbb\xbf") ? text.mid(3) : text;
+    return content.trimmed().startsWith('{');
 }
 
-std::optional<JsonValue> ProfileReader::member(const Members &members, const char *key,
-                                               JsonValue::Type type)
-{
-    const auto value = members.constFind(name(key));
-    if (value == members.cend())
-        return std::nullopt;
-    if (value->type() == type)
-        return *value;
-    const QString hint = type == JsonValue::Type::Array ? listHint(key, *value) : QString();
-    m_findings->error(
-        value->offset(),
-        QStringLiteral("'%1' is %2, not %3").arg(name(key), typeText(type), value->typeName())
-            + hint);
-    return std::nullopt;
-}
-
-QVector<JsonValue> ProfileReader::elements(const Members &members, const char *key)
-{
-    const auto list = member(members, key, JsonValue::Type::Array);
-    return list ? list->children() : QVector<JsonValue>();
-}
-
-QString ProfileReader::text(const Members &members, const char *key)
-{
-    const auto value = member(members, key, JsonValue::Type::String);
-    return value ? value->string() : QString();
-}
-
-bool ProfileReader::flag(const Members &members, const char *key)
-{
-    const auto value = member(members, key, JsonValue::Type::Bool);
-    return value && value->boolean();
-}
-
-QString ProfileReader::suggest(const QString &unknown, const QStringList &known)
-{
-    return ++m_suggestions > maxSuggestions ? QString() : suggestion(unknown, known);
-}
+} // namespace
 
 ParsedProfile parseProfile(const QByteArray &text, const QString &file)
 {
     Findings findings;
-    const JsonText json(text);
-    if (!json.isValid()) {
-        findings.error(json.errorOffset(), json.error());
-        return {{}, findings.toDiagnostics(text, file)};
+    if (isJson(text)) {
+        findings.error(
+            {1, 1},
+            QStringLiteral("this is JSON, and profiles are TOML: rewrite it with "
+                           "[[device]] and [device.handler.keys], as in "
+                           "'man vorn-input', or learn it again with 'vorn-input learn'"));
+        return {{}, findings.toDiagnostics(file)};
     }
-    const ProfileReader reader(json, &findings);
+    const auto document = parseToml(text, &findings);
+    if (!document)
+        return {{}, findings.toDiagnostics(file)};
+    const ProfileReader reader(*document, &findings);
     findProfileWarnings(reader.profile(), reader.places(), &findings);
-    return {reader.profile(), findings.toDiagnostics(text, file)};
+    return {reader.profile(), findings.toDiagnostics(file)};
+}
+
+ParsedProfile loadProfile(const QString &path)
+{
+    ParsedProfile parsed;
+    const auto text = readFile(path, maxProfileSize, &parsed.diagnostics);
+    return text ? parseProfile(*text, path) : parsed;
 }
 
 } // namespace Vorn::Workbench

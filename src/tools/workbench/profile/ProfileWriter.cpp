@@ -3,33 +3,28 @@
 #include "BusNames.h"
 #include "CommandNames.h"
 #include "EventNames.h"
-#include "Profile.h"
+#include "ProfileReader.h"
 
+#include <QSet>
 #include <QStringList>
 
-// Qt's writer puts every member on a line of its own and sorts them, so that a profile of thirty
-// keys would be two hundred lines with the command before the code.
+#include <algorithm>
 
 namespace Vorn::Workbench {
 
 namespace {
 
-QString json(const QString &text)
+/// A basic string. Half a surrogate pair, which UTF-8 and so TOML lack, becomes a question mark.
+QString string(const QString &text)
 {
     QString result(QLatin1Char('"'));
-    for (int i = 0; i < text.size(); ++i) {
-        const QChar character = text.at(i);
-        const bool isPair =
-            character.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
-        if (isPair) {
-            result += character;
-            result += text.at(++i);
-        } else if (character == QLatin1Char('"') || character == QLatin1Char('\\')) {
+    const QByteArray utf8 = text.toUtf8();
+    const QString valid = QString::fromUtf8(utf8.constData(), utf8.size());
+    for (const QChar character : valid) {
+        if (character == QLatin1Char('"') || character == QLatin1Char('\\')) {
             result += QLatin1Char('\\');
             result += character;
-        } else if (character.isSurrogate() || character.unicode() < 0x20
-                   || character.unicode() == 0x7F) {
-            // Half a pair is no UTF-8.
+        } else if (character.unicode() < 0x20 || character.unicode() == 0x7F) {
             result += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
         } else {
             result += character;
@@ -40,148 +35,258 @@ QString json(const QString &text)
 
 QString member(const char *name, const QString &value)
 {
-    return json(QLatin1String(name)) + QStringLiteral(": ") + value;
+    return QLatin1String(name) + QStringLiteral(" = ") + value;
 }
 
-QString oneLine(const QStringList &elements, char open, char close)
+QString braces(const QStringList &members)
 {
-    return QLatin1Char(open) + elements.join(QStringLiteral(", ")) + QLatin1Char(close);
+    return QStringLiteral("{ ") + members.join(QStringLiteral(", ")) + QStringLiteral(" }");
 }
 
-QString object(const QStringList &members)
+QString brackets(const QStringList &elements)
 {
-    return oneLine(members, '{', '}');
+    return QLatin1Char('[') + elements.join(QStringLiteral(", ")) + QLatin1Char(']');
 }
 
-QString list(const QStringList &elements)
+/// A code as a string, or as a number if it has no name.
+QString codeValue(int code, const QString &name)
 {
-    return oneLine(elements, '[', ']');
+    return name == QString::number(code) ? name : string(name);
 }
 
-/// Each element on a line of its own.
-QString lines(const QStringList &elements, char open, char close, int indent)
+/// What is registered for a code: its name in a table, the member that names it in a list, and the
+/// other members, the command first.
+struct Entry
 {
-    if (elements.isEmpty())
-        return oneLine({}, open, close);
-    const QString end = QLatin1Char('\n') + QString(indent, QLatin1Char(' '));
-    const QString between = end + QStringLiteral("  ");
-    return QLatin1Char(open) + between + elements.join(QLatin1Char(',') + between) + end
-        + QLatin1Char(close);
-}
-
-/// Codes without a name are numbers.
-QString code(int value, const QString &name)
-{
-    const QString number = QString::number(value);
-    return name == number ? number : json(name);
-}
+    QString name;
+    QString code;
+    QStringList members;
+};
 
 QStringList busMember(const std::optional<InputEvent::Bus> &bus)
 {
-    return bus ? QStringList{member("bus", json(busName(*bus)))} : QStringList();
+    return bus ? QStringList{member("bus", string(busName(*bus)))} : QStringList();
 }
 
-QString toJson(const LongPress &longPress)
+QStringList commandMember(InputEvent::Command command)
 {
-    QStringList timeouts;
-    for (const int timeout : longPress.timeouts)
-        timeouts += QString::number(timeout);
-    QStringList members{member("timeouts", list(timeouts))};
-    if (longPress.repeat)
-        members += member("repeat", QStringLiteral("true"));
-    return object(members);
+    return {member("command", string(commandName(command)))};
 }
 
-QString toJson(const KeyMapping &key)
+Entry entryOf(const KeyMapping &key)
 {
-    QStringList members{member("code", code(key.code, keyName(key.code))),
-                        member("command", json(commandName(key.command)))};
+    const QString name = keyName(key.code);
+    QStringList members = commandMember(key.command);
     if (key.immediate)
-        members += member("immediate", QStringLiteral("true"));
-    if (key.longPress)
-        members += member("longPress", toJson(*key.longPress));
-    return object(members + busMember(key.bus));
+        members += QStringLiteral("immediate = true");
+    if (key.longPress) {
+        QStringList timeouts;
+        for (const int timeout : key.longPress->timeouts)
+            timeouts += QString::number(timeout);
+        members += member("long-press", brackets(timeouts));
+        if (key.longPress->repeat)
+            members += QStringLiteral("repeat = true");
+    }
+    return {name, member("key", codeValue(key.code, name)), members + busMember(key.bus)};
 }
 
-QString toJson(const ChordMapping &chord)
+Entry entryOf(const ChordMapping &chord)
 {
-    const QString keys =
-        list({code(chord.first, keyName(chord.first)), code(chord.second, keyName(chord.second))});
-    const QStringList members{member("keys", keys),
-                              member("command", json(commandName(chord.command)))};
-    return object(members + busMember(chord.bus));
+    const QString first = keyName(chord.first);
+    const QString second = keyName(chord.second);
+    return {
+        string(first + QLatin1Char('+') + second),
+        member("keys", brackets({codeValue(chord.first, first), codeValue(chord.second, second)})),
+        commandMember(chord.command) + busMember(chord.bus)};
 }
 
-QString toJson(const SwitchMapping &mapping)
+Entry entryOf(const SwitchMapping &mapping)
 {
-    return object({member("code", code(mapping.code, switchName(mapping.code))),
-                   member("command", json(commandName(mapping.command)))});
+    const QString name = switchName(mapping.code);
+    return {name, member("switch", codeValue(mapping.code, name)), commandMember(mapping.command)};
 }
 
-QString toJson(const SelectRule &rule)
+/// The registration as the value of a table's member: the command alone, if there is nothing else.
+QString value(const Entry &entry)
 {
-    QStringList members{member("command", json(commandName(rule.command)))};
-    if (rule.state != InputEvent::KeyReleased)
-        members += member("state", json(stateName(rule.state)));
-    members += member("identifier", json(rule.identifier));
-    return object(members);
+    constexpr int prefix = 10; // "command = "
+    return entry.members.size() == 1 ? entry.members.first().mid(prefix) : braces(entry.members);
+}
+
+/// Whether registrations of one code are next to each other, so that a table, which holds them
+/// together, keeps the order.
+bool isGrouped(const QVector<Entry> &entries)
+{
+    QSet<QString> seen;
+    for (int i = 0; i < entries.size(); ++i) {
+        const QString &name = entries.at(i).name;
+        if (seen.contains(name) && entries.at(i - 1).name != name)
+            return false;
+        seen.insert(name);
+    }
+    return true;
+}
+
+/// A value for each of @p elements on a line of its own.
+QString list(const QStringList &elements)
+{
+    QString text = QStringLiteral("[\n");
+    for (const QString &element : elements)
+        text += QStringLiteral("    ") + element + QStringLiteral(",\n");
+    return text + QLatin1Char(']');
+}
+
+class Writer
+{
+public:
+    explicit Writer(bool hasComments)
+        : m_hasComments(hasComments)
+    { }
+
+    QByteArray write(const Profile &profile);
+
+private:
+    void writeDevice(const DeviceProfile &device);
+    void writeHandler(const HandlerProfile &handler, bool isOnly);
+    template <typename Mapping>
+    void writeEntries(const char *group, const QVector<Mapping> &mappings, const char *comment);
+    void writeList(const char *group, const QVector<Entry> &entries);
+
+    void line(const QString &text) { m_text += text + QLatin1Char('\n'); }
+    void header(const char *text);
+    void comment(const char *text);
+
+    const bool m_hasComments;
+    QString m_text;
+};
+
+QByteArray Writer::write(const Profile &profile)
+{
+    comment("What each key does. Edit it as you like; 'vorn-input check' finds mistakes, and\n"
+            "# 'vorn-input monitor --profile' shows what it does, live. The manual page\n"
+            "# vorn-input(1) describes the format.");
+    if (!profile.initial.isEmpty()) {
+        comment("The identifier selected at the start.");
+        line(member("initial", string(profile.initial)));
+    }
+    QStringList rules;
+    for (const SelectRule &rule : profile.select) {
+        QStringList members = commandMember(rule.command);
+        if (rule.state != InputEvent::KeyReleased)
+            members += member("state", string(stateName(rule.state)));
+        rules += braces(members << member("identifier", string(rule.identifier)));
+    }
+    if (!rules.isEmpty())
+        line(member("select", list(rules)));
+    if (profile.devices.isEmpty())
+        line(QStringLiteral("device = []"));
+    for (const DeviceProfile &device : profile.devices)
+        writeDevice(device);
+    return m_text.toUtf8();
+}
+
+void Writer::writeDevice(const DeviceProfile &device)
+{
+    header("[[device]]");
+    if (device.name)
+        line(member("name", string(*device.name)));
+    if (device.bus)
+        line(member("bus", string(busName(*device.bus))));
+    for (const HandlerProfile &handler : device.handlers)
+        writeHandler(handler, device.handlers.size() == 1);
+}
+
+void Writer::writeHandler(const HandlerProfile &handler, bool isOnly)
+{
+    const bool hasIdentifiers = handler.identifiers != QStringList{QString()};
+    const bool hasGroups =
+        !handler.keys.isEmpty() || !handler.chords.isEmpty() || !handler.switches.isEmpty();
+    // The tables below imply a single handler that has nothing else.
+    if (!isOnly)
+        header("[[device.handler]]");
+    else if (hasIdentifiers || handler.positionsAtStart || !hasGroups)
+        header("[device.handler]");
+    if (hasIdentifiers) {
+        QStringList identifiers;
+        for (const QString &identifier : handler.identifiers)
+            identifiers += string(identifier);
+        line(member("identifiers", brackets(identifiers)));
+    }
+    if (handler.positionsAtStart)
+        line(QStringLiteral("positions-at-start = true"));
+    writeEntries(
+        "keys", handler.keys,
+        "A key alone is reported when it is released, as a click. With immediate = true it\n"
+        "# is reported when it is pressed and when it is released. long-press: ms until the\n"
+        "# first long press, then, with repeat = true, between the next ones.");
+    writeEntries("chords", handler.chords, "Two keys pressed together.");
+    writeEntries("switches", handler.switches, nullptr);
 }
 
 template <typename Mapping>
-QStringList mappings(const char *name, const QVector<Mapping> &elements, int indent)
+void Writer::writeEntries(const char *group, const QVector<Mapping> &mappings, const char *text)
 {
-    QStringList texts;
-    for (const Mapping &element : elements)
-        texts += toJson(element);
-    return texts.isEmpty() ? texts : QStringList{member(name, lines(texts, '[', ']', indent))};
-}
-
-QString toJson(const HandlerProfile &handler, int indent)
-{
-    const int inner = indent + 2;
-    QStringList members;
-    if (handler.identifiers != QStringList{QString()}) {
-        QStringList identifiers;
-        for (const QString &identifier : handler.identifiers)
-            identifiers += json(identifier);
-        members += member("identifiers", list(identifiers));
+    if (mappings.isEmpty())
+        return;
+    QVector<Entry> entries;
+    for (const Mapping &mapping : mappings)
+        entries += entryOf(mapping);
+    if (!isGrouped(entries)) {
+        writeList(group, entries);
+        return;
     }
-    members += mappings("keys", handler.keys, inner);
-    members += mappings("chords", handler.chords, inner);
-    members += mappings("switches", handler.switches, inner);
-    if (handler.positionsAtStart)
-        members += member("positionsAtStart", QStringLiteral("true"));
-    return lines(members, '{', '}', indent);
+    header(qPrintable(QStringLiteral("[device.handler.%1]").arg(QLatin1String(group))));
+    if (text)
+        comment(text);
+    for (int i = 0; i < entries.size();) {
+        const QString &name = entries.at(i).name;
+        QStringList values;
+        for (; i < entries.size() && entries.at(i).name == name; ++i)
+            values += value(entries.at(i));
+        line(name + QStringLiteral(" = ") + (values.size() == 1 ? values.first() : list(values)));
+    }
 }
 
-QString toJson(const DeviceProfile &device, int indent)
+/// A list of tables, which keeps any order, one registration each.
+void Writer::writeList(const char *group, const QVector<Entry> &entries)
 {
-    const int inner = indent + 2;
-    QStringList members;
-    if (device.name)
-        members += member("name", json(*device.name));
-    members += busMember(device.bus);
-    QStringList handlers;
-    for (const HandlerProfile &handler : device.handlers)
-        handlers += toJson(handler, inner + 2);
-    if (!handlers.isEmpty())
-        members += member("handlers", lines(handlers, '[', ']', inner));
-    return lines(members, '{', '}', indent);
+    for (const Entry &entry : entries) {
+        header(qPrintable(QStringLiteral("[[device.handler.%1]]").arg(QLatin1String(group))));
+        line(entry.code);
+        for (const QString &text : entry.members)
+            line(text);
+    }
+}
+
+void Writer::header(const char *text)
+{
+    if (!m_text.isEmpty())
+        line(QString());
+    line(QLatin1String(text));
+}
+
+void Writer::comment(const char *text)
+{
+    if (m_hasComments)
+        line(QStringLiteral("# ") + QLatin1String(text));
 }
 
 } // namespace
 
-QByteArray profileToJson(const Profile &profile)
+QByteArray writeProfile(const Profile &profile)
 {
-    QStringList members;
-    if (!profile.initial.isEmpty())
-        members += member("initial", json(profile.initial));
-    members += mappings("select", profile.select, 2);
-    QStringList devices;
-    for (const DeviceProfile &device : profile.devices)
-        devices += toJson(device, 4);
-    members += member("devices", lines(devices, '[', ']', 2));
-    return lines(members, '{', '}', 0).toUtf8() + '\n';
+    return Writer(false).write(profile);
+}
+
+QByteArray writeCommentedProfile(const Profile &profile)
+{
+    return Writer(true).write(profile);
+}
+
+bool isAsWritten(const QByteArray &text)
+{
+    const ParsedProfile parsed = parseProfile(text, QString());
+    return !hasErrors(parsed.diagnostics) && writeCommentedProfile(parsed.profile) == text;
 }
 
 } // namespace Vorn::Workbench

@@ -1,6 +1,7 @@
 #include "ScenarioLoader.h"
 
 #include "Diagnostic.h"
+#include "ProfileReader.h"
 #include "Quoting.h"
 #include "Recording.h"
 #include "RecordingLoader.h"

@@ -14,7 +14,7 @@ namespace {
 
 QByteArray profileWithInitial(const QByteArray &initial)
 {
-    return R"({"initial": ")" + initial + R"(", "devices": []})";
+    return "initial = \"" + initial + "\"\ndevice = []\n";
 }
 
 class ProfileWatcherTest : public testing::Test
@@ -22,7 +22,7 @@ class ProfileWatcherTest : public testing::Test
 protected:
     ProfileWatcherTest() { writeInPlace(profileWithInitial("one")); }
 
-    QString path() const { return m_folder.filePath(QStringLiteral("profile.json")); }
+    QString path() const { return m_folder.filePath(QStringLiteral("profile.toml")); }
 
     void writeInPlace(const QByteArray &content) const
     {

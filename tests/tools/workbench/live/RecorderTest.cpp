@@ -217,7 +217,7 @@ TEST_F(RecorderTest, WritesTheEventsAsExpectations)
     m_recorder = std::make_unique<Recorder>(folder(), nullptr, false);
     ASSERT_EQ(m_recorder->open().toStdString(), "");
     m_recorder->add(
-        {0, SessionStart{"monitor", m_temporary.filePath("profiles/a.json"), wallClock}});
+        {0, SessionStart{"monitor", m_temporary.filePath("profiles/a.toml"), wallClock}});
     event(InputEvent::VolumeUp, InputEvent::KeyPressed, KEY_VOLUMEUP);
     add(EventPublished{InputEvent::SWLineIn,
                        InputEvent::SwitchEnabled,
@@ -229,7 +229,7 @@ TEST_F(RecorderTest, WritesTheEventsAsExpectations)
     event(static_cast<InputEvent::Command>(57), InputEvent::KeyPressed, KEY_VOLUMEUP);
     EXPECT_THAT(expectations(), ElementsAre("VolumeUp KeyPressed I2C", "SWLineIn SwitchEnabled"));
     EXPECT_THAT(contentOf("session.expect").toStdString(),
-                HasSubstr("\nprofile \"../profiles/a.json\"\n"));
+                HasSubstr("\nprofile \"../profiles/a.toml\"\n"));
     EXPECT_THAT(contentOf("session.expect").toStdString(), HasSubstr("\n# expect 57 KeyPressed"));
 }
 

@@ -1,4 +1,4 @@
-#include "Profile.h"
+#include "ProfileReader.h"
 
 #include <gmock/gmock.h>
 
@@ -15,19 +15,13 @@ std::vector<std::string> problemsIn(const QByteArray &text)
     return lines;
 }
 
-/// What is found in the members of a handler, that of a device entry with some members, which
-/// begin in line 2 and end before line 100.
-std::vector<std::string> problemsInHandler(const QByteArray &members, const QByteArray &device = "")
+/// What is found in the lines of a handler, which begin in line 3.
+std::vector<std::string> problemsInHandler(const QByteArray &lines)
 {
-    return problemsIn("{\"devices\": [{" + device + "\"handlers\": [{\n" + members + "}]}]}");
+    return problemsIn("[[device]]\n[device.handler]\n" + lines);
 }
 
-std::vector<std::string> problemsInDevices(const QByteArray &devices)
-{
-    QByteArray text = devices;
-    text.replace("HANDLERS", R"("handlers": [{"keys": [{"code": 1, "command": "Info"}]}])");
-    return problemsIn("{\"devices\": [\n" + text + "\n]}");
-}
+const QByteArray keys = "[device.handler.keys]\nKEY_ESC = \"Info\"\n";
 
 std::string warning(const char *place, const std::string &message)
 {
@@ -36,257 +30,255 @@ std::string warning(const char *place, const std::string &message)
 
 } // namespace
 
-TEST(ProfileWarnings, TellOfKeysThatAreNeverReported)
+TEST(ProfileWarnings, NameKeysThatAreNeverReported)
 {
-    EXPECT_THAT(problemsInHandler(R"("keys": [{"code": 1, "command": "None"}])"),
-                ElementsAre(warning("2:33", "with 'None' the key is never reported")));
-    EXPECT_THAT(
-        problemsInHandler(
-            R"("keys": [{"code": 1, "command": "None", "longPress": {"timeouts": [700]}}])"),
-        ElementsAre(warning("2:33", "with 'None' nothing but the long press is reported")));
-    EXPECT_THAT(problemsInHandler(R"("keys": [{"code": 0, "command": "Info"}])"),
-                ElementsAre(warning("2:19", "0 is KEY_RESERVED, which no device has a key for")));
+    EXPECT_THAT(problemsInHandler(R"(keys.1 = "None")"),
+                ElementsAre(warning("3:10", "with 'None' the key is never reported")));
+    EXPECT_THAT(problemsInHandler(R"(keys.1 = { command = "None", long-press = 700 })"),
+                ElementsAre(warning("3:22", "with 'None' only the long press is reported")));
+    EXPECT_THAT(problemsInHandler(R"(keys.0 = "Info")"),
+                ElementsAre(warning("3:6", "0 is KEY_RESERVED, which no device has")));
 }
 
-TEST(ProfileWarnings, TellOfChordsThatNeverHappen)
+TEST(ProfileWarnings, NameChordsThatNeverHappen)
 {
-    EXPECT_THAT(problemsInHandler(R"("chords": [{"keys": [1, "KEY_ESC"], "command": "Info"}])"),
-                ElementsAre(warning("2:21", "a chord of a key with itself never happens")));
-    EXPECT_THAT(problemsInHandler(R"("chords": [{"keys": [1, 2], "command": "None"}])"),
-                ElementsAre(warning("2:40",
-                                    "with 'None' this is no chord, and its second key is reported "
+    EXPECT_THAT(problemsInHandler(R"(chords."1+KEY_ESC" = "Info")"),
+                ElementsAre(warning("3:8", "a chord of a key with itself never happens")));
+    EXPECT_THAT(problemsInHandler(R"(chords."1+2" = "None")"),
+                ElementsAre(warning("3:16",
+                                    "with 'None' this is not a chord: its second key is reported "
                                     "as if it had been pressed alone")));
-    EXPECT_THAT(problemsInHandler(R"("chords": [{"keys": [1, 0], "command": "Info"}])"),
-                ElementsAre(warning("2:21", "0 is KEY_RESERVED, which no device has a key for")));
+    EXPECT_THAT(problemsInHandler(R"(chords."1+0" = "Info")"),
+                ElementsAre(warning("3:8", "0 is KEY_RESERVED, which no device has")));
 }
 
-TEST(ProfileWarnings, TellOfASecondCommandForAKey)
+TEST(ProfileWarnings, NameASecondCommandForAKey)
 {
     EXPECT_THAT(
-        problemsInHandler("\"keys\": [\n"
-                          "{\"code\": \"KEY_UP\", \"command\": \"Info\"},\n"
-                          "{\"code\": 103, \"command\": \"Stop\"}]"),
-        ElementsAre(warning("4:10", "KEY_UP has a command at line 3 already; this one wins")));
+        problemsInHandler("keys.KEY_UP = \"Info\"\nkeys.103 = \"Stop\""),
+        ElementsAre(warning("4:6", "KEY_UP already has a command, in line 3; this one wins")));
 }
 
-TEST(ProfileWarnings, TellOfALongPressThatASecondCommandLoses)
+TEST(ProfileWarnings, NameALongPressThatASecondCommandLoses)
 {
-    const QByteArray first = "\"keys\": [{\"code\": 103, \"command\": \"Info\", \"longPress\": "
-                             "{\"timeouts\": [700]}},\n{\"code\": 103, \"command\": \"Stop\"";
-    const std::string start = "KEY_UP has a command at line 2 already; this one wins";
-    EXPECT_THAT(problemsInHandler(first + "}]"),
-                ElementsAre(warning("3:10", start + ", and the long press from there is lost")));
-    EXPECT_THAT(problemsInHandler(first + R"(, "bus": "USB"}])", "\"bus\": \"USB\", "),
-                ElementsAre(warning("3:10", start + ", with the long press from there")));
-    EXPECT_THAT(problemsInHandler(first + R"(, "longPress": {"timeouts": [800]}}])"),
-                ElementsAre(warning("3:10", start)));
+    const auto problems = [](const QByteArray &second, const QByteArray &bus) {
+        return problemsIn("[[device]]\n" + bus
+                          + "\n[[device.handler.keys]]\nkey = 103\ncommand = \"Info\"\n"
+                            "long-press = 700\n[[device.handler.keys]]\nkey = 103\n"
+                            "command = \"Stop\"\n"
+                          + second);
+    };
+    const std::string start = "KEY_UP already has a command, in line 4; this one wins";
+    EXPECT_THAT(problems("", ""),
+                ElementsAre(warning("8:7", start + ", and the long press from there is lost")));
+    EXPECT_THAT(problems("bus = \"USB\"", "bus = \"USB\""),
+                ElementsAre(warning("8:7", start + ", with the long press from there")));
+    EXPECT_THAT(problems("long-press = 800", ""), ElementsAre(warning("8:7", start)));
 }
 
-TEST(ProfileWarnings, TakeACommandForOneBusForARefinement)
+TEST(ProfileWarnings, TakeACommandForOneBusAsARefinement)
 {
-    const QByteArray general = R"({"code": 103, "command": "Info"})";
-    const QByteArray onUsb = R"({"code": 103, "command": "Stop", "bus": "USB"})";
-    const QByteArray onPci = R"({"code": 103, "command": "Stop", "bus": "PCI"})";
-    const auto keys = [](const QByteArray &first, const QByteArray &second) {
-        return "\"keys\": [" + first + ",\n" + second + "]";
+    const QByteArray general = "\"Info\"";
+    const QByteArray onUsb = R"({ command = "Stop", bus = "USB" })";
+    const QByteArray onPci = R"({ command = "Stop", bus = "PCI" })";
+    const auto problems = [](const QByteArray &first, const QByteArray &second,
+                             const QByteArray &bus = "") {
+        return problemsIn("[[device]]\n" + bus + "\n[device.handler.keys]\nKEY_UP = [\n" + first
+                          + ",\n" + second + "]");
     };
     const auto replaced =
-        ElementsAre(warning("3:10", "KEY_UP has a command at line 2 already; this one wins"));
-    EXPECT_THAT(problemsInHandler(keys(general, onUsb)), ElementsAre());
-    EXPECT_THAT(problemsInHandler(keys(onPci, onUsb)), ElementsAre());
-    EXPECT_THAT(problemsInHandler(keys(onUsb, onUsb)), replaced);
-    EXPECT_THAT(problemsInHandler(keys(onUsb, general)), replaced);
-    EXPECT_THAT(problemsInHandler(keys(general, onUsb), "\"bus\": \"USB\", "), replaced);
+        ElementsAre(warning("4:1", "KEY_UP already has a command, in line 4; this one wins"));
+    EXPECT_THAT(problems(general, onUsb), ElementsAre());
+    EXPECT_THAT(problems(onPci, onUsb), ElementsAre());
+    EXPECT_THAT(problems(onUsb, onUsb), replaced);
+    EXPECT_THAT(problems(onUsb, general), replaced);
+    EXPECT_THAT(problems(general, onUsb, "bus = \"USB\""), replaced);
 }
 
-TEST(ProfileWarnings, TellOfASecondCommandForAChordInEitherOrder)
+TEST(ProfileWarnings, NameASecondCommandForAChordInEitherOrder)
 {
-    EXPECT_THAT(problemsInHandler("\"chords\": [{\"keys\": [103, 108], \"command\": \"Info\"},\n"
-                                  "{\"keys\": [108, 103], \"command\": \"Stop\"},\n"
-                                  "{\"keys\": [108, 105], \"command\": \"Stop\"}]"),
-                ElementsAre(warning("3:10",
-                                    "the chord of KEY_DOWN and KEY_UP has a command at line 2 "
-                                    "already; this one wins")));
+    EXPECT_THAT(problemsInHandler("[device.handler.chords]\n"
+                                  "\"103+108\" = \"Info\"\n"
+                                  "\"108+103\" = \"Stop\"\n"
+                                  "\"108+105\" = \"Stop\""),
+                ElementsAre(warning("5:1",
+                                    "the chord of KEY_DOWN and KEY_UP already has a command, in "
+                                    "line 4; this one wins")));
 }
 
-TEST(ProfileWarnings, TellOfSwitches)
+TEST(ProfileWarnings, AreAboutSwitchesToo)
 {
-    EXPECT_THAT(problemsInHandler("\"switches\": [{\"code\": 13, \"command\": \"SWLineIn\"},\n"
-                                  "{\"code\": 13, \"command\": \"SWLineOut\"}]"),
-                ElementsAre(warning("3:10",
-                                    "SW_LINEIN_INSERT has a command at line 2 already; this one "
+    EXPECT_THAT(problemsInHandler("switches.13 = \"SWLineIn\"\n"
+                                  "switches.SW_LINEIN_INSERT = \"SWLineOut\""),
+                ElementsAre(warning("4:10",
+                                    "SW_LINEIN_INSERT already has a command, in line 3; this one "
                                     "wins")));
-    const QByteArray cover = R"("switches": [{"code": 16, "command": "SWLineIn"}])";
+    const QByteArray cover = "switches.16 = \"SWLineIn\"\n";
     EXPECT_THAT(problemsInHandler(cover), ElementsAre());
-    EXPECT_THAT(problemsInHandler(cover + ", \"positionsAtStart\": true"),
-                ElementsAre(warning("2:23",
-                                    "the position of SW_MACHINE_COVER is not asked for at the "
+    EXPECT_THAT(problemsInHandler(cover + "positions-at-start = true"),
+                ElementsAre(warning("3:10",
+                                    "the position of SW_MACHINE_COVER is not reported at the "
                                     "start, only those of codes 0 to 15 are")));
     EXPECT_THAT(
-        problemsInHandler(R"("positionsAtStart": true, "keys": [{"code": 1, "command": "Info"}])"),
-        ElementsAre(warning("2:21", "there are no switches whose positions could be asked for")));
+        problemsInHandler("positions-at-start = true\n" + keys),
+        ElementsAre(warning("3:22", "there are no switches whose positions could be reported")));
 }
 
-TEST(ProfileWarnings, TellOfTimeouts)
+TEST(ProfileWarnings, AreAboutTimeouts)
 {
-    const auto withLongPress = [](const QByteArray &longPress) {
-        return problemsInHandler("\"keys\": [{\"code\": 1, \"command\": \"Info\", \"longPress\":\n"
-                                 + longPress + "}]");
+    const auto problems = [](const QByteArray &longPress) {
+        return problemsInHandler("keys.1 = { command = \"Info\", long-press = " + longPress + " }");
     };
-    EXPECT_THAT(withLongPress(R"({"timeouts": [50, 49, 0], "repeat": true})"),
-                ElementsAre(warning("3:19",
-                                    "timeouts are looked at every 50 ms, shorter ones make no "
-                                    "difference"),
-                            warning("3:23",
-                                    "timeouts are looked at every 50 ms, shorter ones make no "
-                                    "difference")));
-    EXPECT_THAT(withLongPress(R"({"timeouts": [700, 600]})"),
-                ElementsAre(warning(
-                    "3:14", "only the first timeout is reported without \"repeat\": true")));
+    const std::string tooShort =
+        "timeouts are checked every 50 ms; shorter ones make no difference";
+    EXPECT_THAT(problems("[50, 49, 0], repeat = true"),
+                ElementsAre(warning("3:48", tooShort), warning("3:52", tooShort)));
+    EXPECT_THAT(problems("49"), ElementsAre(warning("3:43", tooShort)));
+    EXPECT_THAT(
+        problems("[700, 600]"),
+        ElementsAre(warning("3:43", "only the first timeout is used without 'repeat = true'")));
 }
 
-TEST(ProfileWarnings, TellOfABusThatTheDevicesAreNotOn)
+TEST(ProfileWarnings, NameABusThatTheDevicesAreNotOn)
 {
     const auto problems = [](const QByteArray &device, const QByteArray &bus) {
-        return problemsInHandler(
-            "\"keys\": [{\"code\": 1, \"command\": \"Info\", \"bus\": \"" + bus + "\"}]", device);
+        return problemsIn("[[device]]\n" + device
+                          + "\n[device.handler.keys]\n1 = { command = \"Info\", bus = \"" + bus
+                          + "\" }");
     };
     const auto never = [](const std::string &bus) {
-        return ElementsAre(warning(
-            "2:48", "this is never registered, since no device of this entry is on " + bus));
+        return ElementsAre(
+            warning("4:31", "this is never registered: no device of this entry is on " + bus));
     };
-    EXPECT_THAT(problems("\"bus\": \"USB\", ", "PCI"), never("PCI"));
-    EXPECT_THAT(problems("\"name\": \"hostlink\", ", "PCI"), never("PCI"));
-    EXPECT_THAT(problems("\"name\": \"panel\", ", "Hostlink"), never("Hostlink"));
-    EXPECT_THAT(problems("\"bus\": \"USB\", ", "USB"), ElementsAre());
-    EXPECT_THAT(problems("\"name\": \"hostlink\", ", "Hostlink"), ElementsAre());
-    EXPECT_THAT(problems("\"name\": \"panel\", ", "LocalUI"), ElementsAre());
+    EXPECT_THAT(problems("bus = \"USB\"", "PCI"), never("PCI"));
+    EXPECT_THAT(problems("name = \"hostlink\"", "PCI"), never("PCI"));
+    EXPECT_THAT(problems("name = \"panel\"", "Hostlink"), never("Hostlink"));
+    EXPECT_THAT(problems("bus = \"USB\"", "USB"), ElementsAre());
+    EXPECT_THAT(problems("name = \"hostlink\"", "Hostlink"), ElementsAre());
+    EXPECT_THAT(problems("name = \"panel\"", "LocalUI"), ElementsAre());
     EXPECT_THAT(problems("", "Hostlink"), ElementsAre());
     EXPECT_THAT(problems("", "NoBus"), ElementsAre());
 }
 
-TEST(ProfileWarnings, TellOfABusThatAnEarlierEntryTakes)
+TEST(ProfileWarnings, NameABusThatAnEarlierEntryMatches)
 {
-    EXPECT_THAT(problemsInDevices(R"({"bus": "USB", HANDLERS},
-{"handlers": [{"keys": [{"code": 1, "command": "Info", "bus": "USB"}]}]})"),
-                ElementsAre(warning("3:63",
-                                    "this is never registered, since the devices on USB fit the "
-                                    "entry at line 2")));
+    EXPECT_THAT(problemsIn("[[device]]\nbus = \"USB\"\n" + keys
+                           + "[[device]]\n[device.handler.keys]\n"
+                             "1 = { command = \"Info\", bus = \"USB\" }"),
+                ElementsAre(warning("7:31",
+                                    "this is never registered: the entry in line 1 matches the "
+                                    "devices on USB")));
 }
 
-TEST(ProfileWarnings, TellOfAnEntryBehindOneThatTakesItsDevices)
+TEST(ProfileWarnings, NameAnEntryBehindOneThatMatchesItsDevices)
 {
     const auto second = [](const QByteArray &first, const QByteArray &next) {
-        return problemsInDevices("{" + first + "HANDLERS},\n{" + next + "HANDLERS}");
+        return problemsIn("[[device]]\n" + first + "\n" + keys + "[[device]]\n" + next + "\n"
+                          + keys);
     };
     const auto unused = ElementsAre(
-        warning("3:1", "this entry is never used, all its devices fit the one at line 2"));
+        warning("5:1", "this entry is never used: the one in line 1 matches all its devices"));
+    const QByteArray a = "name = \"a\"";
+    const QByteArray usb = "bus = \"USB\"";
     EXPECT_THAT(second("", ""), unused);
-    EXPECT_THAT(second("", R"("name": "a", )"), unused);
-    EXPECT_THAT(second("", R"("name": "a", "bus": "USB", )"), unused);
-    EXPECT_THAT(second(R"("bus": "USB", )", R"("name": "a", "bus": "USB", )"), unused);
-    EXPECT_THAT(second(R"("name": "a", )", R"("name": "a", "bus": "USB", )"), unused);
-    EXPECT_THAT(second(R"("name": "hostlink", )", R"("bus": "Hostlink", )"), unused);
-    EXPECT_THAT(second(R"("bus": "Hostlink", )", R"("name": "hostlink", )"), unused);
+    EXPECT_THAT(second("", a), unused);
+    EXPECT_THAT(second("", a + "\n" + usb), unused);
+    EXPECT_THAT(second(a, a + "\n" + usb), unused);
+    EXPECT_THAT(second(usb, a + "\n" + usb), unused);
+    EXPECT_THAT(second("name = \"hostlink\"", "bus = \"Hostlink\""), unused);
+    EXPECT_THAT(second("bus = \"Hostlink\"", "name = \"hostlink\""), unused);
 
-    EXPECT_THAT(second(R"("name": "a", "bus": "USB", )", R"("name": "a", )"), ElementsAre());
-    EXPECT_THAT(second(R"("name": "a", )", R"("bus": "USB", )"), ElementsAre());
-    EXPECT_THAT(second(R"("bus": "USB", )", R"("bus": "PCI", )"), ElementsAre());
-    EXPECT_THAT(second(R"("name": "a", )", ""), ElementsAre());
+    EXPECT_THAT(second(a + "\n" + usb, a), ElementsAre());
+    EXPECT_THAT(second(a, usb), ElementsAre());
+    EXPECT_THAT(second(usb, "bus = \"PCI\""), ElementsAre());
+    EXPECT_THAT(second(a, ""), ElementsAre());
 }
 
-TEST(ProfileWarnings, TellOfEntriesThatFitNoDevice)
+TEST(ProfileWarnings, NameEntriesThatMatchNoDevice)
 {
-    const std::string none = "no device fits, since the bus Hostlink is that of the device named "
-                             "'hostlink' and of no other";
-    EXPECT_THAT(problemsInDevices(R"({"name": "panel", "bus": "Hostlink", HANDLERS})"),
-                ElementsAre(warning("2:26", none)));
-    EXPECT_THAT(problemsInDevices(R"({"name": "hostlink", "bus": "USB", HANDLERS})"),
-                ElementsAre(warning("2:29", none)));
-    EXPECT_THAT(problemsInDevices(R"({"name": "hostlink", "bus": "Hostlink", HANDLERS})"),
-                ElementsAre());
-    EXPECT_THAT(problemsInDevices(R"({"name": "", HANDLERS})"),
-                ElementsAre(warning("2:10",
-                                    "this fits devices without a name only; leave 'name' out to "
-                                    "fit all")));
-}
-
-TEST(ProfileWarnings, TellOfWhatIsEmpty)
-{
-    EXPECT_THAT(problemsIn(R"({"devices": []})"),
-                ElementsAre(warning("1:13", "there are no devices, so nothing is ever reported")));
-    const std::string noHandlers = "there are no handlers, so nothing is reported";
-    EXPECT_THAT(problemsIn(R"({"devices": [{}]})"), ElementsAre(warning("1:14", noHandlers)));
-    EXPECT_THAT(problemsIn(R"({"devices": [{"handlers": []}]})"),
-                ElementsAre(warning("1:27", noHandlers)));
-    const auto nothing = ElementsAre(
-        warning("1:28", "there are neither keys nor chords nor switches in this handler"));
-    EXPECT_THAT(problemsIn(R"({"devices": [{"handlers": [{}]}]})"), nothing);
-    EXPECT_THAT(problemsIn(R"({"devices": [{"handlers": [{"keys": [], "switches": []}]}]})"),
-                nothing);
-}
-
-TEST(ProfileWarnings, TellOfIdentifiersInTwoHandlers)
-{
-    const QByteArray keys = R"("keys": [{"code": 1, "command": "Info"}])";
-    const QByteArray chords = R"("chords": [{"keys": [1, 2], "command": "Info"}])";
-    const QByteArray switches = R"("switches": [{"code": 1, "command": "SWLineIn"}])";
-    const auto problems = [](const QByteArray &first, const QByteArray &second) {
-        return problemsIn("{\"initial\": \"a\", \"devices\": [{\"handlers\": [\n"
-                          "{\"identifiers\": [\"a\"], "
-                          + first + "},\n{\"identifiers\": [\"b\", \"a\"], " + second + "}]}]}");
+    const std::string none = "no device matches: only the device named 'hostlink' is on the bus "
+                             "Hostlink";
+    const auto problems = [](const QByteArray &device) {
+        return problemsIn("[[device]]\n" + device + "\n" + keys);
     };
-    const std::string end = " under 'a' at line 2 are never used, those of this handler take their "
-                            "place";
-    EXPECT_THAT(problems(keys, chords), ElementsAre(warning("3:23", "the keys" + end)));
-    EXPECT_THAT(problems(switches, switches), ElementsAre(warning("3:23", "the switches" + end)));
-    EXPECT_THAT(problems(keys, switches), ElementsAre());
+    EXPECT_THAT(problems("name = \"panel\"\nbus = \"Hostlink\""),
+                ElementsAre(warning("3:7", none)));
+    EXPECT_THAT(problems("name = \"hostlink\"\nbus = \"USB\""), ElementsAre(warning("3:7", none)));
+    EXPECT_THAT(problems("name = \"hostlink\"\nbus = \"Hostlink\""), ElementsAre());
+    EXPECT_THAT(problems("name = \"\""),
+                ElementsAre(warning("2:8",
+                                    "this matches only devices without a name; omit 'name' to "
+                                    "match all")));
 }
 
-TEST(ProfileWarnings, TellOfAnIdentifierThatIsListedTwice)
+TEST(ProfileWarnings, NameWhatIsEmpty)
 {
-    EXPECT_THAT(
-        problemsInHandler(R"("identifiers": ["", ""], "keys": [{"code": 1, "command": "Info"}])"),
-        ElementsAre(warning("2:21", "'' stands here twice")));
+    EXPECT_THAT(problemsIn("device = []"),
+                ElementsAre(warning("1:10", "there are no devices, so nothing is ever reported")));
+    const std::string noHandlers = "there are no handlers, so nothing is reported";
+    EXPECT_THAT(problemsIn("\n[[device]]"), ElementsAre(warning("2:1", noHandlers)));
+    EXPECT_THAT(problemsIn("[[device]]\nhandler = []"), ElementsAre(warning("2:11", noHandlers)));
+    const auto nothing =
+        ElementsAre(warning("2:1", "this handler has no keys, chords or switches"));
+    EXPECT_THAT(problemsIn("[[device]]\n[device.handler]"), nothing);
+    EXPECT_THAT(problemsIn("[[device]]\n[device.handler]\nkeys = []\nswitches = {}"), nothing);
 }
 
-TEST(ProfileWarnings, TellOfDuplicateMembers)
+TEST(ProfileWarnings, NameIdentifiersInTwoHandlers)
 {
-    EXPECT_THAT(
-        problemsInHandler(R"("keys": [{"code": 1, "command": "Stop", "command": "Info"}])"),
-        ElementsAre(warning("2:41", "'command' stands here again, only the last one counts")));
+    const QByteArray key = "keys.1 = \"Info\"";
+    const QByteArray chord = "chords.\"1+2\" = \"Info\"";
+    const QByteArray switchOf = "switches.1 = \"SWLineIn\"";
+    const auto problems = [](const QByteArray &first, const QByteArray &second) {
+        return problemsIn("initial = \"a\"\n[[device]]\n"
+                          "[[device.handler]]\nidentifiers = [\"a\"]\n"
+                          + first + "\n[[device.handler]]\nidentifiers = [\"b\", \"a\"]\n"
+                          + second);
+    };
+    const std::string end =
+        " under 'a' in line 4 are never used: those of this handler replace them";
+    EXPECT_THAT(problems(key, chord), ElementsAre(warning("7:21", "the keys" + end)));
+    EXPECT_THAT(problems(switchOf, switchOf), ElementsAre(warning("7:21", "the switches" + end)));
+    EXPECT_THAT(problems(key, switchOf), ElementsAre());
 }
 
-TEST(ProfileWarnings, TellOfIdentifiersThatNobodyHas)
+TEST(ProfileWarnings, NameAnIdentifierThatIsListedTwice)
 {
-    const QByteArray devices = R"("devices": [{"handlers": [{"identifiers": ["browse"],
-        "keys": [{"code": 1, "command": "Info"}]}]}])";
-    EXPECT_THAT(problemsIn("{" + devices + "}"),
+    EXPECT_THAT(problemsInHandler("identifiers = [\"\", \"\"]\n" + keys),
+                ElementsAre(warning("3:20", "'' is listed twice")));
+}
+
+TEST(ProfileWarnings, NameIdentifiersThatNoHandlerHas)
+{
+    const QByteArray devices = "[[device]]\n[device.handler]\nidentifiers = [\"browse\"]\n" + keys;
+    EXPECT_THAT(problemsIn(devices),
                 ElementsAre(warning("1:1",
-                                    "the empty identifier is selected at first, and no handler has "
-                                    "it; name one in 'initial'")));
-    EXPECT_THAT(problemsIn("{\"initial\": \"brows\", " + devices + "}"),
-                ElementsAre(warning("1:13",
+                                    "the empty identifier is selected at the start, and no handler "
+                                    "has it; name one in 'initial'")));
+    EXPECT_THAT(problemsIn("initial = \"brows\"\n" + devices),
+                ElementsAre(warning("1:11",
                                     "no handler has the identifier 'brows', did you mean "
                                     "'browse'?")));
-    EXPECT_THAT(problemsIn("{\"initial\": \"browse\", \"select\": [\n{\"command\": \"Info\", "
-                           "\"identifier\": \"text\"}], "
-                           + devices + "}"),
-                ElementsAre(warning("2:35", "no handler has the identifier 'text'")));
+    EXPECT_THAT(problemsIn("initial = \"browse\"\n[[select]]\ncommand = \"Info\"\n"
+                           "identifier = \"text\"\n"
+                           + devices),
+                ElementsAre(warning("4:14", "no handler has the identifier 'text'")));
 }
 
-TEST(ProfileWarnings, TellOfRulesThatNothingTriggers)
+TEST(ProfileWarnings, NameRulesThatNothingTriggers)
 {
     const auto problems = [](const QByteArray &rules) {
-        return problemsIn("{\"select\": [\n" + rules + R"(], "devices": [{"handlers": [{
-            "keys": [{"code": 1, "command": "Info", "longPress": {"timeouts": [700]}},
-                     {"code": 2, "command": "Stop"}],
-            "chords": [{"keys": [1, 2], "command": "FactoryReset"}],
-            "switches": [{"code": 1, "command": "SWLineIn"}]}]}]})");
+        return problemsIn("select = [\n" + rules + R"(]
+[[device]]
+[device.handler]
+keys.1 = { command = "Info", long-press = 700 }
+keys.2 = "Stop"
+chords."1+2" = "FactoryReset"
+switches.1 = "SWLineIn"
+)");
     };
     const auto rule = [](const QByteArray &command, const QByteArray &state) {
-        return "{\"command\": \"" + command + "\", \"state\": \"" + state
-            + "\", \"identifier\": \"\"}";
+        return "{ command = \"" + command + "\", state = \"" + state + "\", identifier = \"\" }";
     };
     const auto never = [](const std::string &command, const std::string &state) {
         return ElementsAre(warning("2:1",
@@ -306,21 +298,24 @@ TEST(ProfileWarnings, TellOfRulesThatNothingTriggers)
     EXPECT_THAT(problems(rule("Info", "SwitchEnabled")), never("Info", "SwitchEnabled"));
     EXPECT_THAT(problems(rule("Mute", "KeyReleased")), never("Mute", "KeyReleased"));
 
-    EXPECT_THAT(
-        problems(rule("Info", "KeyPressed") + ",\n" + rule("Info", "KeyPressed")),
-        ElementsAre(warning("3:1", "this rule is never used, the one at line 2 comes first")));
+    EXPECT_THAT(problems(rule("Info", "KeyPressed") + ",\n" + rule("Info", "KeyPressed")),
+                ElementsAre(warning("3:1",
+                                    "this rule is never used: the one in line 2 comes "
+                                    "first")));
 }
 
 TEST(ProfileWarnings, DoNotGuessAtWhatAnErrorHides)
 {
-    EXPECT_THAT(problemsIn(R"({"initial": "a", "select": [{"command": "Info", "identifier": "a"}],
-"devices": [{"handlers": [{"identifiers": ["a"], "keys": [{"code": 1, "command": "Inof"}]}]}]})"),
-                ElementsAre("p:2:82: error: unknown command 'Inof', did you mean 'Info'?"));
-    EXPECT_THAT(problemsInDevices("{\"bus\": \"Usb\", HANDLERS},\n{\"name\": \"a\", HANDLERS}"),
-                ElementsAre("p:2:9: error: unknown bus 'Usb', did you mean 'USB'?"));
-    EXPECT_THAT(problemsInDevices("{HANDLERS},\n{\"name\": 1, HANDLERS}"),
-                ElementsAre("p:3:10: error: 'name' is a string, not a number"));
-    EXPECT_THAT(problemsInHandler("\"keys\": [{\"code\": 1, \"command\": \"Info\"},\n"
-                                  "{\"code\": 1, \"command\": \"Info\", \"bus\": \"Usb\"}]"),
-                ElementsAre("p:3:39: error: unknown bus 'Usb', did you mean 'USB'?"));
+    EXPECT_THAT(
+        problemsIn("initial = \"a\"\n[[select]]\ncommand = \"Info\"\nidentifier = \"a\"\n"
+                   "[[device]]\n[device.handler]\nidentifiers = [\"a\"]\nkeys.1 = \"Inof\""),
+        ElementsAre("p:8:10: error: unknown command 'Inof', did you mean 'Info'?"));
+    EXPECT_THAT(
+        problemsIn("[[device]]\nbus = \"Usb\"\n" + keys + "[[device]]\nname = \"a\"\n" + keys),
+        ElementsAre("p:2:7: error: unknown bus 'Usb', did you mean 'USB'?"));
+    EXPECT_THAT(problemsIn("[[device]]\n" + keys + "[[device]]\nname = 1\n" + keys),
+                ElementsAre("p:5:8: error: 'name' is a string, not a number"));
+    EXPECT_THAT(problemsInHandler("keys.KEY_ESC = \"Info\"\n"
+                                  "keys.1 = { command = \"Info\", bus = \"Usb\" }"),
+                ElementsAre("p:4:36: error: unknown bus 'Usb', did you mean 'USB'?"));
 }

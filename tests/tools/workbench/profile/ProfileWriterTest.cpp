@@ -1,9 +1,11 @@
 #include "ProfileWriter.h"
+
 #include "BusNames.h"
 #include "CommandNames.h"
 #include "Diagnostic.h"
 #include "EventNames.h"
 #include "Profile.h"
+#include "ProfileReader.h"
 
 #include <gmock/gmock.h>
 
@@ -15,7 +17,6 @@ namespace {
 
 std::string text(const QString &value)
 {
-    // Half pairs included, which toStdString() would replace.
     std::string result;
     for (const QChar character : value)
         result += std::to_string(character.unicode()) + ",";
@@ -76,15 +77,15 @@ Profile withHandler(const HandlerProfile &handler)
 
 void expectReadBack(const Profile &profile)
 {
-    const QByteArray json = profileToJson(profile);
-    const ParsedProfile parsed = parseProfile(json, QStringLiteral("p"));
+    const QByteArray toml = writeProfile(profile);
+    const ParsedProfile parsed = parseProfile(toml, QStringLiteral("p"));
     for (const Diagnostic &diagnostic : parsed.diagnostics) {
         EXPECT_NE(diagnostic.severity, Diagnostic::Severity::Error)
             << diagnostic.toString().toStdString() << "\n"
-            << json.toStdString();
+            << toml.toStdString();
     }
-    EXPECT_EQ(text(parsed.profile), text(profile)) << json.toStdString();
-    EXPECT_EQ(profileToJson(parsed.profile).toStdString(), json.toStdString());
+    EXPECT_EQ(text(parsed.profile), text(profile)) << toml.toStdString();
+    EXPECT_EQ(writeProfile(parsed.profile).toStdString(), toml.toStdString());
 }
 
 KeyMapping key(int code, InputEvent::Command command, bool immediate)
@@ -210,7 +211,7 @@ Profile player()
 TEST(PlayerProfile, RegistersWhatThePlayerRegisters)
 {
     const ParsedProfile parsed =
-        loadProfile(QStringLiteral(VORN_SOURCE_DIR "/examples/profiles/player.json"));
+        loadProfile(QStringLiteral(VORN_SOURCE_DIR "/examples/profiles/player.toml"));
     for (const Diagnostic &diagnostic : parsed.diagnostics)
         ADD_FAILURE() << diagnostic.toString().toStdString();
     EXPECT_EQ(text(parsed.profile), text(player()));
@@ -221,7 +222,7 @@ TEST(PlayerProfile, IsReadBackAsItWasWritten)
     expectReadBack(player());
 }
 
-TEST(ProfileWriter, WritesShortObjectsOnOneLineAndLeavesDefaultsOut)
+TEST(ProfileWriter, WritesOneRegistrationALineAndOmitsDefaults)
 {
     HandlerProfile handler = frontPanel();
     handler.keys = {handler.keys.at(0), handler.keys.at(4)};
@@ -234,42 +235,114 @@ TEST(ProfileWriter, WritesShortObjectsOnOneLineAndLeavesDefaultsOut)
     profile.select = {{InputEvent::Search, InputEvent::KeyReleased, QStringLiteral("text")},
                       {InputEvent::Info, InputEvent::KeyLongPress, QStringLiteral("text")}};
     profile.devices = {device, DeviceProfile()};
-    EXPECT_EQ(profileToJson(profile).toStdString(), R"({
-  "initial": "browse",
-  "select": [
-    {"command": "Search", "identifier": "text"},
-    {"command": "Info", "state": "KeyLongPress", "identifier": "text"}
-  ],
-  "devices": [
-    {
-      "name": "front-panel",
-      "bus": "LocalUI",
-      "handlers": [
-        {
-          "identifiers": ["browse", "text"],
-          "keys": [
-            {"code": "KEY_VOLUMEUP", "command": "VolumeUp", "immediate": true, "longPress": {"timeouts": [700, 600], "repeat": true}},
-            {"code": "KEY_PLAY", "command": "StartPlay"}
-          ],
-          "chords": [
-            {"keys": ["KEY_STOP", "KEY_PLAY"], "command": "FactoryReset"}
-          ],
-          "switches": [
-            {"code": "SW_LINEIN_INSERT", "command": "SWLineIn"}
-          ],
-          "positionsAtStart": true
-        }
-      ]
-    },
-    {}
-  ]
-}
+    EXPECT_EQ(writeProfile(profile).toStdString(), R"(initial = "browse"
+select = [
+    { command = "Search", identifier = "text" },
+    { command = "Info", state = "KeyLongPress", identifier = "text" },
+]
+
+[[device]]
+name = "front-panel"
+bus = "LocalUI"
+
+[device.handler]
+identifiers = ["browse", "text"]
+positions-at-start = true
+
+[device.handler.keys]
+KEY_VOLUMEUP = { command = "VolumeUp", immediate = true, long-press = [700, 600], repeat = true }
+KEY_PLAY = "StartPlay"
+
+[device.handler.chords]
+"KEY_STOP+KEY_PLAY" = "FactoryReset"
+
+[device.handler.switches]
+SW_LINEIN_INSERT = "SWLineIn"
+
+[[device]]
 )");
+}
+
+TEST(ProfileWriter, KeepsTheRegistrationsOfACodeTogether)
+{
+    HandlerProfile handler;
+    handler.keys = {key(KEY_OK, InputEvent::Confirm, false), key(KEY_OK, InputEvent::Submit, true),
+                    key(KEY_UP, InputEvent::CursorUp, true)};
+    handler.keys[1].bus = InputEvent::Bus::I2C;
+    EXPECT_EQ(writeProfile(withHandler(handler)).toStdString(), R"([[device]]
+
+[device.handler.keys]
+KEY_OK = [
+    "Confirm",
+    { command = "Submit", immediate = true, bus = "I2C" },
+]
+KEY_UP = { command = "CursorUp", immediate = true }
+)");
+    expectReadBack(withHandler(handler));
+}
+
+TEST(ProfileWriter, KeepsAnOrderThatATableCannotHold)
+{
+    HandlerProfile handler;
+    handler.keys = {key(KEY_OK, InputEvent::Confirm, false),
+                    key(KEY_UP, InputEvent::CursorUp, false),
+                    key(KEY_OK, InputEvent::Submit, false)};
+    handler.keys[2].bus = InputEvent::Bus::I2C;
+    handler.chords = {{KEY_STOP, KEY_PLAY, InputEvent::FactoryReset, {}},
+                      {KEY_UP, KEY_DOWN, InputEvent::Info, {}},
+                      {KEY_STOP, KEY_PLAY, InputEvent::Info, InputEvent::Bus::USB}};
+    EXPECT_THAT(writeProfile(withHandler(handler)).toStdString(), testing::StartsWith(R"([[device]]
+
+[[device.handler.keys]]
+key = "KEY_OK"
+command = "Confirm"
+
+[[device.handler.keys]]
+key = "KEY_UP"
+command = "CursorUp"
+
+[[device.handler.keys]]
+key = "KEY_OK"
+command = "Submit"
+bus = "I2C"
+
+[[device.handler.chords]]
+keys = ["KEY_STOP", "KEY_PLAY"]
+)"));
+    expectReadBack(withHandler(handler));
+}
+
+TEST(ProfileWriter, WritesSeveralHandlersAndEmptyOnes)
+{
+    Profile profile = withHandler(HandlerProfile());
+    expectReadBack(profile);
+    profile.devices[0].handlers = {HandlerProfile(), frontPanel(), HandlerProfile()};
+    expectReadBack(profile);
+}
+
+TEST(ProfileWriter, ExplainsWhatItWritesInComments)
+{
+    const QByteArray written = writeCommentedProfile(player());
+    EXPECT_THAT(written.toStdString(), testing::HasSubstr("# What each key does."));
+    EXPECT_THAT(written.toStdString(),
+                testing::HasSubstr("# The identifier selected at the start."));
+    const ParsedProfile parsed = parseProfile(written, QStringLiteral("p"));
+    EXPECT_EQ(text(parsed.profile), text(player()));
+}
+
+TEST(ProfileWriter, KnowsWhatItWrote)
+{
+    const QByteArray written = writeCommentedProfile(player());
+    EXPECT_TRUE(isAsWritten(written));
+    EXPECT_FALSE(isAsWritten(written + "# my comment\n"));
+    EXPECT_FALSE(isAsWritten(QByteArray(written).replace("KEY_INFO =", "KEY_INFO  =")));
+    EXPECT_FALSE(isAsWritten(writeProfile(player())));
+    EXPECT_FALSE(isAsWritten("{}"));
 }
 
 TEST(ProfileWriter, WritesAnEmptyProfile)
 {
-    EXPECT_EQ(profileToJson(Profile()).toStdString(), "{\n  \"devices\": []\n}\n");
+    EXPECT_EQ(writeProfile(Profile()).toStdString(), "device = []\n");
     expectReadBack(Profile());
 }
 
@@ -309,16 +382,23 @@ TEST(ProfileWriter, WritesTextsOfAllCharacters)
     QString controls;
     for (ushort code = 0; code < 0x100; ++code)
         controls += QChar(code);
-    const ushort halves[] = {'a', 0xDC00, 0xD800, 'b', 0xD83D, 0xDE00, 0xD800};
-    const QString surrogates = QString::fromUtf16(halves, 7);
+    const QString beyond = QString::fromUtf8("\U0001F3B5 \uFFFD");
     HandlerProfile handler;
-    handler.identifiers = QStringList{controls, surrogates, QString()};
+    handler.identifiers = QStringList{controls, beyond, QString()};
     handler.keys = {key(KEY_OK, InputEvent::Confirm, false)};
     Profile profile = withHandler(handler);
-    profile.initial = surrogates;
+    profile.initial = beyond;
     profile.devices[0].name = controls;
     profile.select = {{InputEvent::Confirm, InputEvent::KeyPressed, controls}};
     expectReadBack(profile);
+}
+
+TEST(ProfileWriter, ReplacesHalfAPairWhichUtf8Lacks)
+{
+    Profile profile = withHandler(frontPanel());
+    profile.initial = QString(QChar(0xD83C));
+    const ParsedProfile parsed = parseProfile(writeProfile(profile), QStringLiteral("p"));
+    EXPECT_EQ(parsed.profile.initial.toStdString(), "?");
 }
 
 TEST(ProfileWriter, WritesTheLargestTimeouts)

@@ -184,12 +184,12 @@ TEST(Scenario, AnExpectedEventMayBeNarrowedDown)
 TEST(Scenario, FilesAreRelativeToTheFileThatNamesThem)
 {
     const Scenario scenario =
-        parsed("include \"sub/b\"\n", {{"dir/sub/b", "profile \"../p.json\"\nwait 1s\n"}}).scenario;
-    EXPECT_EQ(scenario.profile.toStdString(), "dir/p.json");
+        parsed("include \"sub/b\"\n", {{"dir/sub/b", "profile \"../p.toml\"\nwait 1s\n"}}).scenario;
+    EXPECT_EQ(scenario.profile.toStdString(), "dir/p.toml");
     EXPECT_EQ(scenario.profileNamedIn.toStdString(), "dir/sub/b");
     ASSERT_THAT(scenario.steps, SizeIs(1));
     EXPECT_EQ(scenario.steps.first().file.toStdString(), "dir/sub/b");
-    EXPECT_EQ(parsed("profile \"/p.json\"").scenario.profile.toStdString(), "/p.json");
+    EXPECT_EQ(parsed("profile \"/p.toml\"").scenario.profile.toStdString(), "/p.toml");
 }
 
 TEST(Scenario, AFileThatIncludesItselfIsAMistake)

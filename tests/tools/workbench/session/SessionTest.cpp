@@ -27,7 +27,7 @@ QVector<SessionEntry> everyKind()
     using What = DetectorStep::What;
     const QString front = "/dev/input/event0";
     QVector<SessionEntry> entries{
-        {0, SessionStart{"monitor", "player.json", somewhen}},
+        {0, SessionStart{"monitor", "player.toml", somewhen}},
         {1, DeviceChange{front, "front-panel", InputEvent::Bus::LocalUI, true}},
         {1500, RecordRead{front, EV_KEY, KEY_INFO, 1, somewhen}},
         {1500, RecordRead{front, EV_MSC, MSC_SCAN, -7, somewhen + 1}},
@@ -174,9 +174,9 @@ TEST(Session, WritesOneStableLineForAnEntry)
               "{\"code\":\"KEY_INFO\",\"codeNumber\":358,\"device\":\"/dev/input/event0\","
               "\"kind\":\"record\",\"stamp\":1700000000123.456,\"time\":1.5,\"type\":\"EV_KEY\","
               "\"typeNumber\":1,\"value\":1}\n");
-    const SessionStart start{"monitor", "p.json", somewhen};
+    const SessionStart start{"monitor", "p.toml", somewhen};
     EXPECT_EQ(toJsonLine({0, start}).toStdString(),
-              "{\"kind\":\"start\",\"profile\":\"p.json\",\"source\":\"monitor\",\"time\":0,"
+              "{\"kind\":\"start\",\"profile\":\"p.toml\",\"source\":\"monitor\",\"time\":0,"
               "\"version\":1,\"wallClock\":\"2023-11-14T22:13:20.123456Z\"}\n");
     const EventPublished event{
         InputEvent::Info, InputEvent::KeyPressed, InputEvent::Bus::LocalUI, {}, 0, {},

@@ -121,9 +121,11 @@ class ScenarioFiles : public testing::Test
 protected:
     ScenarioFiles()
     {
-        write("keys.json", R"({"devices": [{"handlers": [{"keys": [
-            {"code": "KEY_VOLUMEUP", "command": "VolumeUp", "immediate": true},
-            {"code": "KEY_INFO", "command": "Info", "longPress": {"timeouts": [700]}}]}]}]})");
+        write("keys.toml", R"([[device]]
+[device.handler.keys]
+KEY_VOLUMEUP = { command = "VolumeUp", immediate = true }
+KEY_INFO = { command = "Info", long-press = 700 }
+)");
     }
 
     QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
@@ -168,7 +170,7 @@ protected:
     {
         Vorn::Tools::SimulateOptions options;
         options.files = files;
-        options.profile = path("keys.json");
+        options.profile = path("keys.toml");
         options.colour = Colour::Never;
         return options;
     }
@@ -328,7 +330,7 @@ TEST_F(ScenarioFiles, ARecordingPlaysWhileTheScenarioGoesOn)
           "E: 2.500000 0001 0073 0000\nE: 2.500000 0000 0000 0000\n");
     const LoadedScenario scenario = loadScenario(
         write("a.scenario",
-              "profile \"keys.json\"\ndevice panel\nplay \"up.evemu\" on panel\n"
+              "profile \"keys.toml\"\ndevice panel\nplay \"up.evemu\" on panel\n"
               "wait 500ms\npanel click KEY_INFO\n"
               "expect Info KeyPressed after 80ms..80ms\nexpect Info KeyReleased\n"
               "expect VolumeUp KeyPressed from panel\nexpect VolumeUp KeyReleased from panel\n"),
@@ -347,7 +349,7 @@ TEST_F(ScenarioFiles, ARecordingIsComparedWithTheFileBesideIt)
                                     "E: 0.000000 0000 0000 0000\n"
                                     "E: 0.100000 0001 0073 0001\nE: 0.100000 0000 0000 0000\n");
     LoadOptions options;
-    options.profile = path("keys.json");
+    options.profile = path("keys.toml");
     EXPECT_EQ(played(loadScenario(recording, options)).events(),
               std::vector<std::string>{"100 VolumeUp KeyPressed"})
         << "a device without a description has the keys that it sent";
@@ -355,7 +357,7 @@ TEST_F(ScenarioFiles, ARecordingIsComparedWithTheFileBesideIt)
     write("up.expect", "expect VolumeUp KeyReleased\n");
     EXPECT_THAT(played(loadScenario(recording, options)).failure(), HasSubstr("1: expect"));
     options.expectations =
-        write("other", "profile \"absent.json\"\nexpect VolumeUp KeyPressed from \"device\"\n");
+        write("other", "profile \"absent.toml\"\nexpect VolumeUp KeyPressed from \"device\"\n");
     EXPECT_EQ(played(loadScenario(recording, options)).result.expectations, 1);
 }
 
@@ -363,20 +365,20 @@ TEST_F(ScenarioFiles, WhatCannotBeReadIsNamedWithTheLineThatAsksForIt)
 {
     EXPECT_THAT(mistakes(write("a.scenario", "wait 1s\n")),
                 ElementsAre(HasSubstr("a.scenario: error: no profile says what the keys mean")));
-    EXPECT_THAT(mistakes(write("b.scenario", "\nprofile \"absent.json\"\n")),
+    EXPECT_THAT(mistakes(write("b.scenario", "\nprofile \"absent.toml\"\n")),
                 testing::Contains(HasSubstr("b.scenario:2: error: the profile ")));
-    EXPECT_THAT(mistakes(write("c.scenario", "profile \"keys.json\"\nplay \"absent.evemu\"\n")),
+    EXPECT_THAT(mistakes(write("c.scenario", "profile \"keys.toml\"\nplay \"absent.evemu\"\n")),
                 testing::Contains(HasSubstr("c.scenario:2: error: the recording 'absent.evemu'")));
     EXPECT_THAT(mistakes(path("absent.scenario")), SizeIs(1));
     LoadOptions options;
     options.expectations = path("x");
-    EXPECT_THAT(mistakes(write("d.scenario", "profile \"keys.json\"\n"), options),
+    EXPECT_THAT(mistakes(write("d.scenario", "profile \"keys.toml\"\n"), options),
                 ElementsAre(HasSubstr("--expectations is for recordings")));
 }
 
 TEST_F(ScenarioFiles, AnIdentifierThatTheProfileDoesNotHaveIsWarnedOf)
 {
-    EXPECT_THAT(mistakes(write("a.scenario", "profile \"keys.json\"\nselect text\n")),
+    EXPECT_THAT(mistakes(write("a.scenario", "profile \"keys.toml\"\nselect text\n")),
                 ElementsAre("a.scenario:2: warning: the profile has no identifier 'text'"));
 }
 
@@ -384,7 +386,7 @@ TEST_F(ScenarioFiles, DevicesWithoutANodeTakeTheLowestOneThatIsFree)
 {
     const LoadedScenario scenario =
         loadScenario(write("a.scenario",
-                           "profile \"keys.json\"\ndevice a\ndevice b node=event0\n"
+                           "profile \"keys.toml\"\ndevice a\ndevice b node=event0\n"
                            "device c node=event2\ndevice d\n"),
                      {});
     EXPECT_THAT(scenario.deviceNodes, ElementsAre(1, 0, 2, 3));

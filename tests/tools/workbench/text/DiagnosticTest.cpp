@@ -25,13 +25,13 @@ QByteArray contentOf(const QString &path)
 
 TEST(Diagnostic, NamesFileLineAndColumnAsEditorsReadThem)
 {
-    Diagnostic diagnostic{Diagnostic::Severity::Error, "a.json", 12, 20, "this is wrong"};
-    EXPECT_EQ(diagnostic.toString().toStdString(), "a.json:12:20: error: this is wrong");
+    Diagnostic diagnostic{Diagnostic::Severity::Error, "a.toml", 12, 20, "this is wrong"};
+    EXPECT_EQ(diagnostic.toString().toStdString(), "a.toml:12:20: error: this is wrong");
     diagnostic.column = 0;
     diagnostic.severity = Diagnostic::Severity::Warning;
-    EXPECT_EQ(diagnostic.toString().toStdString(), "a.json:12: warning: this is wrong");
+    EXPECT_EQ(diagnostic.toString().toStdString(), "a.toml:12: warning: this is wrong");
     diagnostic.line = 0;
-    EXPECT_EQ(diagnostic.toString().toStdString(), "a.json: warning: this is wrong");
+    EXPECT_EQ(diagnostic.toString().toStdString(), "a.toml: warning: this is wrong");
 }
 
 TEST(Diagnostic, WarningsAreNoErrors)

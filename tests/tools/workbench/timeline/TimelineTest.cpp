@@ -114,7 +114,7 @@ private:
 
 SessionEntry start()
 {
-    return {0, SessionStart{"a.scenario", "player.json", 1'700'000'000'000'000}};
+    return {0, SessionStart{"a.scenario", "player.toml", 1'700'000'000'000'000}};
 }
 
 SessionEntry plugged(qint64 time, const char *device = front, const char *name = "front-panel")
@@ -204,7 +204,7 @@ TEST(Timeline, HasATitleAndADescriptionForThoseWhoDoNotSeeIt)
     EXPECT_EQ(picture.root().title.toStdString(), "a.scenario");
     EXPECT_EQ(picture.elements().at(2).name.toStdString(), "desc");
     EXPECT_EQ(picture.elements().at(2).text.toStdString(),
-              "1 lane and 2 events from 0.000 s to 2.200 s. Profile: player.json.");
+              "1 lane and 2 events from 0.000 s to 2.200 s. Profile: player.toml.");
     EXPECT_THAT(picture.texts("title"), ElementsAre("a.scenario"));
 }
 
