@@ -3,7 +3,7 @@
 
 #include "InputNode.h"
 #include "InputSubsystem.h"
-#include "Interposition.h"
+#include "FileCalls.h"
 #include "SimulatedDevice.h"
 #include "SystemCall.h"
 

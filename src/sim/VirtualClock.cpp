@@ -1,6 +1,8 @@
 #include "VirtualClock.h"
 
+#include "ClockCalls.h"
 #include "Interposition.h"
+#include "RealCalls.h"
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>

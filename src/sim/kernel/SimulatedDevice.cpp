@@ -1,6 +1,6 @@
 #include "SimulatedDevice.h"
 
-#include "Interposition.h"
+#include "RealCalls.h"
 
 #include <QTimer>
 

@@ -1,0 +1,12 @@
+#ifndef VORN_SIM_DESCRIPTORFUNCTIONS_H
+#define VORN_SIM_DESCRIPTORFUNCTIONS_H
+
+namespace Vorn::Sim {
+
+/// Which of the replacements of `open` and its variants, `close`, `read` and `ioctl` other
+/// libraries do not get; null if they get them all.
+const char *missingDescriptorFunction();
+
+} // namespace Vorn::Sim
+
+#endif

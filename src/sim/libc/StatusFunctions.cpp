@@ -1,0 +1,135 @@
+#include "InterposedFunction.h"
+
+#include "FileCalls.h"
+#include "RealPath.h"
+#include "StatusFunctions.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
+namespace Vorn::Sim {
+
+namespace {
+
+NextFunction<int(const char *, struct stat *)> nextStat("stat");
+NextFunction<int(const char *, struct stat *)> nextLstat("lstat");
+NextFunction<int(int, struct stat *)> nextFstat("fstat");
+NextFunction<int(const char *, struct stat64 *)> nextStat64("stat64");
+NextFunction<int(const char *, struct stat64 *)> nextLstat64("lstat64");
+NextFunction<int(int, struct stat64 *)> nextFstat64("fstat64");
+NextFunction<int(int, const char *, int, unsigned int, struct statx *)> nextStatx("statx");
+
+// The major device number of every evdev node.
+constexpr unsigned int inputMajor = 13;
+
+bool isEmpty(const char *path)
+{
+    return !path || path[0] == '\0';
+}
+
+// The real node is a FIFO and the real descriptor an eventfd; callers expect a device.
+template <typename Status>
+void showAsDevice(const FileCalls::Attributes &attributes, Status *status)
+{
+    status->st_mode = S_IFCHR | attributes.mode;
+    status->st_rdev = makedev(inputMajor, attributes.minor);
+}
+
+template <typename Status, typename Function>
+int statusOfPath(Function &next, const char *path, Status *status)
+{
+    const RealPath real(path);
+    const int result = next(real.get(), status);
+    FileCalls::Attributes attributes;
+    FileCalls *calls = fileCallsFor(path);
+    if (result == 0 && calls && calls->attributes(path, attributes))
+        showAsDevice(attributes, status);
+    return result;
+}
+
+template <typename Status, typename Function>
+int statusOfDescriptor(Function &next, int fd, Status *status)
+{
+    const int result = next(fd, status);
+    FileCalls::Attributes attributes;
+    FileCalls *calls = fileCalls();
+    if (result == 0 && calls && calls->attributes(fd, attributes))
+        showAsDevice(attributes, status);
+    return result;
+}
+
+} // namespace
+
+} // namespace Vorn::Sim
+
+using namespace Vorn::Sim;
+
+VORN_SIM_INTERPOSED int stat(const char *path, struct stat *status) noexcept
+{
+    return statusOfPath(nextStat, path, status);
+}
+
+VORN_SIM_INTERPOSED int lstat(const char *path, struct stat *status) noexcept
+{
+    return statusOfPath(nextLstat, path, status);
+}
+
+VORN_SIM_INTERPOSED int fstat(int fd, struct stat *status) noexcept
+{
+    return statusOfDescriptor(nextFstat, fd, status);
+}
+
+VORN_SIM_INTERPOSED int stat64(const char *path, struct stat64 *status) noexcept
+{
+    return statusOfPath(nextStat64, path, status);
+}
+
+VORN_SIM_INTERPOSED int lstat64(const char *path, struct stat64 *status) noexcept
+{
+    return statusOfPath(nextLstat64, path, status);
+}
+
+VORN_SIM_INTERPOSED int fstat64(int fd, struct stat64 *status) noexcept
+{
+    return statusOfDescriptor(nextFstat64, fd, status);
+}
+
+VORN_SIM_INTERPOSED int statx(int folder, const char *path, int flags, unsigned int mask,
+                              struct statx *status) noexcept
+{
+    const int result = nextStatx(folder, RealPath(path).get(), flags, mask, status);
+    const bool isOfDescriptor = isEmpty(path) && (flags & AT_EMPTY_PATH) != 0;
+    FileCalls *calls = isOfDescriptor ? fileCalls() : fileCallsFor(path);
+    if (result != 0 || !calls)
+        return result;
+
+    FileCalls::Attributes attributes;
+    if (isOfDescriptor ? calls->attributes(folder, attributes)
+                       : calls->attributes(path, attributes)) {
+        status->stx_mode = static_cast<decltype(status->stx_mode)>(S_IFCHR | attributes.mode);
+        status->stx_rdev_major = inputMajor;
+        status->stx_rdev_minor = attributes.minor;
+    }
+    return result;
+}
+
+namespace Vorn::Sim {
+
+const char *missingStatusFunction()
+{
+    using Stat = int (*)(const char *, struct stat *);
+    using Stat64 = int (*)(const char *, struct stat64 *);
+    using Statx = int (*)(int, const char *, int, unsigned int, struct statx *);
+    return firstMissing({
+        {"stat", reinterpret_cast<void *>(static_cast<Stat>(&::stat))},
+        {"lstat", reinterpret_cast<void *>(&::lstat)},
+        {"fstat", reinterpret_cast<void *>(&::fstat)},
+        {"stat64", reinterpret_cast<void *>(static_cast<Stat64>(&::stat64))},
+        {"lstat64", reinterpret_cast<void *>(&::lstat64)},
+        {"fstat64", reinterpret_cast<void *>(&::fstat64)},
+        {"statx", reinterpret_cast<void *>(static_cast<Statx>(&::statx))},
+    });
+}
+
+} // namespace Vorn::Sim
