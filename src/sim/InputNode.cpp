@@ -1,9 +1,16 @@
 #include "InputNode.h"
 
-#include "SubsystemState.h"
+#include "Client.h"
+#include "IoctlRequests.h"
+#include "NodeState.h"
+#include "RecordTime.h"
+#include "SimulatedDevice.h"
 
-#include <algorithm>
+#include <bitset>
+#include <cstddef>
+#include <ctime>
 #include <mutex>
+#include <utility>
 
 namespace Vorn::Sim {
 
@@ -128,14 +135,13 @@ input_event InputNode::record(int type, int code, int value)
     timespec now = {};
     ::clock_gettime(CLOCK_REALTIME, &now);
     input_event result = record(type, code, value, 0);
-    result.input_event_sec = static_cast<decltype(result.input_event_sec)>(now.tv_sec);
-    result.input_event_usec = static_cast<decltype(result.input_event_usec)>(now.tv_nsec / 1000);
+    setTime(result, now);
     return result;
 }
 
 input_event InputNode::record(int type, int code, int value, qint64 msecsSinceEpoch)
 {
-    // Microseconds count up within each second, before the epoch, too.
+    // Microseconds count up within each second, even before the epoch.
     const qint64 fraction = (msecsSinceEpoch % 1000 + 1000) % 1000;
     const qint64 seconds = (msecsSinceEpoch - fraction) / 1000;
     input_event result = {};
@@ -167,7 +173,7 @@ void InputNode::failRead(int error, int times)
     for (Client *client : m_state->clients) {
         for (int i = 0; i < times; ++i)
             client->queue.appendError(error);
-        client->setReadable(m_state->isReadable(*client));
+        client->updateReadable();
     }
 }
 
@@ -179,7 +185,7 @@ void InputNode::clearFailures()
     m_state->readError = 0;
     for (Client *client : m_state->clients) {
         client->queue.removeErrors();
-        client->setReadable(m_state->isReadable(*client));
+        client->updateReadable();
     }
 }
 

@@ -16,20 +16,20 @@ namespace Vorn::Sim {
 class NodeState;
 class SubsystemState;
 
-/// One number of /dev/input/eventN, and the device that is plugged there.
+/// One number N of /dev/input/eventN, and the device that is plugged in there.
 ///
-/// Obtained from InputSubsystem::plug() or InputSubsystem::node(), which own it. There is one
-/// object for each number; a reference to it is valid as long as the subsystem is, and speaks for
-/// the device that is plugged there at the time. While none is, nothing is delivered.
+/// InputSubsystem::plug() and InputSubsystem::node() return it; the subsystem owns it. Each number
+/// has one object, which is valid as long as the subsystem and always refers to the device that is
+/// plugged in at the moment. While there is none, nothing is delivered.
 ///
-/// **Delivery**: every open descriptor of the node has a queue of its own and is readable while
+/// **Delivery**: every open descriptor of the node has its own queue and is readable while
 /// something is queued. `read` returns as many whole records as fit.
 ///
-/// **Time**: records are stamped with the wall clock as the process sees it (or with the clock that
-/// the descriptor chose with `EVIOCSCLOCKID`); with a VirtualClock that is its time.
+/// **Time**: records are stamped with the process's wall clock, or with the clock that the
+/// descriptor chose with `EVIOCSCLOCKID`. With a VirtualClock, that is virtual time.
 ///
-/// **Thread**: the functions that deliver may be called on any thread, all others on the thread
-/// of the subsystem.
+/// **Thread**: functions that deliver may be called on any thread, all others only on the
+/// subsystem's thread.
 ///
 /// @code
 /// InputNode &panel = subsystem.plug(0, DeviceDescription::keyboard("panel", BUS_HOST, {KEY_OK}));
@@ -40,7 +40,7 @@ class SubsystemState;
 class InputNode
 {
 public:
-    /// For the `times` of scripted failures: until clearFailures().
+    /// As the `times` of a scripted failure: until clearFailures().
     static constexpr int Forever = -1;
 
     ~InputNode();
@@ -53,70 +53,71 @@ public:
     /// "/dev/input/eventN".
     QString path() const;
 
-    /// Whether a device is plugged here.
+    /// Whether a device is plugged in here.
     bool isPlugged() const;
 
-    /// How many descriptors of this node are open, those of devices unplugged since included.
+    /// How many descriptors of this node are open, including those of devices unplugged since.
     int openDescriptors() const;
 
-    /// @name A driver's view: what the kernel makes of events
-    /// Each delivers the record and an `EV_SYN`/`SYN_REPORT`, or nothing if the device did not
-    /// declare the code or the value is the present one.
+    /// @name Events as a driver reports them, filtered by the kernel
+    /// Each function delivers the record and an `EV_SYN`/`SYN_REPORT`, or nothing if the device
+    /// does not declare the code or the value does not change.
     /// @return whether the record was accepted (and delivered to whoever has the node open)
     /// @{
     bool press(int code);
     bool release(int code);
-    /// A record of value 2, whether or not the key is down, as from a driver with an auto-repeat
-    /// of its own. The kernel's is made by itself, see DeviceDescription::autoRepeat.
+    /// A record of value 2, whether or not the key is down, as from a driver with its own
+    /// auto-repeat. The kernel's runs by itself, see DeviceDescription::autoRepeat.
     bool repeat(int code);
     bool setSwitch(int code, bool on);
     /// @}
 
-    /// Adds an event to the packet that the next sync() delivers, by the same rules as above. For
-    /// several keys in one packet: `report(EV_KEY, KEY_A, 1); report(EV_KEY, KEY_B, 1); sync();`
+    /// Adds an event to the packet that the next sync() delivers, by the rules above. For several
+    /// keys in one packet: `report(EV_KEY, KEY_A, 1); report(EV_KEY, KEY_B, 1); sync();`
     bool report(int type, int code, int value);
 
-    /// Ends the packet with a `SYN_REPORT` and delivers it, unless it is empty.
+    /// Ends the packet with a `SYN_REPORT` and delivers it. Does nothing if it is empty.
     void sync();
 
-    /// Whether the key is down, as far as press() and release() tell.
+    /// Whether the key is down. Records passed to send() do not count.
     bool isKeyDown(int code) const;
 
     /// Whether the switch is on.
     bool isSwitchOn(int code) const;
 
-    /// Delivers @p records as they are, at once: nothing is checked, stamped or added, and the
-    /// state of keys and switches stays.
+    /// Delivers @p records immediately and as they are: nothing is checked, stamped or added, and
+    /// keys and switches keep their state.
     void send(const QList<input_event> &records);
 
-    /// The next `read` after what is queued returns exactly @p bytes (as far as they fit; the
-    /// rest is lost) and nothing more. An empty array makes it return 0, an end of file.
+    /// Makes one `read`, after what is queued already, return exactly @p bytes and nothing more.
+    /// Bytes that do not fit are lost. With an empty array it returns 0, an end of file.
     void sendBytes(const QByteArray &bytes);
 
-    /// A record stamped with the wall clock as it is now.
+    /// A record stamped with the current wall clock.
     static input_event record(int type, int code, int value);
 
     /// A record stamped with @p msecsSinceEpoch, which may be negative.
     static input_event record(int type, int code, int value, qint64 msecsSinceEpoch);
 
     /// @name Scripted failures
-    /// The call fails with @p error (`errno`), @p times times or #Forever, after it was let
-    /// through @p after times. A further call for the same thing replaces what is left of the
-    /// former. They belong to the number, not to the device, and survive an unplug.
+    /// The call succeeds @p after times and then fails with @p error (`errno`) @p times times, or
+    /// #Forever. Scripting the same call again replaces what is left. Failures belong to the
+    /// number, not to the device, and survive unplugging.
     /// @{
 
-    /// `open` of the node. Without effect while no device is plugged.
+    /// `open` of the node. Has no effect while no device is plugged in.
     void failOpen(int error, int times = 1, int after = 0);
 
-    /// `ioctl` with @p request, on whichever descriptor; requests that differ in nothing but
-    /// their size are the same: `failIoctl(EVIOCGNAME(0), EIO)`.
+    /// `ioctl` with @p request, on any descriptor. The size in the request does not matter:
+    /// `failIoctl(EVIOCGNAME(0), EIO)`.
     void failIoctl(unsigned long request, int error, int times = 1, int after = 0);
 
-    /// `read`: each descriptor that is open now fails @p times times after what is queued for it
-    /// by now, and is readable for that; with #Forever those opened later fail, too.
+    /// `read`: on each descriptor that is open now, the next @p times reads after what is queued
+    /// already fail, and the descriptor is readable for that. With #Forever, reads of descriptors
+    /// opened later fail, too.
     void failRead(int error, int times = 1);
 
-    /// Takes back all that is left of the failures above.
+    /// Cancels all failures that are left.
     void clearFailures();
     /// @}
 

@@ -1,10 +1,25 @@
 #include "InputSubsystem.h"
 
+#include "DeviceFactory.h"
+#include "NodePath.h"
+#include "NodeState.h"
+#include "SimulatedDevice.h"
 #include "SubsystemState.h"
 
+#include <QFile>
+#include <QtGlobal>
+
 #include <algorithm>
+#include <cstddef>
+#include <mutex>
 
 namespace Vorn::Sim {
+
+namespace {
+
+using Lock = std::lock_guard<std::mutex>;
+
+} // namespace
 
 InputSubsystem::InputSubsystem(Directory directory)
     : m_state(std::make_unique<SubsystemState>(directory))
@@ -14,69 +29,107 @@ InputSubsystem::~InputSubsystem() = default;
 
 InputNode &InputSubsystem::plug(int number, const DeviceDescription &description)
 {
-    m_state->plug(number, description);
-    return m_state->node(number);
+    const Lock lock(m_state->lock);
+    NodeState &node = *m_state->nodes.node(number);
+    if (node.device)
+        qFatal("InputSubsystem: a device is already plugged in at %s", node.path.constData());
+    node.device = makeDevice(description, m_state->lock);
+    node.setMode(description.mode);
+    if (m_state->directory.exists())
+        m_state->directory.addNode(node.path, node.mode);
+    else if (m_state->kind == Directory::ComesAndGoes)
+        m_state->createDirectory();
+    return m_state->handle(number);
 }
 
 void InputSubsystem::unplug(int number, Unread unread)
 {
-    m_state->unplug(number, unread);
+    const Lock lock(m_state->lock);
+    NodeState &node = m_state->nodes.pluggedNode(number);
+    node.device->disconnect();
+    if (unread == Unread::Lost)
+        node.device->dropUnread();
+    node.device.reset();
+    if (!m_state->directory.exists())
+        return;
+    m_state->directory.removeNode(node.path);
+    if (m_state->kind == Directory::ComesAndGoes && !m_state->nodes.hasPlugged())
+        m_state->removeDirectory();
 }
 
 InputNode &InputSubsystem::replace(int number, const DeviceDescription &description)
 {
-    m_state->replace(number, description);
-    return m_state->node(number);
+    const Lock lock(m_state->lock);
+    NodeState &node = m_state->nodes.pluggedNode(number);
+    node.device->disconnect();
+    node.device = makeDevice(description, m_state->lock);
+    return m_state->handle(number);
 }
 
 InputNode &InputSubsystem::node(int number)
 {
-    return m_state->node(number);
+    const Lock lock(m_state->lock);
+    return m_state->handle(number);
 }
 
 void InputSubsystem::setPermissions(int number, mode_t mode)
 {
-    m_state->setPermissions(number, mode);
+    const Lock lock(m_state->lock);
+    NodeState &node = m_state->nodes.pluggedNode(number);
+    node.setMode(mode);
+    if (m_state->directory.exists())
+        m_state->directory.setMode(node.path, node.mode);
 }
 
 void InputSubsystem::removeInputDirectory()
 {
-    m_state->removeDirectory();
+    const Lock lock(m_state->lock);
+    if (m_state->directory.exists())
+        m_state->removeDirectory();
 }
 
 void InputSubsystem::createInputDirectory()
 {
-    m_state->createDirectory();
+    const Lock lock(m_state->lock);
+    if (!m_state->directory.exists())
+        m_state->createDirectory();
 }
 
 bool InputSubsystem::inputDirectoryExists() const
 {
-    return m_state->directoryExists();
+    const Lock lock(m_state->lock);
+    return m_state->directory.exists();
 }
 
 QString InputSubsystem::folder() const
 {
-    return m_state->folder();
+    return QFile::decodeName(m_state->directory.realPath(deviceFolder));
 }
 
 int InputSubsystem::openDescriptors() const
 {
-    return m_state->openDescriptors();
+    const Lock lock(m_state->lock);
+    std::size_t count = 0;
+    for (const auto &[number, node] : m_state->nodes.all())
+        count += node->clients.size();
+    return static_cast<int>(count);
 }
 
 void InputSubsystem::setRecording(bool on)
 {
-    m_state->setRecording(on);
+    const Lock lock(m_state->lock);
+    m_state->log.setRecording(on);
 }
 
 QVector<SystemCall> InputSubsystem::systemCalls() const
 {
-    return m_state->systemCalls();
+    const Lock lock(m_state->lock);
+    return m_state->log.calls();
 }
 
 QVector<SystemCall> InputSubsystem::systemCalls(const QByteArray &path) const
 {
-    QVector<SystemCall> calls = m_state->systemCalls();
+    QVector<SystemCall> calls = systemCalls();
     const auto isOther = [&path](const SystemCall &call) { return call.path != path; };
     calls.erase(std::remove_if(calls.begin(), calls.end(), isOther), calls.end());
     return calls;
@@ -84,12 +137,14 @@ QVector<SystemCall> InputSubsystem::systemCalls(const QByteArray &path) const
 
 void InputSubsystem::clearSystemCalls()
 {
-    m_state->clearSystemCalls();
+    const Lock lock(m_state->lock);
+    m_state->log.clear();
 }
 
 CallCounts InputSubsystem::callCounts() const
 {
-    return m_state->callCounts();
+    const Lock lock(m_state->lock);
+    return m_state->log.counts();
 }
 
 } // namespace Vorn::Sim

@@ -28,6 +28,13 @@ void RecordQueue::appendError(int error)
     append(item);
 }
 
+// A queue and the reads that empty it, with room for two records each:
+//
+//   front                                                  end
+//   ├────────┬────────┬────────┬──────────┬───────┬────────┤
+//   │ record │ record │ record │ 40 bytes │ EIO   │ record │
+//   ├────────┴────────┼────────┼──────────┼───────┼────────┤
+//   │ 2 records       │ 1      │ 40 bytes │ -EIO  │ 1      │
 ssize_t RecordQueue::take(void *buffer, std::size_t size)
 {
     switch (m_items[m_front].kind) {
@@ -77,7 +84,7 @@ void RecordQueue::removeErrors()
 void RecordQueue::removeType(int type)
 {
     std::size_t kept = m_front;
-    // What was read before may have left a packet open, so a leading report stays.
+    // A leading report stays: it may end a packet whose start was read already.
     bool isPacketEmpty = false;
     for (std::size_t i = m_front; i < m_items.size(); ++i) {
         const Item item = m_items[i];
@@ -94,8 +101,8 @@ void RecordQueue::removeType(int type)
 
 void RecordQueue::append(const Item &item)
 {
-    // A reader that is always a little behind never finds the queue empty; so close the gap in
-    // front before it would make the memory grow.
+    // For a reader that always lags a little, the queue never gets empty. Close the gap at the
+    // front before it makes the memory grow.
     if (m_items.size() == m_items.capacity() && m_front > m_items.size() / 2) {
         m_items.erase(m_items.begin(), m_items.begin() + static_cast<std::ptrdiff_t>(m_front));
         m_front = 0;

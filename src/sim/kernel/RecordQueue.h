@@ -12,9 +12,9 @@
 
 namespace Vorn::Sim {
 
-/// What one descriptor has still to read: records, and among them odd reads and failures.
+/// What one descriptor has yet to read: records, and between them raw bytes and errors.
 ///
-/// Keeps its memory, so that a reader that keeps up causes no allocations.
+/// Keeps its memory, so a reader that keeps up causes no allocations.
 class RecordQueue
 {
 public:
@@ -26,13 +26,13 @@ public:
     /// One read fails with @p error.
     void appendError(int error);
 
-    /// One read from a queue that is not empty: as many whole records as fit, or the odd bytes,
-    /// or a negative `errno`.
+    /// One read from a queue that is not empty.
+    /// @return the size of as many whole records as fit or of the raw bytes, or a negative `errno`
     ssize_t take(void *buffer, std::size_t size);
 
     void clear();
     void removeErrors();
-    /// Removes the records of @p type and the packets that are empty without them.
+    /// Removes the records of @p type, and the packets that this leaves empty.
     void removeType(int type);
 
 private:
@@ -44,7 +44,7 @@ private:
 
     struct Item
     {
-        // Of an error, its number is the value.
+        // An error is kept in its value.
         input_event record;
         Kind kind;
     };

@@ -1,33 +1,25 @@
 #include "SimulatedDevice.h"
 
-#include "RealCalls.h"
+#include "Client.h"
+#include "RecordTime.h"
 
-#include <QTimer>
-
-#include <algorithm>
-#include <sys/eventfd.h>
+#include <cstddef>
 
 namespace Vorn::Sim {
 
 namespace {
 
+// In milliseconds.
 constexpr unsigned int defaultDelay = 250;
 constexpr unsigned int defaultPeriod = 33;
+// The value of the reports that end the kernel's own packets, as opposed to a driver's.
+constexpr int syntheticReport = 1;
 
 template <std::size_t size>
 bool contains(const std::bitset<size> &set, int code)
 {
     return code >= 0 && static_cast<std::size_t>(code) < size
         && set.test(static_cast<std::size_t>(code));
-}
-
-template <std::size_t size>
-void add(std::bitset<size> &set, const QVector<int> &codes)
-{
-    for (const int code : codes) {
-        if (code >= 0 && static_cast<std::size_t>(code) < size)
-            set.set(static_cast<std::size_t>(code));
-    }
 }
 
 template <std::size_t size>
@@ -45,81 +37,22 @@ void assign(Field &field, Value value)
     field = static_cast<Field>(value);
 }
 
-void setTime(input_event &record, const timespec &time)
-{
-    assign(record.input_event_sec, time.tv_sec);
-    assign(record.input_event_usec, time.tv_nsec / 1000);
-}
-
 } // namespace
 
-void Client::setReadable(bool readable)
+SimulatedDevice::SimulatedDevice()
 {
-    if (readable == isReadable)
-        return;
-    isReadable = readable;
-    eventfd_t value = 1;
-    if (readable)
-        eventfd_write(fd, value);
-    else
-        Real::read(fd, &value, sizeof(value));
-}
-
-AutoRepeat::AutoRepeat(std::function<int()> tick)
-    : m_tick(std::move(tick))
-{ }
-
-AutoRepeat::~AutoRepeat() = default;
-
-void AutoRepeat::start(int milliseconds)
-{
-    const auto onOwnThread = [this, milliseconds] {
-        if (!m_timer) {
-            m_timer = std::make_unique<QTimer>();
-            m_timer->setSingleShot(true);
-            m_timer->setTimerType(Qt::PreciseTimer);
-            QObject::connect(m_timer.get(), &QTimer::timeout, this, [this] {
-                const int next = m_tick();
-                if (next > 0)
-                    m_timer->start(next);
-            });
-        }
-        m_timer->start(milliseconds);
-    };
-    QMetaObject::invokeMethod(this, onOwnThread);
-}
-
-void AutoRepeat::stop()
-{
-    const auto onOwnThread = [this] {
-        if (m_timer)
-            m_timer->stop();
-    };
-    QMetaObject::invokeMethod(this, onOwnThread);
-}
-
-SimulatedDevice::SimulatedDevice(const DeviceDescription &description)
-    : id(description.id)
-{
-    if (!description.name.isNull())
-        name = description.name;
-    add(declaredKeys, description.keys);
-    add(declaredKeys, description.keysHeld);
-    add(keys, description.keysHeld);
-    add(declaredSwitches, description.switches);
-    add(declaredSwitches, description.switchesOn);
-    add(switches, description.switchesOn);
-    add(types, description.eventTypes);
     types.set(EV_SYN);
-    if (declaredKeys.any())
-        types.set(EV_KEY);
-    if (declaredSwitches.any())
-        types.set(EV_SW);
-    if (description.autoRepeat) {
-        types.set(EV_REP);
-        repeat[REP_DELAY] = defaultDelay;
-        repeat[REP_PERIOD] = defaultPeriod;
-    }
+}
+
+void SimulatedDevice::enableAutoRepeat(std::mutex &lock)
+{
+    types.set(EV_REP);
+    repeat[REP_DELAY] = defaultDelay;
+    repeat[REP_PERIOD] = defaultPeriod;
+    m_autoRepeat = std::make_unique<AutoRepeat>([this, &lock] {
+        const std::lock_guard<std::mutex> guard(lock);
+        return repeatKey();
+    });
 }
 
 bool SimulatedDevice::handle(int type, int code, int value)
@@ -132,7 +65,8 @@ bool SimulatedDevice::handle(int type, int code, int value)
     case EV_SYN:
         break;
     case EV_KEY:
-        // Repeats pass by the key's state, as they do from a driver that makes its own.
+        // Repeats ignore the state of the key: a driver with an auto-repeat of its own may send
+        // them at any time.
         isAccepted =
             value == 2 ? contains(declaredKeys, code) : change(keys, declaredKeys, code, value);
         break;
@@ -178,7 +112,7 @@ void SimulatedDevice::flush(int value)
         for (Client *client : clients)
             appendTo(*client, wallClock);
     }
-    if (autoRepeat)
+    if (m_autoRepeat)
         startOrStopRepeating();
     m_packet.clear();
 }
@@ -189,9 +123,9 @@ void SimulatedDevice::disconnect()
         if (keys.test(code))
             handle(EV_KEY, static_cast<int>(code), 0);
     }
-    flush(1);
+    flush(syntheticReport);
     isPresent = false;
-    autoRepeat.reset();
+    m_autoRepeat.reset();
     for (Client *client : clients)
         client->setReadable(true);
 }
@@ -216,24 +150,20 @@ void SimulatedDevice::deliver(const input_event &record)
     }
 }
 
-void SimulatedDevice::appendDropped(Client &client) const
-{
-    timespec now = {};
-    ::clock_gettime(client.clock, &now);
-    input_event record = {};
-    record.type = EV_SYN;
-    record.code = SYN_DROPPED;
-    setTime(record, now);
-    client.queue.append(record);
-}
-
+// The auto-repeat, with the delay and the period of EVIOCSREP:
+//
+//   A down       delay   period   B down       delay   period   A up
+//   ├────────────┬───────┬────────┬────────────┬───────┬────────┤
+//   [A 1]        [A 2]   [A 2]    [B 1]        [B 2]   [B 2]    [A 0], and no more repeats
+//
+// The last key that went down is repeated, and the release of any key ends that, B's hold included.
+// The timer runs on when EVIOCSREP switches the repeat off, so one more repeat follows.
 int SimulatedDevice::repeatKey()
 {
     if (!isPresent || !m_repeatedKey || !contains(keys, *m_repeatedKey))
         return 0;
-    // The kernel marks the reports that it makes up itself with a 1.
     handle(EV_KEY, *m_repeatedKey, 2);
-    flush(1);
+    flush(syntheticReport);
     return static_cast<int>(repeat[REP_PERIOD]);
 }
 
@@ -243,12 +173,12 @@ void SimulatedDevice::startOrStopRepeating()
         if (record.type != EV_KEY || record.value == 2)
             continue;
         if (record.value == 0) {
-            // Any key's release ends it, not only that of the repeated key.
+            // The release of any key ends it, not just that of the repeated one.
             m_repeatedKey.reset();
-            autoRepeat->stop();
+            m_autoRepeat->stop();
         } else if (repeat[REP_DELAY] != 0 && repeat[REP_PERIOD] != 0) {
             m_repeatedKey = record.code;
-            autoRepeat->start(static_cast<int>(repeat[REP_DELAY]));
+            m_autoRepeat->start(static_cast<int>(repeat[REP_DELAY]));
         }
     }
 }

@@ -118,17 +118,14 @@ namespace Vorn::Sim {
 
 const char *missingStatusFunction()
 {
-    using Stat = int (*)(const char *, struct stat *);
-    using Stat64 = int (*)(const char *, struct stat64 *);
-    using Statx = int (*)(int, const char *, int, unsigned int, struct statx *);
     return firstMissing({
-        {"stat", reinterpret_cast<void *>(static_cast<Stat>(&::stat))},
+        {"stat", reinterpret_cast<void *>(&::stat)},
         {"lstat", reinterpret_cast<void *>(&::lstat)},
         {"fstat", reinterpret_cast<void *>(&::fstat)},
-        {"stat64", reinterpret_cast<void *>(static_cast<Stat64>(&::stat64))},
+        {"stat64", reinterpret_cast<void *>(&::stat64)},
         {"lstat64", reinterpret_cast<void *>(&::lstat64)},
         {"fstat64", reinterpret_cast<void *>(&::fstat64)},
-        {"statx", reinterpret_cast<void *>(static_cast<Statx>(&::statx))},
+        {"statx", reinterpret_cast<void *>(&::statx)},
     });
 }
 

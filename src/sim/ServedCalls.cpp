@@ -1,0 +1,171 @@
+#include "ServedCalls.h"
+
+#include "CallLog.h"
+#include "Client.h"
+#include "ClientTable.h"
+#include "InputDirectory.h"
+#include "IoctlRequests.h"
+#include "NodeMap.h"
+#include "NodePath.h"
+#include "NodeState.h"
+#include "RealCalls.h"
+#include "SimulatedDevice.h"
+#include "SystemCall.h"
+
+#include <linux/ioctl.h>
+
+#include <cerrno>
+#include <memory>
+
+namespace Vorn::Sim {
+
+namespace {
+
+using Lock = std::unique_lock<std::mutex>;
+
+// Ends a served call: 0 and above are results, negative values are error numbers.
+template <typename Result>
+Result finish(long outcome)
+{
+    if (outcome >= 0)
+        return static_cast<Result>(outcome);
+    errno = static_cast<int>(-outcome);
+    return -1;
+}
+
+// Without the directory its nodes cannot be reached, though whoever has them open goes on reading.
+NodeState *visibleNode(const ServedCalls::Tables &tables, const char *path)
+{
+    return tables.directory.exists() ? tables.nodes.findPlugged(path) : nullptr;
+}
+
+long outcomeOf(Client &client, unsigned long request, void *argument)
+{
+    auto &failures = client.node->ioctlFailures;
+    const auto failure = failures.find(withoutSize(request));
+    if (failure != failures.end()) {
+        if (const int error = failure->second.next())
+            return -error;
+    }
+    return client.device->isPresent ? answerRequest(client, request, argument) : -ENODEV;
+}
+
+} // namespace
+
+ServedCalls::ServedCalls(const Tables &tables)
+    : m_tables(tables)
+{ }
+
+void ServedCalls::translate(const char *path, char *buffer, std::size_t size) const
+{
+    m_tables.directory.translate(path, buffer, size);
+}
+
+bool ServedCalls::open(const char *path, int flags, mode_t mode, int &result)
+{
+    Lock lock(m_tables.lock);
+    NodeState *node = visibleNode(m_tables, path);
+    long outcome = 0;
+    if (node) {
+        outcome = m_tables.clients.open(*node, flags);
+    } else {
+        const int fd = Real::open(m_tables.directory.realPath(path), flags, mode);
+        outcome = fd < 0 ? -errno : fd;
+    }
+    if (isBelowInputFolder(path)) {
+        if (SystemCall *call = m_tables.log.add(SystemCall::Kind::Open, outcome)) {
+            call->path = node ? node->path : QByteArray(path);
+            call->openFlags = flags;
+            call->fd = outcome < 0 ? -1 : static_cast<int>(outcome);
+        }
+    }
+    lock.unlock();
+    result = finish<int>(outcome);
+    return true;
+}
+
+bool ServedCalls::read(int fd, void *buffer, std::size_t size, ssize_t &result)
+{
+    Lock lock(m_tables.lock);
+    const std::shared_ptr<Client> client = m_tables.clients.find(fd);
+    if (!client)
+        return false;
+    const long outcome = client->read(lock, buffer, size);
+    if (SystemCall *call = m_tables.log.add(SystemCall::Kind::Read, outcome)) {
+        call->path = client->node->path;
+        call->fd = fd;
+        call->size = size;
+    }
+    lock.unlock();
+    result = finish<ssize_t>(outcome);
+    return true;
+}
+
+bool ServedCalls::ioctl(int fd, unsigned long request, void *argument, int &result)
+{
+    if (isForDescriptor(request))
+        return false;
+
+    Lock lock(m_tables.lock);
+    const std::shared_ptr<Client> client = m_tables.clients.find(fd);
+    if (!client)
+        return false;
+    const long outcome = outcomeOf(*client, request, argument);
+    // Asking for a state may have emptied the queue.
+    client->updateReadable();
+    if (SystemCall *call = m_tables.log.add(SystemCall::Kind::Ioctl, outcome)) {
+        call->path = client->node->path;
+        call->fd = fd;
+        call->request = request;
+        call->size = _IOC_SIZE(request);
+    }
+    lock.unlock();
+    result = finish<int>(outcome);
+    return true;
+}
+
+bool ServedCalls::close(int fd, int &result)
+{
+    const Lock lock(m_tables.lock);
+    const std::shared_ptr<Client> client = m_tables.clients.find(fd);
+    if (!client)
+        return false;
+    result = m_tables.clients.close(*client);
+    if (SystemCall *call = m_tables.log.add(SystemCall::Kind::Close, result)) {
+        call->path = client->node->path;
+        call->fd = fd;
+    }
+    return true;
+}
+
+bool ServedCalls::access(const char *path, int mode, int &result)
+{
+    const Lock lock(m_tables.lock);
+    if (const NodeState *node = visibleNode(m_tables, path))
+        result = finish<int>(node->allows(mode) ? 0 : -EACCES);
+    else
+        result = Real::access(m_tables.directory.realPath(path), mode);
+    return true;
+}
+
+bool ServedCalls::attributes(const char *path, Attributes &result)
+{
+    const Lock lock(m_tables.lock);
+    const NodeState *node = visibleNode(m_tables, path);
+    if (!node)
+        return false;
+    result = {node->mode, node->minorNumber()};
+    return true;
+}
+
+bool ServedCalls::attributes(int fd, Attributes &result)
+{
+    const Lock lock(m_tables.lock);
+    const std::shared_ptr<Client> client = m_tables.clients.find(fd);
+    if (!client)
+        return false;
+    result = {client->node->mode, client->node->minorNumber()};
+    return true;
+}
+
+} // namespace Vorn::Sim

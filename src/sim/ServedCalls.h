@@ -1,0 +1,49 @@
+#ifndef VORN_SIM_SERVEDCALLS_H
+#define VORN_SIM_SERVEDCALLS_H
+
+#include "FileCalls.h"
+
+#include <cstddef>
+#include <mutex>
+
+#include <sys/types.h>
+
+namespace Vorn::Sim {
+
+class CallLog;
+class ClientTable;
+class InputDirectory;
+class NodeMap;
+
+/// Serves the process's calls from the tables of a subsystem, and logs them.
+class ServedCalls : public FileCalls
+{
+public:
+    /// What the calls are served from, all guarded by @p lock.
+    struct Tables
+    {
+        std::mutex &lock;
+        const InputDirectory &directory;
+        NodeMap &nodes;
+        ClientTable &clients;
+        CallLog &log;
+    };
+
+    explicit ServedCalls(const Tables &tables);
+
+    void translate(const char *path, char *buffer, std::size_t size) const override;
+    bool open(const char *path, int flags, mode_t mode, int &result) override;
+    bool read(int fd, void *buffer, std::size_t size, ssize_t &result) override;
+    bool ioctl(int fd, unsigned long request, void *argument, int &result) override;
+    bool close(int fd, int &result) override;
+    bool access(const char *path, int mode, int &result) override;
+    bool attributes(const char *path, Attributes &result) override;
+    bool attributes(int fd, Attributes &result) override;
+
+private:
+    const Tables m_tables;
+};
+
+} // namespace Vorn::Sim
+
+#endif

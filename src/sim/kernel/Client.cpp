@@ -1,0 +1,101 @@
+#include "Client.h"
+
+#include "NodeState.h"
+#include "RealCalls.h"
+#include "RecordTime.h"
+#include "SimulatedDevice.h"
+
+#include <linux/input.h>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+
+namespace Vorn::Sim {
+
+// What a read returns, and whether the descriptor is readable:
+//
+//            records            last record      device      last record
+//            queued             read             unplugged   read
+//   ─────────┬──────────────────┬────────────────┬───────────┬──────────────
+//   EAGAIN   │ records          │ EAGAIN         │ records   │ ENODEV
+//   (waits)  │                  │ (waits)        │           │ for good
+//   ─────────┴──────────────────┴────────────────┴───────────┴──────────────
+//   no       │ yes              │ no             │ yes       │ yes
+//
+// Unplugging queues the releases of held keys; with none held, ENODEV follows at once.
+
+void Client::setReadable(bool readable)
+{
+    if (readable == isReadable)
+        return;
+    isReadable = readable;
+    eventfd_t value = 1;
+    if (readable)
+        eventfd_write(fd, value);
+    else
+        Real::read(fd, &value, sizeof(value));
+}
+
+void Client::updateReadable()
+{
+    setReadable(!queue.isEmpty() || node->readError != 0 || !device->isPresent);
+}
+
+long Client::read(std::unique_lock<std::mutex> &lock, void *buffer, std::size_t size)
+{
+    if (size != 0 && size < sizeof(input_event))
+        return -EINVAL;
+    for (;;) {
+        // Another thread may have closed the descriptor during the wait below.
+        if (!isOpen)
+            return -EBADF;
+        if (!queue.isEmpty()) {
+            const long outcome = size == 0 ? 0 : queue.take(buffer, size);
+            updateReadable();
+            return outcome;
+        }
+        if (node->readError != 0)
+            return -node->readError;
+        if (!device->isPresent)
+            return -ENODEV;
+        if ((::fcntl(fd, F_GETFL) & O_NONBLOCK) != 0)
+            return -EAGAIN;
+        if (size == 0)
+            return 0;
+        pollfd descriptor = {fd, POLLIN, 0};
+        lock.unlock();
+        const int result = Real::ppoll(&descriptor, 1, nullptr, nullptr);
+        const int error = errno;
+        lock.lock();
+        if (result < 0)
+            return -error;
+    }
+}
+
+//   EVIOCSCLOCKID, another clock
+//   ├── queue empty ──────> nothing to correct
+//   └── records queued ───> [SYN_DROPPED] takes their place; the reader asks for the state
+//
+// The queued records are stamped with the old clock, so the kernel drops them.
+void Client::setClock(clockid_t id)
+{
+    if (id == clock)
+        return;
+    clock = id;
+    if (queue.isEmpty())
+        return;
+
+    queue.clear();
+    timespec now = {};
+    ::clock_gettime(clock, &now);
+    input_event record = {};
+    record.type = EV_SYN;
+    record.code = SYN_DROPPED;
+    setTime(record, now);
+    queue.append(record);
+}
+
+} // namespace Vorn::Sim
