@@ -30,9 +30,13 @@ install(FILES
     "${PROJECT_BINARY_DIR}/src/lib/vorn_input_export.h"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/input")
 if(TARGET vorn_sim)
-    install(DIRECTORY "${PROJECT_SOURCE_DIR}/src/sim/"
-        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/sim"
-        FILES_MATCHING PATTERN "*.h")
+    install(FILES
+        "${PROJECT_SOURCE_DIR}/src/sim/DeviceDescription.h"
+        "${PROJECT_SOURCE_DIR}/src/sim/InputNode.h"
+        "${PROJECT_SOURCE_DIR}/src/sim/InputSubsystem.h"
+        "${PROJECT_SOURCE_DIR}/src/sim/SystemCall.h"
+        "${PROJECT_SOURCE_DIR}/src/sim/VirtualClock.h"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/sim")
 endif()
 
 configure_package_config_file(
