@@ -24,6 +24,7 @@ bool handleAndFlush(NodeState &node, int type, int code, int value)
     if (!node.device)
         return false;
     const bool isAccepted = node.device->handle(type, code, value);
+    // Also for a refused event: drivers end a packet without knowing what the kernel kept of it.
     node.device->flush();
     return isAccepted;
 }
@@ -168,6 +169,7 @@ void InputNode::failIoctl(unsigned long request, int error, int times, int after
 void InputNode::failRead(int error, int times)
 {
     const Lock lock(m_state->lock);
+    // Forever is negative, so nothing is queued for it below.
     if (times == Forever)
         m_state->readError = error;
     for (Client *client : m_state->clients) {

@@ -38,7 +38,7 @@ InputNode &InputSubsystem::plug(int number, const DeviceDescription &description
     if (m_state->directory.exists())
         m_state->directory.addNode(node.path, node.mode);
     else if (m_state->kind == Directory::ComesAndGoes)
-        m_state->createDirectory();
+        m_state->createDirectory(); // with this node in it
     return m_state->handle(number);
 }
 
@@ -49,6 +49,7 @@ void InputSubsystem::unplug(int number, Unread unread)
     node.device->disconnect();
     if (unread == Unread::Lost)
         node.device->dropUnread();
+    // Its clients keep it, to read what is left.
     node.device.reset();
     if (!m_state->directory.exists())
         return;
@@ -62,6 +63,7 @@ InputNode &InputSubsystem::replace(int number, const DeviceDescription &descript
     const Lock lock(m_state->lock);
     NodeState &node = m_state->nodes.pluggedNode(number);
     node.device->disconnect();
+    // Nothing is done to the file of the node, so watchers see nothing.
     node.device = makeDevice(description, m_state->lock);
     return m_state->handle(number);
 }

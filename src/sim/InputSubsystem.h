@@ -17,26 +17,27 @@ namespace Vorn::Sim {
 
 class SubsystemState;
 
-/// The Linux input subsystem inside a process: /dev/input with devices that exist only for this
-/// process, for tests, tools and benchmarks of code that reads evdev nodes.
+/// The Linux input subsystem inside a process: a /dev/input whose devices only this process sees,
+/// for tests, tools and benchmarks of code that reads evdev nodes.
 ///
-/// While it is alive, the process's own `open`, `read`, `ioctl`, `close`, `stat`, `access`,
-/// `inotify_add_watch` … are served by it where they concern /dev, /dev/input and everything below
-/// /dev/input; no other path (/dev/null) is touched. The code under test, Qt included, runs
-/// unmodified. The directories are real ones in a temporary folder, so that inotify and
-/// `QFileSystemWatcher` see every change. /dev/input exists and is empty at the start.
+/// While it exists, it serves the process's own calls of `open`, `read`, `ioctl`, `close`, `stat`,
+/// `access`, `inotify_add_watch` and so on for /dev, /dev/input and everything below /dev/input.
+/// Other paths, such as /dev/null, are left alone. The code under test runs unmodified, and so does
+/// Qt. The directories are real ones in a temporary folder, so inotify and `QFileSystemWatcher` see
+/// every change. At the start, /dev/input exists and is empty.
 ///
-/// An executable gets all that by linking `vorn::sim`. The constructor checks that the calls
-/// really arrive here and ends the process (`qFatal`) if they do not.
+/// Linking `vorn::sim` is all that an executable has to do. The constructor checks that the calls
+/// really get here, and ends the process (`qFatal`) if they do not.
 ///
-/// **Limits**: duplicated descriptors (`dup`), `write` to a node, `epoll`'s hang-up flags, calls
-/// that bypass the C library's dynamic symbols (`fopen`, `std::ifstream`, raw system calls) and
-/// paths that are relative, unnormalised or reached through links are not simulated. Queues have
-/// no limit: a reader that is too slow sees no `SYN_DROPPED` but those that are sent.
+/// **Limits**: not simulated are duplicated descriptors (`dup`), `write` to a node, `epoll`'s
+/// hang-up flags, calls that bypass the C library's dynamic symbols (`fopen`, `std::ifstream`, raw
+/// system calls), and paths that are relative, not normalised or reached through links. Queues are
+/// unlimited: a slow reader sees `SYN_DROPPED` only if a test sends it or the reader changes its
+/// clock.
 ///
-/// **Thread**: to be used on one thread, but for what InputNode allows on others. One at a time
-/// per process; a second one is fatal. Close all descriptors of nodes before it goes: those left
-/// open are named in a warning and read nothing any more.
+/// **Thread**: use it on one thread, except for what InputNode allows on others. Only one may exist
+/// per process; a second one is fatal. Close all descriptors of nodes before destroying it: those
+/// left open are reported in a warning and deliver nothing from then on.
 ///
 /// @code
 /// InputSubsystem subsystem;
@@ -47,20 +48,20 @@ class SubsystemState;
 class InputSubsystem
 {
 public:
-    /// What becomes of /dev/input itself.
+    /// When /dev/input itself exists.
     enum class Directory {
-        /// Stays when it is empty.
+        /// Even while it is empty.
         Persistent,
-        /// Goes with its last node and comes with the next, as with devtmpfs. Missing at start.
+        /// Only while it has nodes, as with devtmpfs. Missing at the start.
         ComesAndGoes,
     };
 
-    /// What becomes of records that are unread when their device goes.
+    /// What happens to records that are unread when their device is unplugged.
     enum class Unread {
-        /// They are read first, as when the reader is quicker than the unplugging.
+        /// They can still be read, as when the reader is faster than the kernel.
         Delivered,
-        /// They are lost, and with them the releases of held keys. A kernel does so whenever it is
-        /// the quicker one, so a product has to live with either.
+        /// They are lost, including the releases of held keys. This is what happens when the
+        /// kernel is faster, so a product has to cope with both.
         Lost,
     };
 
@@ -69,44 +70,44 @@ public:
     InputSubsystem(const InputSubsystem &) = delete;
     InputSubsystem &operator=(const InputSubsystem &) = delete;
 
-    /// Plugs a device in: makes /dev/input/event@p number. Fatal if one is plugged there. While
-    /// /dev/input is removed the node comes into being with createInputDirectory().
+    /// Plugs a device in: creates /dev/input/event@p number. Fatal if there is one already. While
+    /// /dev/input is removed, the node only appears with createInputDirectory().
     InputNode &plug(int number, const DeviceDescription &description);
 
-    /// Unplugs the device: its held keys are released for whoever reads, the node goes, and its
-    /// descriptors fail with `ENODEV` from then on (`read` after what is @p unread, unless that is
-    /// lost). They stay readable. Fatal if none is plugged there.
+    /// Unplugs the device: releases its held keys for the readers, removes the node, and makes its
+    /// descriptors fail with `ENODEV` from then on (`read` only after what is @p unread, unless
+    /// that is lost). They stay readable. Fatal if no device is plugged in there.
     void unplug(int number, Unread unread = Unread::Delivered);
 
-    /// Unplugs the device and plugs in another, with no change to the directory that a watcher
-    /// could see, as between two scans. The node keeps its access bits.
+    /// Unplugs the device and plugs in another without a change that a watcher of the directory
+    /// could see, as if both happened between two scans. The node keeps its access bits.
     InputNode &replace(int number, const DeviceDescription &description);
 
-    /// The node of @p number, plugged or not; 0 and above.
+    /// The node of @p number, which is not negative, with or without a device.
     InputNode &node(int number);
 
-    /// Changes the node's access bits, which watchers see as a change of attributes. Without a
-    /// read bit it cannot be opened, not even by root; descriptors open by then stay as they are.
+    /// Changes the node's access bits; watchers see a change of attributes. Without a read bit it
+    /// cannot be opened, not even by root. Descriptors that are open already are not affected.
     void setPermissions(int number, mode_t mode);
 
-    /// Removes /dev/input and all nodes in it. The devices stay plugged and whoever reads them
-    /// goes on. Nothing if it is missing.
+    /// Removes /dev/input and all nodes in it. The devices stay plugged in, and open descriptors
+    /// keep working. Does nothing if it is missing.
     void removeInputDirectory();
 
-    /// Makes /dev/input again, with the nodes of all plugged devices. Nothing if it exists.
+    /// Creates /dev/input again, with the nodes of all plugged devices. Does nothing if it exists.
     void createInputDirectory();
 
     bool inputDirectoryExists() const;
 
-    /// The folder that stands for /dev.
+    /// The temporary folder that stands in for /dev.
     QString folder() const;
 
-    /// Descriptors that are open on all nodes together.
+    /// How many descriptors are open, on all nodes together.
     int openDescriptors() const;
 
-    /// @name What was called
+    /// @name Calls that were made
     /// @{
-    /// Whether calls are recorded; on at start. Turn it off where many are made.
+    /// Switches the recording of calls, which is on at the start. Turn it off for long runs.
     void setRecording(bool on);
 
     /// All recorded calls, oldest first.
@@ -118,7 +119,7 @@ public:
     /// Forgets the recorded calls; the counts stay.
     void clearSystemCalls();
 
-    /// How many calls were made since the start, on all nodes together.
+    /// How many calls were made so far, on all nodes together.
     CallCounts callCounts() const;
     /// @}
 

@@ -41,6 +41,7 @@ NodeState *visibleNode(const ServedCalls::Tables &tables, const char *path)
 
 long outcomeOf(Client &client, unsigned long request, void *argument)
 {
+    // Scripted failures come first: they stand for a driver that is in trouble, whatever is asked.
     auto &failures = client.node->ioctlFailures;
     const auto failure = failures.find(withoutSize(request));
     if (failure != failures.end()) {
@@ -69,6 +70,7 @@ bool ServedCalls::open(const char *path, int flags, mode_t mode, int &result)
     if (node) {
         outcome = m_tables.clients.open(*node, flags);
     } else {
+        // Fails as it should, unless it is one of the directories.
         const int fd = Real::open(m_tables.directory.realPath(path), flags, mode);
         outcome = fd < 0 ? -errno : fd;
     }
@@ -87,6 +89,7 @@ bool ServedCalls::open(const char *path, int flags, mode_t mode, int &result)
 bool ServedCalls::read(int fd, void *buffer, std::size_t size, ssize_t &result)
 {
     Lock lock(m_tables.lock);
+    // Shared, because another thread may close the descriptor while this one waits.
     const std::shared_ptr<Client> client = m_tables.clients.find(fd);
     if (!client)
         return false;

@@ -8,10 +8,10 @@
 
 namespace Vorn::Sim {
 
-/// One system call that was made on a node below /dev/input, as its caller saw it.
+/// One system call on a node in /dev/input, as its caller saw it.
 ///
-/// An `open` is recorded for every path below /dev/input, whether or not a device is plugged there;
-/// the other calls for the descriptors of simulated devices.
+/// `open` is recorded for every path below /dev/input, whether or not a device is plugged in there;
+/// the other calls only for descriptors of simulated devices.
 struct SystemCall
 {
     enum class Kind {
@@ -22,13 +22,13 @@ struct SystemCall
     };
 
     Kind kind = Kind::Open;
-    /// Path that was opened, e.g. "/dev/input/event0".
+    /// The path that was opened, e.g. "/dev/input/event0".
     QByteArray path;
-    /// Descriptor; -1 for an `open` that failed.
+    /// The descriptor; -1 for an `open` that failed.
     int fd = -1;
-    /// `ioctl` only: the request, its size included.
+    /// `ioctl` only: the request, including its size.
     unsigned long request = 0;
-    /// `read`: the size of the caller's buffer. `ioctl`: the size that the request carries.
+    /// `read`: the size of the caller's buffer. `ioctl`: the size encoded in the request.
     std::size_t size = 0;
     /// What the call returned.
     long result = 0;
@@ -38,7 +38,7 @@ struct SystemCall
     int openFlags = 0;
 };
 
-/// How often each call was made. Counted whether or not calls are recorded.
+/// How often each call was made, whether or not calls are recorded.
 struct CallCounts
 {
     quint64 opens = 0;

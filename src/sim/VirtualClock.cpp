@@ -9,9 +9,12 @@
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QEvent>
+#include <QEventLoop>
 #include <QThread>
 
 #include <atomic>
+#include <ctime>
+
 #include <dlfcn.h>
 #include <pthread.h>
 
@@ -21,11 +24,11 @@ namespace {
 
 using Nanoseconds = std::chrono::nanoseconds;
 
-// Low, so that a deadline that leaks into the kernel has passed there rather than never comes.
-// Between two milliseconds, as nearly always in reality: Qt waits a millisecond too long for a
-// timer that is due on a full one.
+// Low, so that a deadline that leaks into the kernel is in the past there, not years ahead. Between
+// two milliseconds, as real clocks nearly always are: Qt waits a millisecond too long for a timer
+// that is due on a whole one.
 constexpr Nanoseconds monotonicStart = std::chrono::microseconds(10'000'500);
-// So many polls in a row that time stands still: something keeps the loop busy for good.
+// After so many polls in a row without time moving, something keeps the loop busy forever.
 constexpr int busyLimit = 1'000'000;
 
 constexpr Nanoseconds toNanoseconds(const timespec &time)
@@ -35,7 +38,7 @@ constexpr Nanoseconds toNanoseconds(const timespec &time)
 
 timespec toTimespec(Nanoseconds time)
 {
-    // Rounded down, also before the epoch.
+    // Rounds down, even before the epoch.
     auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
     if (seconds > time)
         seconds -= std::chrono::seconds(1);
@@ -47,14 +50,14 @@ timespec toTimespec(Nanoseconds time)
 
 constexpr Nanoseconds qtRounding = std::chrono::milliseconds(1);
 
-// The start of the library that an address is in.
+// The start of the library that contains an address.
 const void *libraryOf(const void *address)
 {
     Dl_info info = {};
     return address && dladdr(address, &info) != 0 ? info.dli_fbase : nullptr;
 }
 
-// Whether a poll is made by an event dispatcher: those of Qt are in Qt's own library or in GLib.
+// Whether a poll comes from an event dispatcher: Qt's dispatchers poll in Qt's library or in GLib.
 bool isDispatcher(const void *caller)
 {
     static const void *const qt = libraryOf(dlsym(RTLD_DEFAULT, "qVersion"));
@@ -63,7 +66,7 @@ bool isDispatcher(const void *caller)
     return library && (library == qt || library == glib);
 }
 
-// A piece of virtual time that is being run through.
+// A call of advance() or waitUntil() in progress.
 struct Run
 {
     Nanoseconds target;
@@ -97,6 +100,15 @@ public:
         }
     }
 
+    // What becomes of a poll on the clock's thread:
+    //
+    //   something ready, or timeout 0 ──> return at once
+    //   nothing ready, and advance() or waitUntil() in progress
+    //   ├── timeout before its end ─────> time jumps to the timeout: a timer is due
+    //   └── later, or no timeout ───────> time jumps to its end, which ends it
+    //   nothing ready, in another event loop
+    //   ├── timeout ────────────────────> time jumps to the timeout: a timer is due
+    //   └── no timeout ─────────────────> really wait: only another thread can end it
     bool poll(const Poll &call, int &result) override
     {
         if (!pthread_equal(pthread_self(), m_thread))
@@ -112,23 +124,7 @@ public:
             return true;
         }
 
-        const bool isRunning = m_run && !m_run->isFinished;
-        if (!call.timeout) {
-            if (isRunning) {
-                result = finishRun(call);
-            } else {
-                result = Real::ppoll(call.fds, call.count, nullptr, call.mask);
-                ++m_wakeUps;
-            }
-            return true;
-        }
-        const Nanoseconds end = elapsed() + waitOf(call);
-        if (isRunning && end > m_run->target) {
-            result = finishRun(call);
-        } else {
-            moveTo(end);
-            ++m_wakeUps;
-        }
+        result = wait(call);
         return true;
     }
 
@@ -144,8 +140,8 @@ public:
         m_busy = 0;
         bool holds = condition && condition();
         while (!holds && !run.isFinished) {
-            // No loop runs around a test, so that what the test itself deletes later would wait
-            // for one.
+            // A test runs outside any event loop, where what it deletes with deleteLater() would
+            // never be deleted.
             if (QThread::currentThread()->loopLevel() == 0)
                 QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
             dispatcher->processEvents(QEventLoop::WaitForMoreEvents);
@@ -164,13 +160,31 @@ public:
     quint64 wakeUps() const { return m_wakeUps; }
 
 private:
-    // Qt rounds the time to the next timer up to the next whole millisecond after it, so that with
-    // a clock of whole milliseconds each timer would be one too late. A dispatcher that is woken
-    // too early just looks again.
+    // Qt rounds the wait for a timer up past the next whole millisecond; since virtual time only
+    // moves by these waits, every timer would be a millisecond late. A dispatcher that wakes too
+    // early just polls again.
     static Nanoseconds waitOf(const Poll &call)
     {
         const Nanoseconds wait = toNanoseconds(*call.timeout);
         return wait > qtRounding && isDispatcher(call.caller) ? wait - qtRounding : wait;
+    }
+
+    int wait(const Poll &call)
+    {
+        const bool isRunning = m_run && !m_run->isFinished;
+        if (!call.timeout && !isRunning) {
+            const int result = Real::ppoll(call.fds, call.count, nullptr, call.mask);
+            ++m_wakeUps;
+            return result;
+        }
+        if (!call.timeout)
+            return finishRun(call);
+        const Nanoseconds end = elapsed() + waitOf(call);
+        if (isRunning && end > m_run->target)
+            return finishRun(call);
+        moveTo(end);
+        ++m_wakeUps;
+        return 0;
     }
 
     void moveTo(Nanoseconds time)
@@ -179,14 +193,14 @@ private:
         m_busy = 0;
     }
 
-    // Returns what the poll at which it ends is to return.
+    // Ends the run at this poll, and returns the result of the poll.
     int finishRun(const Poll &call)
     {
         if (m_run->target > elapsed())
             moveTo(m_run->target);
         m_run->isFinished = true;
-        // GLib's dispatcher goes on waiting until it had something to dispatch; and unless it sees
-        // that it was woken, the next wait would be the one that is.
+        // GLib's dispatcher polls again until it has dispatched something, so it must be woken; and
+        // it must see that in this poll, or the wake-up would end the next run's first wait.
         QAbstractEventDispatcher *dispatcher = QAbstractEventDispatcher::instance();
         if (!dispatcher || !dispatcher->inherits("QEventDispatcherGlib"))
             return 0;
@@ -229,7 +243,7 @@ VirtualClock::VirtualClock(qint64 msecsSinceEpoch)
     QElapsedTimer timer;
     timer.start();
     if (QDateTime::currentMSecsSinceEpoch() != msecsSinceEpoch || timer.nsecsElapsed() != 0)
-        qFatal("VirtualClock: Qt's clocks do not arrive at the virtual one");
+        qFatal("VirtualClock: Qt's clocks do not use the virtual one");
 }
 
 VirtualClock::~VirtualClock()

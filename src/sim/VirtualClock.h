@@ -12,29 +12,29 @@ namespace Vorn::Sim {
 /// Makes the process's clocks virtual: they stand still until they are moved, and waiting takes no
 /// time.
 ///
-/// While one is alive, `clock_gettime` (wall clock, monotonic clocks, time since boot),
-/// `gettimeofday` and `time` return virtual time, and with them `QDateTime`, `QElapsedTimer`,
-/// `QTimer`, `std::chrono` and the stamps of simulated records. Qt's event dispatchers run
-/// unmodified on it: where they would wait for the next timer, time jumps to that timer. A key held
-/// for 10 seconds is tested in a millisecond, and with the same result each time.
+/// While it exists, `clock_gettime` (wall clock, monotonic clocks, time since boot), `gettimeofday`
+/// and `time` return virtual time, and so do `QDateTime`, `QElapsedTimer`, `QTimer`, `std::chrono`
+/// and the stamps of simulated records. Qt's event dispatchers run on it unmodified: instead of
+/// waiting for the next timer, time jumps to it. Testing a key that is held for 10 seconds takes a
+/// millisecond, with the same result each time.
 ///
-/// Time moves within advance() and waitUntil(), and also in an event loop that is run by other
-/// means (`QEventLoop::exec()`, `QSignalSpy::wait()`); with no timer running, such a loop really
-/// waits for a descriptor or another thread.
+/// Time moves in advance() and waitUntil(), and also in an event loop that is run by other means
+/// (`QEventLoop::exec()`, `QSignalSpy::wait()`). If no timer is running, such a loop really waits
+/// for a descriptor or another thread.
 ///
-/// Construct it before the objects whose timers are to run on it: timers that are running as the
-/// clock comes or goes expire at arbitrary times.
+/// Construct it before the objects whose timers it is to drive: timers that are running when the
+/// clock is constructed or destroyed expire at arbitrary times.
 ///
-/// **What else is seen**: test durations of the test framework and the stamps of log lines are
-/// virtual, too. Coarse timers, Qt's default, stay within 5 % as ever, but always the same, since
-/// the monotonic clock starts at 10 s each time.
+/// **Side effects**: the durations that the test framework reports and the stamps of log lines are
+/// virtual, too. Coarse timers, Qt's default, are within 5 % as usual, but always expire at the
+/// same times, because the monotonic clock always starts at 10 s.
 ///
-/// **What is not virtual**: sleeping (`QThread::msleep`), waiting for another thread with a timeout
-/// (`QThread::wait`, `QWaitCondition`, `std::condition_variable`: their deadlines make no sense
+/// **Not virtual**: sleeping (`QThread::msleep`), waiting for another thread with a timeout
+/// (`QThread::wait`, `QWaitCondition`, `std::condition_variable`: their deadlines are meaningless
 /// while the clock is virtual), `timerfd`, and `poll` on other threads.
 ///
-/// **Thread**: one at a time per process, a second one is fatal. Constructed, moved and destroyed
-/// on the thread whose event loop it drives; every thread reads the virtual time. The functions
+/// **Thread**: only one may exist per process; a second one is fatal. Construct, move and destroy
+/// it on the thread whose event loop it drives; every thread reads the virtual time. The functions
 /// that run events need a `QCoreApplication`.
 ///
 /// @code
@@ -52,41 +52,41 @@ public:
     /// Stops the clocks; the wall clock shows @p msecsSinceEpoch.
     explicit VirtualClock(qint64 msecsSinceEpoch = DefaultStart);
 
-    /// Back to the real clocks.
+    /// Returns to the real clocks.
     ~VirtualClock();
     VirtualClock(const VirtualClock &) = delete;
     VirtualClock &operator=(const VirtualClock &) = delete;
 
-    /// Runs events for @p duration of virtual time, up to and including what is due at its very
-    /// end: timers, descriptors, posted events and deferred deletions. Returns exactly then, unless
-    /// a slot ran an event loop of its own for longer.
+    /// Runs events for @p duration of virtual time, including what is due at its very end: timers,
+    /// descriptors, posted events and deferred deletions. Returns at that instant, unless a slot
+    /// ran its own event loop for longer.
     ///
-    /// Fatal when a million events come without time moving on (a periodic timer of 0 ms, a
-    /// descriptor that stays readable).
+    /// Fatal if a million events occur while time stands still, as with a periodic timer of 0 ms or
+    /// a descriptor that stays readable.
     void advance(std::chrono::milliseconds duration);
 
-    /// Runs events one after the other until @p condition holds, but no longer than @p timeout of
-    /// virtual time. It is tested first and after each step, so time does not run past the event
-    /// that made it true.
+    /// Runs events one by one until @p condition holds, but no longer than @p timeout of virtual
+    /// time. The condition is tested at the start and after each event, so time does not move past
+    /// the event that made it true.
     /// @return whether it holds
     bool waitUntil(const std::function<bool()> &condition,
                    std::chrono::milliseconds timeout = std::chrono::seconds(60));
 
-    /// Runs all that is ready by now, and what becomes ready by that, without moving the time.
+    /// Runs all events that are ready, and those that they cause, without moving time.
     void settle();
 
-    /// Sets the wall clock forward or back, as an administrator or NTP does. Timers and the
-    /// monotonic clocks are not affected.
+    /// Sets the wall clock forward or back, as an administrator or NTP would. Does not affect
+    /// timers and the monotonic clocks.
     void stepWallClock(std::chrono::milliseconds delta);
 
     /// The wall clock, in milliseconds since the epoch.
     qint64 now() const;
 
-    /// How much virtual time has passed since the start, steps of the wall clock not counted.
+    /// How much virtual time has passed since the start, not counting steps of the wall clock.
     std::chrono::milliseconds elapsed() const;
 
-    /// How often the event loop was woken from its sleep, by a timer or a descriptor. The end of
-    /// advance() does not count, nor do events that were ready without sleeping.
+    /// How often a timer or a descriptor woke the event loop from its sleep. The end of advance()
+    /// does not count, and neither do events that were ready without sleeping.
     quint64 wakeUps() const;
 
 private:

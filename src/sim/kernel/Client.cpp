@@ -15,17 +15,14 @@
 
 namespace Vorn::Sim {
 
-// What a read returns, and whether the descriptor is readable:
+// What a read returns over time, and whether the descriptor is readable:
 //
-//            records            last record      device      last record
-//            queued             read             unplugged   read
-//   ─────────┬──────────────────┬────────────────┬───────────┬──────────────
-//   EAGAIN   │ records          │ EAGAIN         │ records   │ ENODEV
-//   (waits)  │                  │ (waits)        │           │ for good
-//   ─────────┴──────────────────┴────────────────┴───────────┴──────────────
-//   no       │ yes              │ no             │ yes       │ yes
+//            press       read        unplug           read
+//   ─────────┬───────────┬───────────┬────────────────┬────────
+//   EAGAIN   │ records   │ EAGAIN    │ key releases   │ ENODEV
+//   no       │ yes       │ no        │ yes            │ yes
 //
-// Unplugging queues the releases of held keys; with none held, ENODEV follows at once.
+// Unless the descriptor is non-blocking, a read waits instead of returning EAGAIN.
 
 void Client::setReadable(bool readable)
 {
@@ -75,11 +72,6 @@ long Client::read(std::unique_lock<std::mutex> &lock, void *buffer, std::size_t 
     }
 }
 
-//   EVIOCSCLOCKID, another clock
-//   ├── queue empty ──────> nothing to correct
-//   └── records queued ───> [SYN_DROPPED] takes their place; the reader asks for the state
-//
-// The queued records are stamped with the old clock, so the kernel drops them.
 void Client::setClock(clockid_t id)
 {
     if (id == clock)
@@ -88,6 +80,8 @@ void Client::setClock(clockid_t id)
     if (queue.isEmpty())
         return;
 
+    // Queued records are stamped with the old clock. The kernel replaces them with SYN_DROPPED,
+    // upon which the reader has to ask for the state of keys and switches.
     queue.clear();
     timespec now = {};
     ::clock_gettime(clock, &now);

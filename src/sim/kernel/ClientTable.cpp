@@ -25,6 +25,8 @@ long ClientTable::open(NodeState &node, int flags)
         return -EACCES;
 
     static_assert(EFD_NONBLOCK == O_NONBLOCK && EFD_CLOEXEC == O_CLOEXEC);
+    // Every kind of poll works on an eventfd, and its readability is set at will. It cannot hold
+    // the records, so reads are served from the queue.
     const int fd = ::eventfd(0, flags & (O_NONBLOCK | O_CLOEXEC));
     if (fd < 0)
         return -errno;

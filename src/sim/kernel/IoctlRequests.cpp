@@ -113,6 +113,7 @@ long answerSized(Client &client, unsigned long request, void *argument)
         return device.name ? copyText(*device.name, size, argument) : -ENOENT;
     case _IOC_NR(EVIOCGPHYS(0)):
     case _IOC_NR(EVIOCGUNIQ(0)):
+        // As with drivers that set neither.
         return -ENOENT;
     case _IOC_NR(EVIOCGPROP(0)):
         return copyBits(std::bitset<INPUT_PROP_CNT>(), size, argument);

@@ -37,6 +37,7 @@ VORN_SIM_INTERPOSED int access(const char *path, int mode) noexcept
     return calls && calls->access(path, mode, result) ? result : nextAccess(path, mode);
 }
 
+// Watches and listings need no more than the real path: the temporary folder has the same entries.
 VORN_SIM_INTERPOSED int inotify_add_watch(int fd, const char *path, uint32_t mask) noexcept
 {
     return nextInotifyAddWatch(fd, RealPath(path).get(), mask);

@@ -6,6 +6,7 @@ namespace Vorn::Sim::Real {
 
 namespace {
 
+// Opens files of any size, also for callers of the plain open.
 NextFunction<int(const char *, int, ...)> nextOpen("open64");
 NextFunction<ssize_t(int, void *, size_t)> nextRead("read");
 NextFunction<int(int)> nextClose("close");
