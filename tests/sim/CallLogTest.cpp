@@ -101,22 +101,3 @@ TEST(Recording, StartsWithNothing)
     EXPECT_THAT(subsystem.systemCalls(), IsEmpty());
     EXPECT_EQ(subsystem.callCounts().opens, 0U);
 }
-
-TEST(OpenDescriptors, AreCountedByNodeAndTogether)
-{
-    InputSubsystem subsystem;
-    InputNode &first = subsystem.plug(0, panel);
-    InputNode &second = subsystem.plug(1, panel);
-    EXPECT_EQ(subsystem.openDescriptors(), 0);
-    OpenNode a(first.path());
-    OpenNode b(first.path());
-    OpenNode c(second.path());
-    EXPECT_EQ(first.openDescriptors(), 2);
-    EXPECT_EQ(second.openDescriptors(), 1);
-    EXPECT_EQ(subsystem.openDescriptors(), 3);
-    a.close();
-    b.close();
-    c.close();
-    EXPECT_EQ(subsystem.openDescriptors(), 0);
-    EXPECT_EQ(first.openDescriptors(), 0);
-}

@@ -17,27 +17,27 @@
 #include <unistd.h>
 #include <vector>
 
-/// What a record says, without its time.
-struct Said
+/// A record without its time.
+struct Event
 {
     int type;
     int code;
     int value;
 
-    bool operator==(const Said &other) const
+    bool operator==(const Event &other) const
     {
         return std::tie(type, code, value) == std::tie(other.type, other.code, other.value);
     }
 };
 
-inline std::ostream &operator<<(std::ostream &stream, const Said &said)
+inline std::ostream &operator<<(std::ostream &stream, const Event &event)
 {
-    return stream << '{' << said.type << ' ' << said.code << ' ' << said.value << '}';
+    return stream << '{' << event.type << ' ' << event.code << ' ' << event.value << '}';
 }
 
-inline const Said report = {EV_SYN, SYN_REPORT, 0};
-/// Ends packets that the kernel made up by itself.
-inline const Said madeUpReport = {EV_SYN, SYN_REPORT, 1};
+inline const Event report = {EV_SYN, SYN_REPORT, 0};
+/// Ends packets that come from the kernel, not from a driver.
+inline const Event syntheticReport = {EV_SYN, SYN_REPORT, 1};
 
 inline qint64 msecsOf(const input_event &record)
 {
@@ -45,7 +45,7 @@ inline qint64 msecsOf(const input_event &record)
         + static_cast<qint64>(record.input_event_usec) / 1000;
 }
 
-/// A descriptor as a program has it, closed in the end.
+/// A descriptor of a node, opened as any program would. Closed by the destructor.
 class OpenNode
 {
 public:
@@ -74,14 +74,15 @@ public:
         return ::poll(&descriptor, 1, 0) == 1;
     }
 
-    /// One read; a negative result is an `errno`.
+    /// One `read`.
+    /// @return the number of bytes, or a negative `errno`
     ssize_t readInto(void *buffer, std::size_t size) const
     {
         const ssize_t result = ::read(m_fd, buffer, size);
         return result < 0 ? -errno : result;
     }
 
-    /// The records of one read; none for a failure.
+    /// The records of one `read`; none if it fails.
     std::vector<input_event> readRecords(std::size_t count = 64) const
     {
         std::vector<input_event> records(count);
@@ -90,16 +91,16 @@ public:
         return records;
     }
 
-    /// The same without their times.
-    std::vector<Said> read(std::size_t count = 64) const
+    /// The same, without their times.
+    std::vector<Event> read(std::size_t count = 64) const
     {
-        std::vector<Said> result;
+        std::vector<Event> result;
         for (const input_event &record : readRecords(count))
             result.push_back({record.type, record.code, record.value});
         return result;
     }
 
-    /// The error of a read that should fail; 0 if it did not.
+    /// The `errno` of one `read`; 0 if it succeeds.
     int readError() const
     {
         input_event record;
@@ -107,7 +108,8 @@ public:
         return result < 0 ? static_cast<int>(-result) : 0;
     }
 
-    /// An ioctl; a negative result is an `errno`.
+    /// One `ioctl`.
+    /// @return its result, or a negative `errno`
     template <typename Argument>
     int ioctl(unsigned long request, Argument argument) const
     {

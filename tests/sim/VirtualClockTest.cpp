@@ -62,7 +62,7 @@ private:
     int m_ends[2];
 };
 
-// How long something takes on a clock that is never virtual.
+// How long an action takes on a clock that is never virtual.
 template <typename Action>
 std::chrono::nanoseconds cpuTimeOf(Action action)
 {

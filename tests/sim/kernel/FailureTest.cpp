@@ -117,11 +117,11 @@ TEST(ScriptedFailure, OfReadComesAfterWhatIsQueuedAndWakesTheReader)
     device.press(KEY_OK);
     device.failRead(EIO, 2);
     device.release(KEY_OK);
-    EXPECT_THAT(node.read(), ElementsAre(Said{EV_KEY, KEY_OK, 1}, report));
+    EXPECT_THAT(node.read(), ElementsAre(Event{EV_KEY, KEY_OK, 1}, report));
     EXPECT_TRUE(node.isReadable());
     EXPECT_EQ(node.readError(), EIO);
     EXPECT_EQ(node.readError(), EIO);
-    EXPECT_THAT(node.read(), ElementsAre(Said{EV_KEY, KEY_OK, 0}, report));
+    EXPECT_THAT(node.read(), ElementsAre(Event{EV_KEY, KEY_OK, 0}, report));
     EXPECT_FALSE(node.isReadable());
     EXPECT_THAT(other.read(), SizeIs(2));
     EXPECT_EQ(other.readError(), EIO);

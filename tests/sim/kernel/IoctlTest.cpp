@@ -183,11 +183,11 @@ TEST(Ioctl, ForStatesTakesTheirRecordsOutOfTheAskersQueueOnly)
     device.sync();
     Bitmap bitmap = {};
     asker.ioctl(EVIOCGKEY(96), bitmap.data());
-    // The packet that is empty now goes, but a report in front stays: it may end a packet that
-    // was begun to be read.
+    // A packet that is empty now is dropped, but a report at the front stays: it may end a packet
+    // whose start was read already.
     EXPECT_THAT(
         asker.read(),
-        ElementsAre(report, Said{EV_SW, SW_LID, 1}, report, Said{EV_SW, SW_LID, 0}, report));
+        ElementsAre(report, Event{EV_SW, SW_LID, 1}, report, Event{EV_SW, SW_LID, 0}, report));
     EXPECT_THAT(other.read(), SizeIs(7));
 }
 
@@ -213,7 +213,7 @@ TEST(Ioctl, HasNoRepeatSettingsWithoutAutoRepeat)
     EXPECT_EQ(node.ioctl(EVIOCGREP, repeat), -ENOSYS);
     EXPECT_EQ(node.ioctl(EVIOCSREP, repeat), -ENOSYS);
     device.press(KEY_OK);
-    EXPECT_THAT(node.read(), ElementsAre(Said{EV_KEY, KEY_OK, 1}, report));
+    EXPECT_THAT(node.read(), ElementsAre(Event{EV_KEY, KEY_OK, 1}, report));
 }
 
 TEST(Ioctl, ChangesTheRepeatSettingsAndTellsEveryReaderWithTheNextPacket)
@@ -232,11 +232,11 @@ TEST(Ioctl, ChangesTheRepeatSettingsAndTellsEveryReaderWithTheNextPacket)
     EXPECT_FALSE(node.isReadable());
     device.press(KEY_OK);
     EXPECT_THAT(node.read(),
-                ElementsAre(Said{EV_REP, REP_PERIOD, 50}, Said{EV_KEY, KEY_OK, 1}, report));
+                ElementsAre(Event{EV_REP, REP_PERIOD, 50}, Event{EV_KEY, KEY_OK, 1}, report));
     EXPECT_THAT(other.read(), SizeIs(3));
     EXPECT_EQ(node.ioctl(EVIOCSREP, changed), 0);
     device.release(KEY_OK);
-    EXPECT_THAT(node.read(), ElementsAre(Said{EV_KEY, KEY_OK, 0}, report));
+    EXPECT_THAT(node.read(), ElementsAre(Event{EV_KEY, KEY_OK, 0}, report));
 }
 
 TEST(Ioctl, GrabsTheDeviceForOneDescriptor)
@@ -276,7 +276,7 @@ TEST(Ioctl, ChoosesTheClockOfTheStamps)
     device.release(KEY_OK);
     id = CLOCK_REALTIME;
     EXPECT_EQ(node.ioctl(EVIOCSCLOCKID, &id), 0);
-    EXPECT_THAT(node.read(), ElementsAre(Said{EV_SYN, SYN_DROPPED, 0}));
+    EXPECT_THAT(node.read(), ElementsAre(Event{EV_SYN, SYN_DROPPED, 0}));
     id = CLOCK_PROCESS_CPUTIME_ID;
     EXPECT_EQ(node.ioctl(EVIOCSCLOCKID, &id), -EINVAL);
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The fatal message that is waited for ends the process well, everything else does not.
+// Only the expected fatal message makes the process succeed.
 void onMessage(QtMsgType type, const QMessageLogContext &, const QString &text)
 {
     const int written = std::fputs(qPrintable(text), stderr);

@@ -1,17 +1,24 @@
 #include "Interposition.h"
+
 #include "InputSubsystem.h"
 #include "OpenNode.h"
 #include "VirtualClock.h"
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+
 #include <dirent.h>
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
 #include <sys/time.h>
-
-#include <fstream>
+#include <unistd.h>
 
 using namespace Vorn::Sim;
 
@@ -131,7 +138,7 @@ TEST(Interposition, PassesClocksAndPollsOnWithoutAVirtualClock)
     EXPECT_EQ(::clock_gettime(CLOCK_REALTIME, &real), 0);
     struct timeval day = {};
     EXPECT_EQ(::gettimeofday(&day, nullptr), 0);
-    // The kernel's coarse second may lag the exact clock by a tick.
+    // time() reads the coarse clock, which may be a tick behind the exact one.
     EXPECT_LE(start, real.tv_sec);
     EXPECT_LE(real.tv_sec, day.tv_sec);
     EXPECT_LE(day.tv_sec, start + 60);

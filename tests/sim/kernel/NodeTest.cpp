@@ -1,0 +1,116 @@
+#include "InputSubsystem.h"
+#include "OpenNode.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Vorn::Sim;
+using testing::SizeIs;
+
+namespace {
+
+const DeviceDescription panel = DeviceDescription::keyboard("panel", BUS_HOST, {KEY_OK});
+
+} // namespace
+
+TEST(Node, LooksLikeACharacterDevice)
+{
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(3, panel.withMode(0640));
+    struct stat status = {};
+    ASSERT_EQ(::stat("/dev/input/event3", &status), 0);
+    EXPECT_TRUE(S_ISCHR(status.st_mode));
+    EXPECT_EQ(status.st_mode & 0777U, 0640U);
+    EXPECT_EQ(status.st_rdev, static_cast<dev_t>(13 << 8 | 67));
+    ASSERT_EQ(::lstat("/dev/input/event3", &status), 0);
+    EXPECT_TRUE(S_ISCHR(status.st_mode));
+
+    const OpenNode open(node.path());
+    ASSERT_EQ(::fstat(open.fd(), &status), 0);
+    EXPECT_TRUE(S_ISCHR(status.st_mode));
+    struct statx wide = {};
+    ASSERT_EQ(::statx(open.fd(), "", AT_EMPTY_PATH, STATX_BASIC_STATS, &wide), 0);
+    EXPECT_TRUE(S_ISCHR(wide.stx_mode));
+    EXPECT_EQ(wide.stx_rdev_minor, 67U);
+
+    const QFileInfo info(node.path());
+    EXPECT_TRUE(info.exists());
+    EXPECT_FALSE(info.isFile());
+    EXPECT_FALSE(info.isDir());
+}
+
+TEST(Node, WithoutAReadBitCannotBeOpenedNotEvenByRoot)
+{
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(0, panel.withMode(0));
+    EXPECT_EQ(OpenNode(node.path()).openError(), EACCES);
+    EXPECT_EQ(::access("/dev/input/event0", F_OK), 0);
+    EXPECT_NE(::access("/dev/input/event0", R_OK), 0);
+    EXPECT_EQ(errno, EACCES);
+    EXPECT_FALSE(QFileInfo(node.path()).isReadable());
+    EXPECT_FALSE(QFile(node.path()).open(QIODevice::ReadOnly));
+    subsystem.setPermissions(0, 0440);
+    EXPECT_TRUE(OpenNode(node.path()).isOpen());
+    EXPECT_EQ(::access("/dev/input/event0", R_OK), 0);
+    EXPECT_EQ(OpenNode(node.path(), O_RDWR).openError(), EACCES);
+    EXPECT_NE(::access("/dev/input/event0", W_OK), 0);
+}
+
+TEST(Node, StaysOpenWhenItsPermissionsGo)
+{
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(0, panel);
+    const OpenNode open(node.path());
+    subsystem.setPermissions(0, 0);
+    node.press(KEY_OK);
+    EXPECT_THAT(open.read(), SizeIs(2));
+}
+
+TEST(Node, IsTheSameObjectForItsNumberPluggedOrNot)
+{
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.node(5);
+    EXPECT_EQ(node.number(), 5);
+    EXPECT_EQ(node.path(), QStringLiteral("/dev/input/event5"));
+    EXPECT_EQ(&subsystem.plug(5, panel), &node);
+    EXPECT_TRUE(node.isPlugged());
+    subsystem.unplug(5);
+    EXPECT_EQ(&subsystem.node(5), &node);
+}
+
+TEST(Node, WithALeadingZeroIsAnother)
+{
+    InputSubsystem subsystem;
+    subsystem.plug(1, panel);
+    EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/event01")).openError(), ENOENT);
+    EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/event")).openError(), ENOENT);
+    EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/event1x")).openError(), ENOENT);
+    EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/mouse1")).openError(), ENOENT);
+}
+
+TEST(OpenDescriptors, AreCountedByNodeAndTogether)
+{
+    InputSubsystem subsystem;
+    InputNode &first = subsystem.plug(0, panel);
+    InputNode &second = subsystem.plug(1, panel);
+    EXPECT_EQ(subsystem.openDescriptors(), 0);
+    OpenNode a(first.path());
+    OpenNode b(first.path());
+    OpenNode c(second.path());
+    EXPECT_EQ(first.openDescriptors(), 2);
+    EXPECT_EQ(second.openDescriptors(), 1);
+    EXPECT_EQ(subsystem.openDescriptors(), 3);
+    a.close();
+    b.close();
+    c.close();
+    EXPECT_EQ(subsystem.openDescriptors(), 0);
+    EXPECT_EQ(first.openDescriptors(), 0);
+}
