@@ -44,7 +44,7 @@ void InputDirectory::remove()
         qFatal("InputSubsystem: cannot remove the folder for /dev/input: %s", std::strerror(errno));
 }
 
-void InputDirectory::addNode(const QByteArray &path, mode_t mode)
+void InputDirectory::addNode(const QByteArray &path, mode_t mode) const
 {
     // Made with its mode in one step, so that watchers see one change. A FIFO, because directory
     // listings tell files from devices, and nothing else that is neither can be made without
@@ -57,12 +57,12 @@ void InputDirectory::addNode(const QByteArray &path, mode_t mode)
         qFatal("InputSubsystem: cannot make a node: %s", std::strerror(error));
 }
 
-void InputDirectory::removeNode(const QByteArray &path)
+void InputDirectory::removeNode(const QByteArray &path) const
 {
     ::unlink(realPath(path));
 }
 
-void InputDirectory::setMode(const QByteArray &path, mode_t mode)
+void InputDirectory::setMode(const QByteArray &path, mode_t mode) const
 {
     if (::chmod(realPath(path), mode) != 0)
         qFatal("InputSubsystem: cannot change the mode of a node: %s", std::strerror(errno));

@@ -29,9 +29,9 @@ public:
     /// Removes /dev/input, which is empty.
     void remove();
 
-    void addNode(const QByteArray &path, mode_t mode);
-    void removeNode(const QByteArray &path);
-    void setMode(const QByteArray &path, mode_t mode);
+    void addNode(const QByteArray &path, mode_t mode) const;
+    void removeNode(const QByteArray &path) const;
+    void setMode(const QByteArray &path, mode_t mode) const;
 
     /// The real path for @p path, e.g. "/dev/input".
     QByteArray realPath(const char *path) const;
