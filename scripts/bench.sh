@@ -85,7 +85,7 @@ results=$(mktemp -d)
 trap 'rm -rf "$results"' EXIT
 
 step "whole path"
-bench/path.py --build build/release --peers "$peers" --runs "$runs" "$results/path.csv"
+bench/path/run.py --build build/release --peers "$peers" --runs "$runs" "$results/path.csv"
 step "parts"
 build/release/bench/parts/vorn_bench_parts --benchmark_format=json \
     --benchmark_repetitions="$runs" --benchmark_enable_random_interleaving=true \
@@ -114,5 +114,5 @@ scripts/footprint.sh "${builds[@]}" >"$results/footprint.csv"
     grep -h -v '^group,' "$results"/*.csv
 } >"$output/results.csv.new"
 mv "$output/results.csv.new" "$output/results.csv"
-bench/report.py "$output/results.csv" -o "$output"
+bench/report/report.py "$output/results.csv" -o "$output"
 echo "The results are in $output"

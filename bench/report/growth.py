@@ -8,7 +8,7 @@ from results import Failure, group_of
 QUANTITIES = {
     "registered keys": "registered keys",
     "devices": "devices",
-    "records per read": "records a read",
+    "records per read": "records per read",
     "keys held": "keys held",
 }
 
@@ -19,10 +19,9 @@ def growths(results):
     for key, figure in group_of(results, "growth").items():
         name, _, value = key.parameter.partition("=")
         if not re.fullmatch("[0-9]+", value):
-            raise Failure(f"the parameter '{key.parameter}' of '{key.subject}' does not tell what"
-                          " grows")
+            raise Failure(f"parameter '{key.parameter}' of '{key.subject}' is not QUANTITY=NUMBER")
         subject = ", ".join(text for text in (
-            key.subject, key.stream, key.burst and f"{key.burst} records a burst") if text)
+            key.subject, key.stream, key.burst and f"{key.burst} records per burst") if text)
         series = quantities.setdefault(name, {}).setdefault((subject, key.figure, figure.unit), {})
         series[int(value)] = figure
     return {name: quantities[name] for name in ordered(quantities, list(QUANTITIES))}

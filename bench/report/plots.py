@@ -30,7 +30,7 @@ def draw(text, path):
         result = subprocess.run(["gnuplot"], input=text.encode(), stdout=subprocess.PIPE,
                                 stderr=subprocess.PIPE)
     except OSError as error:
-        raise Failure(f"cannot run gnuplot: {error.strerror} (--no-plots does without)")
+        raise Failure(f"cannot run gnuplot: {error.strerror} (--no-plots works without it)")
     if result.returncode != 0 or result.stderr:
         raise Failure("gnuplot: " + result.stderr.decode(errors="replace").strip())
     with open(path, "wb") as file:
@@ -78,7 +78,7 @@ def path_plot(results, burst):
         f"set xrange [0:{largest * 1.12}]",
         f"set ytics ({labels}) scale 0",
         f'set grid xtics linetype 1 linecolor rgb "{GRID}"',
-        f"set xlabel {quoted(f'CPU time, {units.pop()}: median, least and most')}"
+        f"set xlabel {quoted(f'CPU time, {units.pop()}: median, minimum, maximum')}"
         f' textcolor rgb "{INK}"',
         "set style fill solid noborder",
         # A bar goes from 0 to the median, its whisker from minimum to maximum.

@@ -25,9 +25,9 @@ from targets import judged  # noqa: E402
 def report(results, pictures):
     """The text of results.md."""
     lines = ["# Results", "",
-             "Each figure is the median of its runs, with the least and the most in brackets where",
-             "they differ. Tables of growth show the medians only; their pictures show the spread,",
-             "too."]
+             "Each figure is the median of its runs, followed by the minimum and maximum in",
+             "brackets where they differ. Growth tables show only medians, their pictures the spread",
+             "as well."]
     missing = missing_groups(results)
     if missing:
         lines += ["", "Not measured: " + ", ".join(GROUPS[group] for group in missing) + "."]

@@ -10,7 +10,7 @@ HEADER = ["group", "subject", "stream", "burst", "parameter", "figure", "unit", 
 GROUPS = {
     "path": "Whole path",
     "wakeup": "Wake-ups",
-    "hold": "A key that is held",
+    "hold": "A held key",
     "growth": "Growth",
     "parts": "Parts",
     "scan": "Device scan",
@@ -38,13 +38,13 @@ def read(paths):
             with open(path, encoding="utf-8", newline="") as file:
                 for place, key, figure in rows_of(path, file):
                     if key in results:
-                        raise Failure(f"{place}: the same as {places[key]}")
+                        raise Failure(f"{place}: duplicate of {places[key]}")
                     results[key] = figure
                     places[key] = place
         except OSError as error:
             raise Failure(f"{path}: {error.strerror}")
         except UnicodeDecodeError:
-            raise Failure(f"{path}: not a text in UTF-8")
+            raise Failure(f"{path}: not UTF-8 text")
         except csv.Error as error:
             raise Failure(f"{path}: {error}")
     if not results:
@@ -56,17 +56,17 @@ def rows_of(path, file):
     """Yields the place, key and figure of each row of a file."""
     reader = csv.reader(file, strict=True)
     if next(reader, None) != HEADER:
-        raise Failure(f"{path}:1: the first line is not '{','.join(HEADER)}'")
+        raise Failure(f"{path}:1: expected the header '{','.join(HEADER)}'")
     for row in reader:
         place = f"{path}:{reader.line_num}"
         if len(row) != len(HEADER):
-            raise Failure(f"{place}: {len(row)} columns in place of {len(HEADER)}")
+            raise Failure(f"{place}: {len(row)} columns instead of {len(HEADER)}")
         values = dict(zip(HEADER, row))
         if values["group"] not in GROUPS:
-            raise Failure(f"{place}: there is no group '{values['group']}'")
+            raise Failure(f"{place}: unknown group '{values['group']}'")
         for column in ("subject", "figure", "unit"):
             if not values[column]:
-                raise Failure(f"{place}: the column {column} is empty")
+                raise Failure(f"{place}: {column} is empty")
         burst = values["burst"] and whole(place, "burst", values["burst"])
         figure = Figure(values["unit"], *(real(place, column, values[column])
                                           for column in ("median", "low", "high")),
@@ -80,14 +80,14 @@ def rows_of(path, file):
 def whole(place, column, text):
     """A count of at least one."""
     if not re.fullmatch("[0-9]+", text) or int(text) == 0:
-        raise Failure(f"{place}: the column {column} is '{text}', not a number of things")
+        raise Failure(f"{place}: {column} is '{text}', not a whole number above 0")
     return int(text)
 
 
 def real(place, column, text):
     """A measured value, which is never negative."""
     if not re.fullmatch(r"[0-9]+(\.[0-9]*)?([eE][-+]?[0-9]+)?", text):
-        raise Failure(f"{place}: the column {column} is '{text}', not a figure")
+        raise Failure(f"{place}: {column} is '{text}', not a number")
     return float(text)
 
 

@@ -42,8 +42,9 @@ def picture(pictures, name, text):
 def path_lines(results, pictures):
     lines = []
     for burst in sorted({key.burst for key in group_of(results, "path")}, reverse=True):
-        lines += ["", f"### {burst} records a burst", ""]
-        lines += picture(pictures, f"path-{burst}", f"CPU time a record, {burst} records a burst")
+        lines += ["", f"### {burst} records per burst", ""]
+        lines += picture(pictures, f"path-{burst}",
+                         f"CPU time per record, {burst} records per burst")
         lines += path_table(results, burst)
     return lines
 
@@ -56,7 +57,8 @@ def path_table(results, burst):
                     [CPU_TIME, "instructions", "allocations", "system calls", "reads"])
     units = {key.figure: figure.unit for key, figure in figures.items()}
     header = ["subject", "stream"] + [headed(kind, units[kind]) for kind in kinds]
-    header += [f"÷ {BARE_LOOP}", f"÷ {EMPTY_SHAPE}", f"{TRIGGERHAPPY} ÷ it", f"{QT_HANDLER} ÷ it"]
+    header += [f"÷ {BARE_LOOP}", f"÷ {EMPTY_SHAPE}", f"{TRIGGERHAPPY} ÷ this",
+               f"{QT_HANDLER} ÷ this"]
     rows = []
     for subject, stream, parameter in path_order(figures):
         row = [subject if parameter in ("", IN_SERVICE) else f"{subject}, {parameter}", stream]
