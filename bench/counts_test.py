@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Compares what the library takes for a record with what it took when it was measured last.
+"""Checks that the library's cost per record has not changed.
 
     counts_test.py BUILD             compares with counts.csv
-    counts_test.py --update BUILD    writes counts.csv anew
+    counts_test.py --update BUILD    rewrites counts.csv
 
-Instructions may differ by 5 %; allocations must be the same. Each activation makes one read() and
-nothing else but the wait for the next. The instructions are those of one compiler and one Qt, which
-counts.csv names; with others there is nothing to compare with, and this is skipped (status 77).
+Instructions may differ by 5 %; allocations must match. Each activation may make only one read()
+and the wait for the next. Instruction counts depend on the compiler and Qt, whose versions
+counts.csv names; with any others the test is skipped (status 77).
 """
 
 import argparse
@@ -18,19 +18,20 @@ import tempfile
 from pathlib import Path
 
 sys.dont_write_bytecode = True
-import path  # noqa: E402
+sys.path.insert(0, str(Path(__file__).resolve().parent / "path"))
+import subjects  # noqa: E402
 
 KNOWN = Path(__file__).resolve().parent / "counts.csv"
 COLUMNS = ["stream", "instructions", "allocations"]
-# As many as one read takes: the fewer there are, the more of it is the event loop's.
-BURST = path.BURSTS[0]
+# A full read: in smaller bursts the event loop's share would hide the library's.
+BURST = subjects.BURSTS[0]
 TOLERANCE = 0.05
-# What an event loop of Qt waits with, by its dispatcher.
+# How Qt's event dispatchers wait.
 WAITS = {"poll", "ppoll"}
 
 
 def toolchain(build):
-    """What the instructions depend on besides the library."""
+    """What the instruction counts depend on besides the library."""
     cache = (Path(build) / "CMakeCache.txt").read_text()
     compiler = next(line.partition("=")[2] for line in cache.splitlines()
                     if line.startswith("CMAKE_CXX_COMPILER:"))
@@ -42,25 +43,25 @@ def toolchain(build):
 
 
 def measure(build):
-    """Rows of counts.csv, and what is wrong with the system calls."""
+    """Rows of counts.csv, and faults found in the system calls."""
     rows, faults = [], []
     with tempfile.TemporaryDirectory() as scratch:
-        bench = path.Bench(build, None, scratch)
-        for stream, raw in path.STREAMS.items():
+        bench = subjects.Bench(build, None, scratch)
+        for stream, raw in subjects.STREAMS.items():
             command = bench.library(stream)
             rows.append([stream, f"{bench.instructions(command, raw, BURST):.1f}",
                          f"{bench.allocated(command, raw, BURST):.3f}"])
             calls = bench.system_calls(command, raw, BURST)
-            # The start takes one call more or less at times, which is not the path's.
+            # The number of calls at startup varies by one now and then.
             others = {name: count for name, count in calls.items()
                       if abs(count) > 0.05 and name not in WAITS | {"read", "total"}}
             if abs(calls["read"] - 1) > 0.05 or others:
-                faults.append(f"{stream}: {calls['read']} reads for each activation, and {others}")
+                faults.append(f"{stream}: {calls['read']} reads per activation, other calls: {others}")
     return rows, faults
 
 
 def compare(known, measured):
-    """What differs by more than it may."""
+    """Differences beyond the tolerance."""
     faults = []
     for row in measured:
         name, instructions, allocations = row[0], float(row[1]), float(row[2])
@@ -70,10 +71,10 @@ def compare(known, measured):
             continue
         change = instructions / before[0] - 1
         if abs(change) > TOLERANCE:
-            faults.append(f"{name}: {instructions:.0f} instructions a record in place of "
+            faults.append(f"{name}: {instructions:.0f} instructions per record instead of "
                           f"{before[0]:.0f} ({change:+.1%})")
         if abs(allocations - before[1]) > 0.005:
-            faults.append(f"{name}: {allocations} allocations a record in place of {before[1]}")
+            faults.append(f"{name}: {allocations} allocations per record instead of {before[1]}")
     return faults
 
 
@@ -87,8 +88,8 @@ def load():
 def main():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--update", action="store_true", help="writes what is measured")
-    parser.add_argument("build", metavar="BUILD", help="folder of an optimised build")
+    parser.add_argument("--update", action="store_true", help="write the measured figures")
+    parser.add_argument("build", metavar="BUILD", help="an optimised build folder")
     options = parser.parse_args()
     present = toolchain(options.build)
     if options.update:
@@ -98,7 +99,7 @@ def main():
     else:
         toolchain_before, known = load()
         if present != toolchain_before:
-            print(f"SKIPPED: the figures are of '{toolchain_before}', and this is '{present}'")
+            print(f"SKIPPED: the figures are for '{toolchain_before}', this is '{present}'")
             return 77
         rows, faults = measure(options.build)
         faults += compare(known, rows)
