@@ -3,11 +3,8 @@
 
 #include <cstddef>
 
-/// Counts the allocations of this thread from its construction on: `malloc` and its kin, to which
-/// `operator new` and Qt's containers come as well. A `realloc` is an allocation of its own.
-///
-/// Linking its source replaces these functions in the whole process, the libraries included; under
-/// a sanitizer its allocator tells instead.
+/// Counts the allocations of this thread since its construction. What counts as one, and what
+/// linking it does to the process: see InterposedAllocator.h, whose source it needs.
 class AllocationCounter
 {
 public:
@@ -15,7 +12,7 @@ public:
 
     int allocations() const;
     int deallocations() const;
-    /// Bytes asked for.
+    /// Bytes requested.
     std::size_t bytes() const;
 
 private:
