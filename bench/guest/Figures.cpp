@@ -36,4 +36,10 @@ void print(const Figure &figure, double middle, double low, double high, std::si
     std::fflush(stdout);
 }
 
+double microsecondsSince(std::chrono::steady_clock::time_point start)
+{
+    return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start)
+        .count();
+}
+
 } // namespace Vorn::Bench

@@ -1,5 +1,6 @@
-// Measures what memory belongs to an idle player alone. A program of its own that uses nothing of
-// what the player does but the C library.
+// Measures the memory that belongs to an idle player alone. A separate program, which shares only
+// the C library with the player: pages that two processes use belong to neither.
+
 #include "Figures.h"
 #include "Process.h"
 
@@ -30,7 +31,7 @@ struct DeviceDeleter
 };
 using Device = std::unique_ptr<libevdev_uinput, DeviceDeleter>;
 
-/// The panel that the player knows.
+/// The panel the player expects.
 Device makePanel()
 {
     const std::unique_ptr<libevdev, decltype(&libevdev_free)> blueprint(libevdev_new(),
@@ -45,7 +46,7 @@ Device makePanel()
     const int error =
         libevdev_uinput_create_from_device(blueprint.get(), LIBEVDEV_UINPUT_OPEN_MANAGED, &device);
     if (error != 0) {
-        throw std::runtime_error(std::string("no devices can be made, /dev/uinput is needed: ")
+        throw std::runtime_error(std::string("cannot create devices, which needs /dev/uinput: ")
                                  + std::strerror(-error));
     }
     return Device(device);
@@ -57,7 +58,7 @@ void waitUntilIdle(const Process &process, const std::string &node)
     long wakeUps = -1;
     while (!process.hasOpen(node) || wakeUps != process.wakeUps()) {
         if (std::chrono::steady_clock::now() > end)
-            throw std::runtime_error("the player does not come to rest on " + node);
+            throw std::runtime_error("the player does not become idle on " + node);
         wakeUps = process.wakeUps();
         std::this_thread::sleep_for(1s);
     }
@@ -70,8 +71,7 @@ struct Private
     double dirty = 0;
 };
 
-/// Adds up what of @p process is mapped from files whose name begins with @p name; all of it if
-/// that is empty.
+/// The sum over the mappings of files whose name begins with @p name; over all if that is empty.
 Private privateMemory(const Process &process, const std::string &name)
 {
     const std::string clean = "Private_Clean:";
@@ -82,7 +82,7 @@ Private privateMemory(const Process &process, const std::string &name)
     bool isCounted = false;
     std::string line;
     while (std::getline(maps, line)) {
-        // A mapping begins with its address, what it is made of with a capital letter.
+        // The line of a mapping begins with its address, those of its details with a capital.
         if (!std::isupper(static_cast<unsigned char>(line.front()))) {
             const std::string file = line.substr(line.rfind('/') + 1);
             isCounted = name.empty() || file.rfind(name, 0) == 0;

@@ -22,7 +22,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Only for what fails; a guest that loads programs over a shared folder takes its time.
+// Reached only on failure: a guest that loads programs from a shared folder is slow.
 constexpr std::chrono::seconds startLimit(60);
 
 const char *const readyLine = "ready";
@@ -39,7 +39,7 @@ Process::Process(const std::vector<std::string> &command)
 {
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0)
-        throw std::system_error(errno, std::generic_category(), "no pipe");
+        throw std::system_error(errno, std::generic_category(), "cannot make a pipe");
     m_output = ends[0];
 
     std::vector<char *> arguments;
@@ -73,7 +73,7 @@ void Process::waitUntilReady()
 {
     const std::string line = readLine(Clock::now() + startLimit);
     if (line != readyLine)
-        throw std::runtime_error(m_name + " did not get ready");
+        throw std::runtime_error(m_name + " did not become ready");
 }
 
 std::vector<double> Process::finish(std::chrono::milliseconds limit)
@@ -122,7 +122,7 @@ std::string Process::readLine(Clock::time_point end)
             std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
         pollfd output = {m_output, POLLIN, 0};
         if (left < 0 || ::poll(&output, 1, static_cast<int>(left)) == 0)
-            throw std::runtime_error(m_name + " does not answer any more");
+            throw std::runtime_error(m_name + " does not respond");
         char buffer[4096];
         const ssize_t size = ::read(m_output, buffer, sizeof(buffer));
         if (size < 0 && errno == EINTR)

@@ -9,26 +9,25 @@
 
 namespace Vorn::Bench {
 
-/// A program that runs beside this one and is measured from here, so that measuring does not wake
-/// it. What it prints is read line by line; its errors go to stderr. It does not outlive this
-/// object. Failures are thrown as `std::runtime_error`.
+/// A child process, measured from outside so that measuring does not wake it. Its output is read
+/// line by line; its errors go to stderr. It does not outlive this object. Failures are thrown as
+/// `std::runtime_error`.
 class Process
 {
 public:
-    /// Starts @p command, whose first element is the path of the program.
+    /// @param command the path of the program, then its arguments
     explicit Process(const std::vector<std::string> &command);
     ~Process();
     Process(const Process &) = delete;
     Process &operator=(const Process &) = delete;
 
-    /// Waits until it prints the line "ready", see announceReady().
+    /// Waits until it calls announceReady().
     void waitUntilReady();
 
-    /// Waits until it ends, and returns the numbers that it has printed since, one a line.
+    /// Waits until it ends; returns the numbers it printed since then, one a line.
     std::vector<double> finish(std::chrono::milliseconds limit);
 
-    /// How often its threads have gone to sleep since the start, which is how often they had been
-    /// woken.
+    /// How often its threads have gone to sleep since the start, and so been woken.
     long wakeUps() const;
 
     /// Whether it has the file @p path open.
@@ -49,7 +48,7 @@ private:
 /// The path of this program.
 std::string ownPath();
 
-/// Tells the process that has started this one that it may begin.
+/// Lets the process that started this one continue, see Process::waitUntilReady().
 void announceReady();
 
 } // namespace Vorn::Bench

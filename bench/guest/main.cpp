@@ -1,5 +1,12 @@
-#include "Commands.h"
-#include "Setup.h"
+#include "Application.h"
+#include "BenchDevices.h"
+#include "Latency.h"
+#include "LatencyReaders.h"
+#include "Memory.h"
+#include "Options.h"
+#include "Scan.h"
+#include "Silence.h"
+#include "Start.h"
 
 #include <CLI/CLI.hpp>
 
@@ -32,7 +39,7 @@ CLI::App *addMeasurement(CLI::App *app, const std::string &name, const std::stri
     CLI::App *command = app->add_subcommand(name, description);
     command
         ->add_option("--dispatcher", options->dispatcher,
-                     "Qt's event dispatcher that is used, glib or unix")
+                     "Qt's event dispatcher to use, glib or unix")
         ->type_name("NAME")
         ->capture_default_str()
         ->check(CLI::IsMember({"glib", "unix"}).description(""));
@@ -44,18 +51,18 @@ CLI::App *addMeasurement(CLI::App *app, const std::string &name, const std::stri
     return command;
 }
 
-/// What this program starts itself as.
+/// The modes in which this program starts itself, to be measured.
 void addSubjects(CLI::App *app, std::string *reader, std::string *node)
 {
-    // Without a group it is not in the help.
+    // Without a group, the help omits it.
     CLI::App *subject = app->add_subcommand("subject")->group("");
     subject->require_subcommand(1);
-    // It does not outlive its measurer.
+    // A subject must not outlive the process that measures it.
     subject->parse_complete_callback([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
     CLI::App *latency = subject->add_subcommand("latency");
     latency->add_option("--reader", *reader)->required();
     latency->add_option("node", *node)->required();
-    latency->callback([reader, node] { runLatencySubject(*reader, *node); });
+    latency->callback([reader, node] { runLatencyReader(*reader, *node); });
     subject->add_subcommand("silence")->callback(&runSilenceSubject);
     subject->add_subcommand("start")->callback(&runStartSubject);
 }
@@ -65,43 +72,46 @@ int run(int argc, char *argv[])
     Options options;
     std::string reader;
     std::string node;
-    CLI::App app("Measures the library on devices of this kernel, which it makes itself. For root, "
-                 "in a guest that has no other input devices. Prints CSV rows: group, subject, "
+    CLI::App app("Measures the library on kernel devices, which it creates. To be run as root, in "
+                 "a guest that has no other input devices. Prints CSV rows: group, subject, "
                  "stream, burst, parameter, figure, unit, median, low, high, runs.");
     app.name("vorn_guest_bench");
     app.require_subcommand(1);
 
     CLI::App *latency = addMeasurement(
         &app, "latency",
-        "From the stamp of a key record to its receiver, beside a bare loop and an empty Qt shape",
+        "From the timestamp of a key record to its receiver, next to a bare loop and an empty Qt "
+        "shape",
         &options, &measureLatency);
-    addCount(latency, "--records", &options.records, "Key records of a run, presses and releases")
+    addCount(latency, "--records", &options.records, "Key records per run, presses and releases")
         ->check(CLI::Validator(
             [](const std::string &number) {
-                // A key that is left down would be no news in the next run.
+                // The kernel would drop the next run's first press of a key that is down.
                 const bool isEven = std::stoi(number) % 2 == 0;
-                return isEven ? std::string() : "Each press needs its release, not " + number;
+                return isEven ? std::string()
+                              : "an odd number of records leaves the key down: " + number;
             },
             ""));
-    addCount(latency, "--runs", &options.runs, "Runs of each reader, in turn");
+    addCount(latency, "--runs", &options.runs, "Runs of each reader, interleaved");
     CLI::App *silence = addMeasurement(
-        &app, "silence", "How often the library wakes the process up, with and without a key held",
+        &app, "silence", "How often the library wakes its process, with and without a key held",
         &options, &measureSilence);
-    addCount(silence, "--seconds", &options.seconds, "How long no key is held");
+    addCount(silence, "--seconds", &options.seconds, "Seconds without a key held");
     CLI::App *scan =
         addMeasurement(&app, "scan", "A pass over 0, 5 and 10 nodes", &options, &measureScan);
     addCount(scan, "--passes", &options.passes, "Passes of each kind");
     CLI::App *start = addMeasurement(
         &app, "start", "From the constructor of a device manager to the end of its first pass",
         &options, &measureStart);
-    addCount(start, "--starts", &options.starts, "Processes that are started");
+    addCount(start, "--starts", &options.starts, "Processes to start");
     for (CLI::App *command : {scan, start}) {
         command->add_flag("--expedite", options.expedite,
-                          "Have the kernel close a node without a wait (rcu_expedited), so that "
-                          "what else it costs is seen");
+                          "Have the kernel close nodes without a grace period (rcu_expedited), "
+                          "which shows the other costs");
     }
-    CLI::App *memory = addMeasurement(
-        &app, "memory", "What belongs to the idle example player alone", &options, &measureMemory);
+    CLI::App *memory =
+        addMeasurement(&app, "memory", "The memory that belongs to the idle example player alone",
+                       &options, &measureMemory);
     memory->add_option("--player", options.player, "The example player")
         ->type_name("PATH")
         ->required();

@@ -1,4 +1,6 @@
-#include "Commands.h"
+#include "Memory.h"
+
+#include "Options.h"
 #include "Process.h"
 
 #include <unistd.h>
@@ -11,8 +13,8 @@ namespace Vorn::Bench {
 
 void measureMemory(const Options &options)
 {
-    // Another program, which has none of the libraries in use: what two processes use belongs to
-    // neither alone.
+    // By a program that uses none of the player's libraries: a page that two processes use belongs
+    // to neither alone.
     const std::filesystem::path program =
         std::filesystem::path(ownPath()).parent_path() / "vorn_guest_memory";
     ::execl(program.c_str(), program.c_str(), options.player.c_str(), nullptr);

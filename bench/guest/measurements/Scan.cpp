@@ -1,16 +1,22 @@
-#include "Commands.h"
+#include "Scan.h"
+
+#include "Application.h"
+#include "BenchDevices.h"
+#include "Expedition.h"
 #include "Figures.h"
-#include "Setup.h"
-#include "UinputDevice.h"
+#include "Options.h"
+#include "Product.h"
 
 #include <QMetaObject>
 
 #include <fcntl.h>
+#include <linux/input.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <stdexcept>
 #include <system_error>
@@ -23,31 +29,31 @@ using Clock = std::chrono::steady_clock;
 
 const char *const inputFolder = "/dev/input";
 
-/// A folder for nodes that stays when there are none.
+/// Keeps the folder of the nodes when there are none.
 class InputFolder
 {
 public:
     InputFolder()
     {
         if (::mkdir(inputFolder, 0755) != 0)
-            throw std::system_error(errno, std::generic_category(), "cannot make /dev/input");
+            throw std::system_error(errno, std::generic_category(), "cannot create /dev/input");
     }
     ~InputFolder() { ::rmdir(inputFolder); }
     InputFolder(const InputFolder &) = delete;
     InputFolder &operator=(const InputFolder &) = delete;
 };
 
-/// The time of a pass in microseconds.
+/// Runs a pass; returns its time in microseconds.
 double pass(Product &product)
 {
     const auto start = Clock::now();
     if (!QMetaObject::invokeMethod(&product, "on_inputWatcher_changed", Qt::DirectConnection,
                                    Q_ARG(QString, QStringLiteral("/dev/input/"))))
-        throw std::runtime_error("the library has no such slot");
+        throw std::runtime_error("the library does not have this slot");
     return microsecondsSince(start);
 }
 
-/// The time of what no pass without news can do without.
+/// The system calls that no pass can do without; their time in microseconds.
 double bareCalls()
 {
     const auto start = Clock::now();
@@ -91,8 +97,8 @@ void measureWithNodes(int count, int passes, const Expedition &expedition)
     if (count == 0)
         return;
 
-    // The last one goes and comes back. The slot is quicker than the watcher, which is heard only
-    // afterwards, when there is nothing new any more.
+    // The last device goes and comes back. The slot is called before the watcher's signal, which is
+    // delivered at the end of the round, when nothing is new any more.
     std::vector<double> departures;
     std::vector<double> arrivals;
     for (int i = 0; i < passes; ++i) {
@@ -127,7 +133,7 @@ void measureScan(const Options &options)
     requireNoDevices();
     const Application application;
     if (::access(inputFolder, F_OK) == 0)
-        throw std::runtime_error("/dev/input is there without a device");
+        throw std::runtime_error("/dev/input exists without a device");
     const Expedition expedition(options.expedite);
     measureWithoutFolder(options.passes, expedition);
     const InputFolder folder;

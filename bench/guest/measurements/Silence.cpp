@@ -1,8 +1,11 @@
-#include "Commands.h"
+#include "Silence.h"
+
+#include "Application.h"
+#include "BenchDevices.h"
 #include "Figures.h"
+#include "Options.h"
 #include "Process.h"
-#include "Setup.h"
-#include "UinputDevice.h"
+#include "Product.h"
 #include "vorn.h"
 
 #include <chrono>
@@ -53,7 +56,7 @@ void measureSilence(const Options &options)
     const auto device = makeDevice();
     Process process({ownPath(), "subject", "silence"});
     process.waitUntilReady();
-    // What it still has to do, and the first long press, for which code is loaded.
+    // Not counted: the rest of its start, and a first long press, which loads code.
     device->press(KEY_VOLUMEUP);
     std::this_thread::sleep_for(1s);
     device->release(KEY_VOLUMEUP);

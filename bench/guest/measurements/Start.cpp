@@ -1,9 +1,14 @@
-#include "Commands.h"
-#include "Figures.h"
-#include "Process.h"
-#include "Setup.h"
-#include "UinputDevice.h"
+#include "Start.h"
 
+#include "Application.h"
+#include "BenchDevices.h"
+#include "Expedition.h"
+#include "Figures.h"
+#include "Options.h"
+#include "Process.h"
+#include "Product.h"
+
+#include <chrono>
 #include <cstdio>
 
 namespace Vorn::Bench {
@@ -33,7 +38,7 @@ void measureStart(const Options &options)
     const auto devices = makeDevices(nodes);
     std::vector<double> times;
     for (int i = 1; i <= options.starts; ++i) {
-        // A process of its own each time, as a product starts once.
+        // A new process each time, since a product starts only once.
         Process process({ownPath(), "subject", "start"});
         process.waitUntilReady();
         const std::vector<double> numbers = process.finish(std::chrono::seconds(20));
