@@ -1,19 +1,19 @@
 #!/usr/bin/env bash
-# Measures the library beside its peers, and makes tables and plots of it.
+# Measures the library and its peers, and makes tables and plots of the results.
 set -euo pipefail
 
 usage='usage: bench.sh [--quick] [--guests] [--output FOLDER] [--help]
 
-Installs what is missing, builds the preset release, and measures: the whole path from a node to an
-application beside other readers of evdev, its growth, the parts by themselves, the scan of devices,
-and the size of the binaries. Writes results.csv, results.md and plots (SVG) into FOLDER, and says
-which targets are met. Takes about 12 minutes; the machine should have nothing else to do.
+Installs missing packages, builds the release preset, and measures the whole path from a node to an
+application, next to other evdev readers; its growth; the parts by themselves; the device scan; and
+the size of the binaries. Writes results.csv, results.md and plots (SVG) to FOLDER, and prints which
+targets are met. Takes about 12 minutes on an otherwise idle machine.
 
---quick          Two runs of each in place of ten, to see whether all of it works.
---guests         Also what needs a kernel with devices: latency, silence, start and memory, in a
-                 guest of x86-64 and in one of 32-bit ARM. Software emulation takes another 25 minutes.
---output FOLDER  Where the results go (build/bench).
---help           Prints this text.'
+--quick          Two runs of each measurement instead of ten, to see whether everything works.
+--guests         Also measure what needs kernel devices: latency, silence, start and memory, in an
+                 x86-64 and a 32-bit ARM guest. Software emulation takes another 25 minutes.
+--output FOLDER  Where the results go (default: build/bench).
+--help           Print this text.'
 
 runs=10
 guests=no
@@ -51,7 +51,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/lib/debian-packages.sh
 scripts/install-packages.sh "${bench_packages[@]}"
 
-# The daemon would react to this machine's keys if it were installed, so it is only unpacked.
+# Unpacked, not installed: an installed daemon would react to this machine's keys.
 fill_peers() {
     local work
     work=$(mktemp -d)
@@ -60,7 +60,7 @@ fill_peers() {
             unpack "$work" "$(dpkg --print-architecture)" "$1" triggerhappy interception-tools
     } >"$work/log" 2>&1; then
         cat "$work/log" >&2
-        echo "bench.sh: the peers could not be fetched" >&2
+        echo "bench.sh: cannot fetch the peers" >&2
         return 1
     fi
     rm -rf "$work"
@@ -72,7 +72,7 @@ step() { echo "== $*" >&2; }
 
 logs=build/logs
 mkdir -p "$logs"
-# build PRESET: shows what was printed only when it fails.
+# build PRESET: shows its output only on failure.
 build() {
     step "building $1"
     if ! { cmake --preset "$1" && cmake --build --preset "$1"; } >"$logs/$1-bench.log" 2>&1; then
@@ -108,7 +108,7 @@ fi
 step "size"
 scripts/footprint.sh "${builds[@]}" >"$results/footprint.csv"
 
-# One table of all, with one head.
+# One table with one header.
 {
     head -n 1 "$results/path.csv"
     grep -h -v '^group,' "$results"/*.csv

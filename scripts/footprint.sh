@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Measures how much flash memory the libraries take, and how much the loader has to do for them.
+# Measures the size of the libraries and the work they give the loader.
 set -euo pipefail
 
 usage='usage: footprint.sh BUILD ...
 
-Prints CSV rows, without a header, on the libraries of each BUILD, a folder in which they are built:
-size without symbols, size of its sections, and relocations by who processes them and when.
+Prints CSV rows, without a header, for the libraries in each build folder BUILD: stripped size, size
+of the sections, and relocations by when the loader processes them.
 
 Columns: group, subject, stream, burst, parameter, figure, unit, median, low, high, runs.
 
@@ -37,7 +37,7 @@ measure() {
     *X86-64*) architecture=x86_64 prefix= ;;
     ARM) architecture=armhf prefix=arm-linux-gnueabihf- ;;
     *)
-        echo "footprint.sh: $file is for '$machine', which is not known here" >&2
+        echo "footprint.sh: $file: unknown machine '$machine'" >&2
         return 1
         ;;
     esac
@@ -49,8 +49,8 @@ measure() {
     row "$subject" "$architecture" data byte "$data"
     row "$subject" "$architecture" bss byte "$bss"
 
-    # Those of the load address and those of a symbol are processed when the library is loaded,
-    # those of calls when each function is called first.
+    # Relative and symbol relocations are processed when the library is loaded, those of calls at
+    # the first call of each function.
     "${prefix}readelf" -rW "$file" | grep -o 'R_[A-Z0-9_]*' >"$temporary/relocations"
     row "$subject" "$architecture" 'relative relocations' count \
         "$(grep -c '_RELATIVE$' "$temporary/relocations" || true)"
@@ -63,7 +63,7 @@ measure() {
 for build in "$@"; do
     for library in "$build/src/lib/libvorn_input.so" "$build/src/api/libvorn_api.so"; do
         if [ ! -e "$library" ]; then
-            echo "footprint.sh: there is no $library; build it first" >&2
+            echo "footprint.sh: $library is missing; build it first" >&2
             exit 1
         fi
         measure "$library"

@@ -4,18 +4,16 @@ set -euo pipefail
 
 usage='usage: run.sh [--quick] [--instructions] [ARCHITECTURE ...]
 
-Boots a guest of each ARCHITECTURE, x86_64 and armhf (both, unless one is named), runs all of
-vorn_guest_bench in it, and prints the CSV rows, without a header, on stdout. The architecture comes
-first in the column "parameter". How far it is, and what goes wrong, is told on stderr. Takes about
-nine minutes for each guest, which should not share its processors with anything else.
+Boots a guest for each ARCHITECTURE, x86_64 or armhf (default: both), runs all of vorn_guest_bench in
+it, and prints CSV rows without a header. The column "parameter" begins with the architecture.
+Progress and errors go to stderr. Takes about nine minutes per guest, on an otherwise idle machine.
 
-Needed: the target vorn_guest_bench, built in build/release for x86_64 and in build/armhf for armhf.
+Needs the target vorn_guest_bench, built in build/release for x86_64 and in build/armhf for armhf.
 
---instructions  Counts the instructions, of the kernel and of the program, that latency and scan
-                take on armhf, in place of all else. They hardly depend on the machine and on what
-                else it does. Takes two minutes.
---quick         Takes about a minute for each guest, to try it out; the rows say nothing.
---help          Prints this text.'
+--instructions  Only count the instructions, of the kernel and of the program, for latency and scan
+                on armhf. They hardly depend on the machine and its load. Takes two minutes.
+--quick         A trial run of about a minute per guest; its figures are meaningless.
+--help          Print this text.'
 
 latency=() silence=() scan=() start=()
 architectures=()
@@ -46,7 +44,7 @@ if [ -n "$instructions" ]; then
         exit 2
     fi
     architectures=(armhf)
-    # A nanosecond of the guest is then an instruction.
+    # Makes a nanosecond in the guest one instruction.
     export VORN_VM_COUNT_INSTRUCTIONS=yes
 fi
 [ ${#architectures[@]} -gt 0 ] || architectures=(x86_64 armhf)
@@ -57,17 +55,17 @@ declare -A builds=([x86_64]=$root/build/release [armhf]=$root/build/armhf)
 for architecture in "${architectures[@]}"; do
     program=${builds[$architecture]}/bench/guest/vorn_guest_bench
     if [ ! -x "$program" ]; then
-        echo "run.sh: there is no $program; build it first (see --help)" >&2
+        echo "run.sh: $program is missing; build it first (see --help)" >&2
         exit 1
     fi
 done
 
-# A run of all readers is far longer than a test.
+# A run of all readers takes far longer than a test.
 export VORN_VM_COMMAND_LIMIT=600
 folder=
 trap '[ -z "$folder" ] || "$guest" stop "$folder" >&2' EXIT
 
-# measure ARCHITECTURE ARGUMENT...: what it prints as rows is for stdout, all else for stderr.
+# measure ARCHITECTURE ARGUMENT...: rows go to stdout, all other output to stderr.
 measure() {
     local architecture=$1 build=${builds[$1]} output=$folder/output status=0
     shift

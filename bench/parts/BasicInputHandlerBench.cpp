@@ -17,7 +17,7 @@ using Vorn::Sim::InputSubsystem;
 
 constexpr int clickedKey = KEY_OK;
 constexpr int chordKey = KEY_PLAY;
-// Beyond all keys that are registered here, of which there are at most 767.
+// Above all registered keys.
 constexpr int unmappedKey = KEY_MAX;
 constexpr int usualKeys = 10;
 constexpr int mostKeys = 767;
@@ -26,11 +26,11 @@ enum class Key {
     Unmapped,
     Immediate,
     Deferred,
-    LongPress, ///< deferred, and timed
+    LongPress, ///< deferred and timed
     Chord,
 };
 
-/// The application: takes what is published.
+/// The application: receives what is published.
 class Application : public QObject
 {
 public:
@@ -45,7 +45,7 @@ private:
     int m_commands = 0;
 };
 
-/// Registers @p count keys, clickedKey and chordKey first, all in the same way.
+/// Registers @p count keys in the same way, clickedKey and chordKey first.
 void registerKeys(BasicKeyInputHandler &handler, Key key, int count)
 {
     QList<int> codes = {clickedKey, chordKey};
@@ -123,7 +123,7 @@ void processBatch(benchmark::State &state, Key key)
     });
 }
 
-// To 64, which a read brings on a 32-bit system.
+// Up to 64, a full read on a 32-bit system.
 void perBatch(benchmark::internal::Benchmark *benchmark)
 {
     benchmark->ArgName("records per read")->RangeMultiplier(2)->Range(1, 64);
@@ -156,11 +156,11 @@ void turnSwitch(benchmark::State &state, Log log)
 BENCHMARK_CAPTURE(turnSwitch, off, Log::Off)->Name("SwitchHandler/change/logging off");
 BENCHMARK_CAPTURE(turnSwitch, debug, Log::DebugToNull)->Name("SwitchHandler/change/DEBUG to null");
 
-/// A device manager that has seen the first @p nodes simulated nodes.
+/// A device manager that has found the first @p nodes simulated nodes.
 class Product : public BasicInputHandler
 {
 public:
-    /// @param handlers whether each device has handlers, under the identifiers "browse" and "text"
+    /// @param handlers whether each device gets handlers, with the identifiers "browse" and "text"
     Product(InputSubsystem &subsystem, int nodes, bool handlers = false)
         : m_hasHandlers(handlers)
         , m_pass(this, "on_inputWatcher_changed(QString)")
@@ -171,7 +171,7 @@ public:
                            DeviceDescription::keyboard("front-panel", BUS_HOST, {KEY_OK})
                                .withSwitches({SW_LINEIN_INSERT}));
         }
-        // The first pass is the event loop's.
+        // The event loop makes the first pass.
         QCoreApplication::processEvents();
         if (m_devices != nodes)
             qFatal("%d of %d devices found", m_devices, nodes);
@@ -179,7 +179,7 @@ public:
 
     int devices() const { return m_devices; }
 
-    /// Looks at the nodes, as after a change of their directory.
+    /// Scans the nodes, as after a change of their directory.
     void pass() { m_pass(&m_directory); }
 
     void addDevice(const QString &device, const QString &name) override
@@ -225,8 +225,7 @@ BENCHMARK(select)
     ->Arg(5)
     ->Arg(10);
 
-// With what the simulated nodes cost, but for the watch and the look at the directory, which are
-// the kernel's.
+// Includes the cost of the simulated nodes; the watch and the directory are the kernel's own.
 void passWithoutChange(benchmark::State &state)
 {
     InputSubsystem subsystem;
@@ -235,8 +234,8 @@ void passWithoutChange(benchmark::State &state)
 }
 BENCHMARK(passWithoutChange)->Name("scan/no change")->ArgName("nodes")->Arg(0)->Arg(5)->Arg(10);
 
-// The number of nodes is that with the new one. It comes and goes by being let open or not, which
-// needs no change of the directory: that would fill the watcher's queue, which nobody reads here.
+// The number of nodes includes the new one. It comes and goes by whether it can be opened: changes
+// of the directory would fill the watcher's queue, which nobody reads here.
 void passWithArrival(benchmark::State &state)
 {
     InputSubsystem subsystem;
@@ -249,12 +248,12 @@ void passWithArrival(benchmark::State &state)
         product.pass();
         node.clearFailures();
         if (product.devices() != nodes - 1)
-            qFatal("the device is not gone");
+            qFatal("the device did not go");
         state.ResumeTiming();
         product.pass();
     }
     if (product.devices() != nodes)
-        qFatal("the device is not back");
+        qFatal("the device did not come back");
     state.SetLabel("pass");
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
 }

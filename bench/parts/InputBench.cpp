@@ -22,7 +22,7 @@ void copyEvent(benchmark::State &state)
 {
     const InputEvent event = volumeUp();
     measure(state, "event", 1, [&event] {
-        // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it is what is measured
+        // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is what is measured
         const InputEvent copy(event);
         benchmark::DoNotOptimize(copy);
     });

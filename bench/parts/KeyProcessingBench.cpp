@@ -11,7 +11,7 @@ namespace {
 
 using Vorn::Sim::InputNode;
 
-// Nothing that is held here becomes a long press by itself.
+// In milliseconds; no key is held here that long.
 constexpr int never = 3'600'000;
 
 void printRecord(benchmark::State &state)
@@ -64,7 +64,7 @@ BENCHMARK_CAPTURE(detectChord, off, Log::Off)->Name("DoubleKeyDetect/chord/loggi
 BENCHMARK_CAPTURE(detectChord, debug, Log::DebugToNull)
     ->Name("DoubleKeyDetect/chord/DEBUG to null");
 
-// No timer stops between the clicks, as with clicks that follow each other within a tick.
+// The timer runs on between the clicks, as when they follow each other within a tick.
 void timeClick(benchmark::State &state)
 {
     LongPressDetect detector;
@@ -84,7 +84,7 @@ void timeClick(benchmark::State &state)
 }
 BENCHMARK(timeClick)->Name("LongPressDetect/click")->ArgName("timeouts")->Arg(0)->Arg(1)->Arg(2);
 
-// As a person clicks: the press starts the timer, and its next tick finds nothing held and stops.
+// As people click: the press starts the timer, whose next tick finds no key held and stops it.
 void timeLoneClick(benchmark::State &state)
 {
     LongPressDetect detector;

@@ -18,7 +18,7 @@ DeviceDescription panel()
     return DeviceDescription::keyboard("front-panel", BUS_HOST, {KEY_OK});
 }
 
-/// A receiver to which a batch means nothing.
+/// A receiver that ignores its batches.
 class Sink : public InputHandler
 {
 public:
@@ -46,8 +46,8 @@ void perRead(benchmark::internal::Benchmark *benchmark)
     benchmark->Arg(recordsPerRead);
 }
 
-// With what the simulated node costs, which SimulatedNode/read tells: it takes the place of the
-// kernel, and is dearer than one.
+// Includes the cost of the simulated node, which is slower than the kernel's, see
+// SimulatedNode/read.
 void readBatch(benchmark::State &state, Log log)
 {
     const Logging logging(log);
@@ -80,7 +80,7 @@ BENCHMARK_CAPTURE(readBatch, debug, Log::DebugToNull)
     ->Arg(2)
     ->Arg(recordsPerRead);
 
-// The same without the library.
+// The cost of the simulated node alone.
 void readBare(benchmark::State &state)
 {
     InputSubsystem subsystem;
@@ -102,7 +102,7 @@ void readBare(benchmark::State &state)
 }
 BENCHMARK(readBare)->Name("SimulatedNode/read")->Apply(perRead);
 
-// What a batch costs because it is a list: the least that a listener pays, whatever it does.
+// What a batch costs because it is a list, whatever the listener does with it.
 void makeList(benchmark::State &state)
 {
     const auto count = static_cast<int>(state.range(0));

@@ -10,17 +10,17 @@
 #include <linux/input.h>
 
 /// @file
-/// What all benchmarks of the parts are made of.
+/// What the benchmarks of the parts share.
 ///
-/// A benchmark is called `Part/what is done/name of a number:number`; to_csv.py makes of it what
-/// the columns of its rows say. The ground line of all is a product in service: no line is written
-/// to the log, and one receiver is connected to the bus where something is reported.
+/// A benchmark is named `Part/operation/quantity:number`; to_csv.py turns the name into columns.
+/// The baseline is a product in service: nothing is logged, and where something is reported, one
+/// receiver is connected to the bus.
 
-/// Times @p operation, which does @p items of what is called @p item ("click"), and counts what
-/// it allocates.
+/// Times @p operation, which handles @p items units called @p item ("click"), and counts its
+/// allocations.
 ///
-/// The operation has to leave everything as it found it. It is run once before, so that what
-/// happens only the first time is in neither figure.
+/// The operation must leave everything as it found it. It is run once beforehand, so that
+/// first-time costs are in neither figure.
 template <typename Operation>
 void measure(benchmark::State &state, const char *item, int items, Operation operation)
 {
@@ -30,7 +30,7 @@ void measure(benchmark::State &state, const char *item, int items, Operation ope
     state.SetLabel(item);
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * items);
 
-    // Apart from the time, so that the two do not disturb each other.
+    // Apart from the timing, so that neither disturbs the other.
     constexpr int rounds = 16;
     const AllocationCounter counter;
     for (int round = 0; round < rounds; ++round)
@@ -40,11 +40,11 @@ void measure(benchmark::State &state, const char *item, int items, Operation ope
 
 /// What is written to the log.
 enum class Log {
-    Off, ///< what a product writes in service: nothing for what is measured here
+    Off, ///< as a product in service: nothing
     DebugToNull, ///< DEBUG lines are composed and handed to an appender that drops them
 };
 
-/// Writes to the log what it is told while it lives.
+/// Sets what is logged, for its lifetime.
 class Logging
 {
 public:
@@ -54,18 +54,18 @@ public:
     Logging &operator=(const Logging &) = delete;
 };
 
-/// What one read brings for one change: its record and the end of the packet, stamped with the
-/// present time.
+/// What one read returns for one change: its record and the end of the packet, with the current
+/// time as their timestamp.
 QList<input_event> packet(int type, int code, int value);
 
 /// Packets of a press and a release of @p code.
 QList<QList<input_event>> clickPackets(int code);
 
-/// @p count records at a time of an endless stream of clicks of @p code, as many batches as it
-/// takes until the stream is where it began.
+/// Batches of @p count records from an endless stream of clicks of @p code, up to where the stream
+/// repeats.
 QList<QList<input_event>> clickBatches(int code, int count);
 
-/// The most records that one read of the library brings.
+/// The most records that one read of the library returns.
 constexpr int recordsPerRead = 1024 / static_cast<int>(sizeof(input_event));
 
 #endif

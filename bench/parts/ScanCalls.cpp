@@ -16,8 +16,8 @@
 #include <cstring>
 #include <iostream>
 
-// Makes passes of the device scan, each between two marks that a tracer sees, and prints what the
-// simulated nodes were asked for meanwhile; scan_calls.py puts the two together.
+// Makes passes of the device scan, each between two marks for a tracer, and prints the calls that
+// the simulated nodes answered meanwhile; scan_calls.py combines the two.
 
 namespace {
 
@@ -42,11 +42,11 @@ public:
     int devices = 0;
 };
 
-// A write that goes nowhere is seen by the tracer all the same.
+// A failing write has no effect, but the tracer sees it.
 void mark(const char *text)
 {
     if (::write(-1, text, std::strlen(text)) >= 0)
-        qFatal("a write to no descriptor succeeds");
+        qFatal("a write to descriptor -1 succeeded");
 }
 
 int run(int nodes, bool arrival)
@@ -73,7 +73,7 @@ int run(int nodes, bool arrival)
         }
         const int expected = arrival ? nodes - 1 : nodes;
         if (product.devices != expected) {
-            std::cerr << "vorn_scan_calls: " << product.devices << " devices are known, not "
+            std::cerr << "vorn_scan_calls: " << product.devices << " devices found instead of "
                       << expected << std::endl;
             return 1;
         }
@@ -108,7 +108,7 @@ int main(int argc, char **argv)
         || (arrival && nodes == 0))
     {
         std::cerr << "usage: vorn_scan_calls NODES none|arrival\n"
-                     "NODES (0 to 10) are there, the one that arrives included.\n";
+                     "NODES is 0 to 10, including the one that arrives.\n";
         return 2;
     }
     const log4cplus::Initializer initializer;

@@ -4,8 +4,8 @@
 #include <QMetaObject>
 #include <QObject>
 
-/// A private slot of an object, called through the meta-object as a queued signal calls it: by its
-/// number, which costs next to nothing, where a call by name would cost more than some slots.
+/// A private slot of an object, called by its index as a queued signal does. A call by name would
+/// cost more than some of the slots.
 class Slot
 {
 public:
@@ -18,7 +18,7 @@ public:
             qFatal("%s has no slot %s", object->metaObject()->className(), signature);
     }
 
-    /// @param argument where the slot's argument is, if it has one
+    /// @param argument points to the slot's argument, if it has one
     void operator()(void *argument = nullptr) const
     {
         void *arguments[] = {nullptr, argument};

@@ -16,8 +16,8 @@ int main(int argc, char **argv)
     root.setLogLevel(log4cplus::WARN_LOG_LEVEL);
     QCoreApplication application(argc, argv);
 
-    // Short by themselves, because ten repetitions tell more than a single long one. Comes first,
-    // so that the command line overrides it.
+    // Short, because ten repetitions say more than a long one. Inserted first, so that the command
+    // line overrides it.
     char minTime[] = "--benchmark_min_time=0.025";
     std::vector<char *> arguments(argv, argv + argc);
     arguments.insert(arguments.begin() + 1, minTime);
@@ -28,6 +28,6 @@ int main(int argc, char **argv)
         return 2;
     const std::size_t run = benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
-    // A filter that matches nothing is a mistake, not a result.
+    // A filter that matches nothing must not look like success.
     return run > 0 ? 0 : 1;
 }

@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
 """Counts the system calls of one pass of the device scan, as rows of the results' CSV.
 
-The program vorn_scan_calls makes the passes on simulated nodes, under strace, and tells itself what
-the nodes were asked for. What a kernel with these nodes would see is put together from both:
+The program vorn_scan_calls makes the passes on simulated nodes, under strace, and counts the calls
+that the nodes answer. Together they give the calls a kernel with these nodes would see:
 
-- An open of a node that is there is an eventfd2 in the trace, and one of a node that is not is an
-  openat; together they are as many as the program counts, or the count is refused.
-- The closes are as many in the trace as the program counts, or the count is refused.
-- The ioctls are answered without the kernel, so the program's count is taken.
-- Everything else is taken from the trace: it is Qt's, on real directories and descriptors.
+- The open of an existing node is an eventfd2 in the trace, that of a missing one an openat. Their
+  sum must match the program's count, or nothing is reported.
+- The closes in the trace must match the program's count as well.
+- The ioctls never reach the kernel, so the program's count is used.
+- Everything else comes from the trace: Qt's calls on real directories and descriptors.
 """
 import argparse
 import collections
@@ -21,18 +21,18 @@ import tempfile
 
 HEADER = ["group", "subject", "stream", "burst", "parameter", "figure", "unit", "median", "low",
           "high", "runs"]
-# Nodes that the pass finds, and what has changed since the last one.
+# Nodes that a pass finds, and what has changed since the previous one.
 CASES = [(0, "none"), (5, "none"), (10, "none"), (1, "arrival"), (5, "arrival"), (10, "arrival")]
 CHANGES = {"none": "no change", "arrival": "one arrival"}
 CALL = re.compile(r"^(?:\d+ +)?(\w+)\((.*)$")
 
 
 class Failure(Exception):
-    """Why there is no count; its text is for the user."""
+    """Why there is no count; its text is shown to the user."""
 
 
 def calls_of_passes(trace):
-    """A Counter of the names of the system calls of each pass in a trace of strace."""
+    """The system calls of each pass in a trace, as a Counter of their names."""
     passes = []
     inside = False
     for line in trace.splitlines():
@@ -51,21 +51,21 @@ def calls_of_passes(trace):
 
 
 def calls_of_nodes(output):
-    """What the program has counted."""
+    """The program's counts, by name."""
     return {name: int(count) for name, count in (line.split() for line in output.splitlines())}
 
 
 def kinds_of_calls(traced, counted):
-    """The calls of a pass by kind, from its trace and from what the program counted for it."""
+    """The calls of a pass by kind, from its trace and the program's counts."""
     kinds = collections.Counter(traced)
     opens = kinds.pop("eventfd2", 0) + kinds.pop("openat", 0)
     if opens != counted["opens"]:
-        raise Failure(f"{opens} opens are in the trace, but the nodes saw {counted['opens']}")
+        raise Failure(f"{opens} opens in the trace, but the nodes counted {counted['opens']}")
     if kinds["close"] != counted["closes"]:
-        raise Failure(f"{kinds['close']} closes are in the trace, but the nodes saw"
+        raise Failure(f"{kinds['close']} closes in the trace, but the nodes counted"
                       f" {counted['closes']}")
     if kinds["ioctl"] != 0 or counted["reads"] != 0:
-        raise Failure("the simulated nodes are not what is traced")
+        raise Failure("unexpected reads or ioctls: the trace is not of simulated nodes")
     kinds["open"] = opens
     kinds["ioctl"] = counted["ioctls"]
     return kinds
@@ -87,7 +87,7 @@ def measure(program, nodes, change):
     counted = calls_of_nodes(result.stdout)
     runs = counted.pop("passes")
     if len(passes) != runs:
-        raise Failure(f"{len(passes)} of {runs} passes are in the trace")
+        raise Failure(f"{len(passes)} of {runs} passes in the trace")
     for name, count in counted.items():
         if count % runs != 0:
             raise Failure(f"the passes differ: {count} {name} in {runs}")
@@ -106,7 +106,7 @@ def main():
     parser = argparse.ArgumentParser(
         description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("program", metavar="PROGRAM", help="the built vorn_scan_calls")
-    parser.add_argument("--rows-only", action="store_true", help="leaves out the header")
+    parser.add_argument("--rows-only", action="store_true", help="leave out the header")
     options = parser.parse_args()
     try:
         rows = [row for nodes, change in CASES for row in measure(options.program, nodes, change)]

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests to_csv.py and scan_calls.py on what the programs before them might write."""
+"""Tests to_csv.py and scan_calls.py on invented output of the programs they read."""
 import csv
 import io
 import json
@@ -92,7 +92,7 @@ class ToCsvTest(ScriptTest):
         self.assertEqual(self.run_script("to_csv.py", path).stdout.splitlines()[0], HEADER)
 
     def test_what_is_not_json_is_refused_with_its_line(self):
-        self.refuse(":2: no JSON", "{\n]")
+        self.refuse(":2: not JSON", "{\n]")
 
     def test_other_json_is_refused(self):
         self.refuse(": not the results of vorn_bench_parts", "{}")
@@ -108,7 +108,7 @@ class ToCsvTest(ScriptTest):
             {"benchmarks": [entry("A/b", 1, error_occurred=True, error_message="why")]}))
 
 
-# Takes the place of strace: writes a trace to where it is told to, and what the program counts.
+# Replaces strace: writes a trace to the given file, and prints the program's counts.
 STRACE = """#!/usr/bin/env python3
 import sys
 with open(sys.argv[3], "w") as file:
@@ -127,7 +127,7 @@ class ScanCallsTest(ScriptTest):
                 '1 write(-1, "end", 3) = -1 EBADF\n')
 
     def trace(self, trace, counts, status=0):
-        """What the script makes of a trace, which stands for those of all its cases."""
+        """Runs the script with the same trace for all its cases."""
         strace = self.write("strace", STRACE.format(trace=trace, counts=counts, status=status))
         os.chmod(strace, os.stat(strace).st_mode | stat.S_IXUSR)
         path = os.pathsep.join([self.folder, os.environ["PATH"]])
@@ -151,9 +151,9 @@ class ScanCallsTest(ScriptTest):
                                 ",system calls,1/pass,5,5,5,2"])
 
     def test_a_count_that_contradicts_the_trace_is_refused(self):
-        self.refuse("2 opens are in the trace, but the nodes saw 3", self.one_pass,
+        self.refuse("2 opens in the trace, but the nodes counted 3", self.one_pass,
                     "passes 1\nopens 3\nreads 0\nioctls 1\ncloses 1")
-        self.refuse("1 closes are in the trace, but the nodes saw 0", self.one_pass,
+        self.refuse("1 closes in the trace, but the nodes counted 0", self.one_pass,
                     "passes 1\nopens 2\nreads 0\nioctls 1\ncloses 0")
 
     def test_passes_that_differ_are_refused(self):
@@ -161,7 +161,7 @@ class ScanCallsTest(ScriptTest):
                     "passes 2\nopens 5\nreads 0\nioctls 2\ncloses 2")
 
     def test_a_trace_without_the_passes_is_refused(self):
-        self.refuse("1 of 2 passes are in the trace", self.one_pass,
+        self.refuse("1 of 2 passes in the trace", self.one_pass,
                     "passes 2\nopens 4\nreads 0\nioctls 2\ncloses 2")
 
     def test_a_program_that_fails_is_refused(self):

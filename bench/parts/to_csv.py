@@ -1,17 +1,17 @@
 #!/usr/bin/env python3
-"""Turns what vorn_bench_parts writes as JSON into rows of the results' CSV.
+"""Converts the JSON of vorn_bench_parts to rows of the results' CSV.
 
     vorn_bench_parts --benchmark_format=json --benchmark_repetitions=10 \\
         --benchmark_enable_random_interleaving=true > parts.json
     to_csv.py parts.json > parts.csv
 
-Each benchmark gives one row for the CPU time of what it does once, and one for its allocations: the
-median, the least and the most of its repetitions. A benchmark called "A/b/c/d:1" is about the
-subject "A: b", with the parameter "c, d=1". Its group is
+Each benchmark gives one row for the CPU time of an item and one for its allocations, with the
+median, minimum and maximum of its repetitions. A benchmark named "A/b/c/d:1" has the subject "A: b"
+and the parameter "c, d=1". Its group is
 
-- growth, when its only parameter is a quantity that grows;
-- scan, when its subject is the scan of the nodes: then what is scanned is the parameter;
-- parts, otherwise.
+- growth, if its only parameter is a quantity that grows;
+- scan, if it measures the scan of the nodes, which its parameter describes;
+- parts otherwise.
 """
 import argparse
 import csv
@@ -22,16 +22,16 @@ import sys
 HEADER = ["group", "subject", "stream", "burst", "parameter", "figure", "unit", "median", "low",
           "high", "runs"]
 GROWING = {"registered keys", "devices", "records per read", "keys held"}
-# The scan is timed here with simulated nodes in place of the kernel's, and so called.
+# The guests measure the scan on kernel nodes, under another name.
 SCAN_SUBJECT = "library on simulated nodes"
 
 
 class Failure(Exception):
-    """Why a file cannot be used; its text is for the user."""
+    """Why a file cannot be used; its text is shown to the user."""
 
 
 def place_of(name):
-    """Group, subject and parameter of a benchmark's name."""
+    """The group, subject and parameter in a benchmark's name."""
     parts = name.split("/")
     arguments = [part.replace(":", "=", 1) for part in parts[1:] if ":" in part]
     words = [part for part in parts if ":" not in part]
@@ -45,22 +45,22 @@ def place_of(name):
 
 
 def order(entry):
-    """What brings the entries into the order of their definition."""
+    """Sorts entries in the order of their definition."""
     return entry["family_index"], entry["per_family_instance_index"]
 
 
 def load(path):
-    """The repetitions of each benchmark in a file, by its name."""
+    """The repetitions of each benchmark in a file, by name."""
     try:
         with open(path, encoding="utf-8") as file:
             document = json.load(file)
     except OSError as error:
         raise Failure(f"{path}: {error.strerror}")
     except json.JSONDecodeError as error:
-        raise Failure(f"{path}:{error.lineno}: no JSON: {error.msg}")
+        raise Failure(f"{path}:{error.lineno}: not JSON: {error.msg}")
     runs = {}
     try:
-        # Interleaved repetitions come in a random order.
+        # Interleaved repetitions come in random order.
         for entry in sorted(document["benchmarks"], key=order):
             if entry.get("error_occurred"):
                 raise Failure(f"{path}: '{entry['name']}' failed: {entry.get('error_message')}")
@@ -77,7 +77,7 @@ def load(path):
 
 
 def number(value):
-    """A figure with as many digits as it is worth."""
+    """A figure with five digits at most, or all of its whole part."""
     return f"{value:.5g}" if value < 10000 else f"{value:.0f}"
 
 
@@ -85,7 +85,7 @@ def rows_of(name, runs):
     """The rows of one benchmark."""
     group, subject, parameter = place_of(name)
     item = runs[0]["item"]
-    # A pass takes so long, and is looked at elsewhere, in microseconds.
+    # In microseconds, like the passes in the guests.
     unit, scale = ("us", 1000) if group == "scan" else ("ns", 1)
     figures = [("CPU time", f"{unit}/{item}", [run["time"] / scale for run in runs])]
     if runs[0]["allocations"] is not None:
@@ -98,8 +98,8 @@ def rows_of(name, runs):
 def main():
     parser = argparse.ArgumentParser(
         description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("files", metavar="FILE", nargs="+", help="what vorn_bench_parts wrote")
-    parser.add_argument("--rows-only", action="store_true", help="leaves out the header")
+    parser.add_argument("files", metavar="FILE", nargs="+", help="output of vorn_bench_parts")
+    parser.add_argument("--rows-only", action="store_true", help="leave out the header")
     options = parser.parse_args()
     try:
         rows = [row for path in options.files for name, runs in load(path).items()

@@ -17,7 +17,7 @@ int main()
         std::perror("/dev/input/event0");
         return 1;
     }
-    // As much at a time as the library reads.
+    // As much per read as the library.
     std::array<input_event, 1024 / sizeof(input_event)> batch;
     while (::poll(&ready, 1, -1) == 1) {
         const ssize_t bytes = ::read(ready.fd, batch.data(), sizeof(batch));

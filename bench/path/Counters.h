@@ -7,18 +7,18 @@
 
 #include <sys/mman.h>
 
-/// What the feeder reads of a subject while it runs: a page that both have in memory.
+/// A page that a subject shares with the feeder, which reads it while the subject runs.
 struct Counters
 {
-    std::atomic<std::uint64_t> allocations; ///< counted by the preloaded allocation counter
-    std::atomic<std::uint64_t> bytes; ///< asked for in these
-    std::atomic<std::uint64_t> results; ///< what the subject made of its records
+    std::atomic<std::uint64_t> allocations; ///< by CountingAllocator, if it is preloaded
+    std::atomic<std::uint64_t> bytes; ///< requested in these
+    std::atomic<std::uint64_t> results; ///< records or events that the subject received
 };
 
 static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
 
 constexpr const char *countersVariable = "VORN_BENCH_COUNTERS";
-/// Comma-separated read ends, one for each of /dev/input/event0, event1 …
+/// Comma-separated read ends for /dev/input/event0, event1 …
 constexpr const char *nodesVariable = "VORN_BENCH_NODES";
 
 /// The counters of the feeder that started this process; null if none did.
@@ -32,7 +32,7 @@ inline Counters *inheritedCounters()
     return page == MAP_FAILED ? nullptr : static_cast<Counters *>(page);
 }
 
-/// One more result of this subject. A plain addition: there is one writer.
+/// Counts a result of this subject, which must be the only writer: the addition is not atomic.
 inline void countResult(std::uint64_t number = 1)
 {
     static Counters standIn;

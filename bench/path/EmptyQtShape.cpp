@@ -1,5 +1,5 @@
-// What any program of this shape costs, whatever it does: the records of one read as a
-// QList<input_event>, handed to a slot by a QSocketNotifier.
+// The cost of the library's shape without its work: a QSocketNotifier hands the records of one read
+// to a slot as a QList<input_event>.
 
 #include "Counters.h"
 

@@ -1,9 +1,12 @@
-// Starts a subject, feeds it with records, and tells what it took for them.
+// Starts a subject, feeds it records, and prints what they cost.
 //
-// Each burst is written when the subject has read the one before. By then it may still be at work
-// on it, and find the next without a sleep in between; or the feeder waits until it sleeps, so that
-// every burst wakes it up, as keys do that people press. What is measured is the subject's own time
-// on a processor, from its first burst after the warm-up until it sleeps after the last one.
+//   --pace read   subject  read 1 ── work ── read 2 ── work ──    finds burst 2 without sleeping
+//                 feeder        └ write 2         └ write 3
+//   --pace sleep  subject  read 1 ── work ── sleep ── read 2 ──   is woken by every burst, as by a
+//                 feeder                          └ write 2       key press
+//
+// Measured is the subject's CPU time, from its first burst after the warm-up until it sleeps after
+// the last one.
 
 #include "Counters.h"
 
@@ -38,10 +41,10 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 constexpr int firstKey = KEY_1;
-// As many as the library asks for at a time. A node hands only whole records out, but a pipe would
-// cut the last of a longer burst in two.
+// As many as one read of the library takes. A node returns only whole records, but a pipe would
+// split the last one of a longer burst.
 constexpr int recordsPerRead = 1024 / sizeof(input_event);
-// Nothing that is fed takes so long; a subject that needs longer is stuck.
+// A subject that needs longer is stuck.
 constexpr auto patience = 60s;
 
 [[noreturn]] void failWith(const char *what)
@@ -87,7 +90,7 @@ public:
                 }
             }
         } else if (name == "held") {
-            // A press, and then the auto-repeat of a driver for as long as it lasts.
+            // The auto-repeat of a driver, without the press before it.
             add(EV_KEY, firstKey, 2);
         } else {
             add(EV_SW, SW_LINEIN_INSERT, 1);
@@ -95,7 +98,7 @@ public:
         }
     }
 
-    /// Fills @p burst with the next records, stamped with the time as it is.
+    /// Fills @p burst with the next records, with the current time as their timestamp.
     void fill(std::vector<input_event> &burst)
     {
         timeval now;
@@ -121,7 +124,7 @@ private:
     std::size_t m_position = 0;
 };
 
-/// A pipe that stands for a node.
+/// A pipe in the place of a node.
 class Node
 {
 public:
@@ -153,7 +156,7 @@ public:
     int writeEnd;
 };
 
-/// The process that is measured. It does not outlive this object.
+/// The measured process. It does not outlive this object.
 class Subject
 {
 public:
@@ -212,7 +215,7 @@ public:
         return state[2] == 'S';
     }
 
-    /// How often it went to sleep by itself.
+    /// How often it has gone to sleep of its own accord.
     long sleeps() const
     {
         const std::string path = "/proc/" + std::to_string(m_pid) + "/status";
@@ -227,7 +230,7 @@ public:
         return count;
     }
 
-    /// Waits until it has nothing more to do for its start.
+    /// Waits until its start is complete: no CPU time used for a while.
     void waitUntilReady() const
     {
         const auto end = Clock::now() + patience;
@@ -239,11 +242,11 @@ public:
             quiet = time == before && isAsleep() ? quiet + 1 : 0;
             before = time;
             if (Clock::now() > end)
-                throw std::runtime_error("the subject does not come to rest after its start");
+                throw std::runtime_error("the subject does not become idle after its start");
         }
     }
 
-    /// Waits until it has read all, and, unless it need not, sleeps.
+    /// Waits until it has read everything and, if @p mustSleep, sleeps.
     void waitUntilDone(const std::vector<Node> &nodes, bool mustSleep = true) const
     {
         const auto end = Clock::now() + patience;
@@ -276,7 +279,7 @@ private:
             const std::size_t sign = variable.find('=');
             setenv(variable.substr(0, sign).c_str(), variable.substr(sign + 1).c_str(), 1);
         }
-        // What a subject prints is not looked at.
+        // The output of a subject is of no interest.
         const int null = open("/dev/null", O_RDWR);
         dup2(null, STDIN_FILENO);
         dup2(null, STDOUT_FILENO);
@@ -346,7 +349,7 @@ void run(const Options &options)
     subject.waitUntilReady();
 
     if (options.stream == "hold") {
-        // A key that is down for some time, and no record meanwhile.
+        // A key held down for some time, without auto-repeat.
         std::vector<input_event> press = {Stream::record(EV_KEY, firstKey, 1),
                                           Stream::record(EV_SYN, SYN_REPORT, 0)};
         gettimeofday(&press[0].time, nullptr);
@@ -371,30 +374,32 @@ void run(const Options &options)
 int main(int argc, char **argv)
 {
     Options options;
-    CLI::App app("Starts COMMAND, whose /dev/input/event0 … are pipes, feeds it with records, and "
-                 "prints what it took as a line of JSON.");
-    app.add_option("--stream", options.stream, "what is fed, or a key that is held")
+    CLI::App app("Starts COMMAND with pipes in the place of /dev/input/event0 …, feeds it records, "
+                 "and prints what they cost as a line of JSON.");
+    app.add_option("--stream", options.stream, "records to feed; hold is one key held down")
         ->check(CLI::IsMember({"clicks", "chords", "held", "switches", "hold"}))
         ->capture_default_str();
-    app.add_option("--burst", options.burst, "records that are written at a time")
+    app.add_option("--burst", options.burst, "records written at a time")
         ->check(CLI::Range(1, recordsPerRead))
         ->capture_default_str();
-    app.add_option("--records", options.records, "records in all")->capture_default_str();
-    app.add_option("--warm-up", options.warmUp, "records before those")->capture_default_str();
-    app.add_option("--keys", options.keys, "how many different keys are pressed, in turn")
+    app.add_option("--records", options.records, "records in total")->capture_default_str();
+    app.add_option("--warm-up", options.warmUp, "records fed before those and not counted")
+        ->capture_default_str();
+    app.add_option("--keys", options.keys, "number of keys that are pressed in turn")
         ->check(CLI::Range(1, 100))
         ->capture_default_str();
-    app.add_option("--devices", options.devices, "nodes that the bursts go to in turn")
+    app.add_option("--devices", options.devices, "nodes that get the bursts in turn")
         ->check(CLI::Range(1, 10))
         ->capture_default_str();
     app.add_option("--pace", options.pace,
-                   "whether a burst waits until the one before is read, or until its reader sleeps")
+                   "what a burst waits for: the previous one read, or its reader asleep")
         ->check(CLI::IsMember({"read", "sleep"}))
         ->capture_default_str();
     app.add_option("--seconds", options.seconds, "how long the key is held")->capture_default_str();
-    app.add_option("--preload", options.preload, "libraries that the subject is started with")
+    app.add_option("--preload", options.preload, "library to preload into the subject; repeatable")
         ->allow_extra_args(false);
-    app.add_option("--env", options.environment, "NAME=VALUE for the subject")
+    app.add_option("--env", options.environment,
+                   "NAME=VALUE for the subject's environment; repeatable")
         ->allow_extra_args(false);
     app.add_option("command", options.command, "the subject and its arguments")->required();
     CLI11_PARSE(app, argc, argv);

@@ -1,4 +1,4 @@
-// The loop of libevdev's own documentation.
+// The loop as in libevdev's documentation.
 
 #include "Counters.h"
 

@@ -1,4 +1,4 @@
-// The library from the node to an application's slot on the bus.
+// The library, from the node to an application's slot on the bus.
 
 #include "BasicInputHandler.h"
 #include "Counters.h"
@@ -19,13 +19,13 @@
 namespace {
 
 constexpr int firstKey = KEY_1;
-// Registered in the place of those that are pressed where these are to be unmapped.
+// Registered instead of the pressed keys if these are to be unmapped.
 constexpr int firstOtherKey = KEY_F1;
 constexpr int switchCode = SW_LINEIN_INSERT;
 
 bool registerStream(BasicKeyInputHandler &keys, const QString &stream, int keyCount)
 {
-    // What is pressed is the feeder's business; here is what becomes of it.
+    // The feeder decides what is pressed, the registrations what becomes of it.
     if (stream == QLatin1String("unmapped")) {
         for (int i = 0; i < keyCount; ++i)
             keys.registerKey(firstOtherKey + i, InputEvent::Info, true);
@@ -56,7 +56,7 @@ bool registerStream(BasicKeyInputHandler &keys, const QString &stream, int keyCo
     return false;
 }
 
-/// Registers further keys, which are never pressed, up to @p number in all.
+/// Registers further keys, which are never pressed, up to a total of @p number.
 void registerOthers(BasicKeyInputHandler &keys, int number, int keyCount)
 {
     int missing = number - keyCount;
@@ -86,16 +86,17 @@ int main(int argc, char **argv)
     QCommandLineParser options;
     options.setApplicationDescription(QStringLiteral("The library as a subject of the benchmark."));
     options.addHelpOption();
-    const QCommandLineOption debug(QStringLiteral("debug"),
-                                   QStringLiteral("Log at DEBUG, to an appender that drops all."));
+    const QCommandLineOption debug(
+        QStringLiteral("debug"),
+        QStringLiteral("Log at DEBUG, to an appender that drops everything."));
     const QCommandLineOption devices(QStringLiteral("devices"),
                                      QStringLiteral("Read event0 to event(<n> - 1)."),
                                      QStringLiteral("n"), QStringLiteral("1"));
     const QCommandLineOption registered(QStringLiteral("registered"),
-                                        QStringLiteral("Have <n> keys registered in all."),
+                                        QStringLiteral("Register <n> keys in total."),
                                         QStringLiteral("n"), QStringLiteral("0"));
     const QCommandLineOption pressed(QStringLiteral("keys"),
-                                     QStringLiteral("Of these, <n> are those that are pressed."),
+                                     QStringLiteral("Number of these that are pressed."),
                                      QStringLiteral("n"), QStringLiteral("8"));
     options.addOptions({debug, devices, registered, pressed});
     options.addPositionalArgument(

@@ -1,10 +1,10 @@
-// Preloaded into every subject: /dev/input/eventN is the pipe whose other end the feeder writes to.
+// Preloaded into every subject: /dev/input/eventN is a pipe that the feeder writes to.
 //
-// All reads, polls and wake-ups are the kernel's own, and nothing of this library is on their way;
-// it only serves `open` and the questions that are asked about a device. vorn::sim, which keeps the
-// queue inside the process, would be measured with what reads from it.
+// Reads, polls and wake-ups are the kernel's own; this library only answers `open` and the queries
+// about a device. vorn::sim would not do: its queue is inside the process and would be measured
+// with its reader.
 
-// `open` and `open64` are both defined here, so neither may be an alias of the other.
+// `open` and `open64` are both defined below, so neither may be an alias of the other.
 #undef _FILE_OFFSET_BITS
 #undef _TIME_BITS
 #undef _FORTIFY_SOURCE
@@ -28,7 +28,7 @@
 #define INTERPOSED extern "C" __attribute__((visibility("default")))
 
 extern "C" {
-// Called by code that is built with size checks; no header declares them.
+// Called by code built with size checks; no header declares them.
 INTERPOSED int __open_2(const char *path, int flags);
 INTERPOSED int __open64_2(const char *path, int flags);
 }
@@ -41,7 +41,7 @@ constexpr int maximalDescriptor = 1024;
 
 std::array<bool, maximalDescriptor> isNode = {};
 
-/// The read end that stands for @p path, or -1.
+/// The read end in the place of @p path, or -1.
 int pipeOf(const char *path)
 {
     if (!path || std::strncmp(path, nodePrefix, sizeof(nodePrefix) - 1) != 0)
@@ -61,10 +61,10 @@ int openFile(const char *name, const char *path, int flags, mode_t mode)
     const int end = pipeOf(path);
     if (end < 0)
         return next(path, flags, mode);
-    // A description of its own, with the flags that were asked for.
+    // Opened anew, not duplicated, so that each reader has its own flags.
     std::array<char, 32> alias;
     std::snprintf(alias.data(), alias.size(), "/proc/self/fd/%d", end);
-    // For writing a pipe would be its own writer.
+    // Never for writing: the reader would hold a write end of its own pipe.
     const int fd = next(alias.data(), flags & ~(O_RDWR | O_WRONLY), mode);
     if (fd >= 0 && fd < maximalDescriptor)
         isNode[static_cast<std::size_t>(fd)] = true;
@@ -77,14 +77,14 @@ void setBit(unsigned char *bitmap, std::size_t size, unsigned int bit)
         bitmap[bit / 8] = static_cast<unsigned char>(bitmap[bit / 8] | 1U << (bit % 8));
 }
 
-/// What a panel with every key and every switch answers.
+/// The answer of a panel with every key and every switch.
 int answer(unsigned long request, void *argument)
 {
     const std::size_t size = _IOC_SIZE(request);
     const unsigned long number = _IOC_NR(request);
     auto *bytes = static_cast<unsigned char *>(argument);
     if (_IOC_DIR(request) != _IOC_READ) {
-        // There is no auto-repeat to switch off; grabbing a pipe is as good as having it alone.
+        // A pipe with one reader is as good as grabbed. There is no auto-repeat to configure.
         if (request == EVIOCGRAB || request == EVIOCSCLOCKID)
             return 0;
         errno = ENOSYS;

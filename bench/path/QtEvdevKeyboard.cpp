@@ -1,5 +1,5 @@
-// Qt's own handler of evdev keyboards, as a product that has a window would use it: the generic
-// plugin reads the node and sends key events to the window that has the focus.
+// Qt's own evdev keyboard handler, as a product with a window would use it: the generic plugin
+// reads the node and sends key events to the focused window.
 
 #include "Counters.h"
 
