@@ -13,7 +13,7 @@ void requireUinput();
 /// Throws if there is an input device already; a guest has none.
 void requireNoDevices();
 
-/// Kernel devices with the keys and the switch of Product.
+/// Kernel devices with the keys and the switch of BenchProduct.
 std::unique_ptr<UinputDevice> makeDevice();
 std::vector<std::unique_ptr<UinputDevice>> makeDevices(int count);
 

@@ -2,10 +2,10 @@
 
 #include "Application.h"
 #include "BenchDevices.h"
+#include "BenchProduct.h"
 #include "Expedition.h"
 #include "Figures.h"
 #include "Options.h"
-#include "Product.h"
 
 #include <QMetaObject>
 
@@ -44,7 +44,7 @@ public:
 };
 
 /// Runs a pass; returns its time in microseconds.
-double pass(Product &product)
+double pass(BenchProduct &product)
 {
     const auto start = Clock::now();
     if (!QMetaObject::invokeMethod(&product, "on_inputWatcher_changed", Qt::DirectConnection,
@@ -82,7 +82,7 @@ void measureWithNodes(int count, int passes, const Expedition &expedition)
     std::fprintf(stderr, "scan: %d nodes\n", count);
     const std::string parameter = expedition.parameter(std::to_string(count) + " nodes");
     auto devices = makeDevices(count);
-    Product product;
+    BenchProduct product;
     waitForFirstPass();
     requireDevices(product, count);
 
@@ -117,7 +117,7 @@ void measureWithNodes(int count, int passes, const Expedition &expedition)
 void measureWithoutFolder(int passes, const Expedition &expedition)
 {
     std::fprintf(stderr, "scan: no folder\n");
-    Product product;
+    BenchProduct product;
     waitForFirstPass();
     std::vector<double> times;
     times.reserve(static_cast<std::size_t>(passes));

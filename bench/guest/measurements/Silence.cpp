@@ -2,10 +2,10 @@
 
 #include "Application.h"
 #include "BenchDevices.h"
+#include "BenchProduct.h"
 #include "Figures.h"
 #include "Options.h"
 #include "Process.h"
-#include "Product.h"
 #include "vorn.h"
 
 #include <chrono>
@@ -41,7 +41,7 @@ WakeUps wakeUpsDuring(const Process &process, std::chrono::milliseconds time)
 void runSilenceSubject()
 {
     const Application application;
-    const Product product;
+    const BenchProduct product;
     const QObject receiver;
     Vorn::connect(Input::instance(), &Input::inputEvent, &receiver, [](const InputEvent &) {});
     waitForFirstPass();

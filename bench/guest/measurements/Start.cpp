@@ -2,11 +2,11 @@
 
 #include "Application.h"
 #include "BenchDevices.h"
+#include "BenchProduct.h"
 #include "Expedition.h"
 #include "Figures.h"
 #include "Options.h"
 #include "Process.h"
-#include "Product.h"
 
 #include <chrono>
 #include <cstdio>
@@ -23,7 +23,7 @@ void runStartSubject()
 {
     const Application application;
     const auto start = std::chrono::steady_clock::now();
-    const Product product;
+    const BenchProduct product;
     waitForFirstPass();
     const double time = microsecondsSince(start);
     requireDevices(product, nodes);

@@ -1,4 +1,4 @@
-#include "Product.h"
+#include "BenchProduct.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -10,7 +10,7 @@
 
 namespace Vorn::Bench {
 
-void Product::addDevice(const QString &device, const QString &name)
+void BenchProduct::addDevice(const QString &device, const QString &name)
 {
     ++deviceCount;
     auto *keys = new BasicKeyInputHandler(name);
@@ -23,7 +23,7 @@ void Product::addDevice(const QString &device, const QString &name)
     jacks->registerSwitch(SW_LINEIN_INSERT, InputEvent::SWLineIn);
 }
 
-void Product::removeDevice(const QString &device)
+void BenchProduct::removeDevice(const QString &device)
 {
     --deviceCount;
     BasicInputHandler::removeDevice(device);
@@ -37,7 +37,7 @@ void waitForFirstPass()
     loop.exec();
 }
 
-void requireDevices(const Product &product, int count)
+void requireDevices(const BenchProduct &product, int count)
 {
     if (product.deviceCount != count) {
         throw std::runtime_error("the library found " + std::to_string(product.deviceCount) + " of "

@@ -1,5 +1,5 @@
-#ifndef PRODUCT_H
-#define PRODUCT_H
+#ifndef BENCHPRODUCT_H
+#define BENCHPRODUCT_H
 
 #include "BasicInputHandler.h"
 
@@ -7,7 +7,7 @@ namespace Vorn::Bench {
 
 /// A product that handles, on every device, the keys KEY_OK and KEY_VOLUMEUP, the latter with a
 /// repeating long press, and a jack.
-class Product : public BasicInputHandler
+class BenchProduct : public BasicInputHandler
 {
 public:
     void addDevice(const QString &device, const QString &name) override;
@@ -20,7 +20,7 @@ public:
 void waitForFirstPass();
 
 /// Throws unless @p product has found @p count devices.
-void requireDevices(const Product &product, int count);
+void requireDevices(const BenchProduct &product, int count);
 
 } // namespace Vorn::Bench
 
