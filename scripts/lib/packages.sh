@@ -1,13 +1,12 @@
-# Debian 12 packages that the scripts install when they are missing; sourced by them.
+# The Debian 12 packages that the scripts install if they are missing. Sourced by them.
 # shellcheck shell=bash disable=SC2034
 
 build_packages=(cmake g++ libcli11-dev libevdev-dev libgmock-dev libgtest-dev liblog4cplus-dev
-    ninja-build pkg-config qtbase5-dev scdoc)
+    libtomlplusplus-dev ninja-build pkg-config qtbase5-dev scdoc)
 demo_packages=("${build_packages[@]}" umockdev)
 bench_packages=("${build_packages[@]}" gnuplot-nox libbenchmark-dev python3 strace valgrind)
 test_packages=("${demo_packages[@]}" "${bench_packages[@]}" clang jq libclang-rt-14-dev
-    libqt5svg5-dev python3-jsonschema zsh)
+    libqt5svg5-dev mold python3-jsonschema zsh)
 vm_packages=("${build_packages[@]}" acpica-tools busybox-static cpio device-tree-compiler evemu-tools
-    g++-arm-linux-gnueabihf python3 qemu-system-arm qemu-system-x86 qemu-user)
-lint_packages=("${build_packages[@]}" clang-format clang-tidy pyflakes3 python3
-    shellcheck)
+    g++-arm-linux-gnueabihf mmdebstrap python3 qemu-system-arm qemu-system-x86 qemu-user)
+lint_packages=("${build_packages[@]}" clang-format clang-tidy pyflakes3 python3 shellcheck)
