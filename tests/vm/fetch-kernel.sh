@@ -1,20 +1,21 @@
 #!/usr/bin/env bash
-# Fetches the kernel of a guest, with the modules that its devices need.
+# Fetches a guest's kernel and the modules that its devices need.
 set -euo pipefail
 
 # shellcheck disable=SC2016
 usage='usage: fetch-kernel.sh [--help] ARCHITECTURE
 
-Fetches Debian 12'\''s kernel for ARCHITECTURE (x86_64 or armhf), unless that was done before, and
-prints the folder that holds
+Fetches Debian 12'\''s kernel for ARCHITECTURE (x86_64 or armhf), unless it is cached, and prints the
+folder, which holds
 
   kernel     the image to boot
-  release    its version, as "uname -r" prints it
-  modules    the names of the loadable modules that the tests need, in the order of loading
-  *.ko       these modules
+  release    its version, as printed by "uname -r"
+  modules    the names of the loadable modules that the tests need, in load order
+  *.ko       the modules
 
-Nothing is installed. The folder is kept in $VORN_INPUT_CACHE, or else in ~/.cache/vorn_input, for
-all checkouts; remove it to have the newest kernel fetched.'
+The folder is kept in $VORN_INPUT_CACHE, by default ~/.cache/vorn_input, for all checkouts; remove
+it to get the newest kernel. Installs the package mmdebstrap if it is missing, with sudo unless run
+as root.'
 
 fail() {
     echo "fetch-kernel.sh: $*" >&2
@@ -33,7 +34,7 @@ esac
 # shellcheck source=scripts/lib/debian-packages.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../../scripts/lib/debian-packages.sh"
 
-# Those that are not built in are loaded when the guest starts, in this order.
+# Loaded in this order when the guest starts, unless built in.
 modules=(evdev uinput hid uhid usbhid hid-generic xhci-pci virtio_pci virtio_console 9p 9pnet_virtio)
 case $architecture in
 x86_64)
@@ -48,7 +49,7 @@ armhf)
     ;;
 esac
 
-# The image that an x86-64 kernel unpacks itself from. Software emulation is slow at that.
+# unpack_kernel IMAGE FILE: what an x86-64 kernel would unpack itself, slowly under emulation.
 unpack_kernel() {
     python3 - "$1" "$2" <<'PYTHON'
 import lzma, sys
@@ -58,7 +59,7 @@ open(sys.argv[2], "wb").write(lzma.LZMADecompressor().decompress(data[start:]))
 PYTHON
 }
 
-# with_dependencies ROOT RELEASE MODULE…: the modules' files in the order of loading.
+# with_dependencies ROOT RELEASE MODULE…: prints the modules' files in load order.
 with_dependencies() {
     local root=$1 release=$2 module
     shift 2
@@ -82,33 +83,21 @@ with_dependencies() {
 }
 
 fill() {
-    local folder=$1 work log image release
-    work=$(mktemp -d)
-    log=$(mktemp)
+    local folder=$1 root=$1/root release module
     echo "Fetching the $architecture kernel ..." >&2
-    if ! {
-        open_packages "$work" "$debian" &&
-            image=$(closure "$work" "$debian" "$package" | grep '^linux-image-[0-9]') &&
-            unpack "$work" "$debian" "$work/root" "$image"
-    } >"$log" 2>&1; then
-        cat "$log" >&2
-        fail "the kernel could not be fetched"
-    fi
-    rm -f "$log"
-    release=${image#linux-image-}
-    release=${release%-unsigned}
+    unpack "$debian" "$root" "$package"
+    release=$(basename "$root"/lib/modules/*)
     if [ "$architecture" = x86_64 ]; then
-        unpack_kernel "$work/root/boot/vmlinuz-$release" "$folder/kernel"
+        unpack_kernel "$root/boot/vmlinuz-$release" "$folder/kernel"
     else
-        cp "$work/root/boot/vmlinuz-$release" "$folder/kernel"
+        cp "$root/boot/vmlinuz-$release" "$folder/kernel"
     fi
     echo "$release" >"$folder/release"
-    local module
-    with_dependencies "$work/root" "$release" "${modules[@]}" | while read -r module; do
-        cp "$work/root/lib/modules/$release/$module" "$folder"
+    with_dependencies "$root" "$release" "${modules[@]}" | while read -r module; do
+        cp "$root/lib/modules/$release/$module" "$folder"
         basename "$module"
     done >"$folder/modules"
-    rm -rf "$work"
+    rm -rf "$root"
 }
 
 folder=$(cache_folder)/kernel-$architecture
