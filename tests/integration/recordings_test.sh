@@ -64,9 +64,9 @@ expect_status 1
 expect_stamps() {
     NOW=$1 KEEP=$folder PATH=$folder/bin:$PATH run "$recordings/replay.sh" player
     expect_status 0
-    local device
-    for device in front-panel ir-receiver hostlink front-panel-jacks; do
-        grep '^E:' "$recordings/$device.evemu" | paste -d ' ' - "$folder/$device.evemu" \
+    local devices=(front-panel ir-receiver hostlink front-panel-jacks) i
+    for i in "${!devices[@]}"; do
+        grep '^E:' "$recordings/${devices[i]}.evemu" | paste -d ' ' - "$folder/event$i.evemu" \
             | awk -v now="$1" '
                 function microseconds(stamp, part) {
                     split(stamp, part, ".")
@@ -87,7 +87,7 @@ expect_stamps() {
                         print wrong
                         exit 1
                     }
-                }' || failed "expected other stamps in $device.evemu"
+                }' || failed "expected other stamps in ${devices[i]}.evemu"
     done
 }
 mkdir "$folder/bin"

@@ -6,6 +6,7 @@
 #include "Ioctls.h"
 #include "NodeInfo.h"
 #include "Recording.h"
+#include "ReplayScript.h"
 #include "Session.h"
 #include "SessionWriter.h"
 #include "TextFile.h"
@@ -44,50 +45,6 @@ On the device itself, or on one like it, in real time (as root):
 
     evemu-play /dev/input/eventN <eventN.evemu
 )";
-
-constexpr char replayScript[] = R"script(#!/bin/sh
-# Runs a program where /dev/input holds the recorded devices, and plays the session on them.
-# usage: replay.sh PROGRAM [ARGUMENT...]
-set -eu
-if [ $# -eq 0 ]; then
-    echo 'usage: replay.sh PROGRAM [ARGUMENT...]' >&2
-    exit 2
-fi
-here=$(cd "$(dirname "$0")" && pwd)
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-
-# The records are stamped with the time at which they will be delivered, as a kernel does: how long
-# a key is held is measured from its stamp.
-#
-# umockdev reads microseconds with a leading zero as octal, and loses a space at the beginning of a
-# record, which is what seconds that end in 0x20 look like. Both are written as an earlier second
-# with a million microseconds more, the same moment.
-now=$(date +%s.%6N)
-set -- -- "$@"
-for events in "$here"/event*.evemu; do
-    [ -f "$events" ] || continue
-    node=$(basename "$events" .evemu)
-    awk -v second="${now%.*}" -v microsecond="${now#*.}" '
-        /^E:/ {
-            split($2, offset, ".")
-            s = second + offset[1]
-            us = microsecond + offset[2]
-            if (us >= 1000000) {
-                ++s
-                us -= 1000000
-            }
-            while (us < 100000 || s % 256 == 32) {
-                --s
-                us += 1000000
-            }
-            $2 = sprintf("%d.%d", s, us)
-            print
-        }' "$events" >"$folder/$node.evemu"
-    set -- -i "/dev/input/$node=$here/$node.ioctl" -e "/dev/input/$node=$folder/$node.evemu" "$@"
-done
-umockdev-run -d "$here/session.umockdev" "$@"
-)script";
 
 constexpr char expectationsHeader[] =
     "# The events that were published, in their order.\n"
