@@ -51,7 +51,7 @@ clang-format "${format[@]}" "${cpp[@]}" "${headers[@]}" || status=1
 
 echo "== scripts"
 mapfile -t scripts < <({ find scripts tests examples bench -type f -name '*.sh'; echo .ci/run
-    echo tests/vm/init; } | LC_ALL=C sort)
+    echo tests/vm/guest/init; } | LC_ALL=C sort)
 shellcheck -x "${scripts[@]}" || status=1
 mapfile -t scripts < <(sources '*.py')
 pyflakes3 "${scripts[@]}" || status=1

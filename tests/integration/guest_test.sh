@@ -62,11 +62,11 @@ run with_programs busybox cpio -- start armhf "$folder/guest" "$1"
 expect_skip qemu-system-arm qemu-system-arm
 
 for script in fetch-kernel.sh make-acpi-table.sh make-device-tree.sh make-initramfs.sh; do
-    run "$vm/$script" --help
+    run "$vm/guest/$script" --help
     expect_status 0
     expect_out "usage: $script .*"
     expect_nothing_on_stderr
-    run "$vm/$script"
+    run "$vm/guest/$script"
     expect_status 2
     expect_out ''
 done

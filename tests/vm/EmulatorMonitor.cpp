@@ -1,4 +1,4 @@
-#include "Monitor.h"
+#include "EmulatorMonitor.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -17,7 +17,7 @@ const QString keyboard = QStringLiteral("keyboard");
 
 } // namespace
 
-Monitor::Monitor()
+EmulatorMonitor::EmulatorMonitor()
     : m_fd(::open(qgetenv("VORN_VM_MONITOR").constData(), O_RDWR | O_CLOEXEC))
     // The emulator may still be answering an earlier process, whose numbers must differ.
     , m_lastId(static_cast<int>(::getpid()) * 1000)
@@ -29,13 +29,13 @@ Monitor::Monitor()
     ask("qmp_capabilities", {});
 }
 
-Monitor::~Monitor()
+EmulatorMonitor::~EmulatorMonitor()
 {
     unplugKeyboard();
     ::close(m_fd);
 }
 
-void Monitor::plugKeyboard()
+void EmulatorMonitor::plugKeyboard()
 {
     execute("device_add",
             {{QStringLiteral("driver"), QStringLiteral("usb-kbd")},
@@ -43,13 +43,13 @@ void Monitor::plugKeyboard()
              {QStringLiteral("bus"), QStringLiteral("xhci.0")}});
 }
 
-void Monitor::unplugKeyboard()
+void EmulatorMonitor::unplugKeyboard()
 {
     // Refused where there is none.
     ask("device_del", {{QStringLiteral("id"), keyboard}});
 }
 
-void Monitor::key(const char *name, bool down)
+void EmulatorMonitor::key(const char *name, bool down)
 {
     const QJsonObject key{{QStringLiteral("type"), QStringLiteral("qcode")},
                           {QStringLiteral("data"), QString::fromLatin1(name)}};
@@ -60,12 +60,12 @@ void Monitor::key(const char *name, bool down)
     execute("input-send-event", {{QStringLiteral("events"), QJsonArray{event}}});
 }
 
-void Monitor::pressPowerButton()
+void EmulatorMonitor::pressPowerButton()
 {
     execute("system_powerdown");
 }
 
-QJsonObject Monitor::ask(const char *command, const QJsonObject &arguments)
+QJsonObject EmulatorMonitor::ask(const char *command, const QJsonObject &arguments)
 {
     send({{QStringLiteral("execute"), QString::fromLatin1(command)},
           {QStringLiteral("arguments"), arguments},
@@ -73,7 +73,7 @@ QJsonObject Monitor::ask(const char *command, const QJsonObject &arguments)
     return answerTo(m_lastId);
 }
 
-void Monitor::execute(const char *command, const QJsonObject &arguments)
+void EmulatorMonitor::execute(const char *command, const QJsonObject &arguments)
 {
     const QJsonObject answer = ask(command, arguments);
     if (!answer.contains(QStringLiteral("return")))
@@ -81,7 +81,7 @@ void Monitor::execute(const char *command, const QJsonObject &arguments)
                QJsonDocument(answer).toJson(QJsonDocument::Compact).constData());
 }
 
-void Monitor::send(const QJsonObject &message) const
+void EmulatorMonitor::send(const QJsonObject &message) const
 {
     const QByteArray line = QJsonDocument(message).toJson(QJsonDocument::Compact) + '\n';
     if (::write(m_fd, line.constData(), static_cast<std::size_t>(line.size())) != line.size())
@@ -89,7 +89,7 @@ void Monitor::send(const QJsonObject &message) const
 }
 
 // Skips the greeting, notices of events, and answers to others.
-QJsonObject Monitor::answerTo(int id)
+QJsonObject EmulatorMonitor::answerTo(int id)
 {
     for (;;) {
         int end = 0;

@@ -1,18 +1,18 @@
-#ifndef MONITOR_H
-#define MONITOR_H
+#ifndef EMULATORMONITOR_H
+#define EMULATORMONITOR_H
 
 #include <QByteArray>
 #include <QJsonObject>
 
 /// The monitor of the emulator that this guest runs in: plugs emulated hardware and presses its
 /// keys. Ends the process when the emulator refuses.
-class Monitor
+class EmulatorMonitor
 {
 public:
-    Monitor();
-    ~Monitor();
-    Monitor(const Monitor &) = delete;
-    Monitor &operator=(const Monitor &) = delete;
+    EmulatorMonitor();
+    ~EmulatorMonitor();
+    EmulatorMonitor(const EmulatorMonitor &) = delete;
+    EmulatorMonitor &operator=(const EmulatorMonitor &) = delete;
 
     /// Plugs a USB keyboard. The kernel takes a while to find it.
     void plugKeyboard();

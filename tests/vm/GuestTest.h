@@ -3,9 +3,9 @@
 
 #include "BasicInputHandler.h"
 #include "Devices.h"
+#include "EmulatorMonitor.h"
 #include "EventRecorder.h"
 #include "LogRecorder.h"
-#include "Monitor.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -52,7 +52,7 @@ protected:
     {
         if (!m_isFree) {
             // Left by a test that was ended from outside.
-            Monitor().unplugKeyboard();
+            EmulatorMonitor().unplugKeyboard();
             m_isFree = waitFor(isFree, 5000);
         }
     }

@@ -1,6 +1,6 @@
 #include "DriverBinding.h"
+#include "EmulatorMonitor.h"
 #include "GuestTest.h"
-#include "Monitor.h"
 #include "RecordingHandler.h"
 
 #include <QElapsedTimer>
@@ -54,7 +54,7 @@ protected:
 
 TEST_F(HardwareTest, AUsbKeyboardTypesOnTheBusUsb)
 {
-    Monitor monitor;
+    EmulatorMonitor monitor;
     monitor.plugKeyboard();
     startWith([](BasicKeyInputHandler *keys) {
         keys->registerKey(KEY_A, InputEvent::CharA, true);
@@ -82,7 +82,7 @@ TEST_F(HardwareTest, AUsbKeyboardTypesOnTheBusUsb)
 TEST_F(HardwareTest, ThePowerButtonIsPartOfTheProduct)
 {
     const DriverBinding button(PowerButton::driver, PowerButton::device);
-    Monitor monitor;
+    EmulatorMonitor monitor;
     startWith([](BasicKeyInputHandler *keys) {
         // Registered on this bus only.
         keys->registerKey(KEY_POWER, Bus::LocalUI, InputEvent::Power, true);
@@ -100,7 +100,7 @@ TEST_F(HardwareTest, ThePowerButtonIsPartOfTheProduct)
 
 TEST_F(HardwareTest, TheKernelRepeatsNothingOnceTheNodeIsOpen)
 {
-    Monitor monitor;
+    EmulatorMonitor monitor;
     monitor.plugKeyboard();
     const QString node = QStringLiteral("/dev/input/event0");
     ASSERT_TRUE(waitFor([&] { return QFile(node).open(QIODevice::ReadOnly); }));

@@ -1,6 +1,6 @@
+#include "EmulatorMonitor.h"
 #include "GuestTest.h"
 #include "KeyProcessing.h"
-#include "Monitor.h"
 #include "UinputDevice.h"
 
 #include <QFileSystemWatcher>
@@ -47,7 +47,7 @@ qint64 leftByDetectors(int count)
 constexpr qint64 allocatorSlack = 4096;
 constexpr qint64 allocatorSlackPerCycle = 64;
 
-class HotPlugTest : public GuestTest
+class KernelHotPlugTest : public GuestTest
 {
 protected:
     void SetUp() override
@@ -105,7 +105,7 @@ protected:
     std::unique_ptr<Devices> devices;
 };
 
-TEST_F(HotPlugTest, AHundredArrivalsAndDeparturesLeaveNothingBehind)
+TEST_F(KernelHotPlugTest, AHundredArrivalsAndDeparturesLeaveNothingBehind)
 {
     // The product's own panel stays. Without it the whole folder would go each time.
     UinputDevice staying(panel());
@@ -144,13 +144,13 @@ TEST_F(HotPlugTest, AHundredArrivalsAndDeparturesLeaveNothingBehind)
     EXPECT_THAT(waitForEvents(1), ElementsAre(local(InputEvent::Confirm, InputEvent::KeyPressed)));
 }
 
-TEST_F(HotPlugTest, TenArrivalsAndDeparturesOfAUsbKeyboard)
+TEST_F(KernelHotPlugTest, TenArrivalsAndDeparturesOfAUsbKeyboard)
 {
     UinputDevice staying(panel());
     ASSERT_TRUE(waitForCalls(1));
     devices->take();
     log.clear();
-    Monitor monitor;
+    EmulatorMonitor monitor;
     const auto plug = [&] { monitor.plugKeyboard(); };
     const auto unplug = [&] { monitor.unplugKeyboard(); };
     hasHandlers = false;
@@ -165,7 +165,7 @@ TEST_F(HotPlugTest, TenArrivalsAndDeparturesOfAUsbKeyboard)
     EXPECT_LT(left, allocatorSlack);
 }
 
-TEST_F(HotPlugTest, AKeyHeldAtTheUnplugFiresNoMore)
+TEST_F(KernelHotPlugTest, AKeyHeldAtTheUnplugFiresNoMore)
 {
     UinputDevice staying(panel());
     ASSERT_TRUE(waitForCalls(1));
@@ -197,7 +197,7 @@ TEST_F(HotPlugTest, AKeyHeldAtTheUnplugFiresNoMore)
     EXPECT_THAT(waitForEvents(4), ElementsAre(pressed, held, held, held));
 }
 
-TEST_F(HotPlugTest, AnEleventhDeviceIsNeverReported)
+TEST_F(KernelHotPlugTest, AnEleventhDeviceIsNeverReported)
 {
     std::vector<std::unique_ptr<UinputDevice>> plugged;
     std::vector<std::string> expected;
@@ -226,7 +226,7 @@ TEST_F(HotPlugTest, AnEleventhDeviceIsNeverReported)
     EXPECT_THAT(log.texts(), Not(Contains(testing::HasSubstr("event10"))));
 }
 
-TEST_F(HotPlugTest, TheFolderMayGoWithItsLastNodeAndComeBack)
+TEST_F(KernelHotPlugTest, TheFolderMayGoWithItsLastNodeAndComeBack)
 {
     auto only = std::make_unique<UinputDevice>(panel("first"));
     ASSERT_TRUE(waitForCalls(1));
@@ -274,7 +274,7 @@ TEST_F(HotPlugTest, TheFolderMayGoWithItsLastNodeAndComeBack)
     EXPECT_EQ(waitForEvents(expected.size()), expected);
 }
 
-TEST_F(HotPlugTest, TheFolderMayComeAfterTheStart)
+TEST_F(KernelHotPlugTest, TheFolderMayComeAfterTheStart)
 {
     ASSERT_TRUE(waitFor([this] { return watched() == QStringList{QStringLiteral("/dev/")}; }));
     EXPECT_THAT(devices->calls, IsEmpty());
@@ -285,7 +285,7 @@ TEST_F(HotPlugTest, TheFolderMayComeAfterTheStart)
     EXPECT_THAT(waitForEvents(1), ElementsAre(local(InputEvent::Confirm, InputEvent::KeyPressed)));
 }
 
-TEST_F(HotPlugTest, ANodeReplacedBetweenTwoPassesKeepsItsOldName)
+TEST_F(KernelHotPlugTest, ANodeReplacedBetweenTwoPassesKeepsItsOldName)
 {
     const UinputDevice staying(panel());
     auto replaced = std::make_unique<UinputDevice>(panel("old"));

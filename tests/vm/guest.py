@@ -36,7 +36,7 @@ COMMAND_LIMIT = int(os.environ.get("VORN_VM_COMMAND_LIMIT", "100"))
 COUNT_INSTRUCTIONS = bool(os.environ.get("VORN_VM_COUNT_INSTRUCTIONS"))
 SKIPPED = 77
 
-SCRIPTS = os.path.dirname(os.path.abspath(__file__))
+SCRIPTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "guest")
 
 
 class Failure(Exception):
@@ -48,7 +48,7 @@ class Skip(Exception):
 
 
 def script(*arguments):
-    """What one of the scripts beside this one prints."""
+    """What one of the scripts in the folder "guest" prints."""
     path = os.path.join(SCRIPTS, arguments[0])
     result = subprocess.run([path, *arguments[1:]], stdout=subprocess.PIPE, text=True)
     if result.returncode != 0:
@@ -109,7 +109,7 @@ def qemu_arguments(architecture, folder, shared, sockets):
     if architecture == "x86_64":
         sysroot, busybox, share_device = "/", shutil.which("busybox"), "virtio-9p-pci"
     else:
-        sysroot = script("../../scripts/make-sysroot.sh")
+        sysroot = script("../../../scripts/make-sysroot.sh")
         busybox, share_device = sysroot + "/bin/busybox", "virtio-9p-device"
     initramfs = os.path.join(folder, "initramfs.cpio")
     script("make-initramfs.sh", kernel, busybox, initramfs)

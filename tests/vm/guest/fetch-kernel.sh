@@ -32,7 +32,7 @@ x86_64 | armhf) architecture=$1 ;;
 esac
 
 # shellcheck source=scripts/lib/debian-packages.sh
-. "$(dirname "${BASH_SOURCE[0]}")/../../scripts/lib/debian-packages.sh"
+. "$(dirname "${BASH_SOURCE[0]}")/../../../scripts/lib/debian-packages.sh"
 
 # Loaded in this order when the guest starts, unless built in.
 modules=(evdev uinput hid uhid usbhid hid-generic xhci-pci virtio_pci virtio_console 9p 9pnet_virtio)
