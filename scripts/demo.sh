@@ -1,39 +1,39 @@
 #!/usr/bin/env bash
-# Shows the input library at work: builds the example player and plays a recorded session on it.
+# Shows the input library at work: builds the example player and replays a recorded session.
 set -euo pipefail
 
 usage='usage: demo.sh [--live | --help]
 
-Without an option: builds the example player, plays a recorded session of eleven seconds on it in
-real time (no input device is needed), and prints each event as it happens, with an explanation.
-Ends with status 0 when all events came as expected.
+Builds the example player, replays a recorded session of eleven seconds in real time (no input
+device is needed), and prints each event as it happens, with an explanation. Exits with status 0 if
+all events arrived as expected.
 
---live   Listens to the input devices of this machine, until Ctrl-C. The kernel'\''s auto-repeat of
-         these devices is switched off, and stays so until they are plugged in anew; "kbdrate"
-         switches a console'\''s keyboard on again.
+--live   Listens to the input devices of this machine until Ctrl-C. This switches the kernel'\''s
+         auto-repeat for these devices off until they are plugged in again; for a console keyboard,
+         "kbdrate" switches it back on.
 --help   Prints this text.
 
-Missing packages are installed, with sudo unless it runs as root.'
+Missing packages are installed, with sudo unless run as root.'
 
-# fail STATUS MESSAGE: ends with one line on stderr.
+# fail STATUS MESSAGE: exits with one line on stderr.
 fail() {
     echo "demo.sh: $2" >&2
     exit "$1"
 }
 
-# Ends unless the player could read at least one input device.
+# Fails unless at least one input device is readable.
 require_live_devices() {
-    [ -d /dev/input ] || fail 1 "no /dev/input here, so no input device to listen to; run it on \
-a machine with one, or without --live"
+    [ -d /dev/input ] || fail 1 "no /dev/input here, so there is no input device to listen to; \
+use a machine with one, or omit --live"
     local node
     for node in /dev/input/event[0-9]; do
         [ -r "$node" ] && return
     done
-    fail 1 "no readable node /dev/input/event0 to event9; plug a device in, or run it as root or \
-as a member of the group 'input', or without --live"
+    fail 1 "none of /dev/input/event0 to event9 is readable; plug in a device, run this as root or \
+as a member of the group 'input', or omit --live"
 }
 
-# quietly COMMAND…: shows what it said only when it fails.
+# quietly COMMAND…: shows the output only if it fails.
 quietly() {
     if ! "$@" >"$folder/log" 2>&1; then
         cat "$folder/log" >&2
@@ -43,7 +43,7 @@ quietly() {
 
 build_player() {
     echo "Building the player ..."
-    # Presets are looked for in the current directory.
+    # CMake looks for presets in the current directory.
     cd "$root"
     quietly cmake --preset dev
     quietly cmake --build --preset dev --target player
@@ -62,7 +62,7 @@ list_live_devices() {
 live=no
 [ $# -le 1 ] || fail 2 "expected at most one option, not $# (see --help)"
 case ${1-} in
-'') [ $# -eq 0 ] || fail 2 "expected an option, not an empty word (see --help)" ;;
+'') [ $# -eq 0 ] || fail 2 "expected an option, not an empty string (see --help)" ;;
 --live) live=yes ;;
 --help)
     echo "$usage"
@@ -80,7 +80,7 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
 if [ "$live" = yes ]; then
-    # First, so that nobody waits for a build in vain.
+    # First, so that nobody waits for a pointless build.
     require_live_devices
     "$root/scripts/install-packages.sh" "${build_packages[@]}"
     build_player
@@ -95,5 +95,5 @@ build_player
 echo "Playing the recorded session: seconds, event, explanation"
 "$recordings/replay.sh" "$player" --duration 12 --timestamps 2>&1 \
     | "$recordings/annotate.sh" "$recordings/session.annotations" \
-    || fail 1 "the session went otherwise than expected"
-echo "All events came as expected."
+    || fail 1 "the session differs from what was expected"
+echo "All events arrived as expected."

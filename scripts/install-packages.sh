@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Installs the named Debian packages that are not installed yet.
+# Installs Debian packages that are missing.
 set -euo pipefail
 
 usage='usage: install-packages.sh PACKAGE…
 
-Installs those of the Debian packages that are missing, with sudo unless it runs as root. Says
-nothing when none is missing.'
+Installs those of the Debian packages that are missing, with sudo unless run as root. Prints
+nothing if none is missing.'
 
 fail() {
     echo "install-packages.sh: $*" >&2
@@ -18,17 +18,17 @@ case ${1:-} in
     exit 0
     ;;
 '' | -*)
-    echo "install-packages.sh: expected names of packages (see --help)" >&2
+    echo "install-packages.sh: expected package names (see --help)" >&2
     exit 2
     ;;
 esac
 
-command -v dpkg-query >/dev/null || fail "no dpkg-query here; install what corresponds to: $*"
+command -v dpkg-query >/dev/null || fail "no dpkg-query here; install the equivalents of: $*"
 
 missing=()
 for package in "$@"; do
     state=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
-    # With several architectures of a package installed the states come without a separator.
+    # If several architectures of it are installed, their states follow each other directly.
     case $state in
     installed*) ;;
     *) missing+=("$package") ;;
@@ -46,7 +46,7 @@ fi
 
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-# apt_get ARGUMENT…: shows what it said only when it fails.
+# apt_get ARGUMENT…: shows the output only if it fails.
 apt_get() {
     if ! "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get "$@" >"$log" 2>&1; then
         cat "$log" >&2

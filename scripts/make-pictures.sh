@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Draws the timing diagrams of the documentation from the scenarios that it speaks of.
+# Draws the documentation's timing diagrams from the scenarios that it describes.
 set -euo pipefail
 
 usage='usage: make-pictures.sh PROGRAM [FOLDER]
 
-Draws the pictures in docs/pictures, or in FOLDER, with PROGRAM, a built vorn-input. The same
-scenarios give the same pictures, byte for byte; the tests compare them.
+Draws the pictures of docs/pictures, there or in FOLDER, with PROGRAM, a built vorn-input. The same
+scenarios give the same pictures, byte for byte; a test compares them.
 
 Example: scripts/make-pictures.sh build/dev/src/tools/vorn-input'
 
@@ -28,7 +28,7 @@ cd "$root/tests/scenarios"
 for scenario in long-press-repeating chord-after-long-press; do
     "$program" simulate --quiet --timeline "$folder/$scenario.svg" "$scenario.scenario"
 done
-# The one that the walk through the workbench draws, from what it has the reader write.
+# The one of the workbench tutorial, from the scenario that the reader writes there.
 cd "$folder"
 awk '/<<.END.$/ { inside = 1; next } $0 == "END" { inside = 0 } inside' \
     "$root/docs/workbench.md" >stop.scenario

@@ -48,7 +48,7 @@ fill() {
             "$link"
     done < <(find "$sysroot" -type l -lname '/*')
 
-    # Qt's CMake packages look for Qt's tools in the sysroot, but the tools must run on this machine.
+    # Qt's CMake packages look for Qt's tools in the sysroot, but these must run on this machine.
     local tools=/usr/lib/qt5/bin
     rm -rf "$sysroot$tools" "$sysroot/usr/lib/arm-linux-gnueabihf/qt5/bin"
     mkdir -p "$sysroot/usr/lib/qt5" "$sysroot/usr/lib/arm-linux-gnueabihf/qt5/bin"

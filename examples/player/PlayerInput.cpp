@@ -10,8 +10,8 @@ namespace {
 const QLatin1String browse("browse");
 const QLatin1String text("text");
 
-/// Maps neighbouring keys to the characters printed on them. A character's command is 1000 plus
-/// its ASCII code.
+/// Maps neighbouring keys to the characters printed on them. A character's command is its ASCII
+/// code plus 1000.
 void registerCharacters(BasicKeyInputHandler *keys, int firstCode, const char *characters)
 {
     int code = firstCode;
@@ -19,14 +19,14 @@ void registerCharacters(BasicKeyInputHandler *keys, int firstCode, const char *c
         keys->registerKey(code, static_cast<InputEvent::Command>(1000 + *character), true);
 }
 
-/// What a remote control's keys mean while the user looks through menus and lists.
+/// What a remote control's keys mean while the user browses menus and lists.
 void registerBrowseKeys(BasicKeyInputHandler *keys)
 {
     keys->registerKey(KEY_UP, InputEvent::CursorUp, true);
     keys->registerKey(KEY_DOWN, InputEvent::CursorDown, true);
     keys->registerKey(KEY_LEFT, InputEvent::CursorLeft, true);
     keys->registerKey(KEY_RIGHT, InputEvent::CursorRight, true);
-    // The number block is a cursor pad as well, as on a telephone.
+    // The number keys double as a cursor pad, as on a telephone.
     keys->registerKey(KEY_2, InputEvent::CursorUp, true);
     keys->registerKey(KEY_8, InputEvent::CursorDown, true);
     keys->registerKey(KEY_4, InputEvent::CursorLeft, true);
@@ -93,8 +93,8 @@ int PlayerInput::deviceCount() const
     return m_deviceCount;
 }
 
-// A switch of identifiers makes every handler forget the keys that are down, and their releases
-// are dropped. So it waits for the release of the key that asks for it.
+// Selecting another identifier makes every handler forget the keys that are down and drop their
+// releases, so this waits until the key that asks for it is released.
 void PlayerInput::on_inputEvent(InputEvent event)
 {
     if (event.state() != InputEvent::KeyReleased)
@@ -110,13 +110,13 @@ void PlayerInput::addFrontPanel(const QString &device, const QString &name)
     auto *keys = new BasicKeyInputHandler(name);
     addInBothModes(device, keys);
 
-    // Immediate: the volume follows the finger, and goes on while the key is held.
+    // Immediate: the volume changes on the press and keeps changing while the key is held.
     keys->registerKey(KEY_VOLUMEUP, InputEvent::VolumeUp, true);
     keys->registerKey(KEY_VOLUMEDOWN, InputEvent::VolumeDown, true);
     keys->enableLongPress(KEY_VOLUMEUP, true, {700, 600});
     keys->enableLongPress(KEY_VOLUMEDOWN, true, {700, 600});
 
-    // Deferred: only the release tells a click from a long press or the beginning of a chord.
+    // Deferred: only the release tells a click from a long press or the start of a chord.
     keys->registerKey(KEY_INFO, InputEvent::Info, false);
     keys->enableLongPress(KEY_INFO, false, {700});
     keys->registerKey(KEY_STOP, InputEvent::Stop, false);
@@ -130,8 +130,8 @@ void PlayerInput::addJacks(const QString &device, const QString &name)
     jacks->registerSwitch(SW_LINEIN_INSERT, InputEvent::SWLineIn);
     for (QLatin1String id : {browse, text})
         addSwitchHandler(device, jacks, id);
-    // The plug may have been in since before the player was started. The answer reaches whoever is
-    // the listener's receiver, so this comes after the registration.
+    // The plug may have been in since before the start. The answer goes to the listener's receiver,
+    // so ask only after the registration.
     jacks->getInputStatus();
 }
 
@@ -139,7 +139,7 @@ void PlayerInput::addHostlink(const QString &device, const QString &name)
 {
     auto *keys = new BasicKeyInputHandler(name);
     addInBothModes(device, keys);
-    // The filtered form compares with the listener's bus, which the registration above attached.
+    // This overload compares with the bus of the listener, which addInBothModes() has attached.
     keys->registerKey(KEY_POWER, InputEvent::Bus::Hostlink, InputEvent::Power, true);
 }
 
@@ -154,8 +154,8 @@ void PlayerInput::addRemote(const QString &device, const QString &name)
     addKeyHandler(device, textKeys, text);
 }
 
-/// Keeps a device alive whichever identifier is selected: without a handler under the current one
-/// its records would be dropped.
+/// Keeps a device working whichever identifier is selected; its records are dropped while it has no
+/// handler for the current one.
 void PlayerInput::addInBothModes(const QString &device, BasicKeyInputHandler *keys)
 {
     for (QLatin1String id : {browse, text})

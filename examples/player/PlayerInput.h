@@ -12,10 +12,10 @@
 /// | "front-panel" | volume, Info, Stop, Play, both together for FactoryReset; the line-in jack |
 /// | "front-panel-jacks" | the line-in jack, on models that wire it separately |
 /// | "hostlink" | Power, from the host that the player is built into |
-/// | every other one | a remote control: cursor keys or characters |
+/// | any other | a remote control: cursor keys or characters |
 ///
 /// Two identifiers give the keys of a remote control two meanings. "browse" is selected at first;
-/// `Search` selects "text", and `Submit` or `Cancel` selects "browse" again. Everything else means
+/// `Search` selects "text", and `Submit` or `Cancel` selects "browse" again. All other keys mean
 /// the same in both.
 ///
 /// @code
@@ -24,7 +24,7 @@
 /// return application.exec();
 /// @endcode
 ///
-/// **Thread**: the one of the event loop, like everything in the library.
+/// **Thread**: that of the event loop, like the whole library.
 class PlayerInput : public BasicInputHandler
 {
     Q_OBJECT
@@ -35,7 +35,7 @@ public:
     void addDevice(const QString &device, const QString &name) override;
     void removeDevice(const QString &device) override;
 
-    /// Number of devices that are there now.
+    /// The number of devices present now.
     int deviceCount() const;
 
 private Q_SLOTS:

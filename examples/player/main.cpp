@@ -25,7 +25,7 @@ namespace {
 
 constexpr int exitUsage = 2;
 constexpr int exitConfig = 1;
-// Longer than any test or demonstration, and as milliseconds still an int.
+// Longer than any test or demo, and still an int in milliseconds.
 constexpr int maxDurationSeconds = 24 * 60 * 60;
 
 int signalPipe[2] = {-1, -1};
@@ -33,7 +33,7 @@ int signalPipe[2] = {-1, -1};
 struct Options
 {
     QString config;
-    int durationMs = 0; ///< 0: until a signal comes
+    int durationMs = 0; ///< 0: until a signal arrives
     bool timestamps = false;
 };
 
@@ -42,7 +42,7 @@ void complain(const QString &message)
     std::cerr << "player: " << qPrintable(message) << std::endl;
 }
 
-/// Nothing but a write is allowed in here; the event loop does the rest.
+/// Only async-signal-safe calls are allowed here; the event loop does the rest.
 void onSignal(int)
 {
     const int savedErrno = errno;
@@ -52,8 +52,8 @@ void onSignal(int)
     errno = savedErrno;
 }
 
-/// Ends the event loop of @p application on SIGINT and SIGTERM.
-/// @return false when the system refuses, with errno set
+/// Quits the event loop of @p application on SIGINT and SIGTERM.
+/// @return false with errno set if the system refuses
 bool quitOnSignals(QCoreApplication *application)
 {
     if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
@@ -68,27 +68,27 @@ bool quitOnSignals(QCoreApplication *application)
     return sigaction(SIGINT, &action, nullptr) == 0 && sigaction(SIGTERM, &action, nullptr) == 0;
 }
 
-/// Reads the command line. Ends the process for --help, --version and mistakes.
+/// Reads the command line. Exits on --help, --version and errors.
 Options parse()
 {
     Options options;
     const QCommandLineOption config(
         QStringLiteral("config"),
-        QStringLiteral("Read the log4cplus properties from <file>, not from player.properties "
-                       "beside the program."),
+        QStringLiteral("Read the log4cplus properties from <file> instead of player.properties "
+                       "in the program's folder."),
         QStringLiteral("file"),
         QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("player.properties")));
-    const QCommandLineOption duration(QStringLiteral("duration"),
-                                      QStringLiteral("End after so many seconds, e.g. 10 or 2.5."),
-                                      QStringLiteral("seconds"));
+    const QCommandLineOption duration(
+        QStringLiteral("duration"), QStringLiteral("Exit after this many seconds, e.g. 10 or 2.5."),
+        QStringLiteral("seconds"));
     const QCommandLineOption timestamps(
         QStringLiteral("timestamps"),
         QStringLiteral("Print the seconds since the start before each event."));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
-        "Prints what is pressed on the input devices as commands of a player, one event a line, "
-        "until SIGINT or SIGTERM."));
+        "Prints the player commands that come from the input devices, one event per line, until "
+        "SIGINT or SIGTERM."));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     parser.addOptions({config, duration, timestamps});
@@ -110,7 +110,7 @@ Options parse()
     if (parser.isSet(duration)) {
         bool isNumber = false;
         const double seconds = parser.value(duration).toDouble(&isNumber);
-        // Written so that "nan" is refused, too.
+        // Written so that "nan" is refused as well.
         if (!isNumber || !(seconds >= 0.001 && seconds <= maxDurationSeconds)) {
             refuse(QStringLiteral("--duration takes 0.001 to %1 seconds, not '%2'.")
                        .arg(QString::number(maxDurationSeconds), parser.value(duration)));
@@ -122,11 +122,11 @@ Options parse()
     return options;
 }
 
-/// Sets the library's logging up from a properties file.
-/// @return false, with a line on stderr, when the file cannot be read
+/// Sets up the library's logging from a properties file.
+/// @return false, with a line on stderr, if the file cannot be read
 bool configureLogging(const QString &path)
 {
-    // log4cplus itself only writes a line of its own about a missing file and goes on.
+    // log4cplus itself would only print a line about a missing file and continue.
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         complain(
@@ -137,7 +137,7 @@ bool configureLogging(const QString &path)
     return true;
 }
 
-/// Prints each event as one line, at once, so that a reader at the other end of a pipe is in time.
+/// Prints each event on a line and flushes it, so that the reader of a pipe sees it in time.
 void printEvents(const QObject *context, bool timestamps)
 {
     QElapsedTimer sinceStart;
@@ -154,11 +154,11 @@ void printEvents(const QObject *context, bool timestamps)
                   });
 }
 
-/// Says why nothing may happen: the player waits for a device to be plugged in.
+/// Explains why nothing happens: no device is plugged in yet.
 void reportWaiting()
 {
     const QString reason = QDir(QStringLiteral("/dev/input")).exists()
-        ? QStringLiteral("None of /dev/input/event0 to event9 can be read")
+        ? QStringLiteral("None of /dev/input/event0 to event9 is readable")
         : QStringLiteral("There is no /dev/input");
     complain(reason + QStringLiteral("; waiting for a device."));
 }
@@ -182,7 +182,7 @@ int main(int argc, char *argv[])
 
     PlayerInput input;
     printEvents(&application, options.timestamps);
-    // Queued behind the library's first look at the devices.
+    // Queued behind the library's first scan for devices.
     QTimer::singleShot(0, &input, [&input] {
         if (input.deviceCount() == 0)
             reportWaiting();

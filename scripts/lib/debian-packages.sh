@@ -28,8 +28,9 @@ make_cached() (
     mv "$folder.new" "$folder"
 )
 
-# unpack ARCHITECTURE FOLDER PACKAGES [ALONE]: unpacks PACKAGES with all their dependencies, and ALONE
-# without any, into the empty FOLDER. Uses this machine's apt configuration and needs no privileges.
+# unpack ARCHITECTURE FOLDER PACKAGES [ALONE]: unpacks PACKAGES with all their dependencies, and
+# ALONE without any, into the empty FOLDER. Uses this machine's apt configuration and needs no
+# privileges.
 unpack() {
     local log
     "$(dirname "${BASH_SOURCE[0]}")/../install-packages.sh" mmdebstrap
@@ -52,5 +53,5 @@ unpack() {
         echo "$(basename "$0"): the packages could not be fetched" >&2
         return 1
     fi
-    rm -rf "$2/dev" "$2/tmp"
+    rm -rf "${2:?}/dev" "$2/tmp"
 }

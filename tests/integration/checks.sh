@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What the tests of programs and scripts share. To be sourced.
+# Shared by the tests of programs and scripts, which source it.
 set -euo pipefail
 
 folder=$(mktemp -d)
@@ -11,14 +11,14 @@ skip() {
     exit 77
 }
 
-# run COMMAND…: runs it and keeps its status and what it prints.
+# run COMMAND…: runs it and keeps its status and output.
 run() {
     description="$*"
     status=0
     "$@" >"$folder/out" 2>"$folder/err" </dev/null || status=$?
 }
 
-# failed REASON: counts a failure and shows what the command did.
+# failed REASON: counts a failure and shows the result of the command.
 failed() {
     failures=$((failures + 1))
     echo "FAILED: $description: $1"
@@ -32,12 +32,12 @@ expect_status() {
     [ "$status" -eq "$1" ] || failed "expected status $1"
 }
 
-# expect_out PATTERN: the whole of stdout, as an extended regular expression; "" for nothing.
+# expect_out PATTERN: an extended regular expression for all of stdout; "" for nothing.
 expect_out() {
     [[ $(cat "$folder/out") =~ ^$1$ ]] || failed "expected on stdout: $1"
 }
 
-# expect_line_on_stderr PATTERN: one line and nothing else.
+# expect_line_on_stderr PATTERN: exactly one line.
 expect_line_on_stderr() {
     if ! [[ $(cat "$folder/err") =~ ^$1$ ]] || [ "$(wc -l <"$folder/err")" -ne 1 ]; then
         failed "expected one line on stderr: $1"
@@ -48,8 +48,8 @@ expect_nothing_on_stderr() {
     [ ! -s "$folder/err" ] || failed "expected nothing on stderr"
 }
 
-# in_private_dev NAME… -- COMMAND…: runs COMMAND where /dev holds nothing but the usual streams and
-# the named files, each unreadable for everyone; a NAME that ends in a slash is a folder.
+# in_private_dev NAME… -- COMMAND…: runs COMMAND where /dev holds only the standard streams and the
+# named files, which nobody can read; a NAME that ends in a slash is a folder.
 in_private_dev() {
     local private=$folder/dev
     rm -rf "$private"
@@ -59,7 +59,7 @@ in_private_dev() {
         */) mkdir -p "$private/$1" ;;
         *)
             mkdir -p "$private/$(dirname "$1")"
-            # Dangling, because permissions mean nothing to root.
+            # A dangling link, because root ignores permissions.
             ln -s /nonexistent "$private/$1"
             ;;
         esac
@@ -77,7 +77,7 @@ in_private_dev() {
         exec "$@"' bash "$private" "$@"
 }
 
-# Finds out how in_private_dev can work, and skips the test where it cannot.
+# Finds out how in_private_dev can work here; skips the test if it cannot.
 need_private_dev() {
     local options
     for options in -m -rm; do
@@ -88,7 +88,7 @@ need_private_dev() {
             fi
         fi
     done
-    skip "no mount namespace can be made here"
+    skip "cannot create a mount namespace here"
 }
 
 finish() {

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The demonstration's command line, and what it says where there is no input device.
+# The demo's command line, and its errors on a machine without input devices.
 # usage: demo_options_test.sh SOURCE_FOLDER
 # shellcheck source=checks.sh
 . "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
@@ -20,7 +20,7 @@ done
 run "$demo" ''
 expect_status 2
 expect_out ''
-expect_line_on_stderr 'demo\.sh: expected an option, not an empty word \(see --help\)'
+expect_line_on_stderr 'demo\.sh: expected an option, not an empty string \(see --help\)'
 
 run "$demo" --live --live
 expect_status 2
@@ -38,7 +38,7 @@ for content in input/ input/event0 input/event10; do
     run in_private_dev "$content" -- "$demo" --live
     expect_status 1
     expect_out ''
-    expect_line_on_stderr 'demo\.sh: no readable node /dev/input/event0 to event9; .*'
+    expect_line_on_stderr 'demo\.sh: none of /dev/input/event0 to event9 is readable; .*'
 done
 
 finish

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# What the runner of virtual machines says when it is used wrongly, and where it cannot work.
+# The errors of the guest scripts, and what guest.py says where a guest cannot run.
 # usage: guest_test.sh SOURCE_FOLDER
 # shellcheck source=checks.sh
 . "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
 vm=$1/tests/vm
-# Itself, not a script that looks for it.
+# The interpreter itself, not a wrapper that searches for it.
 python=$(python3 -c 'import sys; print(sys.executable)') || skip "no python3 here"
 
-# Runs it where nothing is installed but Python and what is named.
+# with_programs NAME… -- ARGUMENT…: runs guest.py where there are only Python and these programs.
 with_programs() {
     local programs=$folder/programs
     rm -rf "$programs"
@@ -44,7 +44,7 @@ expect_status 1
 expect_out ''
 expect_line_on_stderr "guest\.py: no guest was started in $folder/guest"
 
-# The reason is given again by whatever was to use the guest.
+# The commands that would use the guest give the same reason.
 expect_skip() {
     expect_status 77
     expect_out "SKIPPED: no $1 here \(Debian package $2\)"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What the installing of packages does, with recording stand-ins for the system's tools.
+# What install-packages.sh does, with stand-ins for the system's tools that record their calls.
 # usage: install_packages_test.sh SOURCE_FOLDER
 # shellcheck source=checks.sh
 . "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
@@ -32,7 +32,7 @@ stand_in id <<'END'
 echo "${USER_ID:-0}"
 END
 
-# install VARIABLE=VALUE… PACKAGE…: with nothing but the stand-ins.
+# install VARIABLE=VALUE… PACKAGE…: runs the script with only the stand-ins in its PATH.
 install() {
     : >"$folder/calls"
     local variables=()
@@ -67,8 +67,8 @@ expect_calls 'apt-get update noninteractive' \
 
 install APT_STATUS=100 absent
 expect_status 1
-grep -q 'a lot of talk' "$folder/err" || failed 'expected what apt-get said'
-grep -q 'apt-get update failed, still missing: absent' "$folder/err" || failed 'expected why'
+grep -q 'a lot of talk' "$folder/err" || failed 'expected the output of apt-get'
+grep -q 'apt-get update failed, still missing: absent' "$folder/err" || failed 'expected the reason'
 expect_calls 'apt-get update noninteractive'
 
 install USER_ID=1000 absent
@@ -91,7 +91,7 @@ for arguments in '' --frobnicate; do
     install $arguments
     expect_status 2
     expect_out ''
-    expect_line_on_stderr 'install-packages\.sh: expected names of packages \(see --help\)'
+    expect_line_on_stderr 'install-packages\.sh: expected package names \(see --help\)'
 done
 
 rm "$bin/dpkg-query"

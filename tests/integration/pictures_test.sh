@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The timing diagrams of the documentation are what the workbench draws.
+# The documentation's timing diagrams are those that the workbench draws.
 # usage: pictures_test.sh SOURCE PROGRAM
 . "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
 
@@ -11,6 +11,6 @@ for picture in "$source"/docs/pictures/*.svg "$folder"/pictures/*.svg; do
     run cmp "$source/docs/pictures/$name" "$folder/pictures/$name"
     expect_status 0
     grep -q -r -F "pictures/$name" "$source/docs" "$source/README.md" ||
-        failed "$name is shown in no document"
+        failed "$name is not shown in any document"
 done
 finish

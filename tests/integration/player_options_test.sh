@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The player's command line, and how it ends.
+# The player's command line and exit statuses.
 # usage: player_options_test.sh SOURCE_FOLDER PLAYER
 # shellcheck source=checks.sh
 . "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
@@ -42,7 +42,7 @@ expect_status 1
 expect_out ''
 expect_line_on_stderr "player: Cannot read the configuration '.*': .*directory.*"
 
-# A configuration of one's own is followed.
+# --config selects another configuration.
 cat >"$folder/chatty.properties" <<'END'
 log4cplus.rootLogger=TRACE, OUT
 log4cplus.appender.OUT=log4cplus::ConsoleAppender

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The player without any device: it says why, and waits until it is told to end.
+# The player without any device: it says why it waits, and exits on a signal.
 # usage: player_waiting_test.sh SOURCE_FOLDER PLAYER
 # shellcheck source=checks.sh
 . "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
@@ -7,7 +7,7 @@ player=$2
 need_private_dev
 
 no_directory='player: There is no /dev/input; waiting for a device\.'
-no_node='player: None of /dev/input/event0 to event9 can be read; waiting for a device\.'
+no_node='player: None of /dev/input/event0 to event9 is readable; waiting for a device\.'
 
 run in_private_dev -- "$player" --duration 0.1
 expect_status 0
@@ -24,7 +24,7 @@ expect_status 0
 expect_out ''
 expect_line_on_stderr "$no_node"
 
-# end_by SIGNAL: starts the player, waits for its line, which comes from inside the event loop, and
+# end_by SIGNAL: starts the player, waits for its line, which is printed from the event loop, and
 # sends the signal.
 end_by() {
     local pid line

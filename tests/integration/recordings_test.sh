@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The recorded session's files agree with each other, and the explaining of a session notices every
-# difference.
+# The files of the recorded session agree with each other, and annotate.sh notices every difference
+# from the expected session.
 # usage: recordings_test.sh SOURCE_FOLDER
 # shellcheck source=checks.sh
 . "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
@@ -8,7 +8,7 @@ recordings=$1/examples/player/recordings
 expected=$1/tests/integration/session.expected
 annotations=$recordings/session.annotations
 
-# expect_made NAME ARGUMENT…: the device's ioctl file is what make-ioctl.sh makes of it.
+# expect_made NAME ARGUMENT…: make-ioctl.sh writes the ioctl file of the device.
 expect_made() {
     run "$recordings/make-ioctl.sh" "$@"
     expect_status 0
@@ -24,7 +24,7 @@ run "$recordings/make-ioctl.sh" mouse 3 wheel
 expect_status 2
 expect_line_on_stderr "make-ioctl\.sh: unknown event type 'wheel'"
 
-# annotate LINES: explains them.
+# annotate FILE: explains its lines.
 annotate() {
     # shellcheck disable=SC2016 # for the inner shell
     run sh -c '"$1" "$2" <"$3"' sh "$recordings/annotate.sh" "$annotations" "$1"
@@ -33,7 +33,7 @@ annotate() {
 annotate "$expected"
 expect_status 0
 expect_nothing_on_stderr
-grep -q 'SwitchDisabled, bus=LocalUI\]  *switch: its position at start' "$folder/out" \
+grep -q 'SwitchDisabled, bus=LocalUI\]  *switch: its position at the start' "$folder/out" \
     || failed 'expected an explanation beside the event'
 
 sed 's/^\[/   1.234 [/' "$expected" >"$folder/timed"
@@ -43,7 +43,7 @@ expect_status 0
 sed '$d' "$expected" >"$folder/short"
 annotate "$folder/short"
 expect_status 1
-grep -q 'expected, but did not come' "$folder/out" || failed 'expected the missing line'
+grep -q 'expected but missing' "$folder/out" || failed 'expected the missing line'
 
 sed '5s/Info/Mute/' "$expected" >"$folder/changed"
 annotate "$folder/changed"
@@ -59,8 +59,8 @@ grep -q 'cmd=Mute.*not expected here' "$folder/out" || failed 'expected the unex
 annotate "$folder/empty"
 expect_status 1
 
-# expect_stamps NOW: every record of a replay that begins at NOW is stamped with NOW plus its time
-# in the session, in a form that umockdev reads as it is meant.
+# expect_stamps NOW: every record of a replay that starts at NOW is stamped with NOW plus its time
+# in the session, in a form that umockdev reads correctly.
 expect_stamps() {
     NOW=$1 KEEP=$folder PATH=$folder/bin:$PATH run "$recordings/replay.sh" player
     expect_status 0

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Plays the recorded session on the player and compares all that it prints, byte for byte.
+# Replays the recorded session to the player and compares its whole output, byte for byte.
 # usage: session_test.sh SOURCE_FOLDER PLAYER
 set -euo pipefail
 

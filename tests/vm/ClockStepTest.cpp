@@ -9,7 +9,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// Moves this guest's wall clock, and back again.
+/// Steps this guest's wall clock, and back again in the destructor.
 class ClockStep
 {
 public:
@@ -29,7 +29,7 @@ private:
         clock_gettime(CLOCK_REALTIME, &now);
         now.tv_sec += seconds;
         if (clock_settime(CLOCK_REALTIME, &now) != 0)
-            qFatal("cannot set the clock; these tests run as root in a guest");
+            qFatal("cannot set the clock; run these tests as root in a guest");
     }
 
     const int m_seconds;
@@ -38,7 +38,7 @@ private:
 class ClockStepTest : public GuestTest
 {
 protected:
-    /// Presses a key with these timeouts, and waits until the library has seen it.
+    /// Presses a key that has these timeouts, and waits until the library reports it.
     void hold(const QList<int> &timeouts)
     {
         devices.onAdd = [&](const QString &node, const QString &name) {
@@ -59,7 +59,7 @@ protected:
     const std::string released = local(InputEvent::Confirm, InputEvent::KeyReleased);
 };
 
-// The stamp of the press lies an hour back at once, so the long press falls due at the next tick.
+// The press is suddenly an hour old, so the long press is due at the next tick.
 TEST_F(ClockStepTest, ForwardsFiresALongPressThatWasFarAway)
 {
     constexpr int hour = 3600;
@@ -68,12 +68,12 @@ TEST_F(ClockStepTest, ForwardsFiresALongPressThatWasFarAway)
     EXPECT_TRUE(waitFor([this] { return events.texts().size() >= 2; }));
     panel.release(KEY_OK);
     EXPECT_TRUE(waitFor([this] { return events.texts().back() == released; }));
-    // Once: the next one is measured from the tick that noticed.
+    // Only once: the next one is measured from that tick.
     EXPECT_THAT(events.texts(), ElementsAre(pressed, held, released));
     EXPECT_THAT(log.texts(log4cplus::WARN_LOG_LEVEL), testing::IsEmpty());
 }
 
-// The stamp lies in the future, so the long press waits for as long as the clock went back.
+// The press is now in the future, so the long press is delayed by as much as the clock went back.
 TEST_F(ClockStepTest, BackwardsDelaysALongPressByTheStep)
 {
     constexpr int seconds = 3;

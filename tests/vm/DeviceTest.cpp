@@ -22,7 +22,7 @@ const QString first = QStringLiteral("/dev/input/event0");
 class DeviceTest : public GuestTest
 {
 protected:
-    /// What the listeners logged.
+    /// The texts that the listeners logged.
     std::vector<std::string> listenerTexts() const
     {
         std::vector<std::string> texts;
@@ -50,7 +50,7 @@ protected:
         return devices;
     }
 
-    /// Presses and releases OK, and waits for both events.
+    /// Clicks OK and waits for both events.
     std::vector<std::string> click(UinputDevice &device)
     {
         device.press(KEY_OK);
@@ -121,7 +121,7 @@ TEST_F(DeviceTest, TheLongestNameOfUinputArrivesWhole)
     EXPECT_THAT(click(device), ElementsAreArray(confirmed(Bus::LocalUI)));
 }
 
-// Longer than uinput takes; a set of GPIO keys has whatever name its board gives it.
+// Longer than uinput allows, but the name of a set of GPIO keys is up to its board.
 TEST_F(DeviceTest, ANameOf255CharactersArrivesWhole)
 {
 #ifdef __arm__
@@ -207,7 +207,7 @@ TEST_F(DeviceTest, ASwitchSetBeforeTheStartIsReadBack)
     EXPECT_THAT(log.texts(),
                 IsSupersetOf({"Device: jacks; id: ; command [cmd=SWLineOut, state=SwitchDisabled]",
                               "Device: jacks; id: ; command [cmd=SWLineIn, state=SwitchEnabled]"}));
-    // Nothing of it comes a second time as a record.
+    // None of this arrives a second time as a record.
     device.set(SW_LID, true);
     EXPECT_THAT(waitForEvents(1),
                 ElementsAre(text(InputEvent::SWLineOut, InputEvent::SwitchEnabled, Bus::LocalUI)));

@@ -3,13 +3,13 @@
 
 #include <QFile>
 
-/// A built-in device of the guest, there from the constructor to the destructor: the guest's init
-/// has taken it away from its driver.
+/// Binds a built-in device of the guest to its driver for the lifetime of this object. The guest's
+/// init has unbound it.
 class DriverBinding
 {
 public:
-    /// @param driver folder of the driver below /sys/bus
-    /// @param device name of the device there
+    /// @param driver the driver's folder below /sys/bus
+    /// @param device the device's name there
     DriverBinding(const char *driver, const char *device)
         : m_driver(QStringLiteral("/sys/bus/%1/").arg(QString::fromLatin1(driver)))
         , m_device(device)

@@ -19,13 +19,13 @@ const QString keyboard = QStringLiteral("keyboard");
 
 EmulatorMonitor::EmulatorMonitor()
     : m_fd(::open(qgetenv("VORN_VM_MONITOR").constData(), O_RDWR | O_CLOEXEC))
-    // The emulator may still be answering an earlier process, whose numbers must differ.
+    // The emulator may still be answering an earlier process, so ids must differ between processes.
     , m_lastId(static_cast<int>(::getpid()) * 1000)
 {
     if (m_fd < 0)
-        qFatal("no port to the emulator's monitor (%s); tests of emulated hardware run in a guest",
+        qFatal("no port to the emulator's monitor (%s); tests of emulated hardware need a guest",
                std::strerror(errno));
-    // Needed once in the life of a guest; later it is refused, which does not matter.
+    // Needed once per boot; later it is refused, which does no harm.
     ask("qmp_capabilities", {});
 }
 
@@ -45,7 +45,7 @@ void EmulatorMonitor::plugKeyboard()
 
 void EmulatorMonitor::unplugKeyboard()
 {
-    // Refused where there is none.
+    // Refused if there is none.
     ask("device_del", {{QStringLiteral("id"), keyboard}});
 }
 
@@ -85,10 +85,10 @@ void EmulatorMonitor::send(const QJsonObject &message) const
 {
     const QByteArray line = QJsonDocument(message).toJson(QJsonDocument::Compact) + '\n';
     if (::write(m_fd, line.constData(), static_cast<std::size_t>(line.size())) != line.size())
-        qFatal("the emulator's monitor takes no command: %s", std::strerror(errno));
+        qFatal("cannot write to the emulator's monitor: %s", std::strerror(errno));
 }
 
-// Skips the greeting, notices of events, and answers to others.
+// Skips the greeting, event notifications and answers to other processes.
 QJsonObject EmulatorMonitor::answerTo(int id)
 {
     for (;;) {
@@ -105,7 +105,7 @@ QJsonObject EmulatorMonitor::answerTo(int id)
         char buffer[4096];
         const ssize_t size = ::read(m_fd, buffer, sizeof(buffer));
         if (size <= 0)
-            qFatal("the emulator's monitor has gone: %s", std::strerror(errno));
+            qFatal("the emulator's monitor is gone: %s", std::strerror(errno));
         m_received.append(buffer, static_cast<int>(size));
     }
 }

@@ -4,8 +4,8 @@
 #include <QByteArray>
 #include <QJsonObject>
 
-/// The monitor of the emulator that this guest runs in: plugs emulated hardware and presses its
-/// keys. Ends the process when the emulator refuses.
+/// The monitor of the emulator that this guest runs in: plugs in emulated hardware and presses its
+/// keys. Aborts the process if the emulator refuses.
 class EmulatorMonitor
 {
 public:
@@ -14,11 +14,12 @@ public:
     EmulatorMonitor(const EmulatorMonitor &) = delete;
     EmulatorMonitor &operator=(const EmulatorMonitor &) = delete;
 
-    /// Plugs a USB keyboard. The kernel takes a while to find it.
+    /// Plugs in a USB keyboard. The kernel takes a while to detect it.
     void plugKeyboard();
-    /// Unplugs it, if it is there; the destructor does, too. The kernel takes a while to notice.
+    /// Unplugs the keyboard if it is plugged in, as does the destructor. The kernel takes a while
+    /// to notice.
     void unplugKeyboard();
-    /// Presses or releases a key of the USB keyboard, by the emulator's name: "a", "kp_enter" …
+    /// Presses or releases a key of the USB keyboard, by QEMU's name for it: "a", "kp_enter" …
     void key(const char *name, bool down);
     /// Presses and releases the power button.
     void pressPowerButton();

@@ -18,11 +18,11 @@
 #include <string>
 #include <vector>
 
-/// Waits for what is bound to happen, with the event loop running. The limit is there for tests
-/// that fail; how long something takes is never tested by it.
+/// Runs the event loop until the condition holds. The limit only makes failing tests end; it is
+/// never used to test how long something takes.
 [[nodiscard]] inline bool waitFor(const std::function<bool()> &condition, int limitMs = 30'000)
 {
-    // Some conditions come without an event.
+    // Some conditions become true without an event.
     QTimer look;
     look.start(10);
     QElapsedTimer elapsed;
@@ -36,22 +36,22 @@
     return true;
 }
 
-/// The text of an event of the product's own panel.
+/// The text of an event from the product's own panel.
 inline std::string local(InputEvent::Command command, InputEvent::State state)
 {
     return text(command, state, InputEvent::Bus::LocalUI);
 }
 
-/// A test on this machine's real /dev/input, which must be free of devices.
+/// A test on this machine's real /dev/input, which must be empty at the start.
 class GuestTest : public testing::Test
 {
 protected:
-    // Before the members of derived classes plug their devices.
+    // In the constructor, before members of derived classes plug in their devices.
     GuestTest()
         : m_isFree(waitFor(isFree, 5000))
     {
         if (!m_isFree) {
-            // Left by a test that was ended from outside.
+            // Left behind by a test that was killed.
             EmulatorMonitor().unplugKeyboard();
             m_isFree = waitFor(isFree, 5000);
         }
@@ -59,11 +59,10 @@ protected:
 
     void SetUp() override
     {
-        ASSERT_TRUE(m_isFree)
-            << "an input device is present; these tests run in a guest of their own";
+        ASSERT_TRUE(m_isFree) << "an input device is present; run these tests in their guest";
     }
 
-    /// Waits until so many events have come, and takes them.
+    /// Waits for this many events and takes them.
     std::vector<std::string> waitForEvents(std::size_t count)
     {
         EXPECT_TRUE(waitFor([&] { return events.texts().size() >= count; }));

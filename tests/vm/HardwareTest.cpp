@@ -74,7 +74,7 @@ TEST_F(HardwareTest, AUsbKeyboardTypesOnTheBusUsb)
     EXPECT_THAT(waitForEvents(2),
                 ElementsAre(text(InputEvent::Submit, InputEvent::KeyPressed, Bus::USB),
                             text(InputEvent::Submit, InputEvent::KeyReleased, Bus::USB)));
-    // A scan code goes ahead of each key of such a keyboard; it is read and means nothing.
+    // Such a keyboard sends a scan code before each key; it is read and ignored.
     EXPECT_THAT(log.texts(), Contains(HasSubstr(" type: 4 code:4 value:")));
     EXPECT_THAT(log.texts(log4cplus::WARN_LOG_LEVEL), IsEmpty());
 }
@@ -84,7 +84,7 @@ TEST_F(HardwareTest, ThePowerButtonIsPartOfTheProduct)
     const DriverBinding button(PowerButton::driver, PowerButton::device);
     EmulatorMonitor monitor;
     startWith([](BasicKeyInputHandler *keys) {
-        // Registered on this bus only.
+        // Registered for this bus only.
         keys->registerKey(KEY_POWER, Bus::LocalUI, InputEvent::Power, true);
     });
     EXPECT_THAT(devices->calls,
@@ -105,7 +105,7 @@ TEST_F(HardwareTest, TheKernelRepeatsNothingOnceTheNodeIsOpen)
     const QString node = QStringLiteral("/dev/input/event0");
     ASSERT_TRUE(waitFor([&] { return QFile(node).open(QIODevice::ReadOnly); }));
 
-    // First without the library: the kernel does repeat this keyboard's keys.
+    // Without the library, the kernel does repeat this keyboard's keys.
     {
         QFile bare(node);
         ASSERT_TRUE(bare.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
@@ -126,9 +126,9 @@ TEST_F(HardwareTest, TheKernelRepeatsNothingOnceTheNodeIsOpen)
     const LinuxInputListener listener(&handler, node, LinuxInputListener::Key);
     monitor.key("a", true);
     ASSERT_TRUE(waitFor([&] { return !handler.batches.empty(); }));
-    // The announcement that there is no repeat any more comes ahead of the first key.
+    // The kernel announces before the first key that repeat is off.
     EXPECT_THAT(handler.batches.front(), AllOf(HasSubstr("20/0=0@"), HasSubstr("20/1=0@")));
-    // A repeat would begin after a quarter of a second.
+    // Repeat would start after a quarter of a second.
     QElapsedTimer held;
     held.start();
     ASSERT_TRUE(waitFor([&] { return held.elapsed() >= 2000; }));

@@ -27,13 +27,14 @@ int openDescriptors()
     return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
 }
 
-/// Bytes that are allocated and not freed.
+/// Bytes allocated and not freed.
 qint64 usedMemory()
 {
     return static_cast<qint64>(mallinfo2().uordblks);
 }
 
-/// What a long-press detector leaves behind: the timer that it does not delete, on purpose.
+/// The memory that long-press detectors leave behind: their timers, which they do not delete, on
+/// purpose.
 qint64 leftByDetectors(int count)
 {
     const qint64 before = usedMemory();
@@ -42,8 +43,8 @@ qint64 leftByDetectors(int count)
     return usedMemory() - before;
 }
 
-// By how much the allocator's own needs may differ from one moment to the next: in all, and per
-// object where they stay. A listener or a handler that is left behind is several times that.
+// How much the allocator's overhead may vary: in total, and per object that is left behind. A
+// leaked listener or handler is several times as large.
 constexpr qint64 allocatorSlack = 4096;
 constexpr qint64 allocatorSlackPerCycle = 64;
 
@@ -77,7 +78,7 @@ protected:
         return devices->findChild<QFileSystemWatcher *>()->directories();
     }
 
-    /// Plugs and unplugs @p cycles times; each time the product must hear of both.
+    /// Plugs in and unplugs @p cycles times; the product must be notified of both each time.
     void plugAndUnplug(int cycles, const std::string &node, const std::function<void()> &plug,
                        const std::function<void()> &unplug)
     {
@@ -107,7 +108,7 @@ protected:
 
 TEST_F(KernelHotPlugTest, AHundredArrivalsAndDeparturesLeaveNothingBehind)
 {
-    // The product's own panel stays. Without it the whole folder would go each time.
+    // The product's own panel stays; otherwise the whole folder would vanish each time.
     UinputDevice staying(panel());
     ASSERT_TRUE(waitForCalls(1));
     devices->take();
@@ -118,7 +119,7 @@ TEST_F(KernelHotPlugTest, AHundredArrivalsAndDeparturesLeaveNothingBehind)
 
     const auto cyclesLeave = [&](bool handlers, int &descriptors) {
         hasHandlers = handlers;
-        // Until everything that is made once is there.
+        // Warm up: some objects are created once.
         plugAndUnplug(5, "/dev/input/event1", plug, unplug);
         descriptors = openDescriptors();
         const qint64 memory = usedMemory();
@@ -177,22 +178,22 @@ TEST_F(KernelHotPlugTest, AKeyHeldAtTheUnplugFiresNoMore)
 
     guest->press(KEY_INFO);
     EXPECT_THAT(waitForEvents(1), ElementsAre(pressed));
-    // With the library looking on, as at a bench.
+    // In another thread, so that the library runs meanwhile.
     std::thread unplugging([&] { guest.reset(); });
     const bool isRemoved = waitForCalls(3);
     unplugging.join();
     ASSERT_TRUE(isRemoved);
     EXPECT_EQ(devices->calls.back(), "remove /dev/input/event1");
-    // The kernel's own release is either read before the node is found dead, or never.
+    // The release that the kernel adds is either read before the node is found dead, or never.
     const std::vector<std::string> atUnplug = events.take();
     std::cout << (atUnplug.empty() ? "without" : "with") << " the kernel's release\n";
     EXPECT_THAT(atUnplug, AnyOf(IsEmpty(), ElementsAre(released)));
     EXPECT_THAT(log.texts(log4cplus::WARN_LOG_LEVEL), IsEmpty());
-    // The node may be found dead by a read, or gone by a look at the folder, whichever is first.
+    // Either a read finds the node dead, or a scan of the folder finds it gone, whichever is first.
     EXPECT_THAT(log.texts(log4cplus::ERROR_LOG_LEVEL),
                 AnyOf(IsEmpty(), Each("Error reading from event device /dev/input/event1")));
 
-    // Longer than what was pending: nothing of it comes.
+    // Wait longer than the long press that was pending: it is never reported.
     staying.press(KEY_INFO);
     EXPECT_THAT(waitForEvents(4), ElementsAre(pressed, held, held, held));
 }
@@ -210,7 +211,7 @@ TEST_F(KernelHotPlugTest, AnEleventhDeviceIsNeverReported)
     }
     ASSERT_TRUE(waitForCalls(10));
     EXPECT_EQ(devices->take(), expected);
-    // Also when there is room below it again.
+    // Not even when a lower number becomes free.
     plugged[3].reset();
     ASSERT_TRUE(waitForCalls(1));
     EXPECT_THAT(devices->take(), ElementsAre("remove /dev/input/event3"));
@@ -237,7 +238,7 @@ TEST_F(KernelHotPlugTest, TheFolderMayGoWithItsLastNodeAndComeBack)
     EXPECT_FALSE(QDir(QStringLiteral("/dev/input")).exists());
     ASSERT_TRUE(waitFor([this] { return watched().contains(QStringLiteral("/dev/")); }));
     EXPECT_THAT(devices->take(), IsEmpty()) << "known devices stay until the folder is back";
-    // Each of the two listeners finds its node dead.
+    // Both listeners find the node dead.
     const std::string dead = "Error reading from event device /dev/input/event0";
     ASSERT_TRUE(waitFor([&] { return log.texts(log4cplus::ERROR_LOG_LEVEL).size() >= 2; }));
     EXPECT_THAT(log.texts(log4cplus::ERROR_LOG_LEVEL), ElementsAre(dead, dead));
@@ -250,8 +251,8 @@ TEST_F(KernelHotPlugTest, TheFolderMayGoWithItsLastNodeAndComeBack)
         return testing::Matches(Contains("add /dev/input/event1 third"))(devices->calls);
     }));
     EXPECT_THAT(watched(), ElementsAre(QStringLiteral("/dev/input/")));
-    // Whoever has the first one's node is taken for it, unless a look fell between the folder's
-    // return and the node's.
+    // The device that reuses the first one's node is taken for it, unless the library scanned
+    // between the return of the folder and that of the node.
     const bool isKept = devices->calls.size() == 1;
     std::cout << (isKept ? "kept" : "renewed") << " event0\n";
     if (!isKept) {
@@ -262,7 +263,7 @@ TEST_F(KernelHotPlugTest, TheFolderMayGoWithItsLastNodeAndComeBack)
                                       "add /dev/input/event0 second")));
     }
 
-    // A device that was kept is a new one with listeners that died with the old one.
+    // If it was taken for the first one, its listeners died with the first one.
     second.press(KEY_OK);
     second.release(KEY_OK);
     third.press(KEY_INFO);
@@ -292,7 +293,7 @@ TEST_F(KernelHotPlugTest, ANodeReplacedBetweenTwoPassesKeepsItsOldName)
     ASSERT_TRUE(waitForCalls(2));
     EXPECT_THAT(devices->take(),
                 ElementsAre("add /dev/input/event0 front-panel", "add /dev/input/event1 old"));
-    // The event loop sees nothing of this but that something has happened.
+    // The event loop only learns that something has changed.
     replaced.reset();
     replaced = std::make_unique<UinputDevice>(panel("new"));
     ASSERT_EQ(replaced->node(), QStringLiteral("/dev/input/event1"));
@@ -302,13 +303,13 @@ TEST_F(KernelHotPlugTest, ANodeReplacedBetweenTwoPassesKeepsItsOldName)
     EXPECT_EQ(devices->getDeviceNameMap().value(QStringLiteral("/dev/input/event1")),
               QStringLiteral("new"));
 
-    // Its listeners belong to the old device, so its keys are not heard.
+    // Its listeners belong to the old device, so its keys are not read.
     replaced->press(KEY_OK);
     replaced->release(KEY_OK);
     third.press(KEY_INFO);
     EXPECT_THAT(waitForEvents(1), ElementsAre(local(InputEvent::Info, InputEvent::KeyPressed)));
 
-    // Until it is unplugged with the library looking.
+    // Until it is unplugged while the library runs.
     replaced.reset();
     ASSERT_TRUE(waitForCalls(2));
     EXPECT_THAT(devices->calls,

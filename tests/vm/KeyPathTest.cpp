@@ -30,7 +30,7 @@ protected:
         log.clear();
     }
 
-    /// Whatever was to come before now has come when this key has.
+    /// Checks that nothing is pending: this key's events are the first to arrive.
     void expectNothingBeforeASentinel()
     {
         panel.press(KEY_OK);
@@ -57,7 +57,7 @@ TEST_F(KeyPathTest, AnImmediateKeyIsReportedOnPressAndRelease)
     panel.release(KEY_VOLUMEUP);
     EXPECT_THAT(waitForEvents(1),
                 ElementsAre(local(InputEvent::VolumeUp, InputEvent::KeyReleased)));
-    // Both listeners read the press; only that of the keys has something to say about it.
+    // Both listeners read the press; only the key listener handles it.
     EXPECT_THAT(
         log.texts(),
         IsSupersetOf({" type: 1 code:115 value:1", " type: 0 code:0 value:0", "key:115 value 1",
@@ -98,19 +98,19 @@ TEST_F(KeyPathTest, ALongPressFollowsItsListAndRepeatsTheLastEntry)
     ASSERT_TRUE(waitFor([this] {
         return events.texts().back() == local(InputEvent::VolumeDown, InputEvent::KeyReleased);
     }));
-    // One more may have come due before the release was read.
+    // Another one may have been due before the release was read.
     std::vector<std::string> texts = events.take();
     ASSERT_GE(texts.size(), 6U);
     EXPECT_EQ(texts.front(), local(InputEvent::VolumeDown, InputEvent::KeyPressed));
     for (std::size_t i = 1; i + 1 < texts.size(); ++i)
         EXPECT_EQ(texts[i], local(InputEvent::VolumeDown, InputEvent::KeyLongPress)) << i;
-    // Never early, but for the part of a millisecond that stamps do not show; how late is up to the
-    // machine.
+    // Never early, apart from the fraction of a millisecond that stamps do not show; how late
+    // depends on the machine.
     for (std::size_t i = 1; i + 1 < texts.size(); ++i)
         EXPECT_GE(times[i], 599 + 200 * static_cast<qint64>(i - 1)) << i;
     EXPECT_THAT(log.texts(), Contains("Vorn::InputEvent(17) long press"));
 
-    // The next hold begins with the first entry again.
+    // The next hold starts with the first entry again.
     times.clear();
     clock.start();
     panel.press(KEY_VOLUMEDOWN);
@@ -175,7 +175,7 @@ TEST_F(KeyPathTest, ASwitchIsReportedOnEachChange)
     panel.set(SW_LINEIN_INSERT, true);
     EXPECT_THAT(waitForEvents(1),
                 ElementsAre(local(InputEvent::SWLineIn, InputEvent::SwitchEnabled)));
-    // The kernel keeps an unchanged position to itself.
+    // The kernel does not report an unchanged position.
     panel.set(SW_LINEIN_INSERT, true);
     panel.set(SW_LINEIN_INSERT, false);
     EXPECT_THAT(waitForEvents(1),
@@ -203,8 +203,8 @@ TEST_F(KeyPathTest, AnotherIdentifierForgetsAKeyThatIsDown)
         waitFor([this] { return testing::Matches(Contains("key:358 value 1"))(log.texts()); }));
     devices.selectHandler(QStringLiteral("text"));
     panel.release(KEY_INFO);
-    // Its release is dropped, and what it would have begun never comes, while another key's longer
-    // time runs out.
+    // Its release is dropped, and its long press is never reported although another key's longer
+    // timeout expires.
     panel.press(KEY_PLAY);
     EXPECT_THAT(waitForEvents(1), ElementsAre(local(InputEvent::Search, InputEvent::KeyLongPress)));
     panel.release(KEY_PLAY);

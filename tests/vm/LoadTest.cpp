@@ -16,7 +16,7 @@
 
 namespace {
 
-/// What the kernel delivered, as read() returned it to the library.
+/// The records that the kernel delivered to the library, as read() returned them.
 struct Delivered
 {
     std::atomic<bool> isRecording{false};
@@ -25,12 +25,12 @@ struct Delivered
 
 } // namespace
 
-// Takes the place of the C library's in this process, for the library and Qt as well.
+// Replaces that of the C library in this process, for the library and Qt as well.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): reserved in the header
 extern "C" __attribute__((visibility("default"))) ssize_t read(int fd, void *buffer, size_t size)
 {
     const ssize_t result = syscall(SYS_read, fd, buffer, size);
-    // A read of the listener's size; nothing else in this process makes one of a node.
+    // Only the listener reads nodes with this size.
     if (result > 0 && size == 1024 && delivered.isRecording) {
         const auto *records = static_cast<const input_event *>(buffer);
         delivered.records.insert(delivered.records.end(), records,
@@ -48,7 +48,7 @@ constexpr int keyRecords = 200'000;
 struct Counts
 {
     int keys = 0;
-    int drops = 0; ///< how often the kernel said that it had to drop records
+    int drops = 0; ///< how often the kernel reported that it had dropped records
 };
 
 Counts count(const std::vector<input_event> &records)
@@ -67,7 +67,7 @@ std::ostream &operator<<(std::ostream &stream, const Counts &counts)
                   << keyRecords - counts.keys << " dropped in " << counts.drops << " SYN_DROPPED";
 }
 
-/// Reads a node with nothing but poll() and read(), until told to end and nothing is left.
+/// Reads a node with only poll() and read(), until told to stop and nothing is left.
 class BareReader
 {
 public:
@@ -111,7 +111,7 @@ private:
     std::thread m_thread;
 };
 
-/// Presses and releases a key as fast as the kernel takes it.
+/// Clicks a key as fast as the kernel accepts it.
 void flood(const UinputDevice &device)
 {
     std::array<input_event, 4> click = {};
@@ -122,11 +122,11 @@ void flood(const UinputDevice &device)
     click[2].code = KEY_OK;
     for (int i = 0; i < keyRecords / 2; ++i) {
         if (::write(device.descriptor(), click.data(), sizeof(click)) != sizeof(click))
-            qFatal("the kernel takes no more records: %s", std::strerror(errno));
+            qFatal("the kernel accepts no more records: %s", std::strerror(errno));
     }
 }
 
-/// Keeps every record that it gets, before it handles it.
+/// Keeps a copy of every record before it handles it.
 class KeepingKeyHandler : public BasicKeyInputHandler
 {
 public:
@@ -142,8 +142,8 @@ public:
     std::vector<input_event> records;
 };
 
-/// What is published for records of one immediate key, 1 for a press: where the kernel dropped a
-/// press, its release belongs to nothing and is dropped as well.
+/// What should be published for the records of one immediate key, 1 for a press. If the kernel
+/// dropped a press, the library drops the release, which belongs to no press.
 std::vector<int> publishedFor(const std::vector<input_event> &records)
 {
     std::vector<int> published;
@@ -173,7 +173,7 @@ TEST_F(LoadTest, EveryDeliveredRecordIsReportedInOrder)
         keys->registerKey(KEY_INFO, InputEvent::Info, true);
     };
     ASSERT_TRUE(waitFor([&] { return keys != nullptr; }));
-    // As in a product: what goes wrong is logged, and nothing else.
+    // As in a product, which logs only problems.
     const LogRecorder warnings(log4cplus::WARN_LOG_LEVEL);
     constexpr std::size_t withSynchronisation = 3UL * keyRecords;
     delivered.records.reserve(withSynchronisation);
@@ -205,8 +205,8 @@ TEST_F(LoadTest, EveryDeliveredRecordIsReportedInOrder)
         const bool isMore = waitFor([&] { return delivered.records.size() > size; }, 300);
         Q_UNUSED(isMore)
     } while (delivered.records.size() > size);
-    // If the last release was dropped, another key would make a chord with the one that seems held;
-    // it has to be pressed once more.
+    // If the last release was dropped, the key seems to be held and would form a chord with the
+    // next one, so click it once more.
     panel.press(KEY_OK);
     panel.release(KEY_OK);
     panel.press(KEY_INFO);
@@ -217,7 +217,7 @@ TEST_F(LoadTest, EveryDeliveredRecordIsReportedInOrder)
     Counts counts = count(delivered.records);
     counts.keys -= 3; // those after the flood
     std::cout << "library:   " << counts << "\nbare loop: " << bareCounts << '\n';
-    // What is missing was dropped by the kernel, which says so.
+    // Records are missing only if the kernel reported that it dropped some.
     EXPECT_EQ(counts.keys<keyRecords, counts.drops> 0);
     EXPECT_EQ(bareCounts.keys<keyRecords, bareCounts.drops> 0);
 

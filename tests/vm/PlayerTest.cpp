@@ -36,8 +36,8 @@ struct RecordedRecord
     input_event record;
 };
 
-/// The records of an evemu file: lines "E: <seconds> <type> <code> <value>", the numbers of type
-/// and code in hexadecimal.
+/// Reads the records of an evemu file: lines "E: <seconds> <type> <code> <value>", with type and
+/// code in hexadecimal.
 std::vector<RecordedRecord> readRecording(const QString &path, std::size_t device)
 {
     std::vector<RecordedRecord> records;
@@ -46,7 +46,7 @@ std::vector<RecordedRecord> readRecording(const QString &path, std::size_t devic
             continue;
         const QList<QByteArray> words = line.mid(2).simplified().split(' ');
         if (words.size() < 4)
-            qFatal("%s: no record: %s", qPrintable(path), line.constData());
+            qFatal("%s: not a record: %s", qPrintable(path), line.constData());
         const QByteArray time = QByteArray(words[0]).remove(words[0].indexOf('.'), 1);
         RecordedRecord recorded = {time.toLongLong(), device, {}};
         recorded.record.type = words[1].toUShort(nullptr, 16);
@@ -95,7 +95,7 @@ TEST_F(PlayerTest, PrintsTheRecordedSessionOnRealDevices)
     ASSERT_GT(session.size(), 50U);
 
     Program program(player);
-    // What it has to say about the devices that it finds.
+    // It has printed what it found out about the devices.
     ASSERT_TRUE(waitFor([&] { return program.lines() >= 2; }));
     for (const QByteArray &line :
          contentOf(QStringLiteral("/proc/%1/smaps_rollup").arg(program.processId())).split('\n'))
@@ -129,7 +129,7 @@ TEST_F(PlayerTest, AnOrdinaryUsersProcessFindsANodeThatIsOpenedUpLater)
     configuration.close();
     ASSERT_TRUE(configuration.setPermissions(QFileDevice::ReadOwner | QFileDevice::ReadOther));
 
-    // Something else is there, so that the folder is watched from the start.
+    // Another device keeps the folder in existence, so that it is watched from the start.
     UinputDevice other({"hostlink", BUS_VIRTUAL, {KEY_POWER}, {}});
     ASSERT_EQ(::chmod(qPrintable(other.node()), 0444), 0);
     Program program(player, {QStringLiteral("--config"), configuration.fileName()},
@@ -142,7 +142,7 @@ TEST_F(PlayerTest, AnOrdinaryUsersProcessFindsANodeThatIsOpenedUpLater)
 
     UinputDevice panel({"front-panel", BUS_HOST, {KEY_VOLUMEUP}, {}});
     ASSERT_EQ(::chmod(qPrintable(panel.node()), 0), 0);
-    // A third one, so that a look after the arrival of the second is certain.
+    // A third one guarantees a scan after the arrival of the second.
     UinputDevice third({"third", BUS_HOST, {KEY_OK}, {}});
     ASSERT_EQ(::chmod(qPrintable(third.node()), 0444), 0);
     ASSERT_TRUE(hasPrinted("DEBUG BasicInputHandler:  ---> added '/dev/input/event2'\n"))
@@ -158,7 +158,7 @@ TEST_F(PlayerTest, AnOrdinaryUsersProcessFindsANodeThatIsOpenedUpLater)
     EXPECT_TRUE(hasPrinted("[cmd=VolumeUp, state=KeyReleased, bus=LocalUI]\n"))
         << program.printed().constData();
 
-    // And when it is closed again, it is as if it were unplugged.
+    // Making it unreadable again has the same effect as unplugging it.
     ASSERT_EQ(::chmod(qPrintable(panel.node()), 0), 0);
     EXPECT_TRUE(hasPrinted("INFO  BasicInputHandler: Removing /dev/input/event1\n"));
     EXPECT_EQ(program.finish(), 0);

@@ -6,8 +6,8 @@
 #include <QString>
 #include <QStringList>
 
-/// A program that runs beside the test as a process of its own; what it prints is collected. It
-/// does not outlive this object.
+/// A program that runs in parallel with the test until this object is destroyed, at the latest. Its
+/// output is collected.
 class Program : public QProcess
 {
 public:
@@ -17,14 +17,14 @@ public:
                      User user = User::Root);
     ~Program() override;
 
-    /// What was printed so far, errors included.
+    /// The output so far, including stderr.
     QByteArray printed();
     int lines() { return printed().count('\n'); }
 
-    /// Sends a signal, by default the one of a service manager, and returns the exit status; -1 if
-    /// the program does not end, or not by itself.
+    /// Sends a signal, by default SIGTERM as a service manager would, and returns the exit status,
+    /// or -1 if the program does not exit or is killed by a signal.
     int finish(int signal = 15);
-    /// Waits until it ends by itself, and returns as finish() does.
+    /// Waits until the program exits; returns the same as finish().
     int wait();
 
 protected:

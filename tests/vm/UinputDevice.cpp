@@ -21,7 +21,8 @@ UinputDevice::UinputDevice(const UinputDescription &description)
     const int error =
         libevdev_uinput_create_from_device(blueprint.get(), LIBEVDEV_UINPUT_OPEN_MANAGED, &device);
     if (error != 0)
-        qFatal("no uinput device \"%s\": %s", description.name.c_str(), std::strerror(-error));
+        qFatal("cannot create the uinput device \"%s\": %s", description.name.c_str(),
+               std::strerror(-error));
     m_device.reset(device);
     m_node = QString::fromLatin1(libevdev_uinput_get_devnode(device));
 }
@@ -39,7 +40,7 @@ void UinputDevice::send(unsigned int type, unsigned int code, int value)
     if (error == 0)
         error = libevdev_uinput_write_event(m_device.get(), EV_SYN, SYN_REPORT, 0);
     if (error != 0)
-        qFatal("no record on %s: %s", qPrintable(m_node), std::strerror(-error));
+        qFatal("cannot send a record on %s: %s", qPrintable(m_node), std::strerror(-error));
 }
 
 void UinputDevice::Deleter::operator()(libevdev_uinput *device) const

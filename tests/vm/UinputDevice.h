@@ -11,18 +11,18 @@
 
 struct libevdev_uinput;
 
-/// What a device is made of.
+/// The identity and capabilities of a device.
 struct UinputDescription
 {
-    std::string name = "front-panel"; ///< at most 79 bytes, which is what the kernel takes
+    std::string name = "front-panel"; ///< at most 79 bytes, the kernel's limit
     unsigned int bus = BUS_HOST;
     std::vector<unsigned int> keys;
     std::vector<unsigned int> switches;
 };
 
-/// A real device of this kernel, whose records come from the test. It is plugged in when the
-/// constructor returns, its node included, and unplugged by the destructor. Ends the process when
-/// the kernel refuses.
+/// A real kernel device whose records come from the test. The constructor returns once it is
+/// plugged in and has its node; the destructor unplugs it. Aborts the process if the kernel
+/// refuses.
 class UinputDevice
 {
 public:
@@ -33,10 +33,10 @@ public:
 
     /// E.g. "/dev/input/event0".
     QString node() const { return m_node; }
-    /// To write records to.
+    /// For writing records directly.
     int descriptor() const;
 
-    /// Sends one record and the synchronisation record that ends the batch.
+    /// Sends one record, and the synchronisation record that ends its batch.
     void send(unsigned int type, unsigned int code, int value);
     void press(unsigned int code) { send(EV_KEY, code, 1); }
     void release(unsigned int code) { send(EV_KEY, code, 0); }

@@ -22,8 +22,8 @@ const QString profile = QStringLiteral(VORN_SOURCE_FOLDER "/examples/profiles/pl
 const UinputDescription panel = {
     "front-panel", BUS_HOST, {KEY_VOLUMEUP, KEY_VOLUMEDOWN, KEY_INFO, KEY_STOP, KEY_PLAY}, {}};
 
-/// The lines of a program that prints JSON, one object a line, without the log lines among them and
-/// what is not finished.
+/// The objects that a program prints as JSON, one per line. Skips log lines and an incomplete last
+/// line.
 std::vector<QJsonObject> objects(Program &program)
 {
     std::vector<QJsonObject> result;
@@ -44,7 +44,7 @@ std::string text(const QJsonValue &value)
     return value.toString().toStdString();
 }
 
-/// vorn-input monitor with the player's map.
+/// vorn-input monitor with the player's profile.
 class LiveMonitor : public Program
 {
 public:
@@ -55,7 +55,7 @@ public:
                       + options)
     { }
 
-    /// What was shown of a kind, as "command state" of an event and "change name" of a device.
+    /// What was shown of a kind: events as "command state", devices as "change name".
     std::vector<std::string> shown(const QString &kind)
     {
         std::vector<std::string> result;
@@ -108,7 +108,7 @@ TEST_F(WorkbenchTest, ListsTheDevicesOfTheKernel)
 
 TEST_F(WorkbenchTest, MonitorsADeviceThatComesAndGoes)
 {
-    // Without it the whole folder would go, and with it the library's knowledge of what is left.
+    // Without it the whole folder would vanish, and the library would miss the removal.
     const UinputDevice staying({"hostlink", BUS_VIRTUAL, {KEY_POWER}, {}});
     LiveMonitor monitor;
     ASSERT_TRUE(monitor.waitForDevices(1)) << monitor.printed().constData();
@@ -148,7 +148,7 @@ TEST_F(WorkbenchTest, RecordsWhatEvemuPlaysOnAnotherDevice)
         ASSERT_TRUE(monitor.waitForDevices(1)) << monitor.printed().constData();
         device.press(KEY_INFO);
         ASSERT_TRUE(monitor.waitForEvents(1)) << monitor.printed().constData();
-        // The ticks of a replay come at other times, so the key stays down for a few more.
+        // A replay ticks at other moments, so hold the key for a few ticks more.
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
         device.release(KEY_INFO);
         device.press(KEY_STOP);

@@ -2,14 +2,14 @@
 """Runs programs in a virtual machine whose input devices belong to the tests.
 
   guest.py start ARCHITECTURE FOLDER SHARED ...  boots a guest and waits until it is ready
-  guest.py run FOLDER COMMAND [ARGUMENT ...]     runs a command in it, with its output and status
+  guest.py run FOLDER COMMAND [ARGUMENT ...]     runs a command in it; passes on output and status
   guest.py stop FOLDER                           shuts it down
 
-ARCHITECTURE is x86_64 or armhf. FOLDER keeps what belongs to the guest: its serial log, and the
-output of each command. The SHARED folders are those of the sources and the build, which the guest
-sees read-only and under the same paths. The commands of a guest run one after the other.
+ARCHITECTURE is x86_64 or armhf. FOLDER keeps the guest's files: its serial log and the output of
+each command. The SHARED folders, those of the sources and the build, are read-only in the guest and
+have the same paths there. A guest runs one command at a time.
 
-Where a guest cannot be had on this machine, all three say "SKIPPED: why" and end with status 77.
+If this machine cannot run a guest, all three print "SKIPPED: reason" and exit with status 77.
 """
 
 import contextlib
@@ -25,14 +25,14 @@ import sys
 import tempfile
 import time
 
-# A guest that nobody stops ends by itself after so many seconds.
+# Seconds after which a guest that nobody stops is ended.
 GUEST_LIFETIME = 900
-# So long may it take until a guest is ready; it is some ten seconds on a machine that is not busy.
+# Seconds until a guest must be ready; about ten are enough on an idle machine.
 BOOT_LIMIT = 180
-# What a single command may take, unless the environment says otherwise.
+# Seconds that a command may take.
 COMMAND_LIMIT = int(os.environ.get("VORN_VM_COMMAND_LIMIT", "100"))
-# Whether a nanosecond of the guest is an instruction, and a wait takes no time: figures that come
-# out the same on every machine, however busy. Only for a guest with one processor.
+# Whether each instruction takes one nanosecond of guest time and waiting takes none, so that
+# measurements do not depend on the machine or its load. Only for guests with one processor.
 COUNT_INSTRUCTIONS = bool(os.environ.get("VORN_VM_COUNT_INSTRUCTIONS"))
 SKIPPED = 77
 
@@ -40,15 +40,15 @@ SCRIPTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "guest")
 
 
 class Failure(Exception):
-    """Something that did not work; its text is for the user."""
+    """An error; its text is for the user."""
 
 
 class Skip(Exception):
-    """Something that cannot work on this machine; its text says why."""
+    """This machine cannot run a guest; the text says why."""
 
 
 def script(*arguments):
-    """What one of the scripts in the folder "guest" prints."""
+    """Runs a script of the folder "guest" and returns its output."""
     path = os.path.join(SCRIPTS, arguments[0])
     result = subprocess.run([path, *arguments[1:]], stdout=subprocess.PIPE, text=True)
     if result.returncode != 0:
@@ -57,7 +57,7 @@ def script(*arguments):
 
 
 def share(name, path, device, writable=False):
-    """Arguments of QEMU for a folder of the host that the guest can mount."""
+    """QEMU's arguments for a folder of the host that the guest can mount."""
     access = "" if writable else ",readonly=on"
     return [
         "-fsdev", f"local,id={name},path={path.replace(',', ',,')},security_model=none"
@@ -81,7 +81,7 @@ def x86_64(kernel, initramfs, folder):
 
 
 def armhf(kernel, initramfs, folder):
-    """QEMU's arguments for a 32-bit ARM board. A second processor would make it slower."""
+    """QEMU's arguments for a 32-bit ARM board. A second processor would slow it down."""
     tree = os.path.join(folder, "board.dtb")
     script("make-device-tree.sh", tree)
     return [
@@ -97,14 +97,14 @@ MACHINES = {"x86_64": x86_64, "armhf": armhf}
 
 
 def outermost(folders):
-    """Those of the folders that lie in none of the others."""
+    """The folders that are not inside another one of them."""
     paths = sorted({os.path.abspath(folder) for folder in folders})
     return [path for path in paths
             if not any(path.startswith(other.rstrip("/") + "/") for other in paths)]
 
 
 def qemu_arguments(architecture, folder, shared, sockets):
-    """The whole command line of a guest."""
+    """The complete QEMU command line of a guest."""
     kernel = script("fetch-kernel.sh", architecture)
     if architecture == "x86_64":
         sysroot, busybox, share_device = "/", shutil.which("busybox"), "virtio-9p-pci"
@@ -123,8 +123,8 @@ def qemu_arguments(architecture, folder, shared, sockets):
           for argument in share(f"shared{number}", path, share_device)),
         *share("out", os.path.join(folder, "out"), share_device, writable=True),
         "-device", "qemu-xhci,id=xhci",
-        # The commands that are run come through one port. Another hands QEMU's own monitor to the
-        # guest, so that a test can plug emulated hardware and press its keys.
+        # One port carries the commands to run. The other gives the guest access to QEMU's monitor,
+        # so that tests can plug in emulated hardware and press its keys.
         "-chardev", f"socket,id=agent,path={sockets}/agent,server=on,wait=off",
         "-device", "virtserialport,chardev=agent,name=agent",
         "-qmp", f"unix:{sockets}/monitor,server=on,wait=off",
@@ -134,14 +134,14 @@ def qemu_arguments(architecture, folder, shared, sockets):
 
 
 class Agent:
-    """The connection to the guest's end of the port "agent"."""
+    """A connection to the port "agent", which the guest's init serves."""
 
     def __init__(self, sockets):
         self.socket = socket.socket(socket.AF_UNIX)
         try:
             self.socket.connect(os.path.join(sockets, "agent"))
         except OSError as error:
-            raise Failure(f"the guest has ended ({error.strerror})") from error
+            raise Failure(f"the guest is gone ({error.strerror})") from error
         self.received = b""
 
     def send(self, line):
@@ -149,10 +149,10 @@ class Agent:
         try:
             self.socket.sendall(line.encode() + b"\n")
         except OSError as error:
-            raise Failure(f"the guest has ended ({error.strerror})") from error
+            raise Failure(f"the guest is gone ({error.strerror})") from error
 
     def receive(self, seconds):
-        """The next line, or None when none comes in time."""
+        """Returns the next line, or None if none arrives in time."""
         end = time.monotonic() + seconds
         while b"\n" not in self.received:
             self.socket.settimeout(max(0.01, end - time.monotonic()))
@@ -161,16 +161,16 @@ class Agent:
             except TimeoutError:
                 return None
             except OSError as error:
-                raise Failure(f"the guest has ended ({error.strerror})") from error
+                raise Failure(f"the guest is gone ({error.strerror})") from error
             if not data:
-                raise Failure("the guest has ended")
+                raise Failure("the guest is gone")
             self.received += data
         line, self.received = self.received.split(b"\n", 1)
         return line.decode(errors="replace").strip()
 
 
 def serial_log(folder, start=0):
-    """What the guest's kernel and first process wrote, from an offset on."""
+    """Output of the guest's kernel and init, from an offset."""
     with contextlib.suppress(OSError):
         with open(os.path.join(folder, "serial.log"), errors="replace", newline="\n") as log:
             log.seek(start)
@@ -179,7 +179,7 @@ def serial_log(folder, start=0):
 
 
 def is_alive(process):
-    """Whether a process is still there and no zombie."""
+    """Whether a process exists and is not a zombie."""
     try:
         with open(f"/proc/{process}/stat") as stat:
             return stat.read().rsplit(")", 1)[1].split()[0] != "Z"
@@ -188,7 +188,7 @@ def is_alive(process):
 
 
 def read_state(folder):
-    """What start() left for run() and stop()."""
+    """Reads the state that start() left for run() and stop()."""
     try:
         with open(os.path.join(folder, "state.json")) as file:
             state = json.load(file)
@@ -200,7 +200,7 @@ def read_state(folder):
 
 
 def write_state(folder, state):
-    """Leaves a note for run() and stop()."""
+    """Leaves the state for run() and stop()."""
     path = os.path.join(folder, "state.json")
     with open(path + ".new", "w") as file:
         json.dump(state, file)
@@ -208,7 +208,7 @@ def write_state(folder, state):
 
 
 def check_tools(architecture):
-    """Skips where a program that a guest needs is missing."""
+    """Raises Skip if a program that a guest needs is missing."""
     needed = {"busybox": "busybox-static", "cpio": "cpio"}
     if architecture == "x86_64":
         needed["qemu-system-x86_64"] = "qemu-system-x86"
@@ -222,7 +222,7 @@ def check_tools(architecture):
 
 
 def end_process(process, seconds):
-    """Ends a guest's process group and waits so long for that."""
+    """Kills a guest's process group and waits until it is gone, at most this long per signal."""
     for number in (signal.SIGTERM, signal.SIGKILL):
         with contextlib.suppress(OSError):
             os.killpg(process, number)
@@ -232,7 +232,7 @@ def end_process(process, seconds):
 
 
 def remove_guest(folder):
-    """Ends a guest that an earlier run left behind."""
+    """Kills a guest that an earlier run left behind."""
     with contextlib.suppress(Failure, Skip):
         state = read_state(folder)
         if is_alive(state["process"]):
@@ -256,7 +256,7 @@ def start(architecture, folder, shared):
     with open(os.path.join(folder, "out", "shared"), "w") as file:
         file.writelines(path + "\n" for path in shared)
 
-    # Not in the folder: a socket's path must be short.
+    # Not in the folder: the path of a socket has to be short.
     sockets = tempfile.mkdtemp(prefix="vorn-vm-")
     command = qemu_arguments(architecture, folder, shared, sockets)
     with open(os.path.join(folder, "qemu.log"), "w") as log:
@@ -270,19 +270,19 @@ def start(architecture, folder, shared):
         agent = None
         while not agent:
             if process.poll() is not None:
-                raise Failure("QEMU has ended")
-            # Not yet there, or there and not yet listening.
+                raise Failure("QEMU has exited")
+            # The socket may not exist yet, or QEMU may not be listening yet.
             with contextlib.suppress(Failure):
                 agent = Agent(sockets)
             time.sleep(0.05)
         while True:
-            # A guest that is not yet there may lose what it is sent.
+            # What is sent before init listens may be lost, so repeat it.
             agent.send("hello")
             answer = agent.receive(2)
             if answer == "ready":
                 break
             if answer:
-                raise Failure("the guest does not see all of its folders")
+                raise Failure("the guest could not mount all of its folders")
             if time.monotonic() > begin + BOOT_LIMIT:
                 raise Failure(f"the guest was not ready within {BOOT_LIMIT} s")
     except Failure:
@@ -313,8 +313,8 @@ def run(folder, command):
             while status is None:
                 line = agent.receive(max(0, end - time.monotonic()))
                 if line is None:
-                    raise Failure("the guest does not answer any more")
-                # Answers to someone who did not wait for them come as well.
+                    raise Failure("the guest no longer answers")
+                # Answers to a caller that gave up waiting arrive here as well.
                 words = line.split()
                 if words[:2] == ["exit", identity]:
                     status = int(words[2])
@@ -327,7 +327,7 @@ def run(folder, command):
         if status != 0:
             print(f"--- status {status}" + (
                 f", not finished within {COMMAND_LIMIT} s" if status in (137, 143) else ""))
-            print("--- the guest's serial log meanwhile")
+            print("--- the guest's serial log during the command")
             print(serial_log(folder, serial_start))
         return status
 
@@ -340,7 +340,7 @@ def show_output(path):
 
 
 def stop(folder):
-    """Shuts the guest down. One that had ended before is a failure."""
+    """Shuts the guest down; fails if it is already gone."""
     folder = os.path.abspath(folder)
     state = read_state(folder)
     process = state["process"]
@@ -356,7 +356,7 @@ def stop(folder):
         shutil.rmtree(state["sockets"], ignore_errors=True)
     if not ended:
         print(serial_log(folder))
-        raise Failure("the guest did not shut down by itself")
+        raise Failure("the guest did not shut down")
 
 
 def main(arguments):
@@ -372,7 +372,7 @@ def main(arguments):
         elif arguments[:1] == ["stop"] and len(arguments) == 2:
             stop(arguments[1])
         else:
-            print("guest.py: expected start, run or stop, with what it needs (see --help)",
+            print("guest.py: expected start, run or stop, with their arguments (see --help)",
                   file=sys.stderr)
             return 2
     except Skip as reason:

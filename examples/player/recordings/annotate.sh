@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Prints each line of its input, as it comes, with the explanation that belongs to it.
+# Prints each line of its input as it arrives, with its explanation.
 set -euo pipefail
 
 usage='usage: annotate.sh ANNOTATIONS
 
-Reads the output of the player, with or without --timestamps, and prints it explained. ANNOTATIONS
-holds the expected lines in their order, each as "line | explanation"; lines that begin with # are
-comments. Ends with status 1 when the output is not what was expected.'
+Reads the output of the player, with or without --timestamps, and prints it with explanations.
+ANNOTATIONS holds the expected lines in order, each as "line | explanation"; lines that start with #
+are comments. Exits with status 1 if the output differs from what was expected.'
 
 case ${1:-} in
 --help)
@@ -24,7 +24,7 @@ if [ -t 1 ]; then
     dim=$'\e[2m' alarm=$'\e[1;31m' plain=$'\e[0m'
 fi
 
-# explain TIME LINE EXPLANATION: beside the line, or below one that is too long for that.
+# explain TIME LINE EXPLANATION: prints it beside the line, or below a long line.
 explain() {
     if [ "${#2}" -le 52 ]; then
         printf '%8s  %-52s  %s\n' "$1" "$2" "$dim$3$plain"
@@ -64,7 +64,7 @@ while IFS= read -r line || [ -n "$line" ]; do
     fi
 done
 for ((; next < ${#expected[@]}; ++next)); do
-    printf '%8s  %-52s  %s\n' '' "${expected[next]}" "${alarm}expected, but did not come$plain"
+    printf '%8s  %-52s  %s\n' '' "${expected[next]}" "${alarm}expected but missing$plain"
     status=1
 done
 exit "$status"

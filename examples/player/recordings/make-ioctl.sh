@@ -1,15 +1,14 @@
 #!/bin/sh
-# Writes the ioctl file of a made-up evdev device: what the node answers when it is asked for its
-# identity, its name, its event types, the keys and switches that it has, and which of them are
-# down.
+# Writes the ioctl file of a synthetic evdev device: how the node answers queries for its identity,
+# name, event types, keys and switches, and for which of these are down or on.
 set -eu
 
 usage='usage: make-ioctl.sh NAME BUS TYPE…
 
   NAME  the kernel name, e.g. front-panel
   BUS   the Linux bus type in decimal: 25 host, 24 I2C, 6 virtual …
-  TYPE  the event types: key, switch; the device has the keys or switches that NAME.evemu, in the
-        folder of this script, uses, or those of a list of hexadecimal codes: key=73,166
+  TYPE  an event type, key or switch: the device has those keys or switches that occur in
+        NAME.evemu, in the folder of this script, or those listed by hexadecimal code: key=73,166
 
 Example: make-ioctl.sh front-panel 25 key >front-panel.ioctl'
 
@@ -26,7 +25,7 @@ bus=$2
 shift 2
 events=$(dirname "$0")/$name.evemu
 
-# codes TYPE ARGUMENT: the codes of an event type, in hexadecimal, one a line.
+# codes TYPE ARGUMENT: prints the codes of an event type, in hexadecimal, one per line.
 codes() {
     case $2 in
     *=*) echo "${2#*=}" | tr , '\n' ;;
@@ -36,7 +35,7 @@ codes() {
     esac
 }
 
-# bitmap BYTES: of the codes that come in; the lowest is the lowest bit of the first byte.
+# bitmap BYTES: prints a bitmap of the codes on stdin; code 0 is the lowest bit of the first byte.
 bitmap() {
     while read -r code; do
         echo "$((0x$code))"
@@ -71,16 +70,16 @@ for type in "$@"; do
     esac
 done
 
-# padded BYTES HEX: fills up with zeros to so many bytes.
+# padded BYTES HEX: pads HEX with zeros to this many bytes.
 padded() {
     printf '%s' "$2"
     printf "%0$(($1 * 2 - ${#2}))d" 0
 }
 
 name_hex=$(printf '%s' "$name" | od -An -v -tx1 | tr -d ' \n')
-# An answer is found by the exact size that is asked for. The player asks for the name with 255
-# bytes when the nodes are listed, and with 256 when one is opened; for the keys and switches that
-# are down it asks with 4. "vorn-input devices" asks with 96 for keys, and with 3 for switches.
+# umockdev finds an answer by the exact buffer size of the query. The player uses 255 bytes for the
+# name when it lists the nodes and 256 when it opens one, and 4 for the state of keys and switches.
+# "vorn-input devices" uses 96 for the state of keys and 3 for that of switches.
 echo "EVIOCGID 0 $(printf '%02x' "$bus")00010001000001"
 echo "EVIOCGNAME(0) $((${#name} + 1)) $(padded 255 "$name_hex")"
 echo "EVIOCGNAME(0) $((${#name} + 1)) $(padded 256 "$name_hex")"

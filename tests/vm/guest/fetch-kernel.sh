@@ -5,8 +5,8 @@ set -euo pipefail
 # shellcheck disable=SC2016
 usage='usage: fetch-kernel.sh [--help] ARCHITECTURE
 
-Fetches Debian 12'\''s kernel for ARCHITECTURE (x86_64 or armhf), unless it is cached, and prints the
-folder, which holds
+Fetches Debian 12'\''s kernel for ARCHITECTURE (x86_64 or armhf), unless it is cached, and prints
+the folder, which holds
 
   kernel     the image to boot
   release    its version, as printed by "uname -r"
@@ -49,7 +49,7 @@ armhf)
     ;;
 esac
 
-# unpack_kernel IMAGE FILE: what an x86-64 kernel would unpack itself, slowly under emulation.
+# unpack_kernel IMAGE FILE: unpacks an x86-64 kernel, which is slow at that under emulation.
 unpack_kernel() {
     python3 - "$1" "$2" <<'PYTHON'
 import lzma, sys

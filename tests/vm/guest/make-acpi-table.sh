@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Describes hardware that the x86-64 guest has beside QEMU's own.
+# Describes hardware of the x86-64 guest that QEMU does not emulate itself.
 set -euo pipefail
 
 usage='usage: make-acpi-table.sh [--help] FILE
 
-Writes FILE, an ACPI table with a set of GPIO keys: its name has 255 characters, the most that is
-read of any. A PC of QEMU has no GPIO controller, so the table describes one as well, a well-known
-chip that the kernel has a driver for. Its registers are a page of memory at 0x10000000, which the
-kernel must leave alone; nobody presses the key.'
+Writes FILE, an ACPI table with a set of GPIO keys whose name has 255 characters, the longest that
+can be read. QEMU'\''s PC has no GPIO controller, so the table also describes one, a common chip
+that the kernel has a driver for. Its registers are a page of memory at 0x10000000, which the kernel
+must not use otherwise; nobody presses the key.'
 
 case ${1:-} in
 --help)

@@ -4,8 +4,9 @@ set -euo pipefail
 
 usage='usage: make-device-tree.sh [--help] FILE
 
-Writes FILE, the device tree of the board that QEMU emulates, with another set of GPIO keys beside
-the power button: its name has 255 characters, the most that is read of any. Nobody presses it.'
+Writes FILE, the device tree of the board that QEMU emulates, with a set of GPIO keys in addition
+to the power button. Its name has 255 characters, the longest that can be read; nobody presses its
+key.'
 
 case ${1:-} in
 --help)
