@@ -8,8 +8,8 @@ namespace Vorn::Workbench {
 
 namespace {
 
-// A long press that is due at a tick may be reported at the next one, and that may be late.
-constexpr qint64 tickTolerance = tickMs + tickToleranceMs;
+// A long press that is due just after a tick is reported at the next one, which may be late.
+constexpr qint64 tickTolerance = tickMs + 5;
 
 } // namespace
 
