@@ -73,23 +73,44 @@ done
 # padded BYTES HEX: pads HEX with zeros to this many bytes.
 padded() {
     printf '%s' "$2"
-    printf "%0$(($1 * 2 - ${#2}))d" 0
+    zeros=$(($1 * 2 - ${#2}))
+    [ "$zeros" -eq 0 ] || printf "%0${zeros}d" 0
+}
+
+# answers CALL HEX SIZE…: the same bitmap for requests of each size.
+answers() {
+    call=$1 hex=$2
+    shift 2
+    for size in "$@"; do
+        echo "$call $size $(padded "$size" "$hex")"
+    done
 }
 
 name_hex=$(printf '%s' "$name" | od -An -v -tx1 | tr -d ' \n')
-# umockdev finds an answer by the exact buffer size of the query. The player uses 255 bytes for the
-# name when it lists the nodes and 256 when it opens one, and 4 for the state of keys and switches.
-# "vorn-input devices" uses 96 for the state of keys and 3 for that of switches.
+types_hex=$(printf '%02x' "$types")
+keys_hex=$(printf '%s' "$keys${keys:+
+}" | bitmap 96)
+switches_hex=$(printf '%s' "$switches${switches:+
+}" | bitmap 3)
+# A request is answered only if a line has its exact size. The player asks for the name with 255
+# bytes when it lists the nodes, and with 256 when it opens one; for the event types with 31, and
+# for the keys and switches that are down with 4. "vorn-input devices" also asks whatever libevdev
+# does, whose bitmaps are of words of 8 bytes, or of 4 on a 32-bit machine.
+echo "EVIOCGVERSION 0 01000100"
 echo "EVIOCGID 0 $(printf '%02x' "$bus")00010001000001"
 echo "EVIOCGNAME(0) $((${#name} + 1)) $(padded 255 "$name_hex")"
 echo "EVIOCGNAME(0) $((${#name} + 1)) $(padded 256 "$name_hex")"
-echo "EVIOCGPROP(0) 8 $(padded 8 00)"
-echo "EVIOCGBIT(0) 8 $(padded 31 "$(printf '%02x' "$types")")"
-echo "EVIOCGBIT(1) 96 $(printf '%s' "$keys${keys:+
-}" | bitmap 96)"
-echo "EVIOCGBIT(5) 3 $(printf '%s' "$switches${switches:+
-}" | bitmap 3)"
-echo "EVIOCGKEY(0) 4 $(padded 4 00)"
-echo "EVIOCGKEY(0) 96 $(padded 96 00)"
-echo "EVIOCGSW(0) 3 $(padded 3 00)"
-echo "EVIOCGSW(0) 4 $(padded 4 00)"
+answers 'EVIOCGPROP(0)' 00 4 8
+answers 'EVIOCGBIT(0)' "$types_hex" 4 8
+echo "EVIOCGBIT(0) 8 $(padded 31 "$types_hex")"
+answers 'EVIOCGBIT(1)' "$keys_hex" 96
+answers 'EVIOCGBIT(5)' "$switches_hex" 4 8
+# Types that the device does not have: relative and absolute axes, others, lights, sounds, forces.
+for type in 2 3 4 17 18; do
+    answers "EVIOCGBIT($type)" 00 4 8
+done
+answers 'EVIOCGBIT(21)' 00 16
+answers 'EVIOCGKEY(0)' 00 4 96
+for state in EVIOCGSW EVIOCGLED; do
+    answers "$state(0)" 00 4 8
+done
