@@ -59,6 +59,7 @@ int codeCount(int type)
         return REP_CNT;
     case EV_FF:
         return FF_CNT;
+    // EV_SYN, EV_PWR and EV_FF_STATUS, and numbers that are not in use.
     default:
         return 0;
     }
@@ -66,6 +67,7 @@ int codeCount(int type)
 
 int bitmapSize(int type)
 {
+    // The kernel stores bitmaps in whole words and hands them out as they are.
     return (codeCount(type) + 63) / 64 * 8;
 }
 

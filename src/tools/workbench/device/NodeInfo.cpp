@@ -10,12 +10,14 @@
 #include <QFileInfo>
 
 #include <fcntl.h>
+#include <libevdev/libevdev.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 
 namespace Vorn::Workbench {
 
@@ -23,14 +25,12 @@ namespace {
 
 constexpr char inputFolder[] = "/dev/input";
 constexpr char nodePrefix[] = "/dev/input/event";
-constexpr int textBytes = 256;
-constexpr int switchBytes = (SW_CNT + 7) / 8;
 
 /// An open node.
 class Node
 {
 public:
-    // Without waiting, since nodes of other kinds may take their time.
+    // Opening a node of another kind, a pipe for example, could block.
     explicit Node(const QString &path)
         : m_fd(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
         , m_error(m_fd < 0 ? errno : 0)
@@ -51,6 +51,7 @@ public:
     bool isDevice() const
     {
         struct stat status = {};
+        // In doubt it is one, and its answers will show.
         return ::fstat(m_fd, &status) != 0 || S_ISCHR(status.st_mode);
     }
 
@@ -63,11 +64,12 @@ public:
         return answer;
     }
 
-    /// A text, null if it was not told.
-    QByteArray askText(unsigned long request) const
+    /// All that libevdev finds out about it; null if it leaves a request unanswered.
+    std::unique_ptr<libevdev, decltype(&libevdev_free)> evdev() const
     {
-        const QByteArray answer = ask(request);
-        return answer.isNull() ? answer : kernelText(answer);
+        libevdev *evdev = nullptr;
+        libevdev_new_from_fd(m_fd, &evdev);
+        return {evdev, &libevdev_free};
     }
 
 private:
@@ -81,6 +83,7 @@ int numberOf(const QString &path)
     if (!path.startsWith(prefix))
         return -1;
     bool isNumber = false;
+    // Only as the kernel writes it: "event01" is not event1.
     const QString digits = path.mid(prefix.size());
     const int number = digits.toInt(&isNumber);
     return isNumber && number >= 0 && QString::number(number) == digits ? number : -1;
@@ -102,7 +105,7 @@ QString openError(int error)
         return QStringLiteral("permission denied; add yourself to the group 'input' and log in "
                               "again");
     case ENOENT:
-        return QStringLiteral("there is no such node");
+        return QStringLiteral("no such node");
     case ENODEV:
     case ENXIO:
         return QStringLiteral("the device is gone");
@@ -111,33 +114,41 @@ QString openError(int error)
     }
 }
 
-void askForCodes(const Node &node, const QByteArray &types, RecordedDevice *device)
+QVector<int> codesThatAreOn(const libevdev *evdev, const RecordedDevice &device, unsigned int type)
 {
-    for (int type = EV_SYN + 1; type < typeCount; ++type) {
-        if (!testBit(types, type))
-            continue;
-        const auto size = static_cast<unsigned int>(type == EV_SW ? switchBytes : bitmapSize(type));
-        // EV_REP has codes, but they cannot be asked for.
-        QByteArray codes;
-        if (size > 0 && type != EV_REP)
-            codes = node.ask(EVIOCGBIT(static_cast<unsigned int>(type), size));
-        if (!declareCodes(device, type, codes).isEmpty())
-            device->codes.insert(type, {});
-    }
+    QVector<int> codes = device.codesOf(static_cast<int>(type));
+    const auto isOff = [=](int code) {
+        return libevdev_get_event_value(evdev, type, static_cast<unsigned int>(code)) == 0;
+    };
+    codes.erase(std::remove_if(codes.begin(), codes.end(), isOff), codes.end());
+    return codes;
 }
 
-QVector<int> declared(const QVector<int> &codes, const RecordedDevice &device, int type)
+/// Adds what libevdev knows to a device whose types are known.
+void describe(const libevdev *evdev, RecordedDevice *device)
 {
-    QVector<int> result;
-    std::copy_if(codes.cbegin(), codes.cend(), std::back_inserter(result),
-                 [&](int code) { return device.has(type, code); });
-    return result;
+    device->phys = libevdev_get_phys(evdev);
+    device->uniq = libevdev_get_uniq(evdev);
+    for (unsigned int property = 0; property < INPUT_PROP_CNT; ++property) {
+        if (libevdev_has_property(evdev, property))
+            setBit(&device->properties, static_cast<int>(property));
+    }
+    for (auto it = device->codes.begin(); it != device->codes.end(); ++it) {
+        // The codes of EV_REP are a matter of course; the kernel has no bitmap of them.
+        for (int code = 0; it.key() != EV_REP && code < codeCount(it.key()); ++code) {
+            if (libevdev_has_event_code(evdev, static_cast<unsigned int>(it.key()),
+                                        static_cast<unsigned int>(code)))
+                setBit(&*it, code);
+        }
+    }
+    device->keysDown = codesThatAreOn(evdev, *device, EV_KEY);
+    device->switchesOn = codesThatAreOn(evdev, *device, EV_SW);
 }
 
 QString missingType(const NodeInfo &info, const QString &type)
 {
     if (!info.hasTypes)
-        return QStringLiteral("it does not tell its event types");
+        return QStringLiteral("it does not report its event types");
     return QStringLiteral("no %1").arg(type);
 }
 
@@ -148,11 +159,11 @@ LibraryView NodeInfo::libraryView() const
     LibraryView view;
     view.bus = libraryBus(hasIdentity ? device.id.bustype : 0, name());
     if (number < 0 || number >= nodeCount)
-        view.reason = QStringLiteral("the library looks at event0 to event9 only");
+        view.reason = QStringLiteral("the library reads event0 to event%1 only").arg(nodeCount - 1);
     else if (!isReadable())
         view.reason = error;
     else if (device.name.isNull())
-        view.reason = QStringLiteral("it does not tell its name");
+        view.reason = QStringLiteral("it does not report its name");
     if (!view.reason.isEmpty()) {
         view.keyReason = view.reason;
         view.switchReason = view.reason;
@@ -164,13 +175,13 @@ LibraryView NodeInfo::libraryView() const
     view.isUsed = view.readsKeys || view.readsSwitches;
     if (!view.readsKeys)
         view.keyReason = missingType(*this, QStringLiteral("EV_KEY"))
-            + QStringLiteral(": keys are not read, the library warns of it");
+            + QStringLiteral(": keys are not read, and the library logs a warning");
     if (!view.readsSwitches)
         view.switchReason =
             missingType(*this, QStringLiteral("EV_SW")) + QStringLiteral(": switches are not read");
     if (!view.isUsed) {
         view.reason = hasTypes ? QStringLiteral("it has neither keys nor switches")
-                               : QStringLiteral("it does not tell its event types");
+                               : QStringLiteral("it does not report its event types");
     }
     return view;
 }
@@ -187,31 +198,32 @@ NodeInfo readNode(const QString &path)
     }
     if (!node.isDevice()) {
         info.isDevice = false;
-        info.error = QStringLiteral("no device, but a file");
+        info.error = QStringLiteral("a file, not a device");
         return info;
     }
 
+    // The library's own requests. libevdev makes many more and refuses a node that fails a single
+    // one, which does not keep the library from using it.
     RecordedDevice &device = info.device;
     const QByteArray identity = node.ask(EVIOCGID);
     info.hasIdentity = !identity.isNull();
     if (info.hasIdentity)
         std::copy(identity.cbegin(), identity.cend(), reinterpret_cast<char *>(&device.id));
-    device.name = node.askText(EVIOCGNAME(textBytes));
-    device.phys = node.askText(EVIOCGPHYS(textBytes));
-    device.uniq = node.askText(EVIOCGUNIQ(textBytes));
-    device.properties = withoutTrailingZeros(node.ask(EVIOCGPROP(maxPropertyBytes)));
-
+    device.name = kernelText(node.ask(EVIOCGNAME(scanNameBytes)));
     const QByteArray types = node.ask(EVIOCGBIT(0, typeBytes));
     info.hasTypes = !types.isNull();
     if (!info.hasIdentity && device.name.isNull() && !info.hasTypes) {
-        info.error = QStringLiteral("it does not answer as an input device does");
+        info.error = QStringLiteral("it does not respond like an input device");
         return info;
     }
-    askForCodes(node, types, &device);
-    if (device.has(EV_KEY))
-        device.keysDown = declared(setBits(node.ask(EVIOCGKEY(KEY_CNT / 8))), device, EV_KEY);
-    if (device.has(EV_SW))
-        device.switchesOn = declared(setBits(node.ask(EVIOCGSW(switchBytes))), device, EV_SW);
+    for (int type = EV_SYN + 1; type < typeCount; ++type) {
+        if (testBit(types, type))
+            device.codes.insert(type, {});
+    }
+    if (const auto evdev = node.evdev()) {
+        info.hasCodes = true;
+        describe(evdev.get(), &device);
+    }
     return info;
 }
 
@@ -223,6 +235,7 @@ QStringList inputNodes(QString *error)
         *error = QStringLiteral("cannot list %1: permission denied").arg(folder);
     const QStringList names =
         directory.entryList({QStringLiteral("event*")}, QDir::Files | QDir::System);
+    // By number: in the order of texts event10 comes before event2.
     QVector<int> numbers;
     for (const QString &name : names) {
         const int number = numberOf(folder + QLatin1Char('/') + name);

@@ -17,23 +17,24 @@ struct LibraryView
     InputEvent::Bus bus = InputEvent::Bus::NoBus;
     bool readsKeys = false;
     bool readsSwitches = false;
-    /// Why the node, its keys or its switches are not used, in words; empty where they are.
+    /// Why the node, its keys or its switches are not used; empty if they are.
     QString reason;
     QString keyReason;
     QString switchReason;
 };
 
-/// A node of /dev/input, as it answers now.
+/// A node of /dev/input in its present state.
 struct NodeInfo
 {
     QString path; ///< "/dev/input/event0"
     int number = -1; ///< N of /dev/input/eventN; -1 for any other path
-    /// Whether there is a device behind it, as far as can be told; false for a plain file.
-    bool isDevice = true;
+    bool isDevice = true; ///< false for a file
     QString error; ///< why it cannot be read, and what to do about it; empty if it can be
-    RecordedDevice device; ///< what it did not answer is missing; the name is null then
-    bool hasIdentity = false; ///< whether it told `device.id`
-    bool hasTypes = false; ///< whether it told the event types that it has
+    RecordedDevice device; ///< whatever the node did not report is missing; a missing name is null
+    bool hasIdentity = false; ///< whether `device.id` is known
+    bool hasTypes = false; ///< whether the event types are known
+    /// Whether all the rest is known: codes, keys down, switches on, properties, `phys` and `uniq`.
+    bool hasCodes = false;
 
     bool isReadable() const { return error.isEmpty(); }
     /// The kernel's name as text.
@@ -41,11 +42,12 @@ struct NodeInfo
     LibraryView libraryView() const;
 };
 
-/// Opens a node and asks what it is. Fails in the result only.
+/// Opens a node and asks what it is. A failure is part of the result.
 NodeInfo readNode(const QString &path);
 
-/// The paths of all event nodes in /dev/input, by rising number; empty without the folder.
-/// @param error if given, why the folder cannot be read; untouched if it can, or is missing
+/// The paths of all event nodes in /dev/input, in the order of their numbers; none if there is no
+/// such folder.
+/// @param error if given, set if the folder cannot be read; a missing folder is no error
 QStringList inputNodes(QString *error = nullptr);
 
 } // namespace Vorn::Workbench

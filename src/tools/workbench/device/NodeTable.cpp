@@ -30,7 +30,7 @@ struct Row
     bool isUsed = false;
 };
 
-// A name comes from the device, and what it holds is not to act on the terminal.
+// A device chooses its name, which must not control the terminal.
 QString printable(QString text)
 {
     for (QChar &character : text) {
@@ -47,6 +47,7 @@ QString listOf(const QStringList &names, const QString &one, const QString &many
 {
     QString text = QStringLiteral("%1 %2").arg(names.size()).arg(names.size() == 1 ? one : many);
     for (int i = 0; i < names.size(); ++i) {
+        // After every name but the last there must be room for this.
         const QString more = QStringLiteral(" and %1 more").arg(names.size() - i);
         const QString next = (i == 0 ? QStringLiteral(": ") : QStringLiteral(", ")) + names.at(i);
         const bool isLast = i + 1 == names.size();
@@ -98,10 +99,13 @@ Row rowOf(const NodeInfo &node, int detailWidth)
               << (node.device.name.isNull() ? dash : printable(node.name()))
               << (node.hasIdentity ? kernelBusName(node.device.id.bustype) : dash)
               << (node.isReadable() ? busName(view.bus) : dash) << sides(view);
-    if (node.device.has(EV_KEY))
+    // Not "0 keys", which would be untrue.
+    if (!node.hasCodes && (node.device.has(EV_KEY) || node.device.has(EV_SW)))
+        row.details += QStringLiteral("codes unknown: it does not answer every request");
+    if (node.hasCodes && node.device.has(EV_KEY))
         row.details +=
             listOf(keyNamesOf(node), QStringLiteral("key"), QStringLiteral("keys"), detailWidth);
-    if (node.device.has(EV_SW))
+    if (node.hasCodes && node.device.has(EV_SW))
         row.details += listOf(switchNamesOf(node, true), QStringLiteral("switch"),
                               QStringLiteral("switches"), detailWidth);
     return row;
@@ -144,6 +148,7 @@ QString nodeTable(const QVector<NodeInfo> &nodes, bool coloured)
             widths[i] = std::max(widths.at(i), rows.last().cells.at(i).size());
     }
 
+    // Details start below the second column, whose position is known only now.
     const QString indent(widths.first() + 2, QLatin1Char(' '));
     QString table = inColour(bold, lineOf(header, widths)) + QLatin1Char('\n');
     for (const Row &row : qAsConst(rows)) {

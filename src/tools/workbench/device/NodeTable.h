@@ -9,9 +9,8 @@
 
 namespace Vorn::Workbench {
 
-/// The nodes as a table for people, up to 100 columns wide (unless a name is longer): a line for
-/// each node, and below it a line for its keys, one for its switches and one for what stands in
-/// the way, if there are any.
+/// The nodes as a table for people, up to 100 columns wide: a line for each node, and below it a
+/// line for its keys, one for its switches and one for what keeps it from being used, if any.
 ///
 /// ```
 /// NODE    NAME               KERNEL BUS  BUS      THE LIBRARY READS
@@ -20,13 +19,13 @@ namespace Vorn::Workbench {
 /// ```
 QString nodeTable(const QVector<NodeInfo> &nodes, bool coloured = false);
 
-/// A node as one line of JSON, with the line's end. Members:
+/// A node as one line of JSON, line feed included. Members:
 ///
 /// | member | what |
 /// |---|---|
 /// | `device`, `number` | "/dev/input/event0", 0 |
-/// | `readable`, `error` | whether it can be read, and why it cannot |
-/// | `name`, `phys`, `uniq` | the kernel's texts |
+/// | `readable`, `error` | whether it can be read, and why not |
+/// | `name`, `phys`, `uniq` | the kernel's strings |
 /// | `kernelBus`, `kernelBusName`, `vendor`, `product`, `version` | its identity |
 /// | `bus` | the library's bus, "LocalUI" |
 /// | `keys`, `switches` | names of the codes |

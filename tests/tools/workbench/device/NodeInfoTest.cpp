@@ -1,23 +1,17 @@
 #include "NodeInfo.h"
 
 #include "InputSubsystem.h"
-#include "NodeTable.h"
 
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 
 #include <cerrno>
-#include <string>
 
 using namespace Vorn::Sim;
 using namespace Vorn::Workbench;
 using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
 
 namespace {
 
@@ -27,28 +21,6 @@ const DeviceDescription panel =
         .withSwitches({SW_LINEIN_INSERT, SW_HEADPHONE_INSERT}, {SW_LINEIN_INSERT})
         .withId(BUS_HOST, 0x46d, 0xc31c, 0x110)
         .withAutoRepeat();
-
-std::string tableOf(const QVector<NodeInfo> &nodes)
-{
-    return nodeTable(nodes).toStdString();
-}
-
-QJsonObject jsonOf(const NodeInfo &node)
-{
-    return QJsonDocument::fromJson(nodeJson(node)).object();
-}
-
-NodeInfo infoOf(const QByteArray &name, int number = 0)
-{
-    NodeInfo info;
-    info.number = number;
-    info.path = QStringLiteral("/dev/input/event%1").arg(number);
-    info.device.name = name;
-    info.device.id.bustype = BUS_USB;
-    info.hasIdentity = true;
-    info.hasTypes = true;
-    return info;
-}
 
 } // namespace
 
@@ -65,6 +37,7 @@ TEST(NodeInfo, TellsWhatTheDeviceAnswers)
     EXPECT_THAT(info.device.codesOf(EV_KEY), ElementsAre(KEY_VOLUMEUP, KEY_OK, KEY_INFO));
     EXPECT_THAT(info.device.codesOf(EV_SW), ElementsAre(SW_HEADPHONE_INSERT, SW_LINEIN_INSERT));
     EXPECT_TRUE(info.device.has(EV_REP));
+    EXPECT_TRUE(info.hasCodes);
     EXPECT_THAT(info.device.keysDown, ElementsAre(KEY_OK));
     EXPECT_THAT(info.device.switchesOn, ElementsAre(SW_LINEIN_INSERT));
     EXPECT_EQ(subsystem.openDescriptors(), 0);
@@ -82,7 +55,7 @@ TEST(NodeInfo, TellsWhatTheLibraryMakesOfIt)
     EXPECT_TRUE(jacks.isUsed);
     EXPECT_EQ(jacks.bus, InputEvent::Bus::Hostlink);
     EXPECT_EQ(jacks.keyReason.toStdString(),
-              "no EV_KEY: keys are not read, the library warns of it");
+              "no EV_KEY: keys are not read, and the library logs a warning");
 
     subsystem.plug(2, DeviceDescription().withEventTypes({EV_REL}));
     EXPECT_EQ(readNode("/dev/input/event2").libraryView().reason.toStdString(),
@@ -91,13 +64,13 @@ TEST(NodeInfo, TellsWhatTheLibraryMakesOfIt)
     subsystem.plug(10, panel);
     const LibraryView far = readNode("/dev/input/event10").libraryView();
     EXPECT_FALSE(far.isUsed);
-    EXPECT_EQ(far.reason.toStdString(), "the library looks at event0 to event9 only");
+    EXPECT_EQ(far.reason.toStdString(), "the library reads event0 to event9 only");
 }
 
 TEST(NodeInfo, SaysWhyANodeCannotBeRead)
 {
     InputSubsystem subsystem;
-    EXPECT_EQ(readNode("/dev/input/event0").error.toStdString(), "there is no such node");
+    EXPECT_EQ(readNode("/dev/input/event0").error.toStdString(), "no such node");
     InputNode &node = subsystem.plug(0, panel.withMode(0));
     const NodeInfo denied = readNode(node.path());
     EXPECT_EQ(denied.error.toStdString(),
@@ -118,7 +91,7 @@ TEST(NodeInfo, LeavesOutWhatIsNotAnswered)
     NodeInfo info = readNode(node.path());
     EXPECT_TRUE(info.isReadable());
     EXPECT_TRUE(info.device.name.isNull());
-    EXPECT_EQ(info.libraryView().reason.toStdString(), "it does not tell its name");
+    EXPECT_EQ(info.libraryView().reason.toStdString(), "it does not report its name");
 
     node.clearFailures();
     node.failIoctl(EVIOCGID, EIO);
@@ -130,7 +103,31 @@ TEST(NodeInfo, LeavesOutWhatIsNotAnswered)
     node.failIoctl(EVIOCGBIT(0, 0), EIO);
     info = readNode(node.path());
     EXPECT_FALSE(info.libraryView().isUsed);
-    EXPECT_EQ(info.libraryView().reason.toStdString(), "it does not tell its event types");
+    EXPECT_EQ(info.libraryView().reason.toStdString(), "it does not report its event types");
+}
+
+// A recording answers the requests that were recorded, and no other.
+TEST(NodeInfo, KnowsWhatTheLibraryDoesOfANodeThatFailsAnotherRequest)
+{
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(0, panel);
+    for (const unsigned long request :
+         {static_cast<unsigned long>(EVIOCGVERSION), static_cast<unsigned long>(EVIOCGPHYS(0)),
+          static_cast<unsigned long>(EVIOCGBIT(EV_LED, 0)),
+          static_cast<unsigned long>(EVIOCGKEY(0))})
+    {
+        node.failIoctl(request, EIO);
+        const NodeInfo info = readNode(node.path());
+        EXPECT_TRUE(info.isReadable()) << request;
+        EXPECT_FALSE(info.hasCodes) << request;
+        EXPECT_EQ(info.name().toStdString(), "front-panel");
+        EXPECT_EQ(info.libraryView().bus, InputEvent::Bus::LocalUI);
+        EXPECT_TRUE(info.libraryView().readsKeys);
+        EXPECT_TRUE(info.libraryView().readsSwitches);
+        EXPECT_TRUE(info.device.codesOf(EV_KEY).isEmpty());
+        node.clearFailures();
+    }
+    EXPECT_EQ(subsystem.openDescriptors(), 0);
 }
 
 TEST(NodeInfo, TellsAFileFromADevice)
@@ -141,10 +138,11 @@ TEST(NodeInfo, TellsAFileFromADevice)
     const NodeInfo info = readNode(file.fileName());
     EXPECT_FALSE(info.isDevice);
     EXPECT_FALSE(info.isReadable());
+    EXPECT_EQ(info.error.toStdString(), "a file, not a device");
     EXPECT_EQ(info.number, -1);
     const NodeInfo null = readNode("/dev/null");
     EXPECT_TRUE(null.isDevice);
-    EXPECT_EQ(null.error.toStdString(), "it does not answer as an input device does");
+    EXPECT_EQ(null.error.toStdString(), "it does not respond like an input device");
 }
 
 TEST(InputNodes, AreListedByNumber)
@@ -159,80 +157,4 @@ TEST(InputNodes, AreListedByNumber)
     subsystem.removeInputDirectory();
     EXPECT_TRUE(inputNodes(&error).isEmpty());
     EXPECT_EQ(error.toStdString(), "");
-}
-
-TEST(NodeTable, ShowsEachNodeWithItsKeysAndSwitches)
-{
-    InputSubsystem subsystem;
-    subsystem.plug(0, panel);
-    subsystem.plug(12, DeviceDescription::keyboard("remote", BUS_I2C, {KEY_OK}));
-    QVector<NodeInfo> nodes;
-    for (const QString &path : inputNodes())
-        nodes += readNode(path);
-    EXPECT_EQ(tableOf(nodes),
-              "NODE     NAME         KERNEL BUS  BUS      THE LIBRARY READS\n"
-              "event0   front-panel  BUS_HOST    LocalUI  keys, switches\n"
-              "         3 keys: KEY_VOLUMEUP, KEY_OK, KEY_INFO\n"
-              "         2 switches: SW_HEADPHONE_INSERT (off), SW_LINEIN_INSERT (on)\n"
-              "event12  remote       BUS_I2C     I2C      nothing\n"
-              "         1 key: KEY_OK\n"
-              "         the library looks at event0 to event9 only\n");
-}
-
-TEST(NodeTable, ShortensListsToAHundredColumns)
-{
-    NodeInfo info = infoOf("keyboard");
-    for (int code = 1; code < 100; ++code)
-        info.device.declare(EV_KEY, code);
-    const QStringList lines = nodeTable({info}).split('\n');
-    for (const QString &line : lines)
-        EXPECT_LE(line.size(), 100) << line.toStdString();
-    EXPECT_THAT(lines.at(2).toStdString(),
-                testing::StartsWith("        99 keys: KEY_ESC, KEY_1, "));
-    EXPECT_THAT(lines.at(2).toStdString(), testing::EndsWith(" more"));
-}
-
-TEST(NodeTable, DoesNotSendToTheTerminalWhatADeviceIsNamed)
-{
-    const NodeInfo info = infoOf("\x1b[2J\nevil" + QByteArray(300, 'x'));
-    const std::string table = tableOf({info});
-    EXPECT_THAT(table, Not(HasSubstr("\x1b")));
-    EXPECT_THAT(table, HasSubstr("?[2J?evil"));
-    EXPECT_THAT(nodeTable({info}, true).toStdString(), HasSubstr("\x1b[1mNODE"));
-}
-
-TEST(NodeJson, TellsEverythingOnOneLine)
-{
-    InputSubsystem subsystem;
-    const NodeInfo info = readNode(subsystem.plug(0, panel).path());
-    EXPECT_EQ(nodeJson(info).count('\n'), 1);
-    const QJsonObject json = jsonOf(info);
-    EXPECT_EQ(json.value("device").toString().toStdString(), "/dev/input/event0");
-    EXPECT_EQ(json.value("number").toInt(-1), 0);
-    EXPECT_EQ(json.value("name").toString().toStdString(), "front-panel");
-    EXPECT_EQ(json.value("kernelBus").toInt(), BUS_HOST);
-    EXPECT_EQ(json.value("kernelBusName").toString().toStdString(), "BUS_HOST");
-    EXPECT_EQ(json.value("bus").toString().toStdString(), "LocalUI");
-    EXPECT_EQ(json.value("vendor").toInt(), 0x46d);
-    EXPECT_EQ(json.value("product").toInt(), 0xc31c);
-    EXPECT_EQ(json.value("version").toInt(), 0x110);
-    EXPECT_EQ(json.value("keys").toVariant().toStringList().join(' ').toStdString(),
-              "KEY_VOLUMEUP KEY_OK KEY_INFO");
-    EXPECT_EQ(json.value("switches").toVariant().toStringList().join(' ').toStdString(),
-              "SW_HEADPHONE_INSERT SW_LINEIN_INSERT");
-    EXPECT_TRUE(json.value("readable").toBool());
-    EXPECT_TRUE(json.value("used").toBool());
-    EXPECT_EQ(json.value("keySide").toString().toStdString(), "used");
-    EXPECT_EQ(json.value("reason").toString().toStdString(), "");
-}
-
-TEST(NodeJson, TellsWhyANodeIsNotUsed)
-{
-    InputSubsystem subsystem;
-    const QJsonObject json = jsonOf(readNode(subsystem.plug(0, panel.withMode(0)).path()));
-    EXPECT_FALSE(json.value("readable").toBool(true));
-    EXPECT_FALSE(json.value("used").toBool(true));
-    EXPECT_THAT(json.value("error").toString().toStdString(), HasSubstr("permission denied"));
-    EXPECT_THAT(json.value("reason").toString().toStdString(), HasSubstr("permission denied"));
-    EXPECT_THAT(json.value("keySide").toString().toStdString(), HasSubstr("permission denied"));
 }

@@ -1,0 +1,136 @@
+#include "NodeTable.h"
+
+#include "InputSubsystem.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+using namespace Vorn::Sim;
+using namespace Vorn::Workbench;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+const DeviceDescription panel =
+    DeviceDescription::keyboard("front-panel", BUS_HOST, {KEY_VOLUMEUP, KEY_INFO})
+        .withKeys({KEY_OK}, {KEY_OK})
+        .withSwitches({SW_LINEIN_INSERT, SW_HEADPHONE_INSERT}, {SW_LINEIN_INSERT})
+        .withId(BUS_HOST, 0x46d, 0xc31c, 0x110)
+        .withAutoRepeat();
+
+std::string tableOf(const QVector<NodeInfo> &nodes)
+{
+    return nodeTable(nodes).toStdString();
+}
+
+QJsonObject jsonOf(const NodeInfo &node)
+{
+    return QJsonDocument::fromJson(nodeJson(node)).object();
+}
+
+NodeInfo infoOf(const QByteArray &name, int number = 0)
+{
+    NodeInfo info;
+    info.number = number;
+    info.path = QStringLiteral("/dev/input/event%1").arg(number);
+    info.device.name = name;
+    info.device.id.bustype = BUS_USB;
+    info.hasIdentity = true;
+    info.hasTypes = true;
+    info.hasCodes = true;
+    return info;
+}
+
+} // namespace
+
+TEST(NodeTable, ShowsEachNodeWithItsKeysAndSwitches)
+{
+    InputSubsystem subsystem;
+    subsystem.plug(0, panel);
+    subsystem.plug(12, DeviceDescription::keyboard("remote", BUS_I2C, {KEY_OK}));
+    QVector<NodeInfo> nodes;
+    for (const QString &path : inputNodes())
+        nodes += readNode(path);
+    EXPECT_EQ(tableOf(nodes),
+              "NODE     NAME         KERNEL BUS  BUS      THE LIBRARY READS\n"
+              "event0   front-panel  BUS_HOST    LocalUI  keys, switches\n"
+              "         3 keys: KEY_VOLUMEUP, KEY_OK, KEY_INFO\n"
+              "         2 switches: SW_HEADPHONE_INSERT (off), SW_LINEIN_INSERT (on)\n"
+              "event12  remote       BUS_I2C     I2C      nothing\n"
+              "         1 key: KEY_OK\n"
+              "         the library reads event0 to event9 only\n");
+}
+
+TEST(NodeTable, DoesNotCountKeysThatAreUnknown)
+{
+    NodeInfo info = infoOf("panel");
+    info.hasCodes = false;
+    info.device.codes.insert(EV_KEY, {});
+    EXPECT_EQ(tableOf({info}),
+              "NODE    NAME   KERNEL BUS  BUS  THE LIBRARY READS\n"
+              "event0  panel  BUS_USB     USB  keys\n"
+              "        codes unknown: it does not answer every request\n");
+}
+
+TEST(NodeTable, ShortensListsToAHundredColumns)
+{
+    NodeInfo info = infoOf("keyboard");
+    for (int code = 1; code < 100; ++code)
+        info.device.declare(EV_KEY, code);
+    const QStringList lines = nodeTable({info}).split('\n');
+    for (const QString &line : lines)
+        EXPECT_LE(line.size(), 100) << line.toStdString();
+    EXPECT_THAT(lines.at(2).toStdString(),
+                testing::StartsWith("        99 keys: KEY_ESC, KEY_1, "));
+    EXPECT_THAT(lines.at(2).toStdString(), testing::EndsWith(" more"));
+}
+
+TEST(NodeTable, DoesNotSendToTheTerminalWhatADeviceIsNamed)
+{
+    const NodeInfo info = infoOf("\x1b[2J\nevil" + QByteArray(300, 'x'));
+    const std::string table = tableOf({info});
+    EXPECT_THAT(table, Not(HasSubstr("\x1b")));
+    EXPECT_THAT(table, HasSubstr("?[2J?evil"));
+    EXPECT_THAT(nodeTable({info}, true).toStdString(), HasSubstr("\x1b[1mNODE"));
+}
+
+TEST(NodeJson, TellsEverythingOnOneLine)
+{
+    InputSubsystem subsystem;
+    const NodeInfo info = readNode(subsystem.plug(0, panel).path());
+    EXPECT_EQ(nodeJson(info).count('\n'), 1);
+    const QJsonObject json = jsonOf(info);
+    EXPECT_EQ(json.value("device").toString().toStdString(), "/dev/input/event0");
+    EXPECT_EQ(json.value("number").toInt(-1), 0);
+    EXPECT_EQ(json.value("name").toString().toStdString(), "front-panel");
+    EXPECT_EQ(json.value("kernelBus").toInt(), BUS_HOST);
+    EXPECT_EQ(json.value("kernelBusName").toString().toStdString(), "BUS_HOST");
+    EXPECT_EQ(json.value("bus").toString().toStdString(), "LocalUI");
+    EXPECT_EQ(json.value("vendor").toInt(), 0x46d);
+    EXPECT_EQ(json.value("product").toInt(), 0xc31c);
+    EXPECT_EQ(json.value("version").toInt(), 0x110);
+    EXPECT_EQ(json.value("keys").toVariant().toStringList().join(' ').toStdString(),
+              "KEY_VOLUMEUP KEY_OK KEY_INFO");
+    EXPECT_EQ(json.value("switches").toVariant().toStringList().join(' ').toStdString(),
+              "SW_HEADPHONE_INSERT SW_LINEIN_INSERT");
+    EXPECT_TRUE(json.value("readable").toBool());
+    EXPECT_TRUE(json.value("used").toBool());
+    EXPECT_EQ(json.value("keySide").toString().toStdString(), "used");
+    EXPECT_EQ(json.value("reason").toString().toStdString(), "");
+}
+
+TEST(NodeJson, TellsWhyANodeIsNotUsed)
+{
+    InputSubsystem subsystem;
+    const QJsonObject json = jsonOf(readNode(subsystem.plug(0, panel.withMode(0)).path()));
+    EXPECT_FALSE(json.value("readable").toBool(true));
+    EXPECT_FALSE(json.value("used").toBool(true));
+    EXPECT_THAT(json.value("error").toString().toStdString(), HasSubstr("permission denied"));
+    EXPECT_THAT(json.value("reason").toString().toStdString(), HasSubstr("permission denied"));
+    EXPECT_THAT(json.value("keySide").toString().toStdString(), HasSubstr("permission denied"));
+}
