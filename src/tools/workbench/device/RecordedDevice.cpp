@@ -30,10 +30,10 @@ QString declareCodes(RecordedDevice *device, int type, const QByteArray &bits)
 {
     const QByteArray codes = withoutTrailingZeros(bits);
     if (codeCount(type) > 0 && highestBit(codes) >= codeCount(type))
-        return QStringLiteral("codes beyond %1, which is the last one of event type %2")
+        return QStringLiteral("codes above %1, the last one of event type %2")
             .arg(codeCount(type) - 1)
             .arg(type);
-    // Types without codes of their own may come with any: they say nothing.
+    // Some types have no codes of their own; a bitmap for one of them means nothing.
     device->codes.insert(type, codeCount(type) > 0 ? codes : QByteArray());
     return {};
 }
@@ -52,6 +52,7 @@ void RecordedDevice::declare(int type, int code)
 {
     if (type <= EV_SYN || type >= typeCount || code < 0)
         return;
+    // A code that is out of range still declares its type.
     QByteArray &bits = codes[type];
     if (code < codeCount(type))
         setBit(&bits, code);

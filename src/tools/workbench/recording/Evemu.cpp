@@ -15,9 +15,19 @@ namespace Vorn::Workbench {
 namespace {
 
 constexpr qint64 second = 1'000'000;
-// The year 5138; whatever is later is no time.
+// In the year 5138. The limit keeps microseconds within 64 bits.
 constexpr quint64 lastSecond = 100'000'000'000;
 
+/*
+ *  Each line stands for itself, so there is no state but what has been collected:
+ *
+ *  N I P B S ──▶ name, identity, properties, bytes of codes, switches ──┐
+ *  E ──────────▶ events, never earlier than the one before              │
+ *  A L, # ─────▶ skipped                                                │
+ *                                                                       ▼
+ *  end of the file: bitmaps are continued over several lines, so only now codes are checked
+ *  and become a device; without any of N I P B S there is none
+ */
 class EvemuParser
 {
 public:
@@ -82,7 +92,7 @@ private:
             break;
         case 'A':
         case 'L':
-            // Ranges of axes, and lights: nothing for the library.
+            // Ranges of axes and states of lights, neither of which the library uses.
             break;
         default:
             m_problems.warning(m_lines.number(),
@@ -136,7 +146,7 @@ private:
                       .arg(quoted(text)));
             return false;
         }
-        // Other readers take the digits for a number of microseconds: 1.5 would be 1.000005.
+        // Other readers take the digits for a number of microseconds, and 1.5 for 1.000005.
         if (fraction.size() != 6) {
             error(QStringLiteral("expected six digits after the point of a time, as in 1.500000, "
                                  "found %1")
@@ -156,8 +166,7 @@ private:
         if (!m_node.events.isEmpty() && event.time < m_node.events.last().time) {
             m_problems.warning(
                 m_lines.number(),
-                QStringLiteral("the time is before that of the event above, which is "
-                               "taken instead"));
+                QStringLiteral("earlier than the event before it; using that event's time"));
             event.time = m_node.events.last().time;
         }
         m_node.events += event;
@@ -180,7 +189,7 @@ private:
         }
     }
 
-    // Adds up to the size of the largest bitmap there is; what follows is told when it is no zero.
+    // Grows up to the size of the largest bitmap; zeros beyond that do no harm.
     void parseBytes(std::string_view rest, QByteArray *bytes)
     {
         for (std::string_view field = takeField(&rest); !field.empty(); field = takeField(&rest)) {
@@ -219,7 +228,7 @@ private:
         const auto code = toNumber<quint16>(codeText, 16);
         const auto value = toNumber<qint32>(valueText);
         if (!code || *code >= SW_CNT || !value) {
-            error(QStringLiteral("expected a switch in hexadecimal digits and 0 or 1"));
+            error(QStringLiteral("expected the code of a switch in hexadecimal, and 0 or 1"));
             return;
         }
         m_device.switchesOn.removeAll(*code);
@@ -227,7 +236,8 @@ private:
             m_device.switchesOn += *code;
     }
 
-    // A type is declared by its bit among the types, or by its codes.
+    // A type is declared by its bit among the types or by any of its codes: files that are written
+    // by hand often have only the codes.
     void describe()
     {
         m_device.properties = withoutTrailingZeros(m_properties.left(maxPropertyBytes));
@@ -251,7 +261,7 @@ private:
     QMap<int, int> m_codeLines;
 };
 
-// Eight bytes a line, as other writers have it.
+// Eight bytes per line, as in the files that evemu writes.
 QByteArray byteLines(const QByteArray &start, const QByteArray &bytes)
 {
     QByteArray lines;
@@ -265,7 +275,7 @@ QByteArray codeLines(int type, const QByteArray &bits)
     return byteLines("B: " + QByteArray(1, static_cast<char>(type)).toHex() + ' ', bits);
 }
 
-// A line's end would begin another line.
+// A line feed in a name would begin another line.
 QByteArray onOneLine(QByteArray text)
 {
     for (char &character : text) {

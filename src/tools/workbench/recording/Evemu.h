@@ -9,15 +9,15 @@
 
 namespace Vorn::Workbench {
 
-/// Reads one device's file as evemu writes it (description "N:", "I:", "P:", "B:" and events "E:";
-/// either may be missing). The node has number 0.
+/// Reads the evemu file of one device: its description ("N:", "I:", "P:", "B:", "S:"), its events
+/// ("E:"), or both. Times start at the first event, and the node has number 0.
 ParsedRecording parseEvemu(const QByteArray &text, const QString &file);
 
-/// parseEvemu(), but the times are those of the file.
+/// parseEvemu() with the times of the file.
 ParsedRecording parseEvemuAsRecorded(const QByteArray &text, const QString &file);
 
 QByteArray evemuDescription(const RecordedDevice &device);
-/// "E: 1.500000 0001 0073 0001" and the line's end.
+/// "E: 1.500000 0001 0073 0001" and a line feed.
 QByteArray evemuEvent(const RecordedEvent &event);
 
 } // namespace Vorn::Workbench

@@ -2,6 +2,7 @@
 
 #include "Bitmaps.h"
 #include "Diagnostic.h"
+#include "LibraryFacts.h"
 #include "LineReader.h"
 #include "Problems.h"
 #include "Quoting.h"
@@ -14,22 +15,23 @@ namespace Vorn::Workbench {
 
 namespace {
 
-// What a node answers to EVIOCGVERSION.
+// The answer to EVIOCGVERSION.
 constexpr quint32 driverVersion = 0x010001;
 // The kernel's delay and period of auto-repeat, in ms.
 constexpr quint32 repeatDelay = 250;
 constexpr quint32 repeatPeriod = 33;
-// Readers ask for texts with these sizes; a request is answered if its size is that of a line.
-constexpr int textSizes[] = {255, 256};
+// A replay answers a request only if a line has its exact size, so there is a line for each size
+// that the library, libevdev and common tools use.
+constexpr int textSizes[] = {scanNameBytes, listenerNameBytes};
 
-/// The answers to one request, of which the one with the most bytes says the most.
+/// The longest answer to one request.
 struct Answer
 {
     QByteArray bytes;
     int line = 0;
 };
 
-// "EVIOCGBIT(1)" is 1, if that is what begins so; -1 otherwise.
+// The 1 of "EVIOCGBIT(1)", if that is the name of the call; -1 otherwise.
 int argumentOf(std::string_view call, std::string_view name)
 {
     if (call.substr(0, name.size()) != name || call.size() < name.size() + 3
@@ -41,6 +43,14 @@ int argumentOf(std::string_view call, std::string_view name)
     return number ? *number : -1;
 }
 
+/*
+ *  Requests of several sizes share a name, and each answer holds as much as fitted:
+ *
+ *  EVIOCGNAME(0) 4 70616e65       ──┐  the longest one of each request
+ *  EVIOCGNAME(0) 6 70616e656c00   ──┴─▶ is kept ──┐
+ *  EVIOCGBIT(0) 8 03…             ────▶           ├─ end of the file ─▶ device: whatever was not
+ *  EVIOCGBIT(1) 96 …              ────▶           ┘                     answered stays as it is
+ */
 class IoctlParser
 {
 public:
@@ -72,7 +82,7 @@ private:
                                  .arg(quoted(resultText)));
             return;
         }
-        // A request that fails answers nothing.
+        // The request failed.
         if (*result < 0)
             return;
         const std::string_view hex = takeField(&line);
@@ -119,7 +129,7 @@ private:
             if (m_id->bytes.size() == static_cast<int>(sizeof(device->id)))
                 std::memcpy(&device->id, m_id->bytes.constData(), sizeof(device->id));
             else
-                m_problems.error(m_id->line, QStringLiteral("an identity has 8 bytes"));
+                m_problems.error(m_id->line, QStringLiteral("expected an identity of 8 bytes"));
         }
         if (m_name)
             device->name = kernelText(m_name->bytes);
@@ -185,7 +195,7 @@ QByteArray textLines(const QByteArray &call, const QByteArray &text)
     return lines;
 }
 
-/// A request of each size, of which the kernel fills as much as it has.
+/// A line for each size. The kernel fills as much as it has and returns how much that is.
 QByteArray bitLines(const QByteArray &call, const QByteArray &bits, int kernelSize,
                     QVector<int> sizes)
 {
@@ -216,7 +226,7 @@ QByteArray structure(quint32 first, std::optional<quint32> second = {})
     return bytes;
 }
 
-// Sizes that readers with words of 64 and of 32 bits ask for.
+// The sizes that libevdev uses, whose bitmaps are made of words of 64 bits, or of 32.
 QVector<int> usualSizes(int type)
 {
     const int size = bitmapSize(type);
@@ -232,9 +242,6 @@ Diagnostics parseIoctls(const QByteArray &text, const QString &file, RecordedDev
 
 QByteArray ioctls(const RecordedDevice &device)
 {
-    constexpr int libraryTypeBytes = 31;
-    constexpr int libraryStateBytes = 4;
-    constexpr int switchBytes = (SW_CNT + 7) / 8;
     QByteArray text = line("EVIOCGVERSION", 0, structure(driverVersion));
     text += line("EVIOCGID", 0,
                  QByteArray(reinterpret_cast<const char *>(&device.id), sizeof(device.id)));
@@ -245,24 +252,20 @@ QByteArray ioctls(const RecordedDevice &device)
     if (!device.uniq.isEmpty())
         text += textLines("EVIOCGUNIQ(0)", device.uniq);
     text += bitLines("EVIOCGPROP(0)", device.properties, maxPropertyBytes, {4, maxPropertyBytes});
-    text += bitLines("EVIOCGBIT(0)", typeBits(device), 8, {4, 8, libraryTypeBytes});
+    text += bitLines("EVIOCGBIT(0)", typeBits(device), 8, {4, 8, typeBytes});
     for (int type = EV_SYN + 1; type < typeCount; ++type) {
         if (codeCount(type) == 0 || type == EV_REP)
             continue;
-        QVector<int> sizes = usualSizes(type);
-        if (type == EV_SW)
-            sizes += switchBytes;
         text += bitLines("EVIOCGBIT(" + QByteArray::number(type) + ')', device.codes.value(type),
-                         bitmapSize(type), sizes);
+                         bitmapSize(type), usualSizes(type));
     }
     if (device.has(EV_REP))
         text += line("EVIOCGREP", 0, structure(repeatDelay, repeatPeriod));
     text += bitLines("EVIOCGKEY(0)", bitsOfCodes(device.keysDown, KEY_CNT), bitmapSize(EV_KEY),
-                     {libraryStateBytes, bitmapSize(EV_KEY)});
+                     {stateBytes, bitmapSize(EV_KEY)});
     text += bitLines("EVIOCGLED(0)", {}, 8, {4, 8});
     text += bitLines("EVIOCGSND(0)", {}, 8, {4, 8});
-    text += bitLines("EVIOCGSW(0)", bitsOfCodes(device.switchesOn, SW_CNT), 8,
-                     {switchBytes, libraryStateBytes, 8});
+    text += bitLines("EVIOCGSW(0)", bitsOfCodes(device.switchesOn, SW_CNT), 8, {stateBytes, 8});
     return text;
 }
 

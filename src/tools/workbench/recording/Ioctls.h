@@ -9,10 +9,10 @@
 
 namespace Vorn::Workbench {
 
-/// Reads a file of recorded ioctls (umockdev-run --ioctl) into what is known of a device.
+/// Adds what a file of recorded ioctls (umockdev-run --ioctl) says about a device.
 Diagnostics parseIoctls(const QByteArray &text, const QString &file, RecordedDevice *device);
 
-/// The ioctls that the library, this program and common readers ask of a node.
+/// Such a file, with the answers to whatever the library, this program and libevdev ask a node.
 QByteArray ioctls(const RecordedDevice &device);
 
 } // namespace Vorn::Workbench

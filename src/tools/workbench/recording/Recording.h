@@ -18,11 +18,11 @@ struct RecordedEvent
     int value = 0;
 };
 
-/// Devices with what they sent.
+/// A device and what it sent.
 struct RecordedNode
 {
     int number = 0; ///< N of /dev/input/eventN
-    std::optional<RecordedDevice> device; ///< absent: the file tells nothing about it
+    std::optional<RecordedDevice> device; ///< absent if the file does not describe it
     QVector<RecordedEvent> events; ///< in the order of the file
 };
 

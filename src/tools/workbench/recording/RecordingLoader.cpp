@@ -1,5 +1,6 @@
 #include "RecordingLoader.h"
 
+#include "DeviceFile.h"
 #include "Diagnostic.h"
 #include "Evemu.h"
 #include "Ioctls.h"
@@ -7,7 +8,6 @@
 #include "RecordedDevice.h"
 #include "Recording.h"
 #include "TextFile.h"
-#include "Umockdev.h"
 
 #include <QFileInfo>
 
@@ -28,7 +28,7 @@ QString existing(const QStringList &paths)
     return {};
 }
 
-// Reads the files that lie beside a device file into one of its nodes.
+// Reads the files beside a device file into its nodes.
 class SideFiles
 {
 public:
@@ -48,7 +48,7 @@ private:
     {
         const QString byNumber =
             m_folder + QStringLiteral("/event%1.%2").arg(node.node.number).arg(suffix);
-        // The name comes from the file, so it must not lead out of the folder.
+        // The device file chooses the name, which must not lead out of the folder.
         if (node.folder.isEmpty() || node.folder.startsWith(QLatin1Char('.')))
             return existing({byNumber});
         return existing(
@@ -87,7 +87,7 @@ private:
     Diagnostics *const m_diagnostics;
 };
 
-// All nodes begin together, with the first event of any.
+// The first event of any node is at 0; the others keep their distance from it.
 void startAtFirstEvent(QVector<RecordedNode> *nodes)
 {
     qint64 first = std::numeric_limits<qint64>::max();
@@ -120,8 +120,8 @@ ParsedRecording loadDeviceFile(const QByteArray &text, const QString &path)
     {
         Problems empty(path);
         empty.warning(0,
-                      QStringLiteral("no events; they are looked for beside the file, as "
-                                     "'event0.evemu' for the node event0"));
+                      QStringLiteral("no events; those of event0, for example, are read from "
+                                     "'event0.evemu' in the same folder"));
         recording.diagnostics += empty.diagnostics();
     }
     return recording;

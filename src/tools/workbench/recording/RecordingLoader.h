@@ -7,9 +7,9 @@
 
 namespace Vorn::Workbench {
 
-/// Reads a recording from disk. A file "*.umockdev" is a device file, beside which the ioctls and
-/// the events of each node are looked for: "<folder of the node's P: path>.ioctl" and ".evemu", or
-/// "eventN.ioctl" and ".evemu". Any other file is one device's evemu file.
+/// Reads a recording from disk. "*.umockdev" is a device file; the ioctls and the events of each
+/// node are read from files beside it, "<folder of the node's P: path>.ioctl" and ".evemu", or
+/// "eventN.ioctl" and ".evemu". Any other file is the evemu file of one device.
 ParsedRecording loadRecording(const QString &path);
 
 } // namespace Vorn::Workbench

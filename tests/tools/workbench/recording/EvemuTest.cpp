@@ -163,7 +163,7 @@ TEST(Evemu, SaysWhichLineIsWrong)
               "x.evemu:1: error: expected a time in seconds like 1.500000, found '-1.500000'");
     EXPECT_THAT(errorOf("I: 0003 046d\n"), HasSubstr("x.evemu:1: error: expected bus type"));
     EXPECT_THAT(errorOf("B: 01 0g\n"), HasSubstr("expected bytes of two hexadecimal digits"));
-    EXPECT_THAT(errorOf("S: 99 1\n"), HasSubstr("expected a switch"));
+    EXPECT_THAT(errorOf("S: 99 1\n"), HasSubstr("expected the code of a switch"));
 }
 
 TEST(Evemu, RefusesTimesThatOtherReadersTakeForSomethingElse)
@@ -180,7 +180,7 @@ TEST(Evemu, RefusesNumbersThatAreTooLarge)
                 HasSubstr("expected a time"));
     EXPECT_THAT(errorOf("E: 9999999999999.000000 0001 0073 1\n"), HasSubstr("time out of range"));
     EXPECT_THAT(errorOf("E: 1.000000 0001 0073 2147483648\n"), HasSubstr("expected a value"));
-    EXPECT_THAT(errorOf("N: x\nB: 05 00 00 02\n"), HasSubstr("x.evemu:2: error: codes beyond 16"));
+    EXPECT_THAT(errorOf("N: x\nB: 05 00 00 02\n"), HasSubstr("x.evemu:2: error: codes above 16"));
     EXPECT_THAT(errorOf("B: 01" + QByteArray(" 00").repeated(96) + " 01\n"),
                 HasSubstr("more codes than a device can have"));
 }

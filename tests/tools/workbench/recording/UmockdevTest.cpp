@@ -1,8 +1,8 @@
 #include "Umockdev.h"
+
 #include "Diagnostic.h"
-#include "Ioctls.h"
-#include "Keyboard.h"
 #include "RecordedDevice.h"
+#include "RecordedKeyboard.h"
 #include "Recording.h"
 
 #include <gmock/gmock.h>
@@ -12,7 +12,6 @@
 using namespace Vorn::Workbench;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace {
 
@@ -25,21 +24,6 @@ std::string errorOf(const QByteArray &text)
 {
     const Diagnostics diagnostics = parse(text).diagnostics;
     return diagnostics.isEmpty() ? "(none)" : diagnostics.first().toString().toStdString();
-}
-
-RecordedDevice keyboard()
-{
-    RecordedDevice device;
-    device.name = "A \\ \"Keyboard\"\nof two lines";
-    device.id = {BUS_USB, 0x46d, 0xc31c, 0x110};
-    device.phys = "usb-0000:00:14.0-1/input0";
-    device.uniq = "77";
-    device.properties = QByteArray("\x04", 1);
-    for (const int code : {KEY_ESC, KEY_A, KEY_VOLUMEUP, KEY_INFO, KEY_MAX})
-        device.declare(EV_KEY, code);
-    device.declare(EV_SW, SW_MAX);
-    device.declare(EV_MSC, MSC_SCAN);
-    return device;
 }
 
 constexpr char recorded[] = R"(P: /devices/platform/panel/input/input4
@@ -121,14 +105,15 @@ TEST(Umockdev, FindsOutHowLargeTheWordsAre)
 
 TEST(Umockdev, ReadsTheBlocksItWrites)
 {
-    const QByteArray text = umockdevBlock(0, keyboard()) + '\n' + umockdevBlock(40, {});
+    const QByteArray text = umockdevBlock(0, recordedKeyboard()) + '\n' + umockdevBlock(40, {});
     EXPECT_THAT(text.toStdString(), HasSubstr("\nN: input/event0\n"));
     EXPECT_THAT(text.toStdString(), HasSubstr("\nA: dev=13:64\n"));
     EXPECT_THAT(text.toStdString(), HasSubstr("\nA: dev=13:264\n"));
     const ParsedRecording recording = parse(text);
     ASSERT_TRUE(recording.diagnostics.isEmpty()) << errorOf(text);
     ASSERT_EQ(recording.nodes.size(), 2);
-    EXPECT_EQ(recording.nodes.at(0).device->name.toStdString(), keyboard().name.toStdString());
+    EXPECT_EQ(recording.nodes.at(0).device->name.toStdString(),
+              recordedKeyboard().name.toStdString());
     EXPECT_EQ(recording.nodes.at(1).number, 40);
     EXPECT_EQ((umockdevBlock(0, *recording.nodes.at(0).device) + '\n'
                + umockdevBlock(40, *recording.nodes.at(1).device))
@@ -138,23 +123,24 @@ TEST(Umockdev, ReadsTheBlocksItWrites)
 
 TEST(Umockdev, SaysWhichLineIsWrong)
 {
-    EXPECT_EQ(errorOf("# comment\n"),
-              "x.umockdev:1: error: a device begins with its path, as in 'P: /devices/…', found "
-              "'# comment'");
     EXPECT_EQ(
-        errorOf("P: /devices/a\nhello\n"),
-        "x.umockdev:2: error: expected a line of P:, N:, S:, L:, E:, A: or H:, found 'hello'");
+        errorOf("# comment\n"),
+        "x.umockdev:1: error: expected a device to start with its path, as in 'P: /devices/…', "
+        "found '# comment'");
+    EXPECT_EQ(errorOf("P: /devices/a\nhello\n"),
+              "x.umockdev:2: error: expected a line starting with P:, N:, S:, L:, E:, A: or H:, "
+              "found 'hello'");
     EXPECT_THAT(errorOf("P: /devices/a\nE: EV\n"),
                 HasSubstr("x.umockdev:2: error: expected a name"));
     EXPECT_THAT(errorOf("P: /a\nN: input/event99999999999\n"),
                 HasSubstr("x.umockdev:2: error: expected the number of a node"));
     EXPECT_EQ(errorOf("P: /a\nN: input/event1\n\nP: /b\nN: input/event1\n"),
-              "x.umockdev:4: error: event1 is described in line 1 already");
+              "x.umockdev:4: error: event1 is already described in line 1");
     EXPECT_EQ(errorOf("P: /a\nN: input/event1\nE: KEY=xyz\n"),
-              "x.umockdev:1: error: the capabilities of '/a' are no bitmaps of codes");
-    EXPECT_THAT(errorOf("P: /a\nN: input/event1\nE: SW=80000\n"), HasSubstr("no bitmaps of codes"));
+              "x.umockdev:1: error: the capabilities of '/a' are not valid bitmaps");
+    EXPECT_THAT(errorOf("P: /a\nN: input/event1\nE: SW=80000\n"), HasSubstr("not valid bitmaps"));
     EXPECT_THAT(errorOf("P: /a\nN: input/event1\nE: KEY=" + QByteArray("1 ").repeated(100'000)),
-                HasSubstr("no bitmaps of codes"));
+                HasSubstr("not valid bitmaps"));
 }
 
 TEST(Umockdev, HandlesManyNodesOfOneDevice)
@@ -168,96 +154,4 @@ TEST(Umockdev, HandlesManyNodesOfOneDevice)
     EXPECT_TRUE(recording.diagnostics.isEmpty()) << errorOf(text);
     ASSERT_EQ(recording.nodes.size(), 20'000);
     EXPECT_EQ(recording.nodes.last().device->name.toStdString(), "a");
-}
-
-namespace {
-
-struct ParsedIoctls
-{
-    RecordedDevice device;
-    Diagnostics diagnostics;
-};
-
-ParsedIoctls parseAnswers(const QByteArray &text)
-{
-    ParsedIoctls result;
-    result.diagnostics = parseIoctls(text, "x.ioctl", &result.device);
-    return result;
-}
-
-std::string ioctlErrorOf(const QByteArray &text)
-{
-    const Diagnostics diagnostics = parseAnswers(text).diagnostics;
-    return diagnostics.isEmpty() ? "(none)" : diagnostics.first().toString().toStdString();
-}
-
-} // namespace
-
-TEST(Ioctls, AreReadAsTheyWereWritten)
-{
-    RecordedDevice device = keyboard();
-    device.keysDown = {KEY_ESC, KEY_INFO};
-    device.switchesOn = {SW_LID, SW_MAX};
-    const QByteArray text = ioctls(device);
-    const ParsedIoctls parsed = parseAnswers(text);
-    ASSERT_TRUE(parsed.diagnostics.isEmpty()) << ioctlErrorOf(text);
-    EXPECT_EQ(ioctls(parsed.device).toStdString(), text.toStdString());
-    EXPECT_EQ(umockdevBlock(0, parsed.device).toStdString(),
-              umockdevBlock(0, device).toStdString());
-    EXPECT_THAT(parsed.device.keysDown, ElementsAre(KEY_ESC, KEY_INFO));
-    EXPECT_THAT(parsed.device.switchesOn, ElementsAre(SW_LID, SW_MAX));
-}
-
-TEST(Ioctls, AnswerWhatTheLibraryAsksFor)
-{
-    RecordedDevice device;
-    device.name = "panel";
-    device.id = {BUS_HOST, 1, 1, 0x100};
-    device.declare(EV_KEY, KEY_VOLUMEUP);
-    device.declare(EV_SW, SW_LINEIN_INSERT);
-    device.switchesOn = {SW_HEADPHONE_INSERT};
-    const std::string text = ioctls(device).toStdString();
-    const auto bytes = [](const std::string &hex, std::size_t size) {
-        return hex + std::string(2 * size - hex.size(), '0') + '\n';
-    };
-    EXPECT_THAT(text, HasSubstr("EVIOCGID 0 1900010001000001\n"));
-    EXPECT_THAT(text, HasSubstr("EVIOCGNAME(0) 6 " + bytes("70616e656c", 255)));
-    EXPECT_THAT(text, HasSubstr("EVIOCGNAME(0) 6 " + bytes("70616e656c", 256)));
-    EXPECT_THAT(text, HasSubstr("EVIOCGBIT(0) 8 " + bytes("23", 31)));
-    EXPECT_THAT(text, HasSubstr("EVIOCGKEY(0) 4 00000000\n"));
-    EXPECT_THAT(text, HasSubstr("EVIOCGSW(0) 4 04000000\n"));
-}
-
-TEST(Ioctls, OfATreeWithUnknownAndFailedOnesAreReadAsFarAsTheyTell)
-{
-    const ParsedIoctls parsed = parseAnswers("@DEV /dev/input/event0\n# comment\n"
-                                             "USBDEVFS_CONNINFO 0 11 0\n"
-                                             "EVIOCGNAME(0) 4 616263\n"
-                                             "  EVIOCGNAME(0) 6 6162636465660000\n"
-                                             "EVIOCGPHYS(0) -2 \n"
-                                             "EVIOCGREP 0 zz\n");
-    EXPECT_EQ(parsed.device.name.toStdString(), "abcdef");
-    EXPECT_TRUE(parsed.device.phys.isNull());
-    ASSERT_EQ(parsed.diagnostics.size(), 1);
-    EXPECT_EQ(parsed.diagnostics.first().line, 7);
-}
-
-TEST(Ioctls, LeaveAloneWhatTheyDoNotTell)
-{
-    RecordedDevice device = keyboard();
-    EXPECT_THAT(parseIoctls("EVIOCGBIT(0) 8 2b\n", "x.ioctl", &device), IsEmpty());
-    EXPECT_EQ(device.name.toStdString(), keyboard().name.toStdString());
-    EXPECT_TRUE(device.has(EV_KEY, KEY_INFO));
-    EXPECT_TRUE(device.has(EV_ABS));
-}
-
-TEST(Ioctls, SayWhichLineIsWrong)
-{
-    EXPECT_EQ(ioctlErrorOf("\nEVIOCGID 0 19000\n"),
-              "x.ioctl:2: error: expected pairs of hexadecimal digits, found '19000'");
-    EXPECT_EQ(ioctlErrorOf("EVIOCGID 0 1900\n"), "x.ioctl:1: error: an identity has 8 bytes");
-    EXPECT_EQ(ioctlErrorOf("EVIOCGNAME(0) much 61\n"),
-              "x.ioctl:1: error: expected the result of the ioctl, found 'much'");
-    EXPECT_THAT(ioctlErrorOf("EVIOCGBIT(5) 8 000002\n"),
-                HasSubstr("x.ioctl:1: error: codes beyond 16"));
 }

@@ -1,0 +1,108 @@
+#include "Ioctls.h"
+
+#include "Diagnostic.h"
+#include "RecordedDevice.h"
+#include "RecordedKeyboard.h"
+#include "Umockdev.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+using namespace Vorn::Workbench;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+struct ParsedIoctls
+{
+    RecordedDevice device;
+    Diagnostics diagnostics;
+};
+
+ParsedIoctls parseAnswers(const QByteArray &text)
+{
+    ParsedIoctls result;
+    result.diagnostics = parseIoctls(text, "x.ioctl", &result.device);
+    return result;
+}
+
+std::string ioctlErrorOf(const QByteArray &text)
+{
+    const Diagnostics diagnostics = parseAnswers(text).diagnostics;
+    return diagnostics.isEmpty() ? "(none)" : diagnostics.first().toString().toStdString();
+}
+
+} // namespace
+
+TEST(Ioctls, AreReadAsTheyWereWritten)
+{
+    RecordedDevice device = recordedKeyboard();
+    device.keysDown = {KEY_ESC, KEY_INFO};
+    device.switchesOn = {SW_LID, SW_MAX};
+    const QByteArray text = ioctls(device);
+    const ParsedIoctls parsed = parseAnswers(text);
+    ASSERT_TRUE(parsed.diagnostics.isEmpty()) << ioctlErrorOf(text);
+    EXPECT_EQ(ioctls(parsed.device).toStdString(), text.toStdString());
+    EXPECT_EQ(umockdevBlock(0, parsed.device).toStdString(),
+              umockdevBlock(0, device).toStdString());
+    EXPECT_THAT(parsed.device.keysDown, ElementsAre(KEY_ESC, KEY_INFO));
+    EXPECT_THAT(parsed.device.switchesOn, ElementsAre(SW_LID, SW_MAX));
+}
+
+TEST(Ioctls, AnswerWhatTheLibraryAsksFor)
+{
+    RecordedDevice device;
+    device.name = "panel";
+    device.id = {BUS_HOST, 1, 1, 0x100};
+    device.declare(EV_KEY, KEY_VOLUMEUP);
+    device.declare(EV_SW, SW_LINEIN_INSERT);
+    device.switchesOn = {SW_HEADPHONE_INSERT};
+    const std::string text = ioctls(device).toStdString();
+    const auto bytes = [](const std::string &hex, std::size_t size) {
+        return hex + std::string(2 * size - hex.size(), '0') + '\n';
+    };
+    EXPECT_THAT(text, HasSubstr("EVIOCGID 0 1900010001000001\n"));
+    EXPECT_THAT(text, HasSubstr("EVIOCGNAME(0) 6 " + bytes("70616e656c", 255)));
+    EXPECT_THAT(text, HasSubstr("EVIOCGNAME(0) 6 " + bytes("70616e656c", 256)));
+    EXPECT_THAT(text, HasSubstr("EVIOCGBIT(0) 8 " + bytes("23", 31)));
+    EXPECT_THAT(text, HasSubstr("EVIOCGKEY(0) 4 00000000\n"));
+    EXPECT_THAT(text, HasSubstr("EVIOCGSW(0) 4 04000000\n"));
+}
+
+TEST(Ioctls, OfATreeWithUnknownAndFailedOnesAreReadAsFarAsTheyTell)
+{
+    const ParsedIoctls parsed = parseAnswers("@DEV /dev/input/event0\n# comment\n"
+                                             "USBDEVFS_CONNINFO 0 11 0\n"
+                                             "EVIOCGNAME(0) 4 616263\n"
+                                             "  EVIOCGNAME(0) 6 6162636465660000\n"
+                                             "EVIOCGPHYS(0) -2 \n"
+                                             "EVIOCGREP 0 zz\n");
+    EXPECT_EQ(parsed.device.name.toStdString(), "abcdef");
+    EXPECT_TRUE(parsed.device.phys.isNull());
+    ASSERT_EQ(parsed.diagnostics.size(), 1);
+    EXPECT_EQ(parsed.diagnostics.first().line, 7);
+}
+
+TEST(Ioctls, LeaveAloneWhatTheyDoNotTell)
+{
+    RecordedDevice device = recordedKeyboard();
+    EXPECT_THAT(parseIoctls("EVIOCGBIT(0) 8 2b\n", "x.ioctl", &device), IsEmpty());
+    EXPECT_EQ(device.name.toStdString(), recordedKeyboard().name.toStdString());
+    EXPECT_TRUE(device.has(EV_KEY, KEY_INFO));
+    EXPECT_TRUE(device.has(EV_ABS));
+}
+
+TEST(Ioctls, SayWhichLineIsWrong)
+{
+    EXPECT_EQ(ioctlErrorOf("\nEVIOCGID 0 19000\n"),
+              "x.ioctl:2: error: expected pairs of hexadecimal digits, found '19000'");
+    EXPECT_EQ(ioctlErrorOf("EVIOCGID 0 1900\n"),
+              "x.ioctl:1: error: expected an identity of 8 bytes");
+    EXPECT_EQ(ioctlErrorOf("EVIOCGNAME(0) much 61\n"),
+              "x.ioctl:1: error: expected the result of the ioctl, found 'much'");
+    EXPECT_THAT(ioctlErrorOf("EVIOCGBIT(5) 8 000002\n"),
+                HasSubstr("x.ioctl:1: error: codes above 16"));
+}
