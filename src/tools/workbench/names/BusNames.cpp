@@ -20,6 +20,7 @@ struct KernelBus
     InputEvent::Bus bus;
 };
 
+// libevdev has no names for buses. Those without a counterpart are NoBus to the library.
 constexpr KernelBus kernelBuses[] = {
     {"BUS_PCI", BUS_PCI, InputEvent::Bus::PCI},
     {"BUS_ISAPNP", BUS_ISAPNP, InputEvent::Bus::NoBus},
@@ -92,6 +93,7 @@ QString kernelBusName(int bus)
 
 InputEvent::Bus libraryBus(int kernelBus, const QString &deviceName)
 {
+    // The name decides before the kernel's bus does.
     if (deviceName == QLatin1String(hostlinkName))
         return InputEvent::Bus::Hostlink;
     for (const KernelBus &known : kernelBuses) {
@@ -103,6 +105,7 @@ InputEvent::Bus libraryBus(int kernelBus, const QString &deviceName)
 
 int kernelBusOf(InputEvent::Bus bus)
 {
+    // Of all that are NoBus, the virtual one says the least about the hardware.
     if (bus == InputEvent::Bus::NoBus)
         return BUS_VIRTUAL;
     for (const KernelBus &known : kernelBuses) {

@@ -21,8 +21,8 @@ std::optional<int> kernelBus(const QString &nameOrNumber);
 QString kernelBusName(int bus);
 /// The library's bus of a device with that kernel bus and kernel name.
 InputEvent::Bus libraryBus(int kernelBus, const QString &deviceName);
-/// A kernel bus of which libraryBus() makes @p bus; BUS_VIRTUAL for `NoBus`. A device is on
-/// `Hostlink` by its name, so that gives BUS_HOST.
+/// A kernel bus that the library takes for @p bus; BUS_VIRTUAL for `NoBus`. For `Hostlink`, where
+/// only the name matters, it is BUS_HOST.
 int kernelBusOf(InputEvent::Bus bus);
 
 } // namespace Vorn::Workbench

@@ -10,6 +10,7 @@ namespace Vorn::Workbench {
 
 namespace {
 
+// By number. Unlike commands and buses, the states are not known to Qt's meta-object system.
 constexpr const char *stateTexts[] = {"NoState",      "KeyPressed",    "KeyReleased",
                                       "KeyLongPress", "SwitchEnabled", "SwitchDisabled"};
 
@@ -17,6 +18,7 @@ constexpr const char *stateTexts[] = {"NoState",      "KeyPressed",    "KeyRelea
 
 std::optional<InputEvent::Command> command(const QString &name)
 {
+    // Qt looks up "16" as a name and does not find it, so numbers are refused here.
     bool isKnown = false;
     const int value = QMetaEnum::fromType<InputEvent::Command>().keyToValue(
         plainName(name).constData(), &isKnown);
@@ -49,6 +51,7 @@ std::optional<InputEvent::State> state(const QString &name)
     const int index = stateNames().indexOf(name);
     if (index < 0)
         return std::nullopt;
+    // The list leaves out NoState, which is 0.
     return static_cast<InputEvent::State>(index + 1);
 }
 

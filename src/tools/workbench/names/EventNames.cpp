@@ -10,10 +10,12 @@ namespace Vorn::Workbench {
 namespace {
 
 constexpr int maxEventType = EV_MAX;
+// Codes have 16 bits in a record, so a scenario can send ones that no device declares.
 constexpr int maxEventCode = 0xFFFF;
 
 std::optional<int> code(int type, const QString &nameOrNumber, int largest)
 {
+    // The limit matters where libevdev knows a newer kernel than this build does.
     const int value = libevdev_event_code_from_name(static_cast<unsigned>(type),
                                                     plainName(nameOrNumber).constData());
     if (value >= 0 && value <= largest)
@@ -110,6 +112,8 @@ bool isTypingKey(int keyCode)
     const auto isBetween = [keyCode](int first, int last) {
         return keyCode >= first && keyCode <= last;
     };
+    // The codes follow the rows of a keyboard, then come its keypad, the keys of other countries,
+    // and those of telephones.
     return isBetween(KEY_1, KEY_EQUAL) || isBetween(KEY_Q, KEY_RIGHTBRACE)
         || isBetween(KEY_A, KEY_GRAVE) || isBetween(KEY_BACKSLASH, KEY_SLASH)
         || keyCode == KEY_SPACE || keyCode == KEY_KPASTERISK || isBetween(KEY_KP7, KEY_KPDOT)

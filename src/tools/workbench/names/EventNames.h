@@ -9,7 +9,7 @@
 namespace Vorn::Workbench {
 
 /// @file
-/// The names of event types and codes, as people write them in profiles and scenarios, and back.
+/// The names of event types and codes in profiles and scenarios, in both directions.
 /// Names are case-sensitive.
 
 /// Largest key code that a device can declare.
@@ -38,7 +38,7 @@ QString eventCodeName(int type, int code);
 /// What a value means: "press", "release", "repeat", "on", "off", or the number.
 QString valueName(int type, int value);
 
-/// Whether a key types a letter, a digit or a sign, so that its records tell what was typed.
+/// Whether a key types a letter, a digit or a sign, so that its records reveal what was typed.
 bool isTypingKey(int keyCode);
 
 } // namespace Vorn::Workbench

@@ -8,8 +8,8 @@
 
 namespace Vorn::Workbench {
 
-/// @p name for a lookup by a C function. Null if the function would take it for another name: C
-/// functions stop at a null character, and Qt's accept "InputEvent::Stop" for "Stop".
+/// @p name for lookups by C strings. Null if the lookup would find another name: C strings end at a
+/// null character, and QMetaEnum takes "InputEvent::Stop" for "Stop".
 QByteArray plainName(const QString &name);
 
 /// A number in decimal or, after "0x", in hexadecimal, from 0 to @p largest.

@@ -8,7 +8,7 @@ namespace Vorn::Workbench {
 
 namespace {
 
-/// Other keys whose use is as plain as that of those whose names say it.
+/// Keys that mean the same on nearly every keyboard and remote control.
 constexpr struct
 {
     int code;
@@ -74,12 +74,13 @@ std::optional<InputEvent::Command> usualKeyCommand(int keyCode)
         if (usual.code == keyCode)
             return usual.command;
     }
-    // Letters and digits type themselves.
+    // Letters and digits type themselves: "KEY_A" is CharA. Character commands follow ASCII.
     const QString name = keyName(keyCode);
     if (name.size() == 5 && isTypingKey(keyCode)) {
         const QChar character = name.at(4).toLower();
         if (character.isLetterOrNumber())
-            return static_cast<InputEvent::Command>(1000 + character.toLatin1());
+            return static_cast<InputEvent::Command>(InputEvent::CharSpace + character.toLatin1()
+                                                    - ' ');
     }
     return std::nullopt;
 }

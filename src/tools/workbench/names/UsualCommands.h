@@ -8,7 +8,7 @@
 
 namespace Vorn::Workbench {
 
-/// The command that a key or a switch of that code is usually given, where there is one:
+/// The command that a key or a switch is usually mapped to, if there is one:
 /// `VolumeUp` for KEY_VOLUMEUP, `SWLineIn` for SW_LINEIN_INSERT.
 std::optional<InputEvent::Command> usualKeyCommand(int keyCode);
 std::optional<InputEvent::Command> usualSwitchCommand(int switchCode);
