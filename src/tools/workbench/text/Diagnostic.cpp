@@ -35,6 +35,7 @@ bool hasErrors(const Diagnostics &diagnostics)
 
 TextPosition positionOf(const QByteArray &text, int offset)
 {
+    // Editors count columns in characters, not in bytes.
     TextPosition position;
     const int end = std::clamp(offset, 0, text.size());
     for (int i = 0; i < end; ++i) {

@@ -16,10 +16,10 @@ struct Diagnostic
     QString file;
     int line = 0; ///< from 1; 0: the file as a whole
     int column = 0; ///< from 1, in characters; 0: the line as a whole
-    QString message; ///< a sentence without a full stop, with what to do about it where it is known
+    QString message; ///< without a full stop; says what to do about it if that is known
 
-    /// "player.json:12:20: error: unknown command 'VolumUp', did you mean 'VolumeUp'?", the form
-    /// that editors and CI systems turn into links.
+    /// "player.json:12:20: error: unknown command 'VolumUp', did you mean 'VolumeUp'?", a form that
+    /// editors and CI systems turn into links.
     QString toString() const;
 };
 

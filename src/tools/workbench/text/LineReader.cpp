@@ -6,7 +6,7 @@ namespace Vorn::Workbench {
 
 namespace {
 
-// -1 for what is no hexadecimal digit.
+// -1 for any other character.
 int digitOf(char character)
 {
     if (character >= '0' && character <= '9')
@@ -33,6 +33,7 @@ bool LineReader::next()
 
 std::string_view takeField(std::string_view *rest)
 {
+    // With the carriage return, so that files with DOS line ends are read, too.
     constexpr char blanks[] = " \t\r";
     rest->remove_prefix(std::min(rest->find_first_not_of(blanks), rest->size()));
     const std::size_t end = std::min(rest->find_first_of(blanks), rest->size());

@@ -9,7 +9,7 @@
 
 namespace Vorn::Workbench {
 
-/// The lines of a text, one after the other. The text must stay.
+/// Goes through the lines of a text, which must outlive the reader.
 class LineReader
 {
 public:
@@ -20,7 +20,7 @@ public:
     /// Goes to the next line; false at the end.
     bool next();
 
-    std::string_view line() const { return m_line; } ///< without its end
+    std::string_view line() const { return m_line; } ///< without the line feed
     int number() const { return m_number; } ///< from 1
 
 private:
@@ -29,10 +29,11 @@ private:
     int m_number = 0;
 };
 
-/// Takes the next field off a line whose fields are separated by blanks; empty at the end.
+/// Removes the first field from a line whose fields are separated by blanks, and returns it; empty
+/// at the end.
 std::string_view takeField(std::string_view *rest);
 
-/// The whole of @p text as a number, or nothing.
+/// The number that @p text is; nothing if any of it is not part of a number.
 template <typename Number>
 std::optional<Number> toNumber(std::string_view text, int base = 10)
 {
@@ -44,7 +45,7 @@ std::optional<Number> toNumber(std::string_view text, int base = 10)
     return number;
 }
 
-/// Bytes that are written as hexadecimal digits; nothing if they are not.
+/// The bytes of a text of hexadecimal digits, two for each; nothing if it is not one.
 std::optional<QByteArray> toBytes(std::string_view hex);
 
 QByteArray toByteArray(std::string_view text);

@@ -6,6 +6,7 @@ namespace Vorn::Workbench {
 
 void Problems::error(int line, const QString &message)
 {
+    // Errors and warnings are counted apart, so that many warnings do not hide an error.
     if (m_errors++ < limit)
         m_diagnostics += Diagnostic{Diagnostic::Severity::Error, m_file, line, 0, message};
 }

@@ -8,7 +8,7 @@
 namespace Vorn::Workbench {
 
 /// What is wrong with one file. Only the first errors and warnings are kept, so that a file of
-/// another kind is not answered with a million lines.
+/// another format does not cause a million lines.
 class Problems
 {
 public:
@@ -19,7 +19,7 @@ public:
     void error(int line, const QString &message);
     void warning(int line, const QString &message);
 
-    /// Whether there are so many errors that reading on is no use.
+    /// Whether there are so many errors that reading on is pointless.
     bool isFull() const { return m_errors >= limit; }
 
     const Diagnostics &diagnostics() const { return m_diagnostics; }

@@ -14,6 +14,7 @@ QString quoted(const QString &text)
 {
     QString shown;
     int count = 0;
+    // By code points: half a surrogate pair would not be a character.
     for (int i = 0; i < text.size() && count < maxQuotedSize; ++count) {
         const bool isPair =
             text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
@@ -31,7 +32,7 @@ QString quoted(const QString &text)
 
 QString quoted(std::string_view text)
 {
-    // Enough bytes for the longest quotation; a line of megabytes need not be decoded whole.
+    // Enough for the longest quotation: a line of megabytes need not be decoded as a whole.
     constexpr std::size_t enough = 4 * maxQuotedSize + 4;
     return quoted(QString::fromUtf8(text.data(), static_cast<int>(std::min(text.size(), enough))));
 }

@@ -7,8 +7,8 @@
 
 namespace Vorn::Workbench {
 
-/// A text from a file or a command line, in single quotes for a message: on one line, shortened if
-/// it is long, and without characters that a terminal would act on.
+/// A text from a file or a command line in single quotes, for a message: on one line, shortened if
+/// necessary, and without control characters.
 QString quoted(const QString &text);
 /// The same for UTF-8.
 QString quoted(std::string_view text);

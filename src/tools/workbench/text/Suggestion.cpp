@@ -11,7 +11,7 @@ namespace Vorn::Workbench {
 namespace {
 
 /// How many characters have to be inserted, removed, replaced or swapped with their neighbour to
-/// make one text of the other.
+/// turn one text into the other. Only the last two rows of the usual matrix are kept.
 int distance(const QString &a, const QString &b)
 {
     QVector<int> beforeLast(b.size() + 1);
@@ -32,7 +32,7 @@ int distance(const QString &a, const QString &b)
     return last.last();
 }
 
-/// "VOLUMEUP" of "KEY_VOLUMEUP": people forget the prefix, or mix up which one it is.
+/// "VOLUMEUP" of "KEY_VOLUMEUP": people forget the prefix or pick the wrong one.
 QString withoutPrefix(const QString &name)
 {
     for (const char *prefix : {"KEY_", "BTN_", "SW_", "BUS_", "EV_"}) {
@@ -46,11 +46,12 @@ QString withoutPrefix(const QString &name)
 
 QString closest(const QString &unknown, const QStringList &known)
 {
-    // Longer texts are no name that was mistyped, and would take long to compare.
+    // Longer texts are not mistyped names, and comparing them would take long.
     if (unknown.isEmpty() || unknown.size() > 64)
         return {};
     const QString wanted = withoutPrefix(unknown).toLower();
     QString best;
+    // A third of the characters may be wrong, one in short names.
     int bestDistance = static_cast<int>(std::max(1, wanted.size() / 3)) + 1;
     for (const QString &candidate : known) {
         const QString text = withoutPrefix(candidate).toLower();

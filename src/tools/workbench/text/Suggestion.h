@@ -6,11 +6,11 @@
 
 namespace Vorn::Workbench {
 
-/// The one of @p known that @p unknown was probably meant to be, without regard to case; empty if
-/// none is close.
+/// The one of @p known that @p unknown was probably meant to be, ignoring case; empty if none is
+/// close.
 QString closest(const QString &unknown, const QStringList &known);
 
-/// ", did you mean 'VolumeUp'?" or nothing, to end a message about an unknown name.
+/// ", did you mean 'VolumeUp'?" or nothing: the end of a message about an unknown name.
 QString suggestion(const QString &unknown, const QStringList &known);
 
 } // namespace Vorn::Workbench

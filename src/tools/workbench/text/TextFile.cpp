@@ -40,7 +40,7 @@ std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnost
         return std::nullopt;
     }
     QByteArray content;
-    // A pipe has no size to ask for, and a device has no end.
+    // In parts: a pipe has no size, and a device like /dev/zero has no end.
     while (content.size() <= maxSize) {
         const QByteArray part = file.read(std::min<qint64>(maxSize + 1 - content.size(), 1 << 20));
         if (part.isEmpty())
@@ -62,12 +62,13 @@ std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnost
 QString writeFile(const QString &path, const QByteArray &content)
 {
     if (path == QLatin1String("-")) {
+        // Flushed here, since a full disk shows only then.
         const auto size = static_cast<std::size_t>(content.size());
         if (std::fwrite(content.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0)
             return QStringLiteral("the standard output cannot be written");
         return {};
     }
-    // A device or a pipe is written to; a file in its place would be the end of it.
+    // A device or a pipe is opened and written to; QSaveFile would replace it by a file.
     if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) {
         QFile device(path);
         const bool isWritten = device.open(QIODevice::WriteOnly | QIODevice::ExistingOnly)

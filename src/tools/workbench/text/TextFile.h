@@ -10,18 +10,18 @@
 
 namespace Vorn::Workbench {
 
-/// The most that is read of a file that people write.
+/// Limit for files that people write.
 constexpr qint64 maxTextSize = qint64{16} * 1024 * 1024;
-/// The most that is read of a recording.
+/// Limit for recordings.
 constexpr qint64 maxRecordingSize = qint64{512} * 1024 * 1024;
 
-/// The whole of a file, "-" being the standard input. Whatever cannot be read (missing, a folder,
+/// The content of a file; "-" is the standard input. A file that cannot be read (missing, a folder,
 /// larger than @p maxSize) is one error in @p diagnostics.
 std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnostics *diagnostics);
 
-/// Writes a file whole or not at all: to a temporary one beside it that takes its place in the end.
-/// "-" is the standard output.
-/// @return why it could not be written; empty when it was
+/// Writes a file completely or not at all, by way of a temporary one beside it. "-" is the standard
+/// output.
+/// @return why it could not be written; empty if it was
 QString writeFile(const QString &path, const QByteArray &content);
 
 } // namespace Vorn::Workbench

@@ -1,27 +1,8 @@
 #include "Diagnostic.h"
-#include "TextFile.h"
-
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 using namespace Vorn::Workbench;
-
-namespace {
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
-}
-
-} // namespace
 
 TEST(Diagnostic, NamesFileLineAndColumnAsEditorsReadThem)
 {
@@ -56,82 +37,4 @@ TEST(TextPosition, CountsLinesAndCharactersFromOne)
     EXPECT_EQ(at(5), std::make_pair(2, 2));
     EXPECT_EQ(at(-7), std::make_pair(1, 1));
     EXPECT_EQ(at(99), std::make_pair(3, 1));
-}
-
-class FilesTest : public testing::Test
-{
-protected:
-    QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
-    void write(const char *name, const QByteArray &content)
-    {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        ASSERT_EQ(file.write(content), content.size());
-    }
-
-private:
-    QTemporaryDir m_folder;
-};
-
-TEST_F(FilesTest, AreReadWhole)
-{
-    write("a", QByteArray("x\0y", 3));
-    Diagnostics diagnostics;
-    EXPECT_EQ(readFile(path("a"), 3, &diagnostics), QByteArray("x\0y", 3));
-    EXPECT_TRUE(diagnostics.isEmpty());
-}
-
-TEST_F(FilesTest, ThatCannotBeReadAreOneError)
-{
-    write("large", QByteArray(4, 'x'));
-    ASSERT_EQ(mkdir(path("folder").toLocal8Bit().constData(), 0700), 0);
-    const std::pair<const char *, const char *> cases[] = {
-        {"large", "larger than"}, {"missing", "No such file"}, {"folder", "it is a folder"}};
-    for (const auto &[name, reason] : cases) {
-        Diagnostics diagnostics;
-        EXPECT_EQ(readFile(path(name), 3, &diagnostics), std::nullopt) << name;
-        ASSERT_EQ(diagnostics.size(), 1) << name;
-        EXPECT_TRUE(hasErrors(diagnostics));
-        EXPECT_EQ(diagnostics.first().file.toStdString(), path(name).toStdString());
-        EXPECT_THAT(diagnostics.first().message.toStdString(), testing::HasSubstr(reason));
-    }
-}
-
-TEST_F(FilesTest, WithoutAnEndAreGivenUp)
-{
-    Diagnostics diagnostics;
-    EXPECT_EQ(readFile("/dev/zero", 1'000'000, &diagnostics), std::nullopt);
-    EXPECT_EQ(diagnostics.size(), 1);
-}
-
-TEST_F(FilesTest, AreWrittenWhole)
-{
-    EXPECT_EQ(writeFile(path("new"), "content").toStdString(), "");
-    EXPECT_EQ(contentOf(path("new")).toStdString(), "content");
-    EXPECT_EQ(writeFile(path("new"), "other").toStdString(), "");
-    EXPECT_EQ(contentOf(path("new")).toStdString(), "other");
-}
-
-TEST_F(FilesTest, KeepTheirContentWhenTheyCannotBeWritten)
-{
-    const QString error = writeFile(path("missing/new"), "content");
-    EXPECT_THAT(error.toStdString(), testing::HasSubstr("missing/new cannot be written: "));
-    EXPECT_FALSE(QFileInfo::exists(path("missing/new")));
-}
-
-// In the test's own folder: a mistake must not cost the machine its devices.
-TEST_F(FilesTest, ArePipesAndStayPipes)
-{
-    const QByteArray pipe = path("pipe").toLocal8Bit();
-    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
-    const int reader = open(pipe.constData(), O_RDONLY | O_NONBLOCK);
-    ASSERT_GE(reader, 0);
-    EXPECT_EQ(writeFile(path("pipe"), "content").toStdString(), "");
-    char read[16] = {};
-    EXPECT_EQ(::read(reader, read, sizeof read), 7);
-    EXPECT_STREQ(read, "content");
-    close(reader);
-    struct stat status = {};
-    ASSERT_EQ(stat(pipe.constData(), &status), 0);
-    EXPECT_TRUE(S_ISFIFO(status.st_mode));
 }

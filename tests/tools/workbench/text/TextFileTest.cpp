@@ -1,0 +1,103 @@
+#include "TextFile.h"
+
+#include "Diagnostic.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Vorn::Workbench;
+
+namespace {
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
+}
+
+} // namespace
+
+class TextFileTest : public testing::Test
+{
+protected:
+    QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
+    void write(const char *name, const QByteArray &content)
+    {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(content), content.size());
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+TEST_F(TextFileTest, AreReadWhole)
+{
+    write("a", QByteArray("x\0y", 3));
+    Diagnostics diagnostics;
+    EXPECT_EQ(readFile(path("a"), 3, &diagnostics), QByteArray("x\0y", 3));
+    EXPECT_TRUE(diagnostics.isEmpty());
+}
+
+TEST_F(TextFileTest, ThatCannotBeReadAreOneError)
+{
+    write("large", QByteArray(4, 'x'));
+    ASSERT_EQ(mkdir(path("folder").toLocal8Bit().constData(), 0700), 0);
+    const std::pair<const char *, const char *> cases[] = {
+        {"large", "larger than"}, {"missing", "No such file"}, {"folder", "it is a folder"}};
+    for (const auto &[name, reason] : cases) {
+        Diagnostics diagnostics;
+        EXPECT_EQ(readFile(path(name), 3, &diagnostics), std::nullopt) << name;
+        ASSERT_EQ(diagnostics.size(), 1) << name;
+        EXPECT_TRUE(hasErrors(diagnostics));
+        EXPECT_EQ(diagnostics.first().file.toStdString(), path(name).toStdString());
+        EXPECT_THAT(diagnostics.first().message.toStdString(), testing::HasSubstr(reason));
+    }
+}
+
+TEST_F(TextFileTest, WithoutAnEndAreGivenUp)
+{
+    Diagnostics diagnostics;
+    EXPECT_EQ(readFile("/dev/zero", 1'000'000, &diagnostics), std::nullopt);
+    EXPECT_EQ(diagnostics.size(), 1);
+}
+
+TEST_F(TextFileTest, AreWrittenWhole)
+{
+    EXPECT_EQ(writeFile(path("new"), "content").toStdString(), "");
+    EXPECT_EQ(contentOf(path("new")).toStdString(), "content");
+    EXPECT_EQ(writeFile(path("new"), "other").toStdString(), "");
+    EXPECT_EQ(contentOf(path("new")).toStdString(), "other");
+}
+
+TEST_F(TextFileTest, KeepTheirContentWhenTheyCannotBeWritten)
+{
+    const QString error = writeFile(path("missing/new"), "content");
+    EXPECT_THAT(error.toStdString(), testing::HasSubstr("missing/new cannot be written: "));
+    EXPECT_FALSE(QFileInfo::exists(path("missing/new")));
+}
+
+// In the test's own folder: a mistake must not cost the machine its devices.
+TEST_F(TextFileTest, ArePipesAndStayPipes)
+{
+    const QByteArray pipe = path("pipe").toLocal8Bit();
+    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
+    const int reader = open(pipe.constData(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    EXPECT_EQ(writeFile(path("pipe"), "content").toStdString(), "");
+    char read[16] = {};
+    EXPECT_EQ(::read(reader, read, sizeof read), 7);
+    EXPECT_STREQ(read, "content");
+    close(reader);
+    struct stat status = {};
+    ASSERT_EQ(stat(pipe.constData(), &status), 0);
+    EXPECT_TRUE(S_ISFIFO(status.st_mode));
+}
