@@ -11,19 +11,19 @@
 
 namespace Vorn::Workbench {
 
-/// Begins a session.
+/// The first entry of a session.
 struct SessionStart
 {
     QString source; ///< "monitor", or the file that was simulated
-    QString profile; ///< file name; empty without one
+    QString profile; ///< file name; empty without a profile
     qint64 wallClock = 0; ///< µs since the epoch at time 0
 };
 
-/// A device came or went.
+/// A device was added or removed.
 struct DeviceChange
 {
     QString device; ///< "/dev/input/event0"
-    QString name; ///< the kernel's
+    QString name; ///< as the kernel reports it
     InputEvent::Bus bus = InputEvent::Bus::NoBus;
     bool added = true;
 };
@@ -35,17 +35,17 @@ struct RecordRead
     int type = 0;
     int code = 0;
     int value = 0;
-    qint64 stamp = 0; ///< its time stamp, µs since the epoch; 0: made by a request for positions
+    qint64 stamp = 0; ///< its time stamp, µs since the epoch; 0 for a queried switch position
 };
 
-/// What the detectors of a key handler did, told from their answers.
+/// What the detectors of a key handler did, inferred from their answers.
 struct DetectorStep
 {
     enum class What {
-        LongPressDue, ///< keys[0] is timed: due at `due`, noticed at the tick after it
+        LongPressDue, ///< keys[0] is timed: due at `due`, noticed at the next tick
         LongPressEnded, ///< keys[0] is no longer timed
-        FirstKeyWithdrawn, ///< keys[0] was released by the detector, as a chord begins
-        ChordFound, ///< the keys are down together; mapped or not, see `mapped`
+        FirstKeyWithdrawn, ///< the detector released keys[0] because a chord begins
+        ChordFound, ///< all keys are down together; see `mapped`
         ChordReleased, ///< all keys of the chord are up
         Dropped, ///< the record of keys[0] was ignored: a third key, or a release without a press
     };
@@ -63,10 +63,10 @@ struct EventPublished
     InputEvent::Command command = InputEvent::None;
     InputEvent::State state = InputEvent::NoState;
     InputEvent::Bus bus = InputEvent::Bus::NoBus;
-    QString device; ///< empty if it is not known
-    int type = 0; ///< EV_KEY or EV_SW: of which `codes` are; 0 if they are not known
-    QVector<int> codes; ///< the key, both keys of a chord, or the switch that it comes from
-    /// µs from the record's stamp, or from when the long press was due, to the publication.
+    QString device; ///< empty if unknown
+    int type = 0; ///< type of `codes`, EV_KEY or EV_SW; 0 if unknown
+    QVector<int> codes; ///< the key, both keys of a chord, or the switch that caused the event
+    /// µs between the record's time stamp, or the moment the long press was due, and publication.
     std::optional<qint64> latency;
 };
 
@@ -76,17 +76,17 @@ struct IdentifierSelected
     QString identifier;
 };
 
-/// An expectation of a scenario was met or failed.
+/// A scenario's expectation was met or failed.
 struct ExpectationChecked
 {
     QString file;
     int line = 0;
-    QString text; ///< as it stands in the file
+    QString text; ///< as written in the file
     bool met = true;
-    QString found; ///< what came instead; empty if it was met
+    QString found; ///< what was published instead; empty if the expectation was met
 };
 
-/// Something else that happened: a profile was reloaded, the clock was set.
+/// Anything else: a profile was reloaded, the clock was set.
 struct Remark
 {
     QString text;
@@ -95,7 +95,7 @@ struct Remark
 /// One thing that happened, and when.
 struct SessionEntry
 {
-    qint64 time = 0; ///< µs since the start of the session, by a clock that is never set
+    qint64 time = 0; ///< µs since the start of the session, by a monotonic clock
     std::variant<SessionStart, DeviceChange, RecordRead, DetectorStep, EventPublished,
                  IdentifierSelected, ExpectationChecked, Remark>
         what;

@@ -10,6 +10,7 @@ SessionLog::SessionLog(Sink sink)
     , m_wallClockAtStart(wallClock())
 { }
 
+// Setting the wall clock must neither reorder the entries nor stretch the session.
 qint64 SessionLog::now() const
 {
     const auto elapsed = std::chrono::steady_clock::now() - m_start;

@@ -8,18 +8,18 @@
 
 namespace Vorn::Workbench {
 
-/// Stamps entries with the time and passes them on.
+/// Stamps entries with the session's time and passes them on.
 ///
-/// **Thread**: the one of the event loop.
+/// **Thread**: the event loop's.
 class SessionLog
 {
 public:
     using Sink = std::function<void(const SessionEntry &)>;
 
-    /// The session begins now.
+    /// Starts the session now.
     explicit SessionLog(Sink sink);
 
-    /// Passes an entry on that happens now.
+    /// Passes on an entry for something that happens now.
     template <typename What>
     void add(const What &what)
     {

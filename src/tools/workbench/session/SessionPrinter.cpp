@@ -25,7 +25,7 @@ const char *const boldGreen = "\x1b[1;32m";
 const char *const boldYellow = "\x1b[1;33m";
 const char *const cyan = "\x1b[36m";
 
-/// In s with ms, cut off rather than rounded: what came 0.4 ms before 1.000 is not shown there.
+/// Truncated rather than rounded: something 0.4 ms before 1.000 must not appear to be at 1.000.
 QString seconds(qint64 microseconds)
 {
     const bool isNegative = microseconds < 0;
@@ -42,7 +42,8 @@ QString latencyText(qint64 microseconds)
     return (microseconds < 0 ? QString() : QStringLiteral("+")) + text + QStringLiteral(" ms");
 }
 
-/// Line breaks and escape sequences of names and files stay out of the terminal.
+/// Names come from devices and files: their line breaks and escape sequences must not reach the
+/// terminal.
 QString printable(const QString &text)
 {
     QString result;
@@ -104,7 +105,7 @@ const char *stateColour(InputEvent::State state)
     return bold;
 }
 
-/// What an entry is rendered to: either column, and the colour it has on a terminal.
+/// An entry's text in either column, and its colour on a terminal.
 struct Cells
 {
     QString left;
@@ -138,7 +139,7 @@ public:
             return {};
         const QString what = QStringLiteral(" %1 %2").arg(eventCodeName(record.type, record.code),
                                                           valueName(record.type, record.value));
-        // The key says more than the device's name, which gives way.
+        // The key matters more than the device's name, which is shortened to fit.
         const int room = qMax(1, recordWidth - what.size());
         return {cut(name(record.device), room) + what, {}, dim};
     }

@@ -1,5 +1,5 @@
-#ifndef VORN_WORKBENCH_SESSIONTEXT_H
-#define VORN_WORKBENCH_SESSIONTEXT_H
+#ifndef VORN_WORKBENCH_SESSIONPRINTER_H
+#define VORN_WORKBENCH_SESSIONPRINTER_H
 
 #include "Session.h"
 
@@ -8,7 +8,7 @@
 
 namespace Vorn::Workbench {
 
-/// Renders a session as text for people, one line for each entry that is to be shown:
+/// Renders a session as text for people, one line for each entry that is shown:
 ///
 /// ```
 ///    1.500  KEY_VOLUMEUP press     │
@@ -16,7 +16,7 @@ namespace Vorn::Workbench {
 ///    KEY_VOLUMEUP  +0.3 ms
 /// ```
 ///
-/// With records the left column holds them; without, it is left out.
+/// Records are in the left column, which is absent unless they are shown.
 class SessionPrinter
 {
 public:
@@ -31,8 +31,8 @@ public:
 
     explicit SessionPrinter(const Options &options);
 
-    /// The line without its end, or an empty text for an entry that is not shown. Devices are
-    /// named as told by the entries so far.
+    /// The line without its line end, or an empty string for an entry that is not shown. Device
+    /// names are known from earlier entries.
     QString line(const SessionEntry &entry);
 
     void setRecords(bool shown) { m_options.records = shown; }

@@ -16,8 +16,9 @@ struct ParsedSession
     Diagnostics diagnostics;
 };
 
-/// Reads what toJsonLine() wrote. Kinds and members that are not known are skipped; a line that is
-/// no JSON object, or lacks what its kind needs, is an error. At most the first 20 are told.
+/// Reads what toJsonLine() wrote. Unknown kinds and members are skipped, so that files of a newer
+/// program can be read. A line that is not a JSON object, or lacks a member its kind requires, is
+/// an error; the first 20 are reported, and the valid lines are still returned.
 ParsedSession parseSession(const QByteArray &text, const QString &file);
 
 } // namespace Vorn::Workbench

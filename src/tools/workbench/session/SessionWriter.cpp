@@ -4,6 +4,7 @@
 #include "CommandNames.h"
 #include "EventNames.h"
 #include "Session.h"
+#include "SessionFormat.h"
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -16,12 +17,13 @@ namespace Vorn::Workbench {
 
 namespace {
 
+// A double in ms holds every µs that a reader accepts.
 double milliseconds(qint64 microseconds)
 {
     return static_cast<double>(microseconds) / 1000;
 }
 
-// What has no name is told by its number, so that a reader gets back the same value.
+// A value without a name is written as its number, so that a reader gets the same value back.
 QString commandText(InputEvent::Command value)
 {
     const QString name = commandName(value);
@@ -48,7 +50,7 @@ QJsonArray codeNames(int type, const QVector<int> &codes)
     return names;
 }
 
-// QDateTime knows milliseconds only.
+// QDateTime stops at milliseconds.
 QString wallClockText(qint64 time)
 {
     const qint64 fraction = (time % 1'000'000 + 1'000'000) % 1'000'000;
@@ -58,32 +60,13 @@ QString wallClockText(qint64 time)
         + QStringLiteral(".%1Z").arg(fraction, 6, 10, QLatin1Char('0'));
 }
 
-QString stepText(DetectorStep::What what)
-{
-    switch (what) {
-    case DetectorStep::What::LongPressDue:
-        return QStringLiteral("long-press-due");
-    case DetectorStep::What::LongPressEnded:
-        return QStringLiteral("long-press-ended");
-    case DetectorStep::What::FirstKeyWithdrawn:
-        return QStringLiteral("first-key-withdrawn");
-    case DetectorStep::What::ChordFound:
-        return QStringLiteral("chord-found");
-    case DetectorStep::What::ChordReleased:
-        return QStringLiteral("chord-released");
-    case DetectorStep::What::Dropped:
-        break;
-    }
-    return QStringLiteral("dropped");
-}
-
 QJsonObject members(const SessionStart &start)
 {
     return {{"kind", "start"},
             {"source", start.source},
             {"profile", start.profile},
             {"wallClock", wallClockText(start.wallClock)},
-            {"version", 1}};
+            {"version", sessionVersion}};
 }
 
 QJsonObject members(const DeviceChange &change)
@@ -110,7 +93,7 @@ QJsonObject members(const RecordRead &record)
 QJsonObject members(const DetectorStep &step)
 {
     QJsonObject object{{"kind", "detector"},
-                       {"what", stepText(step.what)},
+                       {"what", detectorStepName(step.what)},
                        {"device", step.device},
                        {"keys", codeNames(EV_KEY, step.keys)}};
     if (step.what == DetectorStep::What::LongPressDue)
@@ -128,6 +111,7 @@ QJsonObject members(const EventPublished &event)
                        {"bus", busText(event.bus)}};
     if (!event.device.isEmpty())
         object.insert("device", event.device);
+    // Without a type the codes have no names, and a reader could not look them up.
     if (event.type != 0) {
         object.insert("codeType", eventTypeName(event.type));
         object.insert("codes", codeNames(event.type, event.codes));

@@ -7,8 +7,8 @@
 
 namespace Vorn::Workbench {
 
-/// One line of JSON, with the line's end; the same for the same entry. The format is documented in
-/// docs/session.md and stable.
+/// One line of JSON including its line end. Equal entries give equal bytes. docs/session.md
+/// documents the format, which is stable.
 QByteArray toJsonLine(const SessionEntry &entry);
 
 } // namespace Vorn::Workbench

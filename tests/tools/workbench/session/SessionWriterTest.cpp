@@ -1,0 +1,51 @@
+#include "SessionWriter.h"
+
+#include <gmock/gmock.h>
+
+#include <linux/input.h>
+
+using namespace Vorn::Workbench;
+
+namespace {
+
+const qint64 somewhen = 1'700'000'000'123'456;
+
+} // namespace
+
+TEST(SessionWriter, WritesOneStableLineForAnEntry)
+{
+    const RecordRead record{"/dev/input/event0", EV_KEY, KEY_INFO, 1, somewhen};
+    EXPECT_EQ(toJsonLine({1500, record}).toStdString(),
+              "{\"code\":\"KEY_INFO\",\"codeNumber\":358,\"device\":\"/dev/input/event0\","
+              "\"kind\":\"record\",\"stamp\":1700000000123.456,\"time\":1.5,\"type\":\"EV_KEY\","
+              "\"typeNumber\":1,\"value\":1}\n");
+    const SessionStart start{"monitor", "p.json", somewhen};
+    EXPECT_EQ(toJsonLine({0, start}).toStdString(),
+              "{\"kind\":\"start\",\"profile\":\"p.json\",\"source\":\"monitor\",\"time\":0,"
+              "\"version\":1,\"wallClock\":\"2023-11-14T22:13:20.123456Z\"}\n");
+    const EventPublished event{
+        InputEvent::Info, InputEvent::KeyPressed, InputEvent::Bus::LocalUI, {}, 0, {},
+        std::nullopt};
+    EXPECT_EQ(toJsonLine({2, event}).toStdString(),
+              "{\"bus\":\"LocalUI\",\"command\":\"Info\",\"kind\":\"event\","
+              "\"state\":\"KeyPressed\",\"time\":0.002}\n");
+}
+
+TEST(SessionWriter, WritesLineBreaksOfTextsAsPartOfTheLine)
+{
+    EXPECT_EQ(toJsonLine({0, Remark{"a\nb\r\n"}}).count('\n'), 1);
+}
+
+TEST(SessionWriter, WritesAValueWithoutANameAsItsNumber)
+{
+    const EventPublished event{static_cast<InputEvent::Command>(57),
+                               InputEvent::NoState,
+                               static_cast<InputEvent::Bus>(12),
+                               {},
+                               0,
+                               {},
+                               std::nullopt};
+    const QByteArray line = toJsonLine({0, event});
+    EXPECT_THAT(line.toStdString(), testing::HasSubstr("\"command\":\"57\""));
+    EXPECT_THAT(line.toStdString(), testing::HasSubstr("\"bus\":\"12\""));
+}
