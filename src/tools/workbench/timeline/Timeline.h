@@ -16,9 +16,9 @@ struct TimelineOptions
     qint64 to = -1; ///< µs; -1: to its end
 };
 
-/// Draws a session as a picture (SVG): a lane for each key with the times it was down, what the
-/// detectors did with it, and the published events, all on one axis of time. Readable on a light
-/// and on a dark background. The same bytes for the same session, on every machine.
+/// Draws a session as a picture (SVG) on one time axis. Each key has a lane that shows when it was
+/// down, what the detectors did with it, and which events were published. The picture is readable
+/// on a light and on a dark background, and the same session gives the same bytes on every machine.
 QByteArray timelineSvg(const QVector<SessionEntry> &entries, const TimelineOptions &options);
 
 } // namespace Vorn::Workbench

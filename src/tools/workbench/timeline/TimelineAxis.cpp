@@ -1,5 +1,7 @@
 #include "TimelineAxis.h"
 
+#include "LabelRows.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -8,19 +10,19 @@ namespace Vorn::Workbench {
 namespace {
 
 constexpr qint64 second = 1'000'000;
-/// Nothing may happen that long without being left out.
+/// A longer stretch without activity is left out.
 constexpr qint64 longestIdle = 2 * second;
-/// What is kept on either side of what is left out.
+/// Still shown on either side of a break.
 constexpr qint64 margin = second / 4;
 constexpr double minWidth = 720;
 constexpr double maxWidth = 1200;
 constexpr double widthPerSecond = 260;
 constexpr double breakWidth = 58;
-/// Breaks take at most that part of the width.
+/// Many breaks get narrower rather than take more than this share of the width.
 constexpr double breakShare = 0.4;
 constexpr double tickDistance = 64;
 
-/// A whole number of ticks, of 1, 2 or 5 times a power of ten, is a second or a part of it.
+/// The smallest of 1, 2 or 5 times a power of ten that keeps ticks tickDistance apart.
 qint64 tickStep(double scale)
 {
     qint64 step = 1000;
@@ -49,7 +51,7 @@ QString tickLabel(qint64 time, qint64 step)
 TimelineAxis::TimelineAxis(qint64 from, qint64 to, const QVector<qint64> &activity, double left)
     : m_left(left)
 {
-    // A session of a single moment has a width, too.
+    // A session of a single moment has to have a width, too.
     to = std::max(to, from + second / 2);
     m_segments.append({from, from, 0});
     const auto extendTo = [this](qint64 time) {
@@ -112,7 +114,7 @@ QVector<TimelineAxis::Tick> TimelineAxis::ticks() const
         const bool isFirst = segment.from == from();
         const bool isLast = segment.to == to();
         const double end = isLast ? m_right + tickDistance : x(segment.to);
-        // The text of a break has its place to itself.
+        // The label of a break needs the space before the segment.
         free = isFirst ? free : std::max(free, segment.x - 2);
         qint64 time = segment.from / step * step;
         for (; time <= segment.to; time += step) {
@@ -139,28 +141,6 @@ QVector<TimelineAxis::Break> TimelineAxis::breaks() const
         breaks.append({x(before.to), after.x, after.from - before.to});
     }
     return breaks;
-}
-
-double LabelRows::width(const QString &text)
-{
-    return text.size() * 6.6 + 2;
-}
-
-std::optional<int> LabelRows::place(double from, double to)
-{
-    for (int row = 0; row < m_maxRows; ++row) {
-        if (row == m_rows.size())
-            m_rows.append(QVector<QPair<double, double>>());
-        auto &taken = m_rows[row];
-        const bool isFree = std::none_of(taken.begin(), taken.end(), [&](const auto &other) {
-            return from < other.second && to > other.first;
-        });
-        if (isFree) {
-            taken.append({from, to});
-            return row;
-        }
-    }
-    return std::nullopt;
 }
 
 } // namespace Vorn::Workbench

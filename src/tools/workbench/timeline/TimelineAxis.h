@@ -1,25 +1,22 @@
 #ifndef VORN_WORKBENCH_TIMELINEAXIS_H
 #define VORN_WORKBENCH_TIMELINEAXIS_H
 
-#include <QPair>
 #include <QString>
 #include <QVector>
 
-#include <optional>
-
 namespace Vorn::Workbench {
 
-/// Where times (µs of the session) are in a picture. Times in which nothing happens for long are
-/// left out, so that the others have room.
+/// Maps times (µs of the session) to x coordinates. Long stretches without activity are left out,
+/// to make room for the rest.
 class TimelineAxis
 {
 public:
     struct Tick
     {
         double x = 0;
-        QString label; ///< empty where there is no room
+        QString label; ///< empty if there is no room for it
     };
-    /// A time that is left out.
+    /// A stretch of time that is left out.
     struct Break
     {
         double from = 0;
@@ -27,21 +24,21 @@ public:
         qint64 duration = 0; ///< µs
     };
 
-    /// @param activity when something happens, rising
-    /// @param left of the first time
+    /// @param activity the times at which something happens, ascending
+    /// @param left the x coordinate of @p from
     TimelineAxis(qint64 from, qint64 to, const QVector<qint64> &activity, double left);
 
     double left() const { return m_left; }
     double right() const { return m_right; }
     qint64 from() const { return m_segments.first().from; }
     qint64 to() const { return m_segments.last().to; }
-    /// What is drawn to scale in all, µs.
+    /// Total time drawn to scale, µs.
     qint64 shownTime() const { return m_shownTime; }
 
     bool contains(qint64 time) const { return time >= from() && time <= to(); }
-    /// Of the nearest time that is on the axis.
+    /// A time that is left out, or outside the axis, is mapped to the nearest one that is shown.
     double x(qint64 time) const;
-    /// The first time from @p time on that is not left out.
+    /// @p time, or the end of the break that it falls into.
     qint64 firstShown(qint64 time) const;
 
     QVector<Tick> ticks() const;
@@ -59,27 +56,7 @@ private:
     double m_right = 0;
     double m_scale = 0; ///< per µs
     qint64 m_shownTime = 0;
-    QVector<Segment> m_segments; ///< rising, with breaks between them
-};
-
-/// Rows of texts beside each other that must not touch.
-class LabelRows
-{
-public:
-    explicit LabelRows(int maxRows)
-        : m_maxRows(maxRows)
-    { }
-
-    /// The first row with room from one x to another, which is taken then; none if all are full.
-    std::optional<int> place(double from, double to);
-    int count() const { return m_rows.size(); }
-
-    /// How much room a text needs at most, in the fonts that pictures are shown with.
-    static double width(const QString &text);
-
-private:
-    const int m_maxRows;
-    QVector<QVector<QPair<double, double>>> m_rows;
+    QVector<Segment> m_segments; ///< ascending, with breaks between them
 };
 
 } // namespace Vorn::Workbench

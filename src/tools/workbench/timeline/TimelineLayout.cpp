@@ -1,5 +1,7 @@
 #include "TimelineLayout.h"
 
+#include "LabelRows.h"
+#include "LibraryFacts.h"
 #include "TimelineSvg.h"
 
 #include <algorithm>
@@ -11,20 +13,20 @@ namespace {
 using LegendItem = PlacedLegend::Item;
 using MarkKind = TimelineMark::Kind;
 
-/// The detectors' ticks are shown in pictures that are no longer than that.
+/// µs. In longer pictures the detectors' ticks would be too close together.
 constexpr qint64 longestWithTicks = 5'000'000;
 constexpr int maxEventRows = 5;
 constexpr int maxFlagRows = 4;
 constexpr double minLaneHeight = 42;
-/// Flags that are closer than that share a label.
+/// Flags closer together than this share a label.
 constexpr double flagDistance = 4;
-/// A tool tip with more lines than that is not read.
+/// Nobody reads a tool tip with more lines than this.
 constexpr int maxMergedTitles = 20;
 constexpr double symbolWidth = 8;
 
 TimelineAxis axisOf(const TimelineModel &model, const TimelineOptions &options)
 {
-    // Names of codes are capitals, in a bold font.
+    // The names of codes are capitals, in a bold font.
     constexpr double labelCharacter = 9.2;
     int length = 10;
     for (const TimelineLane &lane : model.lanes)
@@ -35,7 +37,7 @@ TimelineAxis axisOf(const TimelineModel &model, const TimelineOptions &options)
     return {options.from, options.to >= 0 ? options.to : end, model.activity, left};
 }
 
-/// To the right of its point, but not over the picture's edge.
+/// To the right of its point, unless it would cross the edge of the picture there.
 PlacedLabel placeLabel(LabelRows *rows, double x, const QString &text, double right)
 {
     const double width = LabelRows::width(text) + symbolWidth;
@@ -50,7 +52,7 @@ PlacedLabel placeLabel(LabelRows *rows, double x, const QString &text, double ri
     return label;
 }
 
-/// Several devices that come at once are one label.
+/// Several devices that are added at once share one label.
 void merge(TimelineFlag *flag, const TimelineFlag &next, int count)
 {
     if (count <= maxMergedTitles)
@@ -152,7 +154,8 @@ void TimelineLayout::placeLanes(const TimelineModel &model)
     lanesBottom = lanes.isEmpty() ? top + minLaneHeight : top;
 }
 
-void TimelineLayout::placeLegend()
+// Only what occurs: a legend of everything would be larger than most pictures.
+QVector<PlacedLegend> TimelineLayout::neededLegend() const
 {
     const auto hasMark = [this](MarkKind kind) {
         return std::any_of(lanes.begin(), lanes.end(), [&](const PlacedLane &placed) {
@@ -177,33 +180,45 @@ void TimelineLayout::placeLegend()
                            [this](const TimelineEvent &event) { return isLate(event); });
     });
     const bool hasDue = hasMark(MarkKind::Due);
+    QVector<PlacedLegend> needed;
+    const auto add = [&needed](bool isNeeded, LegendItem item, const QString &text) {
+        if (isNeeded)
+            needed.append({item, text});
+    };
+    add(hasLane(TimelineLane::Kind::Key), LegendItem::Down, QStringLiteral("key is down"));
+    add(hasMark(MarkKind::Repeat), LegendItem::Repeat, QStringLiteral("auto-repeat"));
+    add(hasMark(MarkKind::Withdrawn), LegendItem::Withdrawn,
+        QStringLiteral("withdrawn for a chord"));
+    add(hasLane(TimelineLane::Kind::Chord), LegendItem::Chord, QStringLiteral("chord"));
+    add(hasMark(MarkKind::Dropped), LegendItem::Dropped, QStringLiteral("record dropped"));
+    add(hasDue && hasTicks, LegendItem::Timer, QStringLiteral("%1 ms ticks").arg(tickMs));
+    add(hasDue, LegendItem::Due, QStringLiteral("long press due"));
+    add(hasLate, LegendItem::Late, QStringLiteral("noticed at the next tick"));
+    add(hasState(InputEvent::KeyPressed), LegendItem::Press, QStringLiteral("press published"));
+    add(hasState(InputEvent::KeyLongPress), LegendItem::LongPress,
+        QStringLiteral("long press published"));
+    add(hasState(InputEvent::KeyReleased), LegendItem::Release,
+        QStringLiteral("release published"));
+    add(hasState(InputEvent::SwitchEnabled), LegendItem::On, QStringLiteral("switch on"));
+    add(hasState(InputEvent::SwitchDisabled), LegendItem::Off, QStringLiteral("switch off"));
+    return needed;
+}
+
+void TimelineLayout::placeLegend()
+{
+    legend = neededLegend();
     double x = axis.left();
     double y = lanesBottom + 22;
-    const auto add = [&](bool isNeeded, LegendItem item, const char *text) {
-        if (!isNeeded)
-            return;
-        PlacedLegend placed{item, QString::fromUtf8(text), x, y};
+    for (PlacedLegend &placed : legend) {
         const double itemWidth = 26 + LabelRows::width(placed.text) + 12;
         if (x + itemWidth > axis.right() && x > axis.left()) {
-            placed.x = axis.left();
-            placed.y = y += 18;
+            x = axis.left();
+            y += 18;
         }
-        x = placed.x + itemWidth;
-        legend.append(placed);
-    };
-    add(hasLane(TimelineLane::Kind::Key), LegendItem::Down, "key is down");
-    add(hasMark(MarkKind::Repeat), LegendItem::Repeat, "auto-repeat");
-    add(hasMark(MarkKind::Withdrawn), LegendItem::Withdrawn, "withdrawn for a chord");
-    add(hasLane(TimelineLane::Kind::Chord), LegendItem::Chord, "chord");
-    add(hasMark(MarkKind::Dropped), LegendItem::Dropped, "record dropped");
-    add(hasDue && hasTicks, LegendItem::Timer, "50 ms ticks");
-    add(hasDue, LegendItem::Due, "long press due");
-    add(hasLate, LegendItem::Late, "noticed at the next tick");
-    add(hasState(InputEvent::KeyPressed), LegendItem::Press, "press published");
-    add(hasState(InputEvent::KeyLongPress), LegendItem::LongPress, "long press published");
-    add(hasState(InputEvent::KeyReleased), LegendItem::Release, "release published");
-    add(hasState(InputEvent::SwitchEnabled), LegendItem::On, "switch on");
-    add(hasState(InputEvent::SwitchDisabled), LegendItem::Off, "switch off");
+        placed.x = x;
+        placed.y = y;
+        x += itemWidth;
+    }
     height = (legend.isEmpty() ? lanesBottom : y) + 36;
 }
 

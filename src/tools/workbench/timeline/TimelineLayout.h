@@ -3,21 +3,21 @@
 
 #include "Timeline.h"
 #include "TimelineAxis.h"
-#include "TimelineLanes.h"
+#include "TimelineModel.h"
 
 #include <QString>
 #include <QVector>
 
-/// Where everything is in the picture of a session. Lengths are px.
+/// Where everything is in the picture of a session. Coordinates and lengths are in px.
 namespace Vorn::Workbench {
 
-/// A text beside the point that it belongs to.
+/// A text beside the point it belongs to.
 struct PlacedLabel
 {
     double x = 0;
     int row = 0;
-    bool isShown = true; ///< false: no room; `row` is then below those of the other labels
-    bool isLeft = false; ///< of the point, which is near the picture's edge
+    bool isShown = true; ///< false if there is no room; `row` is then below all other labels
+    bool isLeft = false; ///< left of the point, which is near the right edge of the picture
 };
 
 struct PlacedLane
@@ -26,11 +26,11 @@ struct PlacedLane
     int index = 0; ///< in the model
     double top = 0;
     double height = 0;
-    QVector<TimelineEvent> events; ///< those in the picture's time
+    QVector<TimelineEvent> events; ///< those within the picture's time range
     QVector<PlacedLabel> labels; ///< of the events
 };
 
-/// One or several flags that are at one place.
+/// A flag, or several that coincide.
 struct PlacedFlag
 {
     TimelineFlag flag;
@@ -56,15 +56,15 @@ struct PlacedLegend
     };
 
     Item item = Item::Down;
-    QString text;
+    QString text = QString();
     double x = 0;
-    double y = 0; ///< of the middle
+    double y = 0; ///< the middle's
 };
 
 namespace Metrics {
 constexpr double margin = 16;
 constexpr double labelRow = 15;
-/// Of a lane, from its top.
+/// Within a lane, from its top.
 constexpr double barTop = 13;
 constexpr double barHeight = 14;
 constexpr double barMiddle = barTop + barHeight / 2;
@@ -80,7 +80,7 @@ public:
     /// @param model must live longer
     TimelineLayout(const TimelineModel &model, const TimelineOptions &options);
 
-    /// Whether a long press came so much later than it was due that it is seen.
+    /// Whether a long press was published so long after it was due that the delay is visible.
     bool isLate(const TimelineEvent &event) const;
 
     TimelineAxis axis;
@@ -88,7 +88,7 @@ public:
     QVector<PlacedFlag> flags;
     QVector<PlacedLegend> legend;
     bool hasIdentifiers = false;
-    bool hasTicks = false; ///< whether the detectors' ticks are far enough apart
+    bool hasTicks = false; ///< whether the detectors' ticks are far enough apart to be shown
     double identifierTop = 0;
     double flagTop = 0;
     double axisTop = 0;
@@ -100,6 +100,7 @@ public:
 private:
     void placeFlags(const TimelineModel &model);
     void placeLanes(const TimelineModel &model);
+    QVector<PlacedLegend> neededLegend() const;
     void placeLegend();
     bool isShown(const TimelineLane &lane) const;
 };

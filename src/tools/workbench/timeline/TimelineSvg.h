@@ -7,35 +7,35 @@
 
 namespace Vorn::Workbench {
 
-/// Writes a picture (SVG) whose elements have classes, coloured by one style sheet for light and
-/// dark surroundings. Texts may be anything: what XML cannot hold is replaced.
+/// Writes a picture (SVG). Elements have classes, to which timelineStyle() gives their colours. Any
+/// text is allowed: characters that XML cannot represent are replaced.
 class TimelineSvg
 {
 public:
     enum class Anchor { Start, Middle, End };
 
-    /// @param title,description for people who do not see the picture
+    /// @param title,description for people who cannot see the picture
     TimelineSvg(double width, double height, const QString &title, const QString &description);
 
-    /// @param title is shown while the pointer is on the element
-    void rectangle(double x, double y, double width, double height, const QString &cssClass,
+    /// @param title shown while the pointer is on the element; empty: none
+    void rectangle(double x, double y, double width, double height, const char *cssClass,
                    const QString &title = QString());
-    void line(double x1, double y1, double x2, double y2, const QString &cssClass,
+    void line(double x1, double y1, double x2, double y2, const char *cssClass,
               const QString &title = QString());
-    /// @param path as in the attribute "d", at (x, y)
-    void shape(double x, double y, const QString &path, const QString &cssClass,
+    /// @param path as in the attribute "d", relative to (x, y)
+    void shape(double x, double y, const char *path, const char *cssClass,
                const QString &title = QString());
-    void text(double x, double y, const QString &text, const QString &cssClass,
+    void text(double x, double y, const QString &text, const char *cssClass,
               Anchor anchor = Anchor::Start, const QString &title = QString());
 
-    /// The picture, after which nothing can be added.
+    /// Completes the picture; nothing can be added afterwards.
     QByteArray finished();
 
-    /// At most @p length characters, the last being "…" where more were left out.
+    /// At most @p length characters, the last of which is "…" if the text was cut.
     static QString shortened(const QString &text, int length);
 
 private:
-    void start(const char *element, const QString &cssClass);
+    void start(const char *element, const char *cssClass);
     void end(const QString &title);
     void attribute(const char *name, double value);
 

@@ -1,5 +1,7 @@
 #include "TimelineAxis.h"
 
+#include "LabelRows.h"
+
 #include <gmock/gmock.h>
 
 #include <limits>
@@ -53,14 +55,4 @@ TEST(TimelineAxis, FindsTheNextTimeThatIsNotLeftOut)
     EXPECT_EQ(axis.firstShown(5000 * ms), 9750 * ms);
     EXPECT_EQ(axis.firstShown(9800 * ms), 9800 * ms);
     EXPECT_EQ(axis.firstShown(20'000 * ms), 20'000 * ms);
-}
-
-TEST(LabelRows, UsesTheFirstRowWithRoom)
-{
-    LabelRows rows(2);
-    EXPECT_EQ(rows.place(0, 10), 0);
-    EXPECT_EQ(rows.place(5, 15), 1);
-    EXPECT_EQ(rows.place(10, 20), 0);
-    EXPECT_EQ(rows.place(8, 12), std::nullopt);
-    EXPECT_EQ(rows.count(), 2);
 }

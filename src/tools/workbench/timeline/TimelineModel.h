@@ -1,5 +1,5 @@
-#ifndef VORN_WORKBENCH_TIMELINELANES_H
-#define VORN_WORKBENCH_TIMELINELANES_H
+#ifndef VORN_WORKBENCH_TIMELINEMODEL_H
+#define VORN_WORKBENCH_TIMELINEMODEL_H
 
 #include "Session.h"
 
@@ -8,24 +8,24 @@
 
 #include <optional>
 
-/// What a timeline shows, before it is drawn. Times are µs of the session.
+/// What a timeline shows, independent of how it is drawn. Times are µs of the session.
 namespace Vorn::Workbench {
 
-/// A key was down, a switch on, or a chord found, all that time.
+/// The time during which a key was down, a switch was on, or a chord was held.
 struct TimelineBar
 {
     qint64 from = 0;
     qint64 to = 0;
-    bool isOpen = false; ///< it did not end in the session
+    bool isOpen = false; ///< it did not end within the session
     std::optional<qint64> withdrawn; ///< when the detector took the key back for a chord
 };
 
-/// How long the long-press detector timed a key.
+/// The time during which the long-press detector timed a key.
 struct TimelineTimedSpan
 {
     qint64 from = 0;
     qint64 to = 0;
-    qint64 timerStart = 0; ///< its ticks come every 50 ms from here
+    qint64 timerStart = 0; ///< the detector ticks at fixed intervals from here
 };
 
 struct TimelineMark
@@ -43,7 +43,7 @@ struct TimelineEvent
     InputEvent::State state = InputEvent::NoState;
     QString label;
     QString title;
-    /// When it should have come; known for long presses that the session tells of.
+    /// When it should have been published; known for long presses whose due time was recorded.
     std::optional<qint64> due;
 };
 
@@ -54,7 +54,7 @@ struct TimelineLane
     Kind kind = Kind::Other;
     QString device;
     int type = 0;
-    QVector<int> codes; ///< rising
+    QVector<int> codes; ///< ascending
     bool mapped = true; ///< whether a chord has a command
     QString label;
     QString deviceName;
@@ -64,11 +64,11 @@ struct TimelineLane
     QVector<TimelineEvent> events;
 };
 
-/// The keys of a chord were found to be down together.
+/// A chord was found: connects its lane with those of its keys.
 struct TimelineLink
 {
     qint64 time = 0;
-    QVector<int> lanes; ///< indexes, rising
+    QVector<int> lanes; ///< indexes, ascending
     QString title;
 };
 
@@ -97,18 +97,9 @@ struct TimelineModel
     QVector<TimelineLink> links;
     QVector<TimelineFlag> flags;
     QVector<TimelineIdentifier> identifiers;
-    QVector<qint64> activity; ///< when anything happened, rising
-    int lanesLeftOut = 0; ///< beyond maxTimelineLanes
+    QVector<qint64> activity; ///< when anything happened, ascending
+    int lanesLeftOut = 0; ///< for want of room in the picture
 };
-
-constexpr int maxTimelineLanes = 200;
-
-/// The lanes of a session, in the order in which they first matter; a chord's lane is under the
-/// lanes of its keys.
-TimelineModel timelineModel(const QVector<SessionEntry> &entries);
-
-/// A session's time for people: "1.850 s".
-QString timelineTime(qint64 time);
 
 } // namespace Vorn::Workbench
 

@@ -1,0 +1,76 @@
+#include "LegendDrawing.h"
+
+namespace Vorn::Workbench {
+
+namespace {
+
+using LegendItem = PlacedLegend::Item;
+
+// Samples repeat what LaneDrawing draws, at a smaller size.
+void drawSample(TimelineCanvas *canvas, const PlacedLegend &legend)
+{
+    const double x = legend.x;
+    const double middle = x + 9;
+    const double y = legend.y;
+    const auto bar = [&](const char *cssClass) {
+        canvas->svg.rectangle(x, y - 5, 18, 10, cssClass);
+    };
+    switch (legend.item) {
+    case LegendItem::Down:
+        bar("bar");
+        break;
+    case LegendItem::Repeat:
+        bar("bar");
+        canvas->svg.line(x + 6, y - 3, x + 6, y + 3, "repeat");
+        canvas->svg.line(x + 12, y - 3, x + 12, y + 3, "repeat");
+        break;
+    case LegendItem::Withdrawn:
+        bar("bar-withdrawn");
+        canvas->symbol(middle, y, Symbols::withdrawn);
+        break;
+    case LegendItem::Chord:
+        bar("bar-chord");
+        break;
+    case LegendItem::Dropped:
+        canvas->symbol(middle, y, Symbols::dropped);
+        break;
+    case LegendItem::Timer:
+        for (int i = 0; i < 4; ++i)
+            canvas->svg.line(x + i * 6, y - 3, x + i * 6, y + 3, "timer");
+        break;
+    case LegendItem::Due:
+        canvas->svg.line(middle - 4, y - 7, middle - 4, y + 7, "due");
+        canvas->symbol(middle - 4, y + 1, Symbols::due);
+        break;
+    case LegendItem::Late:
+        bar("late");
+        break;
+    case LegendItem::Press:
+        canvas->symbol(middle, y, Symbols::press);
+        break;
+    case LegendItem::LongPress:
+        canvas->symbol(middle, y, Symbols::longPress);
+        break;
+    case LegendItem::Release:
+        canvas->symbol(middle, y, Symbols::release);
+        break;
+    case LegendItem::On:
+        canvas->symbol(middle, y, Symbols::on);
+        break;
+    case LegendItem::Off:
+        canvas->symbol(middle, y, Symbols::off);
+        break;
+    }
+}
+
+} // namespace
+
+void drawLegend(TimelineCanvas *canvas)
+{
+    for (const PlacedLegend &legend : canvas->layout.legend) {
+        drawSample(canvas, legend);
+        canvas->svg.text(legend.x + 24, legend.y + 4, legend.text, "muted");
+    }
+}
+
+} // namespace Vorn::Workbench

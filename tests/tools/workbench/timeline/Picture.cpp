@@ -1,0 +1,71 @@
+#include "Picture.h"
+
+#include <QXmlStreamReader>
+
+#include <gmock/gmock.h>
+
+namespace Vorn::Test {
+
+Picture::Picture(const QByteArray &svg)
+{
+    QXmlStreamReader reader(svg);
+    QVector<int> open;
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.isStartElement()) {
+            Element element;
+            element.name = reader.name().toString();
+            for (const QXmlStreamAttribute &attribute : reader.attributes())
+                element.attributes.insert(attribute.name().toString(),
+                                          attribute.value().toString());
+            element.cssClass = element.attributes.value("class");
+            open.append(m_elements.size());
+            m_elements.append(element);
+        } else if (reader.isEndElement()) {
+            open.removeLast();
+        } else if (reader.isCharacters() && !open.isEmpty()) {
+            addText(open, reader.text().toString());
+        }
+    }
+    EXPECT_FALSE(reader.hasError()) << reader.errorString().toStdString();
+    EXPECT_THAT(m_elements, testing::Not(testing::IsEmpty()));
+}
+
+QVector<Element> Picture::ofClass(const QString &cssClass) const
+{
+    QVector<Element> found;
+    for (const Element &element : m_elements) {
+        if (element.cssClass == cssClass)
+            found.append(element);
+    }
+    return found;
+}
+
+std::vector<std::string> Picture::texts(const QString &cssClass) const
+{
+    std::vector<std::string> texts;
+    for (const Element &element : ofClass(cssClass)) {
+        if (element.name == "text")
+            texts.push_back(element.text.trimmed().toStdString());
+    }
+    return texts;
+}
+
+std::vector<std::string> Picture::titles(const QString &cssClass) const
+{
+    std::vector<std::string> titles;
+    for (const Element &element : ofClass(cssClass))
+        titles.push_back(element.title.toStdString());
+    return titles;
+}
+
+void Picture::addText(const QVector<int> &open, const QString &text)
+{
+    Element &element = m_elements[open.last()];
+    if (element.name == "title" && open.size() > 1)
+        m_elements[open.at(open.size() - 2)].title += text;
+    else
+        element.text += text;
+}
+
+} // namespace Vorn::Test
