@@ -19,11 +19,13 @@ namespace Vorn::Workbench {
 
 namespace {
 
+/// A file that is not a session at all would give an error for every line.
 constexpr int maxDiagnostics = 20;
 constexpr int maxCode = 0xffff;
 
 SessionStart readStart(SessionMembers &members)
 {
+    // Only a later version may give known members another meaning; additions keep the version.
     const int version = members.integer("version", 1, std::numeric_limits<int>::max());
     if (version > sessionVersion)
         members.fail("version",
@@ -73,6 +75,7 @@ EventPublished readEvent(SessionMembers &members)
     event.state = members.named<InputEvent::State>("state", state);
     event.bus = members.named<InputEvent::Bus>("bus", bus);
     event.device = members.optionalText("device");
+    // Absent if no record or long press could be found that caused the event.
     if (members.has("codeType")) {
         const std::optional<int> type = eventType(members.text("codeType"));
         if (!type)
@@ -105,6 +108,7 @@ std::optional<SessionEntry> readEntry(SessionMembers &members)
         entry.what = readRecord(members);
     } else if (kind == QLatin1String("detector")) {
         const std::optional<DetectorStep::What> what = detectorStep(members.text("what"));
+        // What else a step of an unknown kind requires is unknown, too.
         if (!what)
             return std::nullopt;
         entry.what = readDetector(members, *what);

@@ -65,10 +65,11 @@ void FrameDrawing::drawIdentifiers()
         if (end < m_axis.from() || selected.time > m_axis.to() || !m_canvas->mayMark())
             continue;
         const double from = m_axis.x(selected.time);
+        // Even an identifier that is replaced at once can be pointed at.
         const double length = std::max(2.0, m_axis.x(end) - from);
         const QString name = QLatin1Char('\'') + selected.identifier + QLatin1Char('\'');
         const QString title =
-            QStringLiteral("%1: %2 is selected").arg(timelineTime(selected.time), name);
+            QStringLiteral("%1: identifier %2 selected").arg(timelineTime(selected.time), name);
         m_svg.rectangle(from, top, length, 18, "identifier", title);
         // Characters; the title has the whole name if the band is too short for it.
         const int room = static_cast<int>((length - 8) / 7);
@@ -122,11 +123,12 @@ void FrameDrawing::drawFlags()
 
 void FrameDrawing::drawBreaks()
 {
-    // Nearly opaque: bars that span the break stay visible as such.
+    // Nearly opaque: a bar that spans the break shows through, so that it does not look
+    // interrupted.
     for (const TimelineAxis::Break &left : m_axis.breaks()) {
         const QString label = QStringLiteral("⋯ ") + timelineDuration(left.duration);
         const QString title =
-            QStringLiteral("%1 in which nothing happened").arg(timelineTime(left.duration));
+            QStringLiteral("%1 without activity").arg(timelineTime(left.duration));
         const double top = m_layout.lanesTop;
         m_svg.rectangle(left.from, top, left.to - left.from, m_layout.lanesBottom - top, "break",
                         title);
@@ -147,7 +149,7 @@ void FrameDrawing::drawNotes()
         notes += counted(m_canvas->marksLeftOut, "mark");
     if (!notes.isEmpty())
         m_svg.text(m_axis.left(), m_layout.height - 10,
-                   QStringLiteral("left out: ") + notes.join(QStringLiteral(", ")),
+                   QStringLiteral("not shown: ") + notes.join(QStringLiteral(", ")),
                    "failure-label");
 }
 

@@ -70,10 +70,11 @@ void LaneDrawing::drawBar(const PlacedLane &placed, const TimelineBar &bar)
     const double top = placed.top + Metrics::barTop;
     const double from = m_axis.x(bar.from);
     const double to = std::max(m_axis.x(bar.to), from + 2);
-    const QString title = QStringLiteral("%1: %2 to %3 (%4)%5")
-                              .arg(lane.label, timelineTime(bar.from), timelineTime(bar.to),
-                                   timelineTime(bar.to - bar.from),
-                                   bar.isOpen ? QStringLiteral(", did not end") : QString());
+    const QString title =
+        QStringLiteral("%1: %2 to %3 (%4)%5")
+            .arg(lane.label, timelineTime(bar.from), timelineTime(bar.to),
+                 timelineTime(bar.to - bar.from),
+                 bar.isOpen ? QStringLiteral(", still active at the end") : QString());
     const double solidTo = bar.withdrawn ? m_axis.x(*bar.withdrawn) : to;
     m_svg.rectangle(from, top, solidTo - from, Metrics::barHeight, barClassOf(lane), title);
     if (bar.withdrawn)

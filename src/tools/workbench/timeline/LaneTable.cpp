@@ -50,6 +50,7 @@ TimelineLane *LaneTable::keyLane(const QString &device, int code)
 
 void LaneTable::describe(TimelineLane *lane) const
 {
+    // A session that was cut may lack the entry that announced the device.
     const QString node = lane->device.section(QLatin1Char('/'), -1);
     lane->deviceName = m_deviceNames.value(lane->device, node);
     lane->label = joinedNames(lane->type, lane->codes);

@@ -9,6 +9,7 @@ using LegendItem = PlacedLegend::Item;
 // Samples repeat what LaneDrawing draws, at a smaller size.
 void drawSample(TimelineCanvas *canvas, const PlacedLegend &legend)
 {
+    // Symbols are centred in the width of a bar, so that all texts start at the same distance.
     const double x = legend.x;
     const double middle = x + 9;
     const double y = legend.y;

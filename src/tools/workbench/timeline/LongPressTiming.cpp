@@ -87,7 +87,7 @@ void LongPressTiming::setDue(const QString &device, int code, qint64 now, std::o
 
 void LongPressTiming::markDue(const QString &device, int code, qint64 due)
 {
-    m_lanes->mark(device, code, TimelineMark::Kind::Due, due, QStringLiteral("long press is due"));
+    m_lanes->mark(device, code, TimelineMark::Kind::Due, due, QStringLiteral("long press due"));
 }
 
 void LongPressTiming::finish(qint64 end)

@@ -56,17 +56,18 @@ void endBar(TimelineLane *lane, qint64 time)
 }
 
 /*
- *  The lane of a key: pressed and released twice, the second time as the first key of a chord.
+ *  The lane of a key that is held, then pressed again as the first key of a chord:
  *
- *  record   press      repeat      release    press      second key's press      release
- *             │          │            │         │                 │                 │
- *  bar        ├─ down ───┼────────────┤ released├─ down ──────────┼─ withdrawn ─────┤ released
- *  timed      ├──────────┼────────────┤         ├─────────────────┤
- *             due        due put off  ended     due               withdrawn, ended
- *  mark                  Repeat                                   Withdrawn
+ *  records  press       repeat       release     press       second key down       release
+ *             │           │             │          │                │                 │
+ *  bar        ├── down ───┼─────────────┤ released ├── down ────────┼── withdrawn ────┤ released
+ *  timed      ├───────────┼─────────────┤          ├────────────────┤
+ *  steps      due         due, later    ended      due              withdrawn, ended
+ *  marks                  Repeat                                    Withdrawn
  *
- *  Removing the device ends bar and span like a release. Without either, they are open to the end
- *  of the session. Only keys with a long press are timed.
+ *  Only keys with a long press are timed. A chord that has a command is timed by its first key: a new
+ *  span then begins where the key was withdrawn. Removing the device ends bar and span, and so does
+ *  the end of the session, which leaves the bar open.
  */
 
 class TimelineCollector
@@ -174,7 +175,7 @@ void TimelineCollector::take(const DetectorStep &step)
         break;
     case DetectorStep::What::Dropped:
         m_lanes.mark(step.device, code, TimelineMark::Kind::Dropped, m_time,
-                     QStringLiteral("record is dropped"));
+                     QStringLiteral("record dropped"));
         break;
     }
 }
@@ -183,7 +184,7 @@ void TimelineCollector::withdraw(const DetectorStep &step)
 {
     const int code = step.keys.first();
     m_lanes.mark(step.device, code, TimelineMark::Kind::Withdrawn, m_time,
-                 QStringLiteral("is withdrawn for a chord"));
+                 QStringLiteral("withdrawn for a chord"));
     TimelineLane *lane = m_lanes.keyLane(step.device, code);
     if (TimelineBar *bar = lane ? openBar(lane) : nullptr)
         bar->withdrawn = m_time;

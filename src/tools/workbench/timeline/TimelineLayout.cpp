@@ -185,7 +185,7 @@ QVector<PlacedLegend> TimelineLayout::neededLegend() const
         if (isNeeded)
             needed.append({item, text});
     };
-    add(hasLane(TimelineLane::Kind::Key), LegendItem::Down, QStringLiteral("key is down"));
+    add(hasLane(TimelineLane::Kind::Key), LegendItem::Down, QStringLiteral("key down"));
     add(hasMark(MarkKind::Repeat), LegendItem::Repeat, QStringLiteral("auto-repeat"));
     add(hasMark(MarkKind::Withdrawn), LegendItem::Withdrawn,
         QStringLiteral("withdrawn for a chord"));
@@ -193,7 +193,7 @@ QVector<PlacedLegend> TimelineLayout::neededLegend() const
     add(hasMark(MarkKind::Dropped), LegendItem::Dropped, QStringLiteral("record dropped"));
     add(hasDue && hasTicks, LegendItem::Timer, QStringLiteral("%1 ms ticks").arg(tickMs));
     add(hasDue, LegendItem::Due, QStringLiteral("long press due"));
-    add(hasLate, LegendItem::Late, QStringLiteral("noticed at the next tick"));
+    add(hasLate, LegendItem::Late, QStringLiteral("waiting for the next tick"));
     add(hasState(InputEvent::KeyPressed), LegendItem::Press, QStringLiteral("press published"));
     add(hasState(InputEvent::KeyLongPress), LegendItem::LongPress,
         QStringLiteral("long press published"));

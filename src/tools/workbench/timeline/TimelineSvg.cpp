@@ -13,6 +13,7 @@ QString allowed(const QString &text)
     result.reserve(text.size());
     for (int i = 0; i < text.size(); ++i) {
         const QChar character = text.at(i);
+        // Characters beyond the basic plane are allowed, but half of one is not.
         const bool isPair =
             character.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
         if (isPair) {

@@ -60,7 +60,7 @@ TEST(FrameDrawing, LeavesOutLongTimesInWhichNothingHappens)
 {
     const Picture picture = draw({start(), key(0, KEY_A, 1), key(100 * ms, KEY_A, 0),
                                   key(60'000 * ms, KEY_A, 1), key(60'100 * ms, KEY_A, 0)});
-    EXPECT_THAT(picture.titles("break"), ElementsAre("59.400 s in which nothing happened"));
+    EXPECT_THAT(picture.titles("break"), ElementsAre("59.400 s without activity"));
     EXPECT_THAT(picture.texts("muted"), Contains("⋯ 59.4 s"));
     const QVector<Element> bars = picture.ofClass("bar");
     EXPECT_NEAR(bars.at(0).number("width"), bars.at(1).number("width"), 0.2);
@@ -74,5 +74,5 @@ TEST(FrameDrawing, TellsHowManyLanesItLeavesOut)
         entries.append(key(qint64(code) * ms, code, 1));
     const Picture picture = draw(entries);
     EXPECT_THAT(picture.texts("lane"), SizeIs(200));
-    EXPECT_THAT(picture.texts("failure-label"), ElementsAre("left out: 50 lanes"));
+    EXPECT_THAT(picture.texts("failure-label"), ElementsAre("not shown: 50 lanes"));
 }

@@ -50,7 +50,7 @@ TEST(LaneDrawing, ShowsThatAKeyWasNeverReleased)
 {
     const Picture picture = draw({start(), key(0, KEY_A, 1), remark(900 * ms)});
     EXPECT_THAT(picture.titles("bar"),
-                Contains("KEY_A: 0.000 s to 0.900 s (0.900 s), did not end"));
+                Contains("KEY_A: 0.000 s to 0.900 s (0.900 s), still active at the end"));
     EXPECT_THAT(picture.ofClass("open"), Not(IsEmpty()));
 }
 
@@ -77,7 +77,7 @@ TEST(LaneDrawing, ShowsHowLateALongPressWasNoticed)
     EXPECT_EQ(late.first().title.toStdString(), "due at 1.210 s, published at 1.250 s");
     const Element bar = picture.ofClass("bar").first();
     EXPECT_NEAR(late.first().number("width"), bar.number("width") * 40 / 2000, 0.2);
-    EXPECT_THAT(picture.titles("due"), Contains("1.210 s: KEY_INFO long press is due"));
+    EXPECT_THAT(picture.titles("due"), Contains("1.210 s: KEY_INFO long press due"));
     EXPECT_THAT(picture.titles("long-press"),
                 Contains("1.250 s: [cmd=Info, state=KeyLongPress, bus=LocalUI] KEY_INFO"));
 }
@@ -161,7 +161,7 @@ TEST(LaneDrawing, ShowsALongPressThatAutoRepeatsPutOffOnce)
     }
     entries.append(remark(1000 * ms));
     EXPECT_THAT(draw(entries).titles("flag"),
-                ElementsAre("0.900 s: KEY_INFO long press is due", "")) // "" is the legend's
+                ElementsAre("0.900 s: KEY_INFO long press due", "")) // "" is the legend's
         << "one in the lane";
 }
 
@@ -180,8 +180,7 @@ TEST(LaneDrawing, ShowsAChordInALaneUnderItsKeys)
 TEST(LaneDrawing, ShowsTheFirstKeyOfAChordAsWithdrawn)
 {
     const Picture picture = draw(chord());
-    EXPECT_THAT(picture.titles("withdrawn"),
-                Contains("0.500 s: KEY_STOP is withdrawn for a chord"));
+    EXPECT_THAT(picture.titles("withdrawn"), Contains("0.500 s: KEY_STOP withdrawn for a chord"));
     const Element withdrawn = picture.ofClass("bar-withdrawn").first();
     const Element bar = picture.ofClass("bar").first();
     EXPECT_NEAR(withdrawn.number("x"), bar.number("x") + bar.number("width"), 0.2);
@@ -190,7 +189,7 @@ TEST(LaneDrawing, ShowsTheFirstKeyOfAChordAsWithdrawn)
 
 TEST(LaneDrawing, ShowsRecordsThatWereDropped)
 {
-    EXPECT_THAT(draw(chord()).titles("dropped"), Contains("0.700 s: KEY_INFO record is dropped"));
+    EXPECT_THAT(draw(chord()).titles("dropped"), Contains("0.700 s: KEY_INFO record dropped"));
 }
 
 TEST(LaneDrawing, ShowsAChordWithoutACommand)

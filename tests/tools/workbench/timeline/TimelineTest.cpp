@@ -88,7 +88,7 @@ TEST(Timeline, StaysSmallForALongSession)
     const Picture picture(svg);
     EXPECT_LE(picture.root().number("width"), 1600);
     ASSERT_THAT(picture.texts("failure-label"), SizeIs(1));
-    EXPECT_THAT(picture.texts("failure-label").front(), HasSubstr("left out: "));
+    EXPECT_THAT(picture.texts("failure-label").front(), HasSubstr("not shown: "));
 }
 
 TEST(Timeline, IsDrawnForTimesThatCannotBe)
