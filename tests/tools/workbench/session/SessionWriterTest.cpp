@@ -19,9 +19,9 @@ TEST(SessionWriter, WritesOneStableLineForAnEntry)
               "{\"code\":\"KEY_INFO\",\"codeNumber\":358,\"device\":\"/dev/input/event0\","
               "\"kind\":\"record\",\"stamp\":1700000000123.456,\"time\":1.5,\"type\":\"EV_KEY\","
               "\"typeNumber\":1,\"value\":1}\n");
-    const SessionStart start{"monitor", "p.json", somewhen};
+    const SessionStart start{"monitor", "p.toml", somewhen};
     EXPECT_EQ(toJsonLine({0, start}).toStdString(),
-              "{\"kind\":\"start\",\"profile\":\"p.json\",\"source\":\"monitor\",\"time\":0,"
+              "{\"kind\":\"start\",\"profile\":\"p.toml\",\"source\":\"monitor\",\"time\":0,"
               "\"version\":1,\"wallClock\":\"2023-11-14T22:13:20.123456Z\"}\n");
     const EventPublished event{
         InputEvent::Info, InputEvent::KeyPressed, InputEvent::Bus::LocalUI, {}, 0, {},
