@@ -23,10 +23,17 @@ int signalPipe[2] = {-1, -1};
 
 clock_t interruptionTicks = 0;
 
-/// Runs at any moment, with the other signals blocked; the event loop does the rest.
-///
-/// The same Ctrl-C may come twice: from the terminal, and passed on by a program that runs this one
-/// (umockdev-run and sudo do). Only one that comes later means that the process does not react.
+/*
+ *  first signal                  + repetitionMs
+ *    ├──────────────────────────────┤
+ *    │ flag, callback               │
+ *    │ more signals are ignored     │ one more kills the process
+ *
+ *  The same Ctrl-C may arrive twice: from the terminal, and from a program that runs this one
+ *  (umockdev-run and sudo pass it on). Only a later one means that the process does not react.
+ *
+ *  Only what is safe in a signal handler may be called: the event loop does the rest.
+ */
 void onSignal(int signal)
 {
     const int savedErrno = errno;
@@ -75,7 +82,7 @@ Interruption::Interruption(std::function<void()> callback)
 
 Interruption::~Interruption()
 {
-    // After a signal the process is about to end, and the same one may still come a second time.
+    // After a signal the process is about to end, and a second copy of it must not kill it.
     if (!isRequested()) {
         for (const int signal : caughtSignals)
             std::signal(signal, SIG_DFL);

@@ -7,9 +7,10 @@
 
 namespace Vorn::Workbench {
 
-/// Catches SIGINT, SIGTERM and SIGHUP while it is alive, so that work ends cleanly: the first one
-/// sets a flag and, in an event loop, calls back; one that comes repetitionMs later or more ends
-/// the process. So it stays after a signal, also when it is destroyed, since the process ends then.
+/// Catches SIGINT, SIGTERM and SIGHUP while it is alive, so that work ends cleanly: the first
+/// signal sets a flag and, in an event loop, calls back; one that comes repetitionMs later or more
+/// kills the process. After a signal that remains so even when the object is destroyed, because the
+/// process is about to end.
 class Interruption : public QObject
 {
 public:
@@ -18,7 +19,7 @@ public:
     explicit Interruption(std::function<void()> callback = {});
     ~Interruption() override;
 
-    /// Whether a signal has come.
+    /// Whether a signal has come since the last construction.
     static bool isRequested();
 };
 

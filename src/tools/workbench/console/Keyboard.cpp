@@ -33,6 +33,7 @@ Keyboard::Keyboard(std::function<void(char)> onKey)
         keys.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
         keys.c_cc[VMIN] = 1;
         keys.c_cc[VTIME] = 0;
+        // exit() runs no destructors of locals, and a shell without echo is no use to anyone.
         static const int registered = std::atexit(restoreTerminal);
         Q_UNUSED(registered)
         isTerminalChanged = tcsetattr(STDIN_FILENO, TCSANOW, &keys) == 0;
@@ -41,6 +42,7 @@ Keyboard::Keyboard(std::function<void(char)> onKey)
     Vorn::connect(notifier, &QSocketNotifier::activated, this,
                   [notifier, onKey = std::move(onKey)] {
                       char key = 0;
+                      // At the end of a pipe the descriptor stays readable for ever.
                       if (read(STDIN_FILENO, &key, 1) == 1)
                           onKey(key);
                       else

@@ -7,8 +7,8 @@
 
 namespace Vorn::Workbench {
 
-/// Single characters from the standard input while it is alive; on a terminal without waiting for
-/// Enter and without echo. On one thread, one at a time.
+/// Reports single characters from the standard input while it is alive; on a terminal without
+/// waiting for Enter and without echo. Only one may exist at a time.
 class Keyboard : public QObject
 {
 public:

@@ -1,11 +1,11 @@
 #include "Progress.h"
 
+#include "Output.h"
 #include "Terminal.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <ctime>
 #include <utility>
 
@@ -15,7 +15,7 @@ namespace {
 
 constexpr qint64 progressIntervalMs = 100;
 
-/// The real time, also while the process's clocks are virtual.
+/// Runs on while the process's other clocks are virtual.
 qint64 processorTimeMs()
 {
     return static_cast<qint64>(std::clock()) * 1000 / CLOCKS_PER_SEC;
@@ -47,14 +47,14 @@ void Progress::show(const QString &text)
     winsize size = {};
     const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
     const int width = isKnown ? size.ws_col - 1 : 79;
-    std::fprintf(stderr, "\r\033[K%s", qPrintable(text.left(width)));
-    std::fflush(stderr);
+    // A longer line would wrap, and \r does not return to the start of a wrapped line.
+    print(stderr, "\r\033[K" + text.left(width).toUtf8());
 }
 
 void Progress::clear()
 {
     if (std::exchange(m_isDrawn, false))
-        std::fputs("\r\033[K", stderr);
+        print(stderr, "\r\033[K");
 }
 
 } // namespace Vorn::Workbench

@@ -6,8 +6,8 @@
 
 namespace Vorn::Workbench {
 
-/// A line on a terminal that is overwritten in place to show how far long work is, on stderr; does
-/// nothing if that is no terminal. Goes with the object.
+/// A line on stderr that is overwritten in place to show how far a long job has come. Does nothing
+/// if stderr is not a terminal. The destructor removes the line.
 class Progress
 {
 public:
@@ -16,12 +16,12 @@ public:
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;
 
-    /// Whether show() would do anything: there is a terminal, and so much has been done since the
-    /// start or the last time that a person would like to know.
+    /// Whether show() would do anything: there is a terminal, and 0.1 s of processor time have been
+    /// spent since the start or the last call.
     bool isDue() const;
-    /// Shows @p text, if that is due.
+    /// Shows @p text if isDue(), cut off at the terminal's width.
     void show(const QString &text);
-    /// Removes the line, for other output.
+    /// Removes the line to make way for other output.
     void clear();
 
 private:

@@ -6,8 +6,8 @@ namespace Vorn::Workbench {
 /// When output is coloured.
 enum class Colour { Auto, Always, Never };
 
-/// Whether what goes to @p descriptor (1 or 2) is to be coloured. `Auto`: on a terminal, unless
-/// NO_COLOR is set or TERM is "dumb".
+/// Whether to colour output to @p descriptor. `Auto` means on a terminal, unless NO_COLOR is set or
+/// TERM is "dumb".
 bool isColoured(Colour colour, int descriptor);
 
 /// Whether a descriptor is a terminal.

@@ -1,0 +1,27 @@
+#ifndef VORN_WORKBENCH_OUTPUT_H
+#define VORN_WORKBENCH_OUTPUT_H
+
+#include "Diagnostic.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdio>
+
+namespace Vorn::Workbench {
+
+/// Writes to a standard stream. Errors are sticky in the stream and reported by flush().
+void print(std::FILE *stream, const QByteArray &bytes);
+
+/// A line in UTF-8, whatever the locale: the same input gives the same output everywhere.
+void printLine(std::FILE *stream, const QString &line);
+
+/// Each on a line of stderr.
+void printDiagnostics(const Diagnostics &diagnostics);
+
+/// Whether everything that was ever written to @p stream has arrived.
+bool flush(std::FILE *stream);
+
+} // namespace Vorn::Workbench
+
+#endif

@@ -1,0 +1,45 @@
+#include "Output.h"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+
+using namespace Vorn::Workbench;
+
+namespace {
+
+struct Close
+{
+    void operator()(std::FILE *file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, Close>;
+
+} // namespace
+
+TEST(Output, IsUtf8AndEndsLines)
+{
+    testing::internal::CaptureStdout();
+    printLine(stdout, QStringLiteral("K\u00e4se"));
+    print(stdout, "as it is");
+    EXPECT_TRUE(flush(stdout));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "K\xc3\xa4se\nas it is");
+}
+
+TEST(Output, ListsDiagnosticsOnStandardError)
+{
+    testing::internal::CaptureStderr();
+    printDiagnostics({{Diagnostic::Severity::Error, "a.json", 1, 2, "broken"},
+                      {Diagnostic::Severity::Warning, "a.json", 3, 0, "odd"}});
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "a.json:1:2: error: broken\na.json:3: warning: odd\n");
+}
+
+TEST(Output, RemembersThatTheDiskWasFull)
+{
+    const File full(std::fopen("/dev/full", "w"));
+    ASSERT_TRUE(full);
+    printLine(full.get(), QStringLiteral("lost"));
+    EXPECT_FALSE(flush(full.get()));
+    // Nothing is left to be written now, and still a line is missing.
+    EXPECT_FALSE(flush(full.get()));
+}
