@@ -32,12 +32,12 @@ replay=$!
 wait_for '"KeyLongPress"' out
 
 sed 's/"VolumeUp"/"VolumUp"/' "$source/examples/profiles/player.toml" >profile.toml
-wait_for "profile.toml has mistakes" out
+wait_for "profile.toml has errors; keeping the previous profile" out
 wait_for "profile.toml:[0-9]+:[0-9]+: error: unknown command 'VolumUp'" err
 wait_for '"FactoryReset"' out
-sed 's/"FactoryReset"/"Power"/' "$source/examples/profiles/player.toml" >new.json
-mv new.json profile.toml
-wait_for "profile.toml was loaded again" out
+sed 's/"FactoryReset"/"Power"/' "$source/examples/profiles/player.toml" >new.toml
+mv new.toml profile.toml
+wait_for "profile.toml reloaded" out
 
 kill -INT "$(cat pid)"
 wait "$replay" || status=$?

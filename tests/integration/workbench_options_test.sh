@@ -20,7 +20,7 @@ for command in devices monitor learn check simulate timeline; do
     grep -q '^Examples:' "$folder/out" || failed "expected examples in the help"
     case $command in
     check | simulate) required=(broken.toml) ;;
-    learn) required=(-o new.json) ;;
+    learn) required=(-o new.toml) ;;
     timeline) required=(broken.jsonl -o new.svg) ;;
     *) required=() ;;
     esac
@@ -80,7 +80,7 @@ refuse 'missing.json: error: cannot be read' monitor --profile missing.json
 refuse 'duration' monitor --duration 0
 refuse 'duration' monitor --duration x
 refuse 'existing.json exists' learn -o existing.json
-refuse "unknown command 'VolumUp', did you mean 'VolumeUp'" learn -o new.json -c VolumUp
+refuse "unknown command 'VolumUp', did you mean 'VolumeUp'" learn -o new.toml -c VolumUp
 refuse 'output' learn
 refuse 'missing.jsonl: error: cannot be read' timeline missing.jsonl -o new.svg
 refuse 'broken.jsonl:1.*: error: ' timeline broken.jsonl -o new.svg
@@ -91,7 +91,7 @@ mkdir "$folder/full"
 touch "$folder/full/session.umockdev"
 refuse 'full' monitor --record full
 
-if [ -e new.json ] || [ -e new.svg ]; then
+if [ -e new.toml ] || [ -e new.svg ]; then
     failed "expected no file to be written"
 fi
 finish

@@ -1,5 +1,9 @@
-#include "Commands.h"
+#include "CheckCommand.h"
+
+#include "CommandOptions.h"
 #include "Diagnostic.h"
+#include "ExitStatus.h"
+#include "Output.h"
 #include "ProfileReader.h"
 #include "TextFile.h"
 
@@ -8,22 +12,14 @@
 #include <QJsonObject>
 
 #include <algorithm>
-#include <cstdio>
+
+#include <unistd.h>
 
 namespace Vorn::Tools {
 
 namespace {
 
-using Workbench::Diagnostic;
-using Workbench::Diagnostics;
-
-/// @param stream standard output or error; what went wrong with it shows when it is flushed
-void writeLine(std::FILE *stream, QByteArray line)
-{
-    line += '\n';
-    static_cast<void>(
-        std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stream));
-}
+using namespace Workbench;
 
 QString severityName(const Diagnostic &diagnostic)
 {
@@ -38,27 +34,27 @@ QByteArray toJson(const Diagnostic &diagnostic)
                              {QStringLiteral("column"), diagnostic.column},
                              {QStringLiteral("severity"), severityName(diagnostic)},
                              {QStringLiteral("message"), diagnostic.message}};
-    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
 
-QByteArray toText(const Diagnostic &diagnostic, bool coloured)
+QString toText(const Diagnostic &diagnostic, bool coloured)
 {
     QString text = diagnostic.toString();
     if (coloured) {
         const QString severity = severityName(diagnostic);
         const bool isError = diagnostic.severity == Diagnostic::Severity::Error;
-        // From the end: a file name may contain anything.
+        // Counted from the end, because a file name may contain anything, "error" included.
         const int begin =
             text.size() - diagnostic.message.size() - severity.size() - 2; // ": " between
         text.insert(begin + severity.size(), QStringLiteral("\033[0m"));
         text.insert(begin, isError ? QStringLiteral("\033[1;31m") : QStringLiteral("\033[1;35m"));
     }
-    return text.toLocal8Bit();
+    return text;
 }
 
-QString counted(int count, const QString &what)
+QString counted(int count, const QString &noun)
 {
-    return QStringLiteral("%1 %2%3").arg(count).arg(what,
+    return QStringLiteral("%1 %2%3").arg(count).arg(noun,
                                                     count == 1 ? QString() : QStringLiteral("s"));
 }
 
@@ -71,22 +67,25 @@ QString summary(const QString &file, int errors, int warnings)
     if (warnings > 0)
         parts += counted(warnings, QStringLiteral("warning"));
     if (parts.isEmpty())
-        return name + QStringLiteral(": no mistakes");
+        return name + QStringLiteral(": no errors or warnings");
     return parts.join(QStringLiteral(", ")) + QStringLiteral(" in ") + name;
 }
 
 ExitStatus checkFile(const QString &file, const CheckOptions &options, bool coloured)
 {
     Diagnostics unreadable;
-    const auto text = Workbench::readFile(file, Workbench::maxTextSize, &unreadable);
+    const auto text = readFile(file, maxTextSize, &unreadable);
     if (!text) {
-        for (const Diagnostic &diagnostic : unreadable)
-            writeLine(stderr, diagnostic.toString().toLocal8Bit());
+        printDiagnostics(unreadable);
         return Failure;
     }
-    const Diagnostics diagnostics = Workbench::parseProfile(*text, file).diagnostics;
-    for (const Diagnostic &diagnostic : diagnostics)
-        writeLine(stdout, options.json ? toJson(diagnostic) : toText(diagnostic, coloured));
+    const Diagnostics diagnostics = parseProfile(*text, file).diagnostics;
+    for (const Diagnostic &diagnostic : diagnostics) {
+        if (options.json)
+            print(stdout, toJson(diagnostic));
+        else
+            printLine(stdout, toText(diagnostic, coloured));
+    }
 
     const auto errors = static_cast<int>(
         std::count_if(diagnostics.begin(), diagnostics.end(), [](const Diagnostic &diagnostic) {
@@ -94,20 +93,38 @@ ExitStatus checkFile(const QString &file, const CheckOptions &options, bool colo
         }));
     const int warnings = diagnostics.size() - errors;
     if (!options.json)
-        writeLine(stdout, summary(file, errors, warnings).toLocal8Bit());
+        printLine(stdout, summary(file, errors, warnings));
     return errors > 0 || (options.strict && warnings > 0) ? Found : Success;
 }
 
 } // namespace
 
+CLI::App *addCheck(CLI::App *app, CheckOptions *options)
+{
+    CLI::App *command = addCommand(
+        app, "check", "Check profiles for errors",
+        "Reports every error in the profiles with its line and column, and a suggestion\n"
+        "where there is one. A profile with errors cannot be used; one with warnings can.\n"
+        "\n"
+        "Exit status: 0 no errors, 1 errors, 2 a file that cannot be read\n"
+        "\n"
+        "Examples:\n"
+        "  vorn-input check panel.toml\n"
+        "  vorn-input check --strict profiles/*.toml");
+    addFiles(command, &options->files, "Profiles; - is the standard input");
+    addFlag(command, "--json", &options->json, "Print one JSON object per line");
+    addFlag(command, "--strict", &options->strict, "Treat warnings as errors");
+    return command;
+}
+
 int check(const CheckOptions &options)
 {
-    const bool coloured = !options.json && Workbench::isColoured(options.colour, 1);
+    const bool coloured = !options.json && isColoured(options.colour, STDOUT_FILENO);
     ExitStatus worst = Success;
     for (const QString &file : options.files)
         worst = std::max(worst, checkFile(file, options, coloured));
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        writeLine(stderr, "the standard output cannot be written");
+    if (!flush(stdout)) {
+        printLine(stderr, QStringLiteral("error: cannot write to the standard output"));
         return Failure;
     }
     return worst;

@@ -1,26 +1,24 @@
-#include "Commands.h"
+#include "DevicesCommand.h"
 
+#include "CommandOptions.h"
+#include "ExitStatus.h"
 #include "NodeTable.h"
+#include "Output.h"
 
-#include <cstdio>
+#include <unistd.h>
 
 namespace Vorn::Tools {
 
 namespace {
 
-void write(FILE *stream, const QByteArray &text)
-{
-    // What went wrong is asked for in the end.
-    static_cast<void>(
-        std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stream));
-}
+using namespace Workbench;
 
-QVector<Workbench::NodeInfo> readDevices(const QStringList &paths)
+QVector<NodeInfo> readDevices(const QStringList &paths)
 {
-    QVector<Workbench::NodeInfo> nodes;
+    QVector<NodeInfo> nodes;
     for (const QString &path : paths) {
-        const Workbench::NodeInfo node = Workbench::readNode(path);
-        // Where devices are replayed, absent ones are plain files.
+        const NodeInfo node = readNode(path);
+        // Where a recording is replayed, absent devices are plain files.
         if (node.isDevice)
             nodes += node;
     }
@@ -29,28 +27,43 @@ QVector<Workbench::NodeInfo> readDevices(const QStringList &paths)
 
 } // namespace
 
+CLI::App *addDevices(CLI::App *app, DevicesOptions *options)
+{
+    CLI::App *command = addCommand(
+        app, "devices", "List the input devices",
+        "Shows each /dev/input/event* node: its name, the kernel's and the library's bus,\n"
+        "its keys and switches, whether it can be read, and whether the library would use\n"
+        "it.\n"
+        "\n"
+        "Examples:\n"
+        "  vorn-input devices\n"
+        "  vorn-input devices --json | jq -r 'select(.used) | .name'");
+    addFlag(command, "--json", &options->json, "Print one JSON object per line");
+    return command;
+}
+
 int devices(const DevicesOptions &options)
 {
     QString error;
-    const QVector<Workbench::NodeInfo> nodes = readDevices(Workbench::inputNodes(&error));
+    const QVector<NodeInfo> nodes = readDevices(inputNodes(&error));
     if (!error.isEmpty()) {
-        write(stderr, "vorn-input: " + error.toUtf8() + '\n');
+        printLine(stderr, QStringLiteral("vorn-input: %1").arg(error));
         return Failure;
     }
     if (nodes.isEmpty()) {
-        write(stderr,
-              "vorn-input: there are no input devices in /dev/input; to try recorded ones, run "
-              "'examples/player/recordings/replay.sh vorn-input devices'\n");
+        printLine(stderr,
+                  QStringLiteral("vorn-input: no input devices in /dev/input; to try it with "
+                                 "recorded ones, run "
+                                 "'examples/player/recordings/replay.sh vorn-input devices'"));
         return Success;
     }
     if (options.json) {
-        for (const Workbench::NodeInfo &node : nodes)
-            write(stdout, Workbench::nodeJson(node));
+        for (const NodeInfo &node : nodes)
+            print(stdout, nodeJson(node));
     } else {
-        write(stdout,
-              Workbench::nodeTable(nodes, Workbench::isColoured(options.colour, 1)).toUtf8());
+        print(stdout, nodeTable(nodes, isColoured(options.colour, STDOUT_FILENO)).toUtf8());
     }
-    return std::fflush(stdout) == 0 && !std::ferror(stdout) ? Success : Failure;
+    return flush(stdout) ? Success : Failure;
 }
 
 } // namespace Vorn::Tools

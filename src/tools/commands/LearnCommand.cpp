@@ -1,9 +1,12 @@
+#include "LearnCommand.h"
+
 #include "CommandNames.h"
-#include "Commands.h"
-#include "Diagnostic.h"
+#include "CommandOptions.h"
+#include "ExitStatus.h"
 #include "Interruption.h"
 #include "Keyboard.h"
 #include "Learner.h"
+#include "Output.h"
 #include "Product.h"
 #include "ProfileReader.h"
 #include "ProfileWriter.h"
@@ -17,21 +20,20 @@
 #include <QFileInfo>
 #include <QTimer>
 
-#include <cstdio>
 #include <optional>
 
 namespace Vorn::Tools {
 
-using namespace Workbench;
-
 namespace {
+
+using namespace Workbench;
 
 void complain(const QString &text)
 {
-    std::fprintf(stderr, "vorn-input learn: %s\n", qPrintable(text));
+    printLine(stderr, QStringLiteral("vorn-input learn: ") + text);
 }
 
-/// The commands of their names; nothing, with a line on stderr, if one is unknown.
+/// @return nothing, with a line on stderr, if a name is unknown
 std::optional<QVector<InputEvent::Command>> commandsOf(const QStringList &names)
 {
     if (names.isEmpty())
@@ -52,7 +54,7 @@ std::optional<QVector<InputEvent::Command>> commandsOf(const QStringList &names)
 int write(const Learner &learner, const QString &path)
 {
     if (learner.learntCount() == 0) {
-        complain(QStringLiteral("nothing was learnt, so nothing is written"));
+        complain(QStringLiteral("nothing learnt, so nothing written"));
         return Found;
     }
     const QByteArray json = writeProfile(learner.profile());
@@ -61,16 +63,43 @@ int write(const Learner &learner, const QString &path)
         complain(error);
         return Failure;
     }
-    for (const Diagnostic &diagnostic : parseProfile(json, path).diagnostics)
-        std::fprintf(stderr, "%s\n", qPrintable(diagnostic.toString()));
+    // What was learnt can be valid and still not what a product wants.
+    printDiagnostics(parseProfile(json, path).diagnostics);
     if (path != QLatin1String("-")) {
-        std::fprintf(stderr, "%d learnt, written to %s. Next: vorn-input monitor --profile %s\n",
-                     learner.learntCount(), qPrintable(path), qPrintable(path));
+        printLine(stderr,
+                  QStringLiteral("%1 learnt, written to %2. Next: vorn-input monitor --profile %2")
+                      .arg(learner.learntCount())
+                      .arg(path));
     }
     return Success;
 }
 
 } // namespace
+
+CLI::App *addLearn(CLI::App *app, LearnOptions *options)
+{
+    CLI::App *command = addCommand(
+        app, "learn", "Write a profile by pressing keys",
+        "Asks for one command after another: press its key, two keys together for a\n"
+        "chord, or move its switch. For a key that is held it offers a long press.\n"
+        "Questions are printed to stderr and answered on the terminal: Enter skips or\n"
+        "accepts, n declines, b goes back, q finishes. Ctrl-C finishes as well; what was\n"
+        "learnt so far is kept.\n"
+        "\n"
+        "Examples:\n"
+        "  vorn-input learn -o panel.toml\n"
+        "  vorn-input learn -o panel.toml --commands VolumeUp,VolumeDown,Info");
+    addText(command, "-o,--output", &options->output, "Profile to write; - is the standard output",
+            "FILE", Presence::Required);
+    addCommaList(command, "-c,--commands", &options->commands,
+                 "Commands to ask for, separated by commas (default: those most players have)",
+                 "NAME,...");
+    addFlag(command, "-y,--yes", &options->yes, "Accept every offer");
+    addFlag(command, "-f,--force", &options->force, "Replace an existing file");
+    addSeconds(command, "--patience", &options->patience,
+               "Finish when no key is pressed for this many seconds");
+    return command;
+}
 
 int learn(const LearnOptions &options)
 {
@@ -84,9 +113,8 @@ int learn(const LearnOptions &options)
         return Failure;
     }
 
-    // The questions are for the person, so they stay out of a profile on the standard output.
-    Learner learner(*commands, options.yes,
-                    [](const QString &line) { std::fprintf(stderr, "%s\n", qPrintable(line)); });
+    // Questions go to stderr, because the profile may go to stdout.
+    Learner learner(*commands, options.yes, [](const QString &line) { printLine(stderr, line); });
     QTimer patience;
     patience.setSingleShot(true);
     const auto wait = [&] {
@@ -111,8 +139,9 @@ int learn(const LearnOptions &options)
         wait();
     });
 
-    std::fputs("Enter: skip or accept   n: decline   b: back   q: finish and write\n", stderr);
-    // After the first look at the devices, which are shown above the first question.
+    printLine(stderr,
+              QStringLiteral("Enter: skip or accept   n: decline   b: back   q: finish and write"));
+    // Queued behind the library's first look at the devices, which are listed above the questions.
     QTimer::singleShot(0, &patience, [&] {
         if (devices.devices().isEmpty())
             complain(QStringLiteral("no input device can be read; waiting for one to be plugged in "

@@ -1,12 +1,14 @@
-#include "Commands.h"
+#include "TimelineCommand.h"
+
+#include "CommandOptions.h"
 #include "Diagnostic.h"
+#include "ExitStatus.h"
+#include "Output.h"
 #include "SessionReader.h"
 #include "TextFile.h"
 #include "Timeline.h"
 
 #include <cmath>
-#include <cstdio>
-#include <limits>
 
 namespace Vorn::Tools {
 
@@ -14,11 +16,11 @@ namespace {
 
 int fail(const QString &message)
 {
-    std::fprintf(stderr, "%s\n", qPrintable(message));
+    Workbench::printLine(stderr, message);
     return Failure;
 }
 
-/// µs; what a session's times can be, whatever was asked for.
+/// Clamped to what the time of a session can be; µs.
 qint64 microseconds(double seconds)
 {
     constexpr double longest = 4e9;
@@ -27,6 +29,27 @@ qint64 microseconds(double seconds)
 
 } // namespace
 
+CLI::App *addTimeline(CLI::App *app, TimelineOptions *options)
+{
+    CLI::App *command = addCommand(
+        app, "timeline", "Draw a session as a picture",
+        "Draws a session that monitor or simulate printed with --json, or that monitor\n"
+        "recorded (session.jsonl): when keys were down, what the detectors made of them,\n"
+        "and what was published.\n"
+        "\n"
+        "Examples:\n"
+        "  vorn-input timeline lost-release/session.jsonl -o lost-release.svg\n"
+        "  vorn-input simulate --json chord.scenario | vorn-input timeline - -o chord.svg");
+    addText(command, "FILE", &options->file, "Session; - is the standard input", "",
+            Presence::Required);
+    addText(command, "-o,--output", &options->output,
+            "Picture to write (SVG); - is the standard output", "FILE", Presence::Required);
+    addText(command, "--title", &options->title, "Title of the picture", "TEXT");
+    addSeconds(command, "--from", &options->from, "Start at this second of the session");
+    addSeconds(command, "--to", &options->to, "End at this second of the session");
+    return command;
+}
+
 int timeline(const TimelineOptions &options)
 {
     Workbench::ParsedSession session;
@@ -34,13 +57,12 @@ int timeline(const TimelineOptions &options)
         Workbench::readFile(options.file, Workbench::maxRecordingSize, &session.diagnostics);
     if (text)
         session = Workbench::parseSession(*text, options.file);
-    for (const Workbench::Diagnostic &diagnostic : qAsConst(session.diagnostics))
-        std::fprintf(stderr, "%s\n", qPrintable(diagnostic.toString()));
+    Workbench::printDiagnostics(session.diagnostics);
     if (Workbench::hasErrors(session.diagnostics))
         return Failure;
     if (session.entries.isEmpty())
-        return fail(QStringLiteral("%1: error: no session in it; 'vorn-input monitor --json' and "
-                                   "'vorn-input simulate --json' write one")
+        return fail(QStringLiteral("%1: error: contains no session; to get one, use "
+                                   "'vorn-input monitor --json' or 'vorn-input simulate --json'")
                         .arg(options.file));
 
     Workbench::TimelineOptions picture;

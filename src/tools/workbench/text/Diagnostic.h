@@ -18,7 +18,7 @@ struct Diagnostic
     int column = 0; ///< from 1, in characters; 0: the line as a whole
     QString message; ///< without a full stop; says what to do about it if that is known
 
-    /// "player.json:12:20: error: unknown command 'VolumUp', did you mean 'VolumeUp'?", a form that
+    /// "player.toml:12:20: error: unknown command 'VolumUp', did you mean 'VolumeUp'?", a form that
     /// editors and CI systems turn into links.
     QString toString() const;
 };

@@ -28,10 +28,10 @@ TEST(Output, IsUtf8AndEndsLines)
 TEST(Output, ListsDiagnosticsOnStandardError)
 {
     testing::internal::CaptureStderr();
-    printDiagnostics({{Diagnostic::Severity::Error, "a.json", 1, 2, "broken"},
-                      {Diagnostic::Severity::Warning, "a.json", 3, 0, "odd"}});
+    printDiagnostics({{Diagnostic::Severity::Error, "a.toml", 1, 2, "broken"},
+                      {Diagnostic::Severity::Warning, "a.toml", 3, 0, "odd"}});
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "a.json:1:2: error: broken\na.json:3: warning: odd\n");
+              "a.toml:1:2: error: broken\na.json:3: warning: odd\n");
 }
 
 TEST(Output, RemembersThatTheDiskWasFull)

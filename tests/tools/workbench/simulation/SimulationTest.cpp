@@ -1,7 +1,7 @@
 #include "Simulation.h"
 #include "CommandNames.h"
-#include "Commands.h"
 #include "Diagnostic.h"
+#include "ExitStatus.h"
 #include "Input.h"
 #include "RecordedDevice.h"
 #include "Recording.h"
@@ -9,6 +9,7 @@
 #include "Session.h"
 #include "SessionReader.h"
 #include "SessionWriter.h"
+#include "SimulateCommand.h"
 #include "Terminal.h"
 
 #include <QDir>
@@ -421,7 +422,7 @@ TEST_F(SimulateCommand, TellsWhatFailedAndWhatCameBefore)
     EXPECT_THAT(m_out, HasSubstr("[cmd=Info, state=KeyPressed, bus=LocalUI]"));
     EXPECT_THAT(m_out,
                 EndsWith(">     0.100  here\na.scenario: FAILED after 0 expectations, "
-                         "0.100 s; what follows was not looked at\n"));
+                         "0.100 s; remaining steps not run\n"));
 }
 
 TEST_F(SimulateCommand, PrintsNothingButJsonOnTheStandardOutput)

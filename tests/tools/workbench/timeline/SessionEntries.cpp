@@ -6,7 +6,7 @@ namespace Vorn::Test {
 
 SessionEntry start()
 {
-    return {0, SessionStart{"a.scenario", "player.json", 1'700'000'000'000'000}};
+    return {0, SessionStart{"a.scenario", "player.toml", 1'700'000'000'000'000}};
 }
 
 SessionEntry plugged(qint64 time, const char *device, const char *name)

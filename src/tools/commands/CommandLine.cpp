@@ -1,0 +1,131 @@
+#include "CommandLine.h"
+
+#include "ExitStatus.h"
+#include "Suggestion.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <CLI/CLI.hpp>
+
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace Vorn::Tools {
+
+namespace {
+
+using Workbench::Colour;
+using Workbench::suggestion;
+
+QStringList texts(const std::vector<std::string> &arguments)
+{
+    QStringList list;
+    for (const std::string &argument : arguments)
+        list += QString::fromLocal8Bit(argument.data(), static_cast<int>(argument.size()));
+    return list;
+}
+
+QStringList commandNames(const CLI::App &app)
+{
+    QStringList names;
+    for (const CLI::App *command : app.get_subcommands({}))
+        names += QString::fromStdString(command->get_name());
+    return names;
+}
+
+/// Long names, with their dashes.
+QStringList optionNames(const CLI::App &app)
+{
+    QStringList names;
+    for (const CLI::Option *option : app.get_options()) {
+        for (const std::string &name : option->get_lnames())
+            names += QStringLiteral("--") + QString::fromStdString(name);
+    }
+    return names;
+}
+
+// The parser names what it could not use, but not what was probably meant.
+QString refusal(const CLI::App &app, const CLI::Error &error)
+{
+    const std::vector<CLI::App *> commands = app.get_subcommands();
+    QStringList unknown = texts(app.remaining(true));
+    unknown.removeAll(QStringLiteral("--"));
+    if (unknown.isEmpty()) {
+        if (commands.empty() && error.get_name() == "RequiredError")
+            return QStringLiteral("a command is required: %1")
+                .arg(commandNames(app).join(QStringLiteral(", ")));
+        return QString::fromLocal8Bit(error.what());
+    }
+    // A misspelt option leaves its value behind as well, so the option comes first.
+    for (const QString &word : qAsConst(unknown)) {
+        if (!word.startsWith(QLatin1Char('-')))
+            continue;
+        QStringList known = optionNames(app);
+        for (const CLI::App *command : commands)
+            known += optionNames(*command);
+        return QStringLiteral("unknown option '%1'%2")
+            .arg(word, suggestion(word.section(QLatin1Char('='), 0, 0), known));
+    }
+    const QString word = unknown.first();
+    if (commands.empty())
+        return QStringLiteral("unknown command '%1'%2")
+            .arg(word, suggestion(word, commandNames(app)));
+    return QStringLiteral("unexpected argument '%1'").arg(word);
+}
+
+} // namespace
+
+CommandLine::CommandLine(const std::string &version)
+    : m_app(std::make_unique<CLI::App>(
+        "Workbench for input devices: see what they send, try out and check what their keys mean,\n"
+        "prove it with scenarios, and draw the timing.",
+        "vorn-input"))
+    , m_status(Success)
+{
+    m_app->set_version_flag("--version", "vorn-input " + version);
+    m_app->require_subcommand(1);
+    // So that common options are understood after the sub-command, where people put them.
+    m_app->fallthrough();
+    m_app->failure_message([](const CLI::App *failed, const CLI::Error &error) {
+        return "vorn-input: " + refusal(*failed, error).toStdString() + " (see --help)\n";
+    });
+    m_app->footer("Options and examples of a command: vorn-input COMMAND --help\n"
+                  "Manual: man vorn-input\n"
+                  "\n"
+                  "Exit status: 0 success, 1 something was found (an error in a profile, a failed\n"
+                  "expectation), 2 it could not be done");
+
+    m_app
+        ->add_option("--log", m_logLevel,
+                     "Show the library's log lines on stderr, from this level on: trace, debug, "
+                     "info, warn, error (default) or off")
+        ->type_name("LEVEL")
+        ->check(CLI::IsMember({"trace", "debug", "info", "warn", "error", "off"}).description(""));
+    const std::map<std::string, Colour> colours{
+        {"auto", Colour::Auto}, {"always", Colour::Always}, {"never", Colour::Never}};
+    m_app->add_option("--color", m_colour, "Colour the output: auto (default), always or never")
+        ->type_name("WHEN")
+        ->transform(CLI::CheckedTransformer(colours).description(""));
+}
+
+CommandLine::~CommandLine() = default;
+
+void CommandLine::setAction(CLI::App *command, std::function<int()> run)
+{
+    command->final_callback([this, run = std::move(run)] { m_status = run(); });
+}
+
+int CommandLine::parse(int argc, const char *const *argv)
+{
+    try {
+        m_app->parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        // --help and --version end up here, too.
+        return m_app->exit(error) == 0 ? Success : Failure;
+    }
+    return m_status;
+}
+
+} // namespace Vorn::Tools

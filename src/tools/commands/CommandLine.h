@@ -1,0 +1,49 @@
+#ifndef VORN_TOOLS_COMMANDLINE_H
+#define VORN_TOOLS_COMMANDLINE_H
+
+#include "Terminal.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace Vorn::Tools {
+
+/// The command line as a whole: the options that all sub-commands share, and what is said about
+/// arguments that make no sense.
+class CommandLine
+{
+public:
+    explicit CommandLine(const std::string &version);
+    ~CommandLine();
+    CommandLine(const CommandLine &) = delete;
+    CommandLine &operator=(const CommandLine &) = delete;
+
+    /// For sub-commands to be added to.
+    CLI::App *app() const { return m_app.get(); }
+
+    /// @param run called by parse() if @p command is the one given; returns the exit status
+    void setAction(CLI::App *command, std::function<int()> run);
+
+    /// Parses the arguments and runs the sub-command that they name.
+    /// @return the exit status of the process
+    int parse(int argc, const char *const *argv);
+
+    /// What was given, valid within actions.
+    const std::string &logLevel() const { return m_logLevel; }
+    Workbench::Colour colour() const { return m_colour; }
+
+private:
+    const std::unique_ptr<CLI::App> m_app;
+    std::string m_logLevel = "error";
+    Workbench::Colour m_colour = Workbench::Colour::Auto;
+    int m_status;
+};
+
+} // namespace Vorn::Tools
+
+#endif

@@ -1,0 +1,212 @@
+#include "LiveView.h"
+
+#include "Diagnostic.h"
+#include "ExitStatus.h"
+#include "Interruption.h"
+#include "Keyboard.h"
+#include "Output.h"
+#include "ProfileWatcher.h"
+#include "SessionWriter.h"
+#include "Suggestion.h"
+#include "Terminal.h"
+#include "vorn.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <unistd.h>
+
+namespace Vorn::Tools {
+
+using namespace Workbench;
+
+namespace {
+
+void complain(const QString &text)
+{
+    printLine(stderr, QStringLiteral("vorn-input monitor: ") + text);
+}
+
+SessionPrinter::Options textOptions(const MonitorOptions &options)
+{
+    SessionPrinter::Options text;
+    // Without a profile there is nothing but records to see.
+    text.records = options.raw || options.profile.isEmpty();
+    text.latency = true;
+    text.coloured = isColoured(options.colour, STDOUT_FILENO);
+    return text;
+}
+
+} // namespace
+
+LiveView::LiveView(const MonitorOptions &options)
+    : m_options(options)
+    , m_hasProfile(!options.profile.isEmpty())
+    , m_text(textOptions(options))
+    , m_log([this](const SessionEntry &entry) { onEntry(entry); })
+{ }
+
+int LiveView::prepare()
+{
+    if (m_hasProfile) {
+        const ParsedProfile parsed = loadProfile(m_options.profile);
+        printDiagnostics(parsed.diagnostics);
+        if (hasErrors(parsed.diagnostics))
+            return Failure;
+        m_profile = parsed.profile;
+    }
+    if (!m_options.identifier.isEmpty())
+        m_profile.initial = m_options.identifier;
+    if (m_hasProfile && !m_profile.identifiers().contains(m_profile.initial)) {
+        complain(
+            QStringLiteral("the profile has no handler under '%1'%2")
+                .arg(m_profile.initial, suggestion(m_profile.initial, m_profile.identifiers())));
+    }
+    if (!m_options.record.isEmpty()) {
+        m_recorder = std::make_unique<Recorder>(
+            m_options.record, m_hasProfile ? &m_profile : nullptr, m_options.showText);
+        const QString error = m_recorder->open();
+        if (!error.isEmpty()) {
+            complain(error);
+            return Failure;
+        }
+    }
+    return Success;
+}
+
+void LiveView::onEntry(const SessionEntry &entry)
+{
+    // To a person the devices have been there all the time.
+    if (m_isReloading && std::holds_alternative<DeviceChange>(entry.what)) {
+        const auto &change = std::get<DeviceChange>(entry.what);
+        if (!change.added || m_devicesBefore.value(change.device) == change.name) {
+            m_devicesBefore.remove(change.device);
+            return;
+        }
+    }
+    if (m_recorder)
+        m_recorder->add(entry);
+    show(entry);
+}
+
+void LiveView::show(const SessionEntry &entry)
+{
+    if (m_options.json) {
+        print(stdout, toJsonLine(entry));
+    } else {
+        const QString line = m_text.line(entry);
+        if (!line.isEmpty())
+            printLine(stdout, line);
+        const QString identifier = m_devices ? m_devices->identifier() : m_profile.initial;
+        const QString place = m_hasProfile
+            ? QStringLiteral(" (not in the profile under '%1')").arg(identifier)
+            : QString();
+        const QStringList hints =
+            m_hints.add(entry, m_hasProfile ? &m_profile : nullptr, identifier);
+        for (const QString &hint : hints)
+            printLine(stdout, QStringLiteral("             register: ") + hint + place);
+    }
+    // A pipe's reader must see it live, too. Whether it could be written is not asked here: the
+    // view goes on for the recording.
+    static_cast<void>(flush(stdout));
+}
+
+/*
+ *  profile saved ─── it has errors: the previous one stays in use
+ *        │
+ *        ▼  m_isReloading
+ *  the old product goes without a word
+ *  the new one finds the devices ─── shown only if they are new or have another name
+ *        │
+ *        ▼  queued behind that
+ *  devices that come and go are shown again
+ */
+void LiveView::useProfile(const Profile &profile)
+{
+    m_isReloading = m_devices != nullptr;
+    if (m_devices)
+        m_devicesBefore = m_devices->devices();
+    m_devices.reset();
+    m_devices = std::make_unique<Product>(profile, &m_log);
+    QTimer::singleShot(0, m_devices.get(), [this] {
+        m_isReloading = false;
+        if (m_devices->devices().isEmpty())
+            complain(QStringLiteral("no input device can be read; waiting for one to be plugged in "
+                                    "(see: vorn-input devices)"));
+    });
+}
+
+void LiveView::onProfileChanged(const ParsedProfile &parsed)
+{
+    printDiagnostics(parsed.diagnostics);
+    if (hasErrors(parsed.diagnostics)) {
+        m_log.add(Remark{
+            QStringLiteral("%1 has errors; keeping the previous profile").arg(m_options.profile)});
+        return;
+    }
+    const QString identifier = m_devices->identifier();
+    m_profile = parsed.profile;
+    if (m_profile.identifiers().contains(identifier))
+        m_profile.initial = identifier;
+    m_hints = Hints();
+    m_log.add(Remark{QStringLiteral("%1 reloaded").arg(m_options.profile)});
+    useProfile(m_profile);
+}
+
+void LiveView::onKey(char key)
+{
+    const QStringList identifiers = m_profile.identifiers();
+    const int index = key - '1';
+    if (index >= 0 && index < identifiers.size() && key <= '9') {
+        m_devices->select(identifiers.at(index));
+    } else if (key == 'r') {
+        m_text.setRecords(!m_text.records());
+    } else if (key == 'q') {
+        QCoreApplication::quit();
+    } else if (key == '?' || key == 'h') {
+        showHelp();
+    }
+}
+
+void LiveView::showHelp()
+{
+    QString line = QStringLiteral("q: quit   r: show or hide records   ?: this help");
+    const QStringList identifiers = m_profile.identifiers();
+    for (int i = 0; i < identifiers.size() && i < 9; ++i)
+        line += QStringLiteral("   %1: select '%2'").arg(i + 1).arg(identifiers.at(i));
+    printLine(stderr, line);
+}
+
+int LiveView::run()
+{
+    const Interruption interruption([] { QCoreApplication::quit(); });
+    std::unique_ptr<Keyboard> keyboard;
+    if (isTerminal(STDIN_FILENO) && !m_options.json) {
+        keyboard = std::make_unique<Keyboard>([this](char key) { onKey(key); });
+        showHelp();
+    }
+    std::unique_ptr<ProfileWatcher> watcher;
+    if (m_hasProfile) {
+        watcher = std::make_unique<ProfileWatcher>(
+            m_options.profile, [this](const ParsedProfile &parsed) { onProfileChanged(parsed); });
+    }
+    m_log.add(SessionStart{QStringLiteral("monitor"), m_options.profile, m_log.wallClockAtStart()});
+    useProfile(m_profile);
+    if (m_options.duration > 0) {
+        QTimer::singleShot(static_cast<int>(m_options.duration * 1000), Qt::PreciseTimer,
+                           m_devices.get(), &QCoreApplication::quit);
+    }
+    QCoreApplication::exec();
+    // Its devices go into the recording as long as that is open.
+    m_devices.reset();
+    if (m_recorder) {
+        const QString error = m_recorder->close();
+        if (!error.isEmpty()) {
+            complain(error);
+            return Failure;
+        }
+    }
+    return Success;
+}
+
+} // namespace Vorn::Tools

@@ -1,0 +1,53 @@
+#ifndef VORN_TOOLS_LIVEVIEW_H
+#define VORN_TOOLS_LIVEVIEW_H
+
+#include "Hints.h"
+#include "MonitorCommand.h"
+#include "Product.h"
+#include "Profile.h"
+#include "Recorder.h"
+#include "Session.h"
+#include "SessionLog.h"
+#include "SessionPrinter.h"
+
+#include <QMap>
+#include <QString>
+
+#include <memory>
+
+namespace Vorn::Tools {
+
+/// What `monitor` shows: one session, across every version of the profile.
+class LiveView
+{
+public:
+    explicit LiveView(const MonitorOptions &options);
+
+    /// @return the exit status; anything but Success means that there is nothing to run
+    int prepare();
+    /// Shows the session until the person, a signal or the duration ends it.
+    int run();
+
+private:
+    void onEntry(const Workbench::SessionEntry &entry);
+    void show(const Workbench::SessionEntry &entry);
+    void onKey(char key);
+    void onProfileChanged(const Workbench::ParsedProfile &parsed);
+    void useProfile(const Workbench::Profile &profile);
+    void showHelp();
+
+    const MonitorOptions m_options;
+    const bool m_hasProfile;
+    Workbench::Profile m_profile;
+    Workbench::SessionPrinter m_text;
+    Workbench::Hints m_hints;
+    std::unique_ptr<Workbench::Recorder> m_recorder;
+    bool m_isReloading = false;
+    Workbench::SessionLog m_log;
+    std::unique_ptr<Workbench::Product> m_devices;
+    QMap<QString, QString> m_devicesBefore; ///< the reload; paths and names
+};
+
+} // namespace Vorn::Tools
+
+#endif

@@ -1,0 +1,115 @@
+#include "SimulationReport.h"
+
+#include "Output.h"
+#include "SessionWriter.h"
+#include "Terminal.h"
+
+#include <unistd.h>
+
+namespace Vorn::Tools {
+
+using namespace Workbench;
+
+namespace {
+
+// A failure is explained by what happened before it, and that fits on a screen.
+constexpr int contextLines = 12;
+
+SessionPrinter::Options shownText(const SimulateOptions &options)
+{
+    SessionPrinter::Options result;
+    result.records = options.raw;
+    result.coloured = isColoured(options.colour, STDOUT_FILENO);
+    return result;
+}
+
+SessionPrinter::Options contextText()
+{
+    SessionPrinter::Options result;
+    result.records = true;
+    result.detectors = true;
+    result.indent = 2;
+    return result;
+}
+
+} // namespace
+
+SimulationReport::SimulationReport(const SimulateOptions &options)
+    : m_options(options)
+    , m_text(shownText(options))
+    , m_contextText(contextText())
+{ }
+
+void SimulationReport::add(const SessionEntry &entry)
+{
+    if (!m_options.timeline.isEmpty())
+        m_entries.append(entry);
+    if (m_options.json)
+        print(stdout, toJsonLine(entry));
+    if (const auto *checked = std::get_if<ExpectationChecked>(&entry.what)) {
+        if (!checked->met)
+            m_failure = entry;
+        return;
+    }
+    const QString line = m_contextText.line(entry);
+    if (!line.isEmpty()) {
+        m_context.append(line);
+        if (m_context.size() > contextLines)
+            m_context.removeFirst();
+    }
+    if (m_options.json || m_options.quiet)
+        return;
+    const QString shown = m_text.line(entry);
+    if (!shown.isEmpty())
+        printLine(stdout, shown);
+}
+
+void SimulationReport::printFailure() const
+{
+    const auto *failure = std::get_if<ExpectationChecked>(&m_failure.what);
+    if (!failure)
+        return;
+    // With --json, stdout is for objects alone.
+    std::FILE *stream = m_options.json ? stderr : stdout;
+    QString expected = failure->text;
+    if (expected.startsWith(QLatin1String("expect ")))
+        expected = expected.mid(7).trimmed();
+    printLine(stream,
+              QStringLiteral("%1:%2: expected %3, found %4")
+                  .arg(failure->file)
+                  .arg(failure->line)
+                  .arg(expected, failure->found));
+    for (const QString &line : m_context)
+        printLine(stream, line);
+    const QString time = secondsText(m_failure.time / 1000).rightJustified(9);
+    printLine(stream, QStringLiteral("> %1  here").arg(time));
+}
+
+QString simulationSummary(const QString &file, const SimulationResult &result, bool hasExpectations)
+{
+    const QString time = QStringLiteral("%1 s").arg(secondsText(result.duration));
+    const QString expectations = result.expectations == 1
+        ? QStringLiteral("1 expectation")
+        : QStringLiteral("%1 expectations").arg(result.expectations);
+    switch (result.outcome) {
+    case SimulationResult::Outcome::Passed:
+        return hasExpectations
+            ? QStringLiteral("%1: passed, %2, %3").arg(file, expectations, time)
+            : QStringLiteral("%1: done, no expectations to check, %2").arg(file, time);
+    case SimulationResult::Outcome::Failed:
+        return QStringLiteral("%1: FAILED after %2, %3; remaining steps not run")
+            .arg(file, expectations, time);
+    case SimulationResult::Outcome::Malformed:
+        return QStringLiteral("%1: a step could not be run, at %2").arg(file, time);
+    case SimulationResult::Outcome::Interrupted:
+        break;
+    }
+    return QStringLiteral("%1: interrupted at %2").arg(file, time);
+}
+
+QString secondsText(qint64 milliseconds)
+{
+    return QString::number(static_cast<double>(milliseconds) / 1000, 'f', 3);
+}
+
+} // namespace Vorn::Tools
