@@ -11,13 +11,13 @@ namespace Vorn::Workbench {
 
 namespace {
 
-/// Whether a listener reads its node: only then does it have a notifier.
+/// A listener has a notifier only while it reads its node, and does not say so otherwise.
 bool isReading(const LinuxInputListener *listener)
 {
     return listener && listener->findChild<QSocketNotifier *>();
 }
 
-/// The bus of a device, which a listener that does not read does not know.
+/// A listener that does not read its node does not know the bus.
 InputEvent::Bus busOf(const LinuxInputListener *keys, const LinuxInputListener *switches)
 {
     if (keys && keys->bus() != InputEvent::Bus::NoBus)
@@ -35,8 +35,8 @@ Product::Product(const Profile &profile, SessionLog *log)
     select(profile.initial);
 }
 
-// The handlers of this class go first: they ask for the deferred deletion of their listeners,
-// which the library deletes at once.
+// Before the library's own: their destructors ask for the deferred deletion of their listeners,
+// which the base class deletes at once.
 Product::~Product()
 {
     for (const Device &device : qAsConst(m_devices))
@@ -55,10 +55,11 @@ void Product::addDevice(const QString &path, const QString &name)
 
     Observation keys = observation;
     Observation switches = observation;
-    keys.tellsRecords = isReading(device.otherKeys->listener());
-    switches.tellsRecords = !keys.tellsRecords;
-    device.otherKeys->setTellsRecords(keys.tellsRecords);
-    device.otherSwitches->setTellsRecords(switches.tellsRecords);
+    // Only now do the handlers have listeners that can be asked.
+    keys.logsRecords = isReading(device.otherKeys->listener());
+    switches.logsRecords = !keys.logsRecords;
+    device.otherKeys->setLogsRecords(keys.logsRecords);
+    device.otherSwitches->setLogsRecords(switches.logsRecords);
     device.bus = busOf(device.otherKeys->listener(), device.otherSwitches->listener());
     m_log->add(DeviceChange{path, name, device.bus, true});
 
@@ -120,8 +121,8 @@ QMap<QString, QString> Product::devices() const
     return names;
 }
 
-// Attached to the listeners directly: registered with the library they would make it select anew
-// for all devices, which ends chords and long presses that are going on.
+// Attached to the listeners directly. Registering them with the library would make it select again
+// for all devices, which ends chords and long presses in progress.
 void Product::takeUnreadRecords()
 {
     for (const Device &device : qAsConst(m_devices)) {
@@ -152,6 +153,7 @@ void Product::onInputEvent(const InputEvent &event)
         if (m_cause->stamp != 0)
             published.latency = SessionLog::wallClock() - m_cause->stamp;
     }
+    // A long press comes from a timer, not from a record.
     const LongPressSource source = !m_cause && event.state() == InputEvent::KeyLongPress
         ? longPressSource(event)
         : LongPressSource();
@@ -163,7 +165,7 @@ void Product::onInputEvent(const InputEvent &event)
     }
     m_log->add(published);
     if (source.handler)
-        source.handler->longPressReported(source.key.code, SessionLog::wallClock() / 1000);
+        source.handler->longPresses().reported(source.key.code, SessionLog::wallClock() / 1000);
 
     for (const SelectRule &rule : m_profile.select) {
         if (rule.command == event.command() && rule.state == event.state()) {
@@ -173,7 +175,7 @@ void Product::onInputEvent(const InputEvent &event)
     }
 }
 
-// A long press comes from a timer. The key is the one whose long press was due first.
+// Several keys may have the same command: it is the one whose long press was due first.
 Product::LongPressSource Product::longPressSource(const InputEvent &event) const
 {
     const qint64 now = SessionLog::wallClock() / 1000;
@@ -182,7 +184,7 @@ Product::LongPressSource Product::longPressSource(const InputEvent &event) const
         if (it->bus != event.bus())
             continue;
         for (ObservedKeyHandler *candidate : it->keyHandlers) {
-            const auto key = candidate->dueKey(event.command(), now);
+            const auto key = candidate->longPresses().dueKey(event.command(), now);
             if (key && (!source.handler || key->due < source.key.due))
                 source = LongPressSource{candidate, it.key(), *key};
         }

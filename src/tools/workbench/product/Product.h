@@ -1,8 +1,11 @@
-#ifndef VORN_WORKBENCH_PROFILEDEVICES_H
-#define VORN_WORKBENCH_PROFILEDEVICES_H
+#ifndef VORN_WORKBENCH_PRODUCT_H
+#define VORN_WORKBENCH_PRODUCT_H
 
 #include "BasicInputHandler.h"
-#include "ObservedHandlers.h"
+#include "LongPressMirror.h"
+#include "Observation.h"
+#include "ObservedKeyHandler.h"
+#include "ObservedSwitchHandler.h"
 #include "Profile.h"
 #include "SessionLog.h"
 
@@ -16,14 +19,14 @@
 namespace Vorn::Workbench {
 
 /// The library's device manager with the registrations of a profile, as a product would make them.
-/// It tells a SessionLog of everything that happens: devices, records, what the detectors do,
-/// published events, selections.
+/// It logs everything that happens: devices, records, what the detectors do, published events,
+/// selections.
 ///
 /// Nothing is read twice: handlers see the batches on their way to the library. Where the product
-/// would have no handler (a device or an identifier that the profile does not mention), one without
-/// registrations takes the records, so that they are told of; nothing is published by that.
+/// would have no handler (for a device or an identifier that the profile does not mention), one
+/// without registrations takes the records, so that they are logged; it publishes nothing.
 ///
-/// **Thread**: the one of the event loop. Only one at a time, since all publish on the same bus.
+/// **Thread**: that of the event loop. Only one at a time, because all publish on the same bus.
 class Product : public BasicInputHandler
 {
     Q_OBJECT
@@ -37,17 +40,17 @@ public:
     void addDevice(const QString &path, const QString &name) override;
     void removeDevice(const QString &path) override;
 
-    /// Selects an identifier, as a product does, and tells the log.
+    /// Selects an identifier, as a product does, and logs it.
     void select(const QString &identifier);
     QString identifier() const { return m_identifier; }
 
     const Profile &profile() const { return m_profile; }
 
-    /// Paths and kernel names of the devices that are there.
+    /// Paths and kernel names of the devices that are present.
     QMap<QString, QString> devices() const;
 
 Q_SIGNALS:
-    /// Emitted after the log was told.
+    /// Emitted when it has been logged.
     void deviceAdded(const QString &device, const QString &name);
     void deviceRemoved(const QString &device);
 
@@ -56,7 +59,7 @@ private:
     {
         QString name;
         InputEvent::Bus bus = InputEvent::Bus::NoBus;
-        /// Owned here; they take what the product would leave unread.
+        /// Owned here: they take what the product would leave unread.
         ObservedKeyHandler *otherKeys = nullptr;
         ObservedSwitchHandler *otherSwitches = nullptr;
         /// Owned by the library.
@@ -65,11 +68,12 @@ private:
         QSet<QString> switchIdentifiers;
     };
 
+    /// The key that a long press comes from; no handler if it is not known.
     struct LongPressSource
     {
         ObservedKeyHandler *handler = nullptr;
         QString device;
-        ObservedKeyHandler::DueKey key;
+        LongPressMirror::DueKey key;
     };
 
     void onInputEvent(const InputEvent &event);
