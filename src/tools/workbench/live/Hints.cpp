@@ -19,7 +19,7 @@ QString inputEvent(std::optional<InputEvent::Command> command)
         + (command ? commandName(*command) : QStringLiteral("\u2026"));
 }
 
-/// Calls @p isThere for each of the handlers that are registered under @p identifier.
+/// Whether @p isThere for one of the handlers under @p identifier.
 template <typename Predicate>
 bool anyHandler(const DeviceProfile *mapping, const QString &identifier, Predicate isThere)
 {
@@ -109,9 +109,9 @@ QString switchRegistration(int code)
 QStringList Hints::once(const QString &place, const QString &text)
 {
     const QString key = place + text;
-    if (m_told.contains(key))
+    if (m_shown.contains(key))
         return {};
-    m_told.insert(key);
+    m_shown.insert(key);
     return {text};
 }
 
@@ -133,10 +133,10 @@ QStringList Hints::add(const SessionEntry &entry, const Profile *profile, const 
     const auto *step = std::get_if<DetectorStep>(&entry.what);
     if (!step || step->what != DetectorStep::What::ChordFound || step->keys.size() != 2)
         return {};
-    // How long a chord is held says nothing about a long press of its keys.
+    // Holding a chord is not meant as a long press of its keys.
     for (const int code : step->keys)
         m_pressed.remove(keyId(step->device, code));
-    // With a profile, two keys that happen to be down together are no news.
+    // A profile has its chords; other keys that happen to be down together are not worth a line.
     return profile ? QStringList()
                    : once(step->device, chordRegistration(step->keys.first(), step->keys.last()));
 }

@@ -12,30 +12,30 @@
 
 namespace Vorn::Workbench {
 
-/// Whether a command is usually reported at once, because it follows the finger: volume, cursor,
-/// typed characters.
+/// Whether a command is usually registered as immediate, because it follows the finger: volume,
+/// cursor, typed characters.
 bool isUsuallyImmediate(InputEvent::Command command);
 
-/// "keys->registerKey(KEY_INFO, InputEvent::Info, false);", with "…" for a command that only the
-/// product knows.
+/// "keys->registerKey(KEY_INFO, InputEvent::Info, false);", with "…" for a command that is up to
+/// the product.
 QString keyRegistration(int code);
 QString longPressRegistration(int code);
 QString chordRegistration(int first, int second);
 QString switchRegistration(int code);
 
-/// How long a key is held, at least, for a long press to be meant.
+/// A key that is held at least this long is meant as a long press.
 constexpr qint64 longPressHoldUs = 600'000;
-/// The timeout of a long press that is proposed.
+/// The timeout of a proposed long press.
 constexpr int usualLongPressMs = 700;
-/// The timeout after it for a key that repeats, as on the example player's front panel.
+/// The next timeout of a key that repeats, as on the example player's front panel.
 constexpr int usualRepeatMs = 600;
 
-/// Tells what a registration would look like for keys and switches that are not registered: the
-/// first time that each is used, held for long or pressed together with another.
+/// Shows the registrations that keys and switches without one would need: the first time each is
+/// used, held long or pressed together with another.
 class Hints
 {
 public:
-    /// The lines that go with an entry; mostly none.
+    /// The lines to show with an entry; none for most entries.
     /// @param profile null without one: then nothing is registered
     QStringList add(const SessionEntry &entry, const Profile *profile, const QString &identifier);
 
@@ -50,8 +50,8 @@ private:
     QStringList once(const QString &place, const QString &text);
 
     QHash<QString, Device> m_devices;
-    QHash<QString, qint64> m_pressed; ///< by device and code: the stamp, µs
-    QSet<QString> m_told;
+    QHash<QString, qint64> m_pressed; ///< stamp of the press in µs, by device and code
+    QSet<QString> m_shown;
 };
 
 } // namespace Vorn::Workbench

@@ -45,6 +45,24 @@ QVector<InputEvent::Command> usualCommands()
             InputEvent::SWLineIn,    InputEvent::FactoryReset};
 }
 
+/*
+ *  asking ─────── Enter: skip, or a switch is moved ──────────────────┐
+ *    │      ▲                                                         │
+ *    │      └──── all up: three keys, or one that has a meaning already
+ *    │ key down                                                       │
+ *    ▼                                                                │
+ *  pressed ────── all up: a chord, or one key for a short time ───────┤
+ *    │                                                                │
+ *    │ all up: one key, for 0.6 s or more                             │
+ *    ▼                                                                ▼
+ *  offered ────── Enter, y, n or --yes ──────────────────▶ asking for the next command,
+ *    │                                                     or finished
+ *    └─ keys up, or a switch: declined, and taken as the answer to the next question
+ *
+ *  b goes back by one command and forgets what was learnt for it, q finishes, both at any time. A
+ *  device that is unplugged while its key is down takes "pressed" back to "asking".
+ */
+
 Learner::Learner(const QVector<InputEvent::Command> &commands, bool acceptsAll, Say say)
     : m_commands(commands)
     , m_acceptsAll(acceptsAll)
@@ -98,7 +116,7 @@ void Learner::add(const SessionEntry &entry)
                   .arg(QLatin1String(change->added ? "+" : "-"), change->device, change->name));
         if (change->added)
             m_names.insert(change->device, change->name);
-        // Its keys will not be released any more.
+        // The releases of its keys will never come.
         else if (m_press.device == change->device)
             m_press = Press();
         return;
@@ -114,7 +132,7 @@ void Learner::add(const SessionEntry &entry)
 
 void Learner::onKey(const RecordRead &record)
 {
-    // Keys of another device are somebody else's fingers.
+    // Keys of two devices are no chord: whoever presses the other one must wait.
     if (!m_press.down.isEmpty() && m_press.device != record.device)
         return;
     if (record.value == 1) {
@@ -125,7 +143,7 @@ void Learner::onKey(const RecordRead &record)
         if (!m_press.down.contains(record.code))
             m_press.down += record.code;
     } else if (record.value == 0 && m_press.down.removeOne(record.code) && m_press.down.isEmpty()) {
-        // By the stamps, like the library: when the records are read is a matter of load.
+        // By the stamps, as in the library: when records are read depends on the load.
         m_press.duration = qMax<qint64>(0, record.stamp - m_press.begin);
         onPressed(std::exchange(m_press, Press()));
     }
@@ -133,14 +151,14 @@ void Learner::onKey(const RecordRead &record)
 
 void Learner::onPressed(const Press &press)
 {
-    // The next key is an answer as well: the offer was of no interest.
+    // To press the next key without answering the offer is to decline it.
     if (m_offered >= 0)
         acceptOffer(false);
     if (m_isFinished)
         return;
     const QString device = m_names.value(press.device, press.device);
     if (press.keys.size() > 2) {
-        m_say(QStringLiteral("      %1: the library knows chords of two keys only, try again")
+        m_say(QStringLiteral("      %1: the library supports chords of two keys only; try again")
                   .arg(keysText(press.keys)));
         return;
     }
@@ -151,7 +169,7 @@ void Learner::onPressed(const Press &press)
         if (!isSame)
             continue;
         if (known.command != command()) {
-            m_say(QStringLiteral("      %1 means %2 already; press another key, or Enter to skip")
+            m_say(QStringLiteral("      %1 already means %2; press another key, or Enter to skip")
                       .arg(keysText(press.keys), commandName(known.command)));
         } else if (press.keys.size() == 1 && press.duration >= longPressHoldUs) {
             offerLongPress(i, press.duration);
@@ -179,7 +197,7 @@ void Learner::onSwitch(const RecordRead &record)
     const bool isKnown = std::any_of(m_learnt.begin(), m_learnt.end(), [&](const Learnt &learnt) {
         return learnt.deviceName == device && learnt.switchCode == record.code;
     });
-    // Every switch is moved back, too.
+    // A switch that was moved is moved back, and that is not the answer to the next question.
     if (isKnown || m_isFinished)
         return;
     learn(Learnt{command(), device, {}, record.code, false});

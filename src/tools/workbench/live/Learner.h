@@ -15,28 +15,29 @@
 
 namespace Vorn::Workbench {
 
-/// Asks for one command after the other, learns which key, chord or switch is used for it, and
-/// makes a profile of that.
+/// Asks for one command after another, learns which key, chord or switch is used for it, and turns
+/// that into a profile.
 ///
-/// A key counts when it is released. Keys of one device that are down together are a chord; a key
-/// that is held for 600 ms or more is offered a long press. It does no input or output of its own.
+/// A key counts when it is released. Keys of one device that are down together are a chord; for a
+/// key that is held for 600 ms or more a long press is offered. The class does no input or output
+/// of its own.
 class Learner
 {
 public:
     using Say = std::function<void(const QString &)>;
 
     /// @param commands in the order in which they are asked for
-    /// @param acceptsAll every offer is accepted without being asked
+    /// @param acceptsAll every offer is accepted without asking
     Learner(const QVector<InputEvent::Command> &commands, bool acceptsAll, Say say);
 
     /// Asks for the first command.
     void start();
 
-    /// Takes what happens at the devices.
+    /// Takes what happens on the devices.
     void add(const SessionEntry &entry);
 
-    /// Takes a key of the terminal: Enter skips a command or accepts an offer, "y" accepts, "n"
-    /// declines, "b" goes back to the command before, "q" finishes.
+    /// Takes a key from the terminal: Enter skips a command or accepts an offer, "y" accepts, "n"
+    /// declines, "b" goes back to the previous command, "q" finishes.
     void answer(char key);
 
     bool isFinished() const { return m_isFinished; }
@@ -44,11 +45,11 @@ public:
     /// How many commands have a key, a chord or a switch.
     int learntCount() const;
 
-    /// What was learnt so far.
+    /// What has been learnt so far.
     Profile profile() const;
 
 private:
-    /// What was pressed from the first key down to the last one up.
+    /// Everything pressed from the first key down to the last key up.
     struct Press
     {
         QString device;
@@ -83,7 +84,7 @@ private:
     const Say m_say;
     int m_index = 0;
     bool m_isFinished = false;
-    int m_offered = -1; ///< index in m_learnt of what a long press is offered for
+    int m_offered = -1; ///< index in m_learnt of the key a long press is offered for; -1: none
     Press m_press;
     QHash<QString, QString> m_names;
     QVector<Learnt> m_learnt;

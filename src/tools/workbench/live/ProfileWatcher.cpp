@@ -12,7 +12,7 @@ namespace Vorn::Workbench {
 
 namespace {
 
-// Editors write a file in several steps.
+// Editors save a file in several steps, and each would be read as a broken profile.
 constexpr int settleMs = 100;
 
 } // namespace
@@ -35,7 +35,7 @@ ProfileWatcher::ProfileWatcher(const QString &path, OnChange onChange)
 
 void ProfileWatcher::lookAgain()
 {
-    // A file that took the place of the old one is not watched yet.
+    // The watcher follows the old file; one that was renamed to its name is not watched yet.
     if (QFileInfo::exists(m_path))
         m_watcher.addPath(m_path);
     Diagnostics unreadable;

@@ -13,15 +13,14 @@
 
 namespace Vorn::Workbench {
 
-/// Reads a profile again whenever its file changes, however an editor saves it: in place, or by
-/// renaming a new file to it. A file that is missing for the moment is waited for; the same content
-/// is no change.
+/// Reloads a profile whenever its file changes, however an editor saves it: in place, or by
+/// renaming a new file to it. A missing file is waited for; the same content is not a change.
 class ProfileWatcher : public QObject
 {
 public:
     using OnChange = std::function<void(const ParsedProfile &)>;
 
-    /// @param onChange called with each new content, mistakes and all
+    /// @param onChange called with each new content, whether it has errors or not
     ProfileWatcher(const QString &path, OnChange onChange);
 
 private:

@@ -4,80 +4,30 @@
 #include "CommandNames.h"
 #include "Evemu.h"
 #include "Ioctls.h"
+#include "LibraryFacts.h"
 #include "NodeInfo.h"
 #include "Recording.h"
-#include "ReplayScript.h"
+#include "ReplayFiles.h"
 #include "Session.h"
 #include "SessionWriter.h"
-#include "TextFile.h"
 #include "Umockdev.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-#include <utility>
-
 namespace Vorn::Workbench {
 
 namespace {
 
-constexpr int libraryNodes = 10;
 constexpr qint64 second = 1'000'000;
-
-constexpr char readme[] = R"(A recorded session of input devices
-
-session.umockdev   the nodes
-eventN.ioctl       what the node eventN answers
-eventN.evemu       what it is, and what it sent
-session.expect     the events that were published, as expectations
-session.jsonl      everything that happened
-replay.sh          plays the session on a program
-
-As a test, without devices and in no time:
-
-    vorn-input simulate session.umockdev
-
-On a machine without the devices, in real time, with umockdev-run:
-
-    ./replay.sh PROGRAM
-
-On the device itself, or on one like it, in real time (as root):
-
-    evemu-play /dev/input/eventN <eventN.evemu
-)";
-
-constexpr char expectationsHeader[] =
-    "# The events that were published, in their order.\n"
-    "#\n"
-    "# vorn-input simulate session.umockdev\n"
-    "#\n"
-    "# plays the recorded devices, and fails if anything else is published.\n";
-
-QByteArray eventsHeader(const QByteArray &node)
-{
-    return "#\n# E: seconds type code value; seconds from the start of the session.\n#\n"
-           "# ./replay.sh PROGRAM plays it on a machine without the device, and\n"
-           "# evemu-play /dev/input/"
-        + node + " <" + node
-        + ".evemu on the device.\n#\n"
-          "# A replay delivers the first line at once, so it is one that means nothing.\n";
-}
-
-QByteArray answersHeader(const QByteArray &node)
-{
-    return "# What /dev/input/" + node
-        + " answers, for ./replay.sh PROGRAM, that is\n"
-          "# umockdev-run -d session.umockdev -i /dev/input/"
-        + node + '=' + node + ".ioctl -- PROGRAM\n";
-}
 
 QByteArray nodeName(int number)
 {
     return "event" + QByteArray::number(number);
 }
 
-// Every attempt to open a node that is missing costs umockdev something of which it has little; a
-// file that is no device costs nothing.
+// umockdev leaks one of a few slots with every attempt to open a missing node, and the library
+// tries all of them. A file that is not a device costs nothing.
 QByteArray absentBlock(int number)
 {
     const QByteArray node = nodeName(number);
@@ -93,7 +43,7 @@ int numberOf(const QString &device)
     return device.startsWith(prefix) && isNumber ? number : -1;
 }
 
-// A comment stays on its line.
+// A device may have a line break in its name, which would end a comment.
 QByteArray onOneLine(const QString &text)
 {
     return text.simplified().toUtf8();
@@ -117,68 +67,18 @@ Recorder::~Recorder()
     close();
 }
 
-QString Recorder::path(const QString &name) const
-{
-    return QDir(m_folder).filePath(name);
-}
-
 QString Recorder::open()
 {
-    const QDir folder(m_folder);
-    const QStringList present =
-        folder.entryList({QStringLiteral("session.*"), QStringLiteral("event*.evemu"),
-                          QStringLiteral("event*.ioctl")},
-                         QDir::Files | QDir::Hidden | QDir::System);
-    if (!present.isEmpty()) {
-        return QStringLiteral("'%1' holds a recording already ('%2'); name another folder, or "
-                              "remove it")
-            .arg(m_folder, present.first());
-    }
-    if (!QDir().mkpath(m_folder))
-        return QStringLiteral("cannot make the folder '%1'").arg(m_folder);
-    m_error.clear();
-    m_session = create(QStringLiteral("session.jsonl"), {});
-    m_expectations = create(QStringLiteral("session.expect"), expectationsHeader);
-    writeDevices();
-    replace(QStringLiteral("README"), readme);
-    const QString script = QStringLiteral("replay.sh");
-    replace(script, replayScript);
-    QFile::setPermissions(path(script),
-                          QFile::permissions(path(script)) | QFileDevice::ExeOwner
-                              | QFileDevice::ExeGroup | QFileDevice::ExeOther);
-    return m_error;
-}
-
-std::unique_ptr<QFile> Recorder::create(const QString &name, const QByteArray &start)
-{
-    auto file = std::make_unique<QFile>(path(name));
-    if (!file->open(QIODevice::WriteOnly | QIODevice::Append)) {
-        fail(QStringLiteral("cannot write '%1': %2").arg(file->fileName(), file->errorString()));
-        return nullptr;
-    }
-    append(file.get(), start);
-    return file;
-}
-
-void Recorder::append(QFile *file, const QByteArray &text)
-{
-    if (!file)
-        return;
-    if (file->write(text) != text.size() || !file->flush())
-        fail(QStringLiteral("cannot write '%1': %2").arg(file->fileName(), file->errorString()));
-}
-
-void Recorder::replace(const QString &name, const QByteArray &content)
-{
-    const QString error = writeFile(path(name), content);
+    const QString error = m_folder.open();
     if (!error.isEmpty())
-        fail(error);
-}
-
-void Recorder::fail(const QString &error)
-{
-    if (m_error.isEmpty())
-        m_error = error;
+        return error;
+    m_session = m_folder.create(QStringLiteral("session.jsonl"), {});
+    m_expectations = m_folder.create(QStringLiteral("session.expect"), expectationsHeader());
+    writeDevices();
+    m_folder.replace(QStringLiteral("README"), replayReadme());
+    m_folder.replace(QStringLiteral("replay.sh"), replayScript());
+    m_folder.makeExecutable(QStringLiteral("replay.sh"));
+    return m_folder.takeError();
 }
 
 QString Recorder::close()
@@ -186,13 +86,14 @@ QString Recorder::close()
     m_nodes.clear();
     m_session.reset();
     m_expectations.reset();
-    return std::exchange(m_error, QString());
+    return m_folder.takeError();
 }
 
 void Recorder::add(const SessionEntry &entry)
 {
     if (!m_session)
         return;
+    // In this order: the blanking must know of a device before its description is read.
     const auto kept = m_showsText ? entry : m_blanking.blanked(entry);
     if (const auto *change = std::get_if<DeviceChange>(&entry.what))
         addNode(*change, entry.time);
@@ -202,7 +103,7 @@ void Recorder::add(const SessionEntry &entry)
 
 void Recorder::keep(const SessionEntry &entry)
 {
-    append(m_session.get(), toJsonLine(entry));
+    m_folder.append(m_session.get(), toJsonLine(entry));
     if (const auto *start = std::get_if<SessionStart>(&entry.what)) {
         m_wallClock = start->wallClock;
         writeProfile(start->profile);
@@ -220,9 +121,11 @@ void Recorder::addNode(const DeviceChange &change, qint64 time)
         return;
     const auto known = m_nodes.find(number);
     if (known != m_nodes.end()) {
-        const QString what = change.added ? QStringLiteral("the device '%1' comes").arg(change.name)
-                                          : QStringLiteral("the device goes");
-        append(known->second.events.get(), "# " + seconds(time) + ": " + onOneLine(what) + '\n');
+        const QString what = change.added
+            ? QStringLiteral("device '%1' plugged in").arg(change.name)
+            : QStringLiteral("device unplugged");
+        m_folder.append(known->second.events.get(),
+                        "# " + seconds(time) + ": " + onOneLine(what) + '\n');
         if (change.added)
             m_blanking.describe(change.device, known->second.device);
         return;
@@ -233,20 +136,22 @@ void Recorder::addNode(const DeviceChange &change, qint64 time)
     Node node;
     const NodeInfo info = readNode(change.device);
     node.device = info.device;
-    // It may be gone by now.
+    // It may be gone already, and what is known of it must do.
     if (node.device.name.isNull())
         node.device.name = change.name.toUtf8();
     if (!info.hasIdentity)
         node.device.id.bustype = static_cast<__u16>(kernelBusOf(change.bus));
     m_blanking.describe(change.device, node.device);
+    // The keys that are down at the start are part of what was typed.
     if (!m_showsText)
         node.device.keysDown = m_blanking.keysThatDoNotType(change.device, node.device.keysDown);
 
     const QByteArray name = nodeName(number);
-    node.events =
-        create(QString::fromLatin1(name + ".evemu"),
-               evemuDescription(node.device) + eventsHeader(name) + evemuEvent(RecordedEvent()));
-    replace(QString::fromLatin1(name + ".ioctl"), answersHeader(name) + ioctls(node.device));
+    node.events = m_folder.create(QString::fromLatin1(name + ".evemu"),
+                                  evemuDescription(node.device) + eventsHeader(name)
+                                      + evemuEvent(RecordedEvent()));
+    m_folder.replace(QString::fromLatin1(name + ".ioctl"),
+                     answersHeader(name) + ioctls(node.device));
     m_nodes[number] = std::move(node);
     writeDevices();
 }
@@ -259,20 +164,21 @@ void Recorder::writeDevices()
     };
     for (const auto &[number, node] : m_nodes)
         appendBlock(umockdevBlock(number, node.device));
-    for (int number = 0; number < libraryNodes; ++number) {
+    for (int number = 0; number < nodeCount; ++number) {
         if (m_nodes.find(number) == m_nodes.end())
             appendBlock(absentBlock(number));
     }
-    replace(QStringLiteral("session.umockdev"), text);
+    m_folder.replace(QStringLiteral("session.umockdev"), text);
 }
 
 void Recorder::writeRecord(const RecordRead &record, qint64 time)
 {
     const auto found = m_nodes.find(numberOf(record.device));
-    // A record without a stamp is no record of the device, but an answer about a position.
+    // A record without a stamp is the answer to a request for a position; the device did not send
+    // it.
     if (found == m_nodes.end() || record.stamp == 0)
         return;
-    // The stamp says when it happened, unless the clock was set since.
+    // The stamp says when it happened, unless the clock has been set in the meantime.
     const qint64 stamped = record.stamp - m_wallClock;
     Node &node = found->second;
     const qint64 happened = stamped <= time && stamped > time - second ? stamped : time;
@@ -282,7 +188,7 @@ void Recorder::writeRecord(const RecordRead &record, qint64 time)
     event.type = record.type;
     event.code = record.code;
     event.value = record.value;
-    append(node.events.get(), evemuEvent(event));
+    m_folder.append(node.events.get(), evemuEvent(event));
 }
 
 void Recorder::writeExpectation(const EventPublished &event)
@@ -292,20 +198,20 @@ void Recorder::writeExpectation(const EventPublished &event)
     QString line = QStringLiteral("expect %1 %2").arg(commandText, stateText);
     if (event.bus != InputEvent::Bus::NoBus)
         line += QLatin1Char(' ') + busName(event.bus);
-    // What has no name cannot be expected.
+    // An expectation needs names, and a number that has none cannot be read back.
     if (!command(commandText) || !state(stateText))
         line.prepend(QStringLiteral("# "));
-    append(m_expectations.get(), line.toUtf8() + '\n');
+    m_folder.append(m_expectations.get(), line.toUtf8() + '\n');
 }
 
-// Named from the folder, where the expectations are read.
+// Relative to the folder, because that is where the expectations are read.
 void Recorder::writeProfile(const QString &profile)
 {
     if (profile.isEmpty())
         return;
-    const QString path = QDir(QFileInfo(m_folder).absoluteFilePath())
+    const QString path = QDir(QFileInfo(m_folder.path()).absoluteFilePath())
                              .relativeFilePath(QFileInfo(profile).absoluteFilePath());
-    append(m_expectations.get(), "profile \"" + path.toUtf8() + "\"\n");
+    m_folder.append(m_expectations.get(), "profile \"" + path.toUtf8() + "\"\n");
 }
 
 } // namespace Vorn::Workbench

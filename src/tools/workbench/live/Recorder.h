@@ -3,6 +3,7 @@
 
 #include "Profile.h"
 #include "RecordedDevice.h"
+#include "RecordingFolder.h"
 #include "Session.h"
 #include "TextBlanking.h"
 
@@ -14,20 +15,20 @@
 
 namespace Vorn::Workbench {
 
-/// Keeps a session in a folder, in the formats that umockdev-run, evemu-play and
+/// Records a session to a folder, in the formats that umockdev-run, evemu-play and
 /// `vorn-input simulate` read:
 ///
-/// | file | what |
+/// | file | content |
 /// |---|---|
 /// | `session.umockdev` | the nodes |
 /// | `eventN.ioctl` | what a node answers |
 /// | `eventN.evemu` | its description and what it sent |
 /// | `session.expect` | the published events, as expectations |
-/// | `session.jsonl` | everything, see toJsonLine() |
-/// | `replay.sh` | plays the session on a program, by umockdev-run |
+/// | `session.jsonl` | everything that happened, see toJsonLine() |
+/// | `replay.sh` | replays the session to a program, with umockdev-run |
 /// | `README` | how to replay it |
 ///
-/// What was recorded is on disk after each entry, so that nothing is lost with the process. Typed
+/// Each entry is on disk when add() returns, so that nothing is lost if the process ends. Typed
 /// text is made unreadable, see TextBlanking, unless it is to be shown.
 class Recorder
 {
@@ -39,15 +40,16 @@ public:
     Recorder(const Recorder &) = delete;
     Recorder &operator=(const Recorder &) = delete;
 
-    /// Makes the folder, unless it is there, and begins the files.
-    /// @return why that is not possible; empty if it was. A folder that holds a session is refused.
+    /// Makes the folder if it does not exist, and starts the files.
+    /// @return why that is not possible; empty if it was. A folder that holds a recording is
+    /// refused.
     QString open();
 
-    /// Keeps an entry. A device that arrives is asked what it is.
+    /// Records an entry. A device that arrives is asked for its description.
     void add(const SessionEntry &entry);
 
-    /// Ends the files.
-    /// @return the first thing that could not be written since open(); empty if all was
+    /// Closes the files.
+    /// @return the first error since open(); empty if everything was written
     QString close();
 
 private:
@@ -58,12 +60,6 @@ private:
         qint64 lastTime = 0;
     };
 
-    QString path(const QString &name) const;
-    std::unique_ptr<QFile> create(const QString &name, const QByteArray &start);
-    void append(QFile *file, const QByteArray &text);
-    void replace(const QString &name, const QByteArray &content);
-    void fail(const QString &error);
-
     void keep(const SessionEntry &entry);
     void addNode(const DeviceChange &change, qint64 time);
     void writeDevices();
@@ -71,10 +67,9 @@ private:
     void writeExpectation(const EventPublished &event);
     void writeProfile(const QString &profile);
 
-    const QString m_folder;
+    RecordingFolder m_folder;
     const bool m_showsText;
     TextBlanking m_blanking;
-    QString m_error;
     qint64 m_wallClock = 0;
     std::unique_ptr<QFile> m_session;
     std::unique_ptr<QFile> m_expectations;

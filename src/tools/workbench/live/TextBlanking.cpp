@@ -18,7 +18,7 @@ namespace {
 constexpr int released = 0;
 constexpr int pressed = 1;
 
-// Remarks are for people and may name keys and commands.
+// Remarks are prose for people, and may name keys and commands.
 QString withoutTyping(const QString &text)
 {
     static const QRegularExpression word(QStringLiteral("\\b[A-Za-z0-9_]+\\b"));
@@ -50,7 +50,7 @@ std::optional<SessionEntry> TextBlanking::blanked(const SessionEntry &entry)
 {
     SessionEntry result = entry;
     if (const auto *change = std::get_if<DeviceChange>(&entry.what)) {
-        // Not when it goes: what it reported last may still be told.
+        // Kept when it goes: its last events may still be on their way.
         if (change->added)
             m_devices[change->device] = Device{change->name, change->bus, {}, {}, {}};
     } else if (const auto *selected = std::get_if<IdentifierSelected>(&entry.what)) {
@@ -77,7 +77,7 @@ std::optional<SessionEntry> TextBlanking::blanked(const SessionEntry &entry)
 std::optional<RecordRead> TextBlanking::blanked(RecordRead record)
 {
     Device &device = m_devices[record.device];
-    // Scan codes tell the key as well, ahead of it.
+    // Scan codes give the key away just as well.
     if (record.type == EV_MSC && canType(device))
         return std::nullopt;
     if (record.type != EV_KEY)
@@ -121,7 +121,7 @@ QVector<int> TextBlanking::keysThatDoNotType(const QString &device, const QVecto
     return result;
 }
 
-// The one that was registered last receives the records.
+// Of several handlers under one identifier the last to be registered receives the records.
 const HandlerProfile *TextBlanking::handlerOf(const Device &device) const
 {
     if (!m_profile)
@@ -166,7 +166,7 @@ bool TextBlanking::canType(const Device &device) const
            });
 }
 
-// Those that are mapped to characters; without any, those that are mapped to nothing.
+// Keys mapped to characters; if there are none, typing keys that are not mapped at all.
 QVector<int> TextBlanking::standInCodes(const Device &device) const
 {
     const HandlerProfile *handler = handlerOf(device);

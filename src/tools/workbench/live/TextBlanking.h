@@ -13,18 +13,23 @@
 
 namespace Vorn::Workbench {
 
-/// Makes typed text unreadable in a session, and leaves the rest of it as it was: every key that
-/// types is replaced by one that stands for all of them.
+/// Makes typed text unreadable in a session and leaves everything else as it was: every key that
+/// types is replaced by the same stand-in.
 ///
-/// A key types if the current handler of its device maps it to a character. One that types a
-/// character by nature (isTypingKey()) does so, too, unless the handler maps it to another command;
-/// so what is typed on a device that the profile does not mention is not readable either. Without a
-/// profile there are no handlers.
+/// A key types if the current handler of its device maps it to a character. A key that types by
+/// nature (isTypingKey()) does so too, unless the handler maps it to another command; so text typed
+/// on a device that the profile does not mention is unreadable as well. Without a profile there are
+/// no handlers.
 ///
-/// What stands for a key is KEY_A if the handler maps that to a character, and the lowest key that
-/// it maps to one otherwise; without such keys KEY_A. While one key is down, the next one is
-/// replaced by the next key of that kind, so that overlapping strokes stay what they are. A key is
-/// released, and reported, as what it was pressed as.
+/// The stand-in is KEY_A if the handler maps that to a character, otherwise the lowest key that it
+/// maps to one; if there is none, KEY_A. While one key is down, the next one gets the next
+/// stand-in, so that overlapping strokes still overlap:
+///
+///     T down      E down      T up        E up        X down
+///     [A down]    [2 down]    [A up]      [2 up]      [A down]
+///
+/// A key is released, and published, as the stand-in it was pressed as, even if the identifier has
+/// changed in between.
 class TextBlanking
 {
 public:
@@ -33,15 +38,15 @@ public:
         : m_profile(profile)
     { }
 
-    /// Tells what a device can do, once its arrival went through blanked(). Only keys that it has
-    /// stand for others then.
+    /// Says what a device can do, after its arrival has passed blanked(). From then on only keys
+    /// that it has are stand-ins.
     void describe(const QString &device, const RecordedDevice &description);
 
-    /// What is to be kept of an entry; nothing if it is to be left out. All entries of the session
-    /// must pass here, in their order.
+    /// The entry as it may be kept; nothing if it must be left out. All entries of the session must
+    /// pass here, in order.
     std::optional<SessionEntry> blanked(const SessionEntry &entry);
 
-    /// The keys of a list that do not type at present.
+    /// Those of @p codes that do not type at present.
     QVector<int> keysThatDoNotType(const QString &device, const QVector<int> &codes) const;
 
 private:
@@ -49,7 +54,7 @@ private:
     struct StandIn
     {
         int code = 0;
-        /// What the handler maps it to.
+        /// What the handler maps the stand-in to.
         std::optional<InputEvent::Command> command;
         bool isBlanked = false;
     };
@@ -59,8 +64,8 @@ private:
         QString name;
         InputEvent::Bus bus = InputEvent::Bus::NoBus;
         RecordedDevice description;
-        QHash<int, StandIn> standIns; ///< by the real code, from its last press on
-        QHash<int, int> down; ///< real code to the code that stands for it
+        QHash<int, StandIn> standIns; ///< by real code, of its last press
+        QHash<int, int> down; ///< stand-ins of the keys that are down, by real code
     };
 
     const HandlerProfile *handlerOf(const Device &device) const;

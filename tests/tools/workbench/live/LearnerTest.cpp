@@ -182,7 +182,7 @@ TEST_F(LearnerTest, RefusesAChordOfThree)
         key(code, 1);
     for (const int code : {KEY_A, KEY_B, KEY_C})
         key(code, 0);
-    EXPECT_THAT(lastSaid(), HasSubstr("KEY_A + KEY_B + KEY_C: the library knows chords of two"));
+    EXPECT_THAT(lastSaid(), HasSubstr("KEY_A + KEY_B + KEY_C: the library supports chords of two"));
     EXPECT_FALSE(learner().isFinished());
     EXPECT_EQ(learner().learntCount(), 0);
 }
@@ -208,7 +208,7 @@ TEST_F(LearnerTest, DoesNotGiveAKeyTwoMeanings)
     learn({InputEvent::Info, InputEvent::Mute});
     click(KEY_INFO);
     click(KEY_INFO);
-    EXPECT_THAT(lastSaid(), HasSubstr("KEY_INFO means Info already"));
+    EXPECT_THAT(lastSaid(), HasSubstr("KEY_INFO already means Info"));
     EXPECT_FALSE(learner().isFinished());
     // The same code of another device is another key.
     click(KEY_INFO, 100, remote);

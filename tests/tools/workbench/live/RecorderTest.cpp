@@ -277,7 +277,7 @@ TEST_F(RecorderTest, GoesOnWhereADeviceReturns)
     EXPECT_EQ(recording.nodes.first().device->name.toStdString(), "remote");
     EXPECT_EQ(recording.nodes.first().events.size(), 5);
     EXPECT_THAT(contentOf("event0.evemu").toStdString(),
-                HasSubstr("# 2.000000: the device 'other E: 9' comes\n"));
+                HasSubstr("# 2.000000: device 'other E: 9' plugged in\n"));
 }
 
 TEST_F(RecorderTest, KeepsWhatIsKnownOfADeviceThatIsGoneAlready)
@@ -326,7 +326,7 @@ TEST_F(RecorderTest, RefusesAFolderThatHoldsASession)
     start(nullptr);
     m_recorder->close();
     Recorder second(folder(), nullptr, false);
-    EXPECT_THAT(second.open().toStdString(), HasSubstr("holds a recording already"));
+    EXPECT_THAT(second.open().toStdString(), HasSubstr("already holds a recording"));
     second.add({0, Remark{"lost"}});
     EXPECT_THAT(everything(), Not(HasSubstr("lost")));
 }
@@ -336,7 +336,7 @@ TEST_F(RecorderTest, SaysWhyItCannotMakeTheFolder)
     QFile file(folder());
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     Recorder recorder(folder() + "/below", nullptr, false);
-    EXPECT_THAT(recorder.open().toStdString(), HasSubstr("cannot make the folder"));
+    EXPECT_THAT(recorder.open().toStdString(), HasSubstr("cannot create the folder"));
 }
 
 TEST_F(RecorderTest, TellsOfADiskThatIsFull)
