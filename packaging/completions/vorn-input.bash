@@ -1,6 +1,18 @@
 # Completion of vorn-input for bash.
 # shellcheck shell=bash
 
+# _vorn_input_files SUFFIX: folders, and files that end so; all files if it is empty.
+_vorn_input_files() {
+    compopt -o filenames
+    local pattern='!*'
+    [ -z "$1" ] || pattern="!*$1"
+    mapfile -t COMPREPLY < <(compgen -d -- "$current"; compgen -f -X "$pattern" -- "$current")
+}
+
+_vorn_input_words() {
+    mapfile -t COMPREPLY < <(compgen -W "$1" -- "$current")
+}
+
 _vorn_input() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local commands='devices monitor learn check simulate timeline'
@@ -15,29 +27,23 @@ _vorn_input() {
         esac
     done
 
-    case $previous in
-    --log)
-        mapfile -t COMPREPLY < <(compgen -W 'trace debug info warn error off' -- "$current")
-        return
-        ;;
-    --color)
-        mapfile -t COMPREPLY < <(compgen -W 'auto always never' -- "$current")
-        return
-        ;;
-    --profile | -p | --expectations | -e | --output | -o | --timeline | -t)
-        compopt -o filenames
-        mapfile -t COMPREPLY < <(compgen -f -- "$current")
-        return
-        ;;
-    --record)
+    # Values of options.
+    case $command:$previous in
+    *:--log) _vorn_input_words 'trace debug info warn error off' ;;
+    *:--color) _vorn_input_words 'auto always never' ;;
+    monitor:--profile | monitor:-p | simulate:--profile | simulate:-p) _vorn_input_files .toml ;;
+    learn:--output | learn:-o) _vorn_input_files .toml ;;
+    timeline:--output | timeline:-o | simulate:--timeline | simulate:-t) _vorn_input_files .svg ;;
+    simulate:--expectations | simulate:-e) _vorn_input_files '' ;;
+    monitor:--record)
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -d -- "$current")
-        return
         ;;
-    --id | --duration | --commands | -c | --patience | --title | --from | --to)
-        return
-        ;;
-    esac
+    monitor:--id | monitor:--duration) ;;
+    learn:--commands | learn:-c | learn:--patience) ;;
+    timeline:--title | timeline:--from | timeline:--to) ;;
+    *) false ;;
+    esac && return
 
     local options
     case $command in
@@ -48,20 +54,14 @@ _vorn_input() {
     simulate) options='--profile --expectations --json --raw --quiet --timeline' ;;
     timeline) options='--output --title --from --to' ;;
     *)
-        mapfile -t COMPREPLY < <(compgen -W "$commands $common --version" -- "$current")
+        _vorn_input_words "$commands $common --version"
         return
         ;;
     esac
-    case $current in
-    -*) mapfile -t COMPREPLY < <(compgen -W "$options $common" -- "$current") ;;
-    *)
-        case $command in
-        check | simulate | timeline)
-            compopt -o filenames
-            mapfile -t COMPREPLY < <(compgen -f -- "$current")
-            ;;
-        esac
-        ;;
+    case $command:$current in
+    *:-*) _vorn_input_words "$options $common" ;;
+    check:*) _vorn_input_files .toml ;;
+    simulate:* | timeline:*) _vorn_input_files '' ;;
     esac
 }
 complete -F _vorn_input vorn-input

@@ -1,44 +1,49 @@
 #!/usr/bin/env bash
-# The manual and the completions of both shells know the same commands and options as the program.
+# The manual knows the same commands and options as the program.
 # usage: workbench_manual_test.sh SOURCE PROGRAM
 . "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
 
 source=$1 program=$2
-completions=$source/packaging/completions
-description='manual and completions' status=0
+manual=$source/docs/man/vorn-input.1.scd
+description='manual' status=0
 : >"$folder/out"
 : >"$folder/err"
 
-# Long options in a text, without those that every command has.
-options() { grep -o -E -e '--[a-z][a-z-]+' | grep -v -x -E -e '--(help|log|color)' | sort -u; }
+# Names of options in a text, sorted; none is no error.
+options() { grep -o -E -e '(^|[^a-z-])--?[a-z][a-z-]*' | grep -o -E -e '-.*' | sort -u || true; }
+
+# help_options [COMMAND]: those of the program's help, where they begin their lines. Every command
+# has --help; the manual explains it once.
+help_options() {
+    "$program" "$@" --help | grep -o -E '^ +(-[a-z],)?--[a-z-]+' | options |
+        grep -v -x -E -e "${1:+--help|}-h" || true
+}
+
+# section TITLE
+section() { sed -n "/^# $1\$/,/^# /p" "$manual"; }
 
 # same NAME EXPECTED FOUND
 same() {
+    [ -n "$2" ] || failed "$1: no options in the help"
     [ "$2" = "$3" ] || failed "$1 has ${3//$'\n'/ }, the program ${2//$'\n'/ }"
 }
 
-bash_options() {
-    COMP_WORDS=(vorn-input "$1" --) COMP_CWORD=2 COMPREPLY=()
-    # shellcheck source=packaging/completions/vorn-input.bash
-    . "$completions/vorn-input.bash"
-    _vorn_input
-    printf '%s\n' "${COMPREPLY[@]}"
-}
+same 'common options' "$(help_options)" "$(section 'COMMON OPTIONS' | grep '^\*-' | options)"
 
-for command in devices monitor learn check simulate timeline; do
-    # In the help, options begin their lines.
-    expected=$("$program" "$command" --help | sed -n '/^Options/,/^[A-Z][a-z]* *:$/p' |
-        grep -o -E '^ +(-[a-z],)?--[a-z-]+' | options || true)
-    [ -n "$expected" ] || failed "$command: no options in its help"
-    same "bash: $command" "$expected" "$(bash_options "$command" | options || true)"
-    same "zsh: $command" "$expected" "$(sed -n "/^ *$command)/,/;;/p" "$completions/_vorn-input" |
-        options || true)"
-    same "manual: $command" "$expected" "$(sed -n "/^# ${command^^}\$/,/^# /p" \
-        "$source/docs/man/vorn-input.1.scd" | grep '^\*-' | options || true)"
+commands=$("$program" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]*\) .*/\1/p')
+[ "$(wc -w <<<"$commands")" -ge 6 ] || failed "no commands in the help"
+for command in $commands; do
+    expected=$(help_options "$command")
+    same "$command" "$expected" "$(section "${command^^}" | grep '^\*-' | options)"
+    # The synopsis has one name of each option.
+    synopsis=$(section "${command^^}" | sed -n '/^\*vorn-input /,/^$/p')
+    while read -r names; do
+        [ -n "$(comm -12 <(options <<<"$names") <(options <<<"$synopsis"))" ] ||
+            failed "$command: its synopsis lacks $names"
+    done < <("$program" "$command" --help | grep -o -E '^ +(-[a-z],)?--[a-z-]+' | grep -v -e --help)
 done
 
 if command -v scdoc >/dev/null; then
-    scdoc <"$source/docs/man/vorn-input.1.scd" >"$folder/vorn-input.1" ||
-        failed "the manual cannot be made"
+    scdoc <"$manual" >"$folder/vorn-input.1" || failed "the manual cannot be made"
 fi
 finish
