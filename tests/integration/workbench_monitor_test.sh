@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# vorn-input monitor reads an edited profile again, keeps the old one when the new one is broken, and
-# ends cleanly when it is interrupted, with everything recorded that came until then.
+# vorn-input monitor reloads an edited profile, keeps the previous one when the new one has errors, and
+# ends cleanly when it is interrupted or its time is up, with everything recorded until then.
 # usage: workbench_monitor_test.sh SOURCE PROGRAM
 . "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
 
@@ -45,5 +45,15 @@ expect_status 0
 grep -q '"KeyLongPress"' session/session.jsonl || failed "expected the long press to be recorded"
 grep -q 'KeyLongPress' session/session.expect || failed "expected the long press to be expected"
 [ "$(grep -c '"change":"added"' out)" -eq 4 ] || failed "expected each device to be shown once"
-jq -e . out >json 2>&1 || failed "expected JSON, one object a line"
+jq -e . out >json 2>&1 || failed "expected JSON, one object per line"
+
+description='monitor with a duration, and a profile that changes' status=0
+timeout 30 "$program" monitor --profile profile.json --json --duration 6 >"$folder/out" \
+    2>"$folder/err" </dev/null &
+monitor=$!
+wait_for '"identifier"' "$folder/out"
+cp "$source/examples/profiles/player.json" profile.json
+wait_for "profile.json reloaded" "$folder/out"
+wait "$monitor" || status=$?
+expect_status 0
 finish

@@ -193,8 +193,9 @@ int LiveView::run()
     m_log.add(SessionStart{QStringLiteral("monitor"), m_options.profile, m_log.wallClockAtStart()});
     useProfile(m_profile);
     if (m_options.duration > 0) {
+        // For the whole view: the devices go whenever the profile is reloaded.
         QTimer::singleShot(static_cast<int>(m_options.duration * 1000), Qt::PreciseTimer,
-                           m_devices.get(), &QCoreApplication::quit);
+                           QCoreApplication::instance(), &QCoreApplication::quit);
     }
     QCoreApplication::exec();
     // Its devices go into the recording as long as that is open.
