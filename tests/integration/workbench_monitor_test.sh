@@ -48,12 +48,12 @@ grep -q 'KeyLongPress' session/session.expect || failed "expected the long press
 jq -e . out >json 2>&1 || failed "expected JSON, one object per line"
 
 description='monitor with a duration, and a profile that changes' status=0
-timeout 30 "$program" monitor --profile profile.json --json --duration 6 >"$folder/out" \
+timeout 30 "$program" monitor --profile profile.toml --json --duration 6 >"$folder/out" \
     2>"$folder/err" </dev/null &
 monitor=$!
 wait_for '"identifier"' "$folder/out"
-cp "$source/examples/profiles/player.json" profile.json
-wait_for "profile.json reloaded" "$folder/out"
+cp "$source/examples/profiles/player.toml" profile.toml
+wait_for "profile.toml reloaded" "$folder/out"
 wait "$monitor" || status=$?
 expect_status 0
 finish
