@@ -12,22 +12,22 @@
 
 namespace Vorn::Workbench {
 
-/// A device that a scenario declares. What it does not say is left to the simulation: codes that
-/// are absent come from the profile and from the steps.
+/// A device that a scenario declares. Absent keys and switches are those that the profile maps and
+/// the steps use.
 struct ScenarioDevice
 {
     QString label; ///< what the steps call it
     std::optional<QByteArray> name; ///< the kernel's; absent: the label, or the recording's
-    std::optional<int> bus; ///< the kernel's; absent: that of a front panel, or the recording's
-    std::optional<int> node; ///< N of /dev/input/eventN; absent: the lowest that is free
+    std::optional<int> bus; ///< the kernel's; absent: a front panel's, or the recording's
+    std::optional<int> node; ///< N of /dev/input/eventN; absent: the lowest free one
     std::optional<QVector<int>> keys;
     std::optional<QVector<int>> switches;
-    QVector<int> usedKeys; ///< that steps mention
+    QVector<int> usedKeys; ///< that steps use
     QVector<int> usedSwitches;
     QVector<int> held; ///< keys that are down whenever it is plugged in
-    QVector<int> on; ///< switches, likewise
+    QVector<int> on; ///< switches that are on whenever it is plugged in
     bool autoRepeat = false; ///< the kernel's
-    QString recording; ///< file whose description it takes; empty: none
+    QString recording; ///< file with its description; empty: none
     int line = 0; ///< where it is declared
     QString file;
 };
@@ -43,10 +43,10 @@ struct Plug
 struct Unplug
 {
     int device = 0;
-    bool losingRecords = false; ///< what is unread by then never arrives
+    bool losingRecords = false; ///< unread records never arrive
 };
 
-/// Another device on the same node, between two looks of the library.
+/// Puts another device on the same node between two scans of the library.
 struct Replace
 {
     int device = 0;
@@ -54,14 +54,14 @@ struct Replace
     std::optional<int> bus; ///< absent: as before
 };
 
-/// Whether the node can be opened.
+/// Sets whether the node can be opened.
 struct Permit
 {
     int device = 0;
     bool readable = true;
 };
 
-/// Keys that change in one packet.
+/// Changes keys, all in one packet.
 struct Keys
 {
     int device = 0;
@@ -76,14 +76,14 @@ struct Switch
     bool on = false;
 };
 
-/// A record as it is, in a read of its own.
+/// Sends one record as it is: unchecked, without a SYN_REPORT, in a read of its own.
 struct Record
 {
     int device = 0;
     int type = 0;
     int code = 0;
     int value = 0;
-    qint64 offset = 0; ///< of its stamp from the wall clock
+    qint64 offset = 0; ///< of its time stamp from the wall clock
 };
 
 struct Wait
@@ -91,7 +91,7 @@ struct Wait
     qint64 duration = 0;
 };
 
-/// Waits until all recordings are played.
+/// Waits until all recordings have been played.
 struct WaitForEnd
 { };
 
@@ -105,7 +105,7 @@ struct Select
     QString identifier;
 };
 
-/// Removes or makes /dev/input.
+/// Removes or creates /dev/input.
 struct InputDirectory
 {
     bool exists = true;
@@ -114,7 +114,7 @@ struct InputDirectory
 struct Play
 {
     QString file;
-    int device = -1; ///< -1: the recording brings its own
+    int device = -1; ///< -1: the recording brings its own devices
 };
 
 struct IgnoreEvents
@@ -125,12 +125,12 @@ struct ExpectEvent
     InputEvent::Command command = InputEvent::None;
     InputEvent::State state = InputEvent::NoState;
     std::optional<InputEvent::Bus> bus;
-    int device = -1; ///< that it comes from; -1: any
-    QByteArray deviceName; ///< kernel's name of the device that it comes from; null: any
-    /// How long after the last action it comes, both included.
+    int device = -1; ///< it comes from; -1: any
+    QByteArray deviceName; ///< kernel's name of the device it comes from; null: any
+    /// How long after the last action it comes, inclusive.
     std::optional<qint64> earliest;
     std::optional<qint64> latest;
-    std::optional<qint64> within; ///< how long it is waited for
+    std::optional<qint64> within; ///< how long to wait for it
 };
 
 struct ExpectNothing
@@ -151,26 +151,26 @@ using StepKind =
                  Step::InputDirectory, Step::Play, Step::IgnoreEvents, Step::ExpectEvent,
                  Step::ExpectNothing, Step::ExpectIdentifier>;
 
-/// One step, and the line that it was written in.
+/// One step and the line it was written in.
 struct ScenarioStep
 {
     QString file;
     int line = 0;
     QString text; ///< the line, without comment
     StepKind what;
-    /// Part of the step before, as the release at the end of a click: times are still measured
-    /// from the beginning of that.
+    /// Part of the previous step, like the release at the end of a click: times are still measured
+    /// from the beginning of that step.
     bool continues = false;
 };
 
-/// What is done to devices, and what is expected of it. A plain value.
+/// What is done to devices, and what is expected to come of it. A plain value.
 struct Scenario
 {
     QString file;
     QString profile; ///< path as seen from the working directory; empty: none is named
     int profileLine = 0;
     QString profileNamedIn; ///< the file that names it
-    qint64 start = 0; ///< the wall clock at the start, ms since the epoch
+    qint64 start = 0; ///< wall clock at the start, ms since the epoch
     QVector<ScenarioDevice> devices;
     QVector<ScenarioStep> steps;
     int lastLine = 0; ///< of `file`

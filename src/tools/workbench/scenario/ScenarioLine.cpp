@@ -1,52 +1,21 @@
 #include "ScenarioLine.h"
 
-#include "Diagnostic.h"
+#include "Durations.h"
 #include "Quoting.h"
+#include "ScenarioLimits.h"
 #include "Suggestion.h"
 
-#include <QRegularExpression>
+#include <QDir>
+#include <QFileInfo>
 
 namespace Vorn::Workbench {
 
 namespace {
 
-constexpr int longestQuotation = 60;
+// A word may be a megabyte long; its first characters are enough to find the name that was meant.
+constexpr int longestName = 60;
 
 } // namespace
-
-std::optional<qint64> milliseconds(const QString &text)
-{
-    static const QRegularExpression pattern(
-        QStringLiteral("\\A([0-9]{1,12})(?:\\.([0-9]{1,6}))?(ms|s|min|h)\\z"));
-    const QRegularExpressionMatch match = pattern.match(text.left(longestQuotation));
-    if (!match.hasMatch())
-        return std::nullopt;
-    const QString unit = match.captured(3);
-    qint64 factor = 1;
-    if (unit == QLatin1String("s"))
-        factor = 1000;
-    else if (unit == QLatin1String("min"))
-        factor = 60LL * 1000;
-    else if (unit == QLatin1String("h"))
-        factor = 60LL * 60 * 1000;
-    qint64 fraction = match.captured(2).toLongLong() * factor;
-    for (int i = 0; i < match.captured(2).size(); ++i) {
-        if (fraction % 10 != 0)
-            return std::nullopt;
-        fraction /= 10;
-    }
-    return match.captured(1).toLongLong() * factor + fraction;
-}
-
-std::optional<qint64> signedMilliseconds(const QString &text)
-{
-    const bool isNegative = text.startsWith(QLatin1Char('-'));
-    const bool hasSign = isNegative || text.startsWith(QLatin1Char('+'));
-    const std::optional<qint64> duration = milliseconds(hasSign ? text.mid(1) : text);
-    if (!duration)
-        return std::nullopt;
-    return isNegative ? -*duration : *duration;
-}
 
 ScenarioLine::ScenarioLine(const QString &line, const QString &file, int number,
                            Diagnostics *diagnostics)
@@ -57,6 +26,23 @@ ScenarioLine::ScenarioLine(const QString &line, const QString &file, int number,
     split(line);
 }
 
+QString ScenarioLine::pathTo(const QString &name) const
+{
+    return QDir::cleanPath(
+        QDir::isAbsolutePath(name) ? name : QFileInfo(m_file).path() + QLatin1Char('/') + name);
+}
+
+/*
+ *            not blank                 "
+ *   between ───────────▶ in a word ◀──────▶ in quotes     blanks and # are part of the word,
+ *    words  ◀───────────     │                 │          \" is a quote and \\ a backslash
+ *      │ #     blank         │ #               │ end of the line
+ *      ▼                     ▼                 ▼
+ *   comment: the rest is ignored             error
+ *
+ *  Quotes do not end a word: name="a b" is one word. The first unquoted = of a word that does not
+ *  start with a quote separates an option from its value.
+ */
 void ScenarioLine::split(const QString &line)
 {
     ScenarioWord word;
@@ -78,7 +64,7 @@ void ScenarioLine::split(const QString &line)
     };
     for (; end < line.size(); ++end) {
         const QChar character = line[end];
-        // A character beyond the first 65536 is two here, and one to whoever counts.
+        // A character beyond U+FFFF is two QChars but one column in an editor.
         column += character.isLowSurrogate() ? 0 : 1;
         if (isInQuotes) {
             const bool isEscape = character == QLatin1Char('\\') && end + 1 < line.size()
@@ -119,6 +105,7 @@ void ScenarioLine::split(const QString &line)
     }
     finishWord();
     m_text = line.left(end).trimmed();
+    // Where a missing word is reported: after the line's last character, or at its comment.
     m_endColumn = column + (end < line.size() ? 0 : 1);
     if (isInQuotes)
         error(quoteColumn, QStringLiteral("this quote is not closed"));
@@ -149,12 +136,12 @@ std::optional<qint64> ScenarioLine::takeDuration()
         return std::nullopt;
     const std::optional<qint64> duration = milliseconds(word->text);
     if (!duration) {
-        error(QStringLiteral("%1 is no duration; write one like 1200ms, 1.5s, 2min or 1h, in "
+        error(QStringLiteral("%1 is not a duration; write one like 1200ms, 1.5s, 2min or 1h, in "
                              "whole milliseconds")
                   .arg(quoted(word->text)));
         return std::nullopt;
     }
-    if (*duration > maxWait) {
+    if (*duration > ScenarioLimit::wait) {
         error(QStringLiteral("a duration is at most 7 days (168h)"));
         return std::nullopt;
     }
@@ -191,7 +178,7 @@ void ScenarioLine::unknown(int column, const QString &what, const QString &text,
 {
     error(column,
           QStringLiteral("unknown %1 %2%3")
-              .arg(what, quoted(text), suggestion(text.left(longestQuotation), known)));
+              .arg(what, quoted(text), suggestion(text.left(longestName), known)));
 }
 
 } // namespace Vorn::Workbench

@@ -2,7 +2,6 @@
 #define VORN_WORKBENCH_SCENARIOLINE_H
 
 #include "Diagnostic.h"
-#include "Quoting.h"
 
 #include <QString>
 #include <QStringList>
@@ -17,41 +16,43 @@ struct ScenarioWord
 {
     QString text; ///< without the quotes
     int column = 1; ///< from 1, in characters
-    bool isQuoted = false; ///< begins with a quote, so that it is no keyword
+    bool isQuoted = false; ///< starts with a quote, so it is never a keyword
     QString option; ///< "name" of `name=value`; empty for other words
-    QString value; ///< what follows the sign
+    QString value; ///< what follows the equals sign
     int valueColumn = 1;
 };
 
-/// A line of a scenario that is read word by word, and what is wrong with it. The first mistake of
-/// a line is told, the rest are consequences.
+/// A line of a scenario, read word by word. Only its first error is reported: the others usually
+/// follow from it.
 class ScenarioLine
 {
 public:
-    /// Splits the line; a quote without its end is a mistake.
+    /// Splits the line into words; an unterminated quote is an error.
     ScenarioLine(const QString &line, const QString &file, int number, Diagnostics *diagnostics);
 
     /// The line without indentation and comment.
     const QString &text() const { return m_text; }
     int number() const { return m_number; }
     const QString &file() const { return m_file; }
+    /// The path of a file that the line names: relative to the folder of the line's own file.
+    QString pathTo(const QString &name) const;
 
     bool isOk() const { return m_isOk; }
     bool atEnd() const { return m_next >= m_words.size(); }
 
-    /// The next word, which stays the next; null at the end.
+    /// The next word, without taking it; null at the end.
     const ScenarioWord *peek() const { return atEnd() ? nullptr : &m_words[m_next]; }
-    /// Takes the next word. At the end that @p what is missing is a mistake, and it is null.
+    /// Takes the next word. At the end it returns null and reports that @p what is missing.
     const ScenarioWord *take(const QString &what);
     /// Takes the next word if it is @p keyword.
     bool takeKeyword(QLatin1String keyword);
-    /// "80ms" after @p keyword, the next word being the keyword: `for 80ms`.
+    /// Takes a duration, up to the longest one allowed.
     std::optional<qint64> takeDuration();
-    /// Everything is read; what is left is a mistake.
+    /// Ends the step: words that are left are an error.
     void finish();
 
     void error(int column, const QString &message);
-    /// At the word that was taken last.
+    /// At the word taken last.
     void error(const QString &message);
     /// "unknown key 'KEY_INOF', did you mean 'KEY_INFO'?"
     void unknown(int column, const QString &what, const QString &text, const QStringList &known);
@@ -68,15 +69,6 @@ private:
     int m_endColumn = 1;
     bool m_isOk = true;
 };
-
-/// "1200ms", "1.5s", "2min", "1h" in milliseconds; nothing for what is no whole number of them.
-std::optional<qint64> milliseconds(const QString &text);
-
-/// The same with a sign, which may be left out: "+1h", "-500ms".
-std::optional<qint64> signedMilliseconds(const QString &text);
-
-/// The longest single wait.
-constexpr qint64 maxWait = 7LL * 24 * 60 * 60 * 1000;
 
 } // namespace Vorn::Workbench
 

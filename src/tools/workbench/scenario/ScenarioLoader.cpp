@@ -5,7 +5,6 @@
 #include "Quoting.h"
 #include "Recording.h"
 #include "RecordingLoader.h"
-#include "ScenarioLine.h"
 #include "ScenarioParser.h"
 #include "Suggestion.h"
 #include "TextFile.h"
@@ -19,8 +18,8 @@ namespace Vorn::Workbench {
 
 namespace {
 
-Diagnostic mistake(const QString &file, int line, const QString &message,
-                   Diagnostic::Severity severity = Diagnostic::Severity::Error)
+Diagnostic diagnosticAt(const QString &file, int line, const QString &message,
+                        Diagnostic::Severity severity = Diagnostic::Severity::Error)
 {
     Diagnostic diagnostic;
     diagnostic.severity = severity;
@@ -52,9 +51,10 @@ bool isUmockdev(const QString &path)
     return path.endsWith(QLatin1String(".umockdev"));
 }
 
-/// The steps that a file holds; none for an empty path.
+/// The steps in a file; none for an empty path.
 Scenario readSteps(const QString &path, Diagnostics *diagnostics)
 {
+    // Parsed all the same, for the defaults of a scenario.
     if (path.isEmpty())
         return parseScenario({}, {}, readInclude).scenario;
     const std::optional<QByteArray> text = readFile(path, maxTextSize, diagnostics);
@@ -78,16 +78,17 @@ void loadProfileOf(LoadedScenario *loaded, const QString &override)
     loaded->profileFile = override.isEmpty() ? scenario.profile : override;
     if (loaded->profileFile.isEmpty()) {
         loaded->diagnostics.append(
-            mistake(loaded->source, 0,
-                    QStringLiteral("no profile says what the keys mean; write 'profile \"FILE\"' "
-                                   "or give --profile FILE")));
+            diagnosticAt(loaded->source, 0,
+                         QStringLiteral("no profile to say what the keys mean; write 'profile "
+                                        "\"FILE\"' or use --profile FILE")));
         return;
     }
+    // Warnings of the profile are those of `check`: here they would come with every run.
     const ParsedProfile parsed = loadProfile(loaded->profileFile);
     if (hasErrors(parsed.diagnostics) && override.isEmpty())
-        loaded->diagnostics.append(mistake(
+        loaded->diagnostics.append(diagnosticAt(
             scenario.profileNamedIn, scenario.profileLine,
-            QStringLiteral("the profile %1 has mistakes").arg(quoted(loaded->profileFile))));
+            QStringLiteral("the profile %1 has errors").arg(quoted(loaded->profileFile))));
     addErrors(parsed.diagnostics, &loaded->diagnostics);
     loaded->profile = parsed.profile;
 }
@@ -97,8 +98,9 @@ void loadRecordingOf(LoadedScenario *loaded, const QString &path, const QString 
     if (loaded->recordings.contains(path))
         return;
     const ParsedRecording recording = loadRecording(path);
+    // Its own errors follow; this one leads from the scenario to the recording.
     if (hasErrors(recording.diagnostics) && path != loaded->source)
-        loaded->diagnostics.append(mistake(
+        loaded->diagnostics.append(diagnosticAt(
             file, line, QStringLiteral("the recording %1 cannot be used").arg(quoted(path))));
     addErrors(recording.diagnostics, &loaded->diagnostics);
     loaded->recordings.insert(path, recording);
@@ -112,9 +114,10 @@ void loadRecordings(LoadedScenario *loaded)
         loadRecordingOf(loaded, device.recording, device.file, device.line);
         const QVector<RecordedNode> &nodes = loaded->recordings[device.recording].nodes;
         if (!hasErrors(loaded->diagnostics) && (nodes.size() != 1 || !nodes.first().device))
-            loaded->diagnostics.append(mistake(
-                device.file, device.line,
-                QStringLiteral("%1 does not describe one device").arg(quoted(device.recording))));
+            loaded->diagnostics.append(
+                diagnosticAt(device.file, device.line,
+                             QStringLiteral("%1 does not describe exactly one device")
+                                 .arg(quoted(device.recording))));
     }
     for (const ScenarioStep &step : loaded->scenario.steps) {
         const auto *play = std::get_if<Step::Play>(&step.what);
@@ -123,9 +126,10 @@ void loadRecordings(LoadedScenario *loaded)
         loadRecordingOf(loaded, play->file, step.file, step.line);
         const int nodes = loaded->recordings[play->file].nodes.size();
         if (play->device >= 0 && nodes > 1)
-            loaded->diagnostics.append(mistake(
+            loaded->diagnostics.append(diagnosticAt(
                 step.file, step.line,
-                QStringLiteral("%1 holds %2 devices, so it cannot be played on one; leave 'on' out")
+                QStringLiteral(
+                    "%1 contains %2 devices, so it cannot be played on one; leave out 'on'")
                     .arg(quoted(play->file))
                     .arg(nodes)));
     }
@@ -140,7 +144,8 @@ int lowestFree(QSet<int> *taken)
     return number;
 }
 
-/// The nodes of devices and recordings: those that are given first, the others where there is room.
+/// Gives every device a node. Those with a fixed number come first: node= of a declaration, and the
+/// nodes of a .umockdev recording, which are part of it. All others take the lowest free number.
 void assignNodes(LoadedScenario *loaded)
 {
     QSet<int> taken;
@@ -160,10 +165,10 @@ void assignNodes(LoadedScenario *loaded)
         }
         for (const RecordedNode &node : loaded->recordings[play->file].nodes) {
             if (taken.contains(node.number))
-                loaded->diagnostics.append(mistake(
+                loaded->diagnostics.append(diagnosticAt(
                     step.file, step.line,
-                    QStringLiteral("the recording's node event%1 is taken; give the other device "
-                                   "another node=")
+                    QStringLiteral("the recording needs event%1, which is already taken; give the "
+                                   "other device a different node=")
                         .arg(node.number)));
             taken.insert(node.number);
             numbers.append(node.number);
@@ -177,18 +182,19 @@ void assignNodes(LoadedScenario *loaded)
     }
 }
 
-// Without a handler nothing is reported, which may be meant, but seldom is.
-void warnOfUnknownIdentifiers(LoadedScenario *loaded)
+// Nothing is reported while such an identifier is selected. That can be the point of a scenario, so
+// it is only a warning, but more often it is a typo.
+void warnAboutUnknownIdentifiers(LoadedScenario *loaded)
 {
     const QStringList known = loaded->profile.identifiers();
     for (const ScenarioStep &step : loaded->scenario.steps) {
         const auto *select = std::get_if<Step::Select>(&step.what);
         if (select && !known.contains(select->identifier))
-            loaded->diagnostics.append(
-                mistake(step.file, step.line,
-                        QStringLiteral("the profile has no identifier %1%2")
-                            .arg(quoted(select->identifier), suggestion(select->identifier, known)),
-                        Diagnostic::Severity::Warning));
+            loaded->diagnostics.append(diagnosticAt(
+                step.file, step.line,
+                QStringLiteral("the profile has no identifier %1%2")
+                    .arg(quoted(select->identifier), suggestion(select->identifier, known)),
+                Diagnostic::Severity::Warning));
     }
 }
 
@@ -213,12 +219,13 @@ LoadedScenario loadScenario(const QString &path, const LoadOptions &options)
             ScenarioStep{path, 0, QStringLiteral("play \"%1\"").arg(path), play, false});
     } else {
         if (!options.expectations.isEmpty())
-            loaded.diagnostics.append(
-                mistake(path, 0,
-                        QStringLiteral("--expectations is for recordings (.evemu, .umockdev); a "
-                                       "scenario holds its own")));
+            loaded.diagnostics.append(diagnosticAt(
+                path, 0,
+                QStringLiteral("--expectations is for recordings (.evemu, .umockdev); a "
+                               "scenario contains its own")));
         loaded.scenario = readSteps(path, &loaded.diagnostics);
     }
+    // A scenario with errors may name the wrong files; their errors would only distract.
     if (hasErrors(loaded.diagnostics))
         return loaded;
     loadProfileOf(&loaded, options.profile);
@@ -226,7 +233,7 @@ LoadedScenario loadScenario(const QString &path, const LoadOptions &options)
     if (hasErrors(loaded.diagnostics))
         return loaded;
     assignNodes(&loaded);
-    warnOfUnknownIdentifiers(&loaded);
+    warnAboutUnknownIdentifiers(&loaded);
     return loaded;
 }
 

@@ -10,32 +10,32 @@
 
 namespace Vorn::Workbench {
 
-/// A scenario with all that it takes from other files, ready to be simulated.
+/// A scenario with everything it needs from other files, ready to be simulated.
 struct LoadedScenario
 {
-    QString source; ///< the file that was asked for
+    QString source; ///< the file that was loaded
     Scenario scenario;
     QString profileFile; ///< path of the profile
     Profile profile;
     QHash<QString, ParsedRecording> recordings; ///< by path
     QVector<int> deviceNodes; ///< N of /dev/input/eventN for each of Scenario::devices
-    /// The same for each node of a recording that brings its own devices, by the recording's path.
+    /// The same for the nodes of each recording that brings its own devices, by its path.
     QHash<QString, QVector<int>> recordingNodes;
-    /// With an error there is nothing to simulate.
+    /// Do not simulate if there are errors among them.
     Diagnostics diagnostics;
 };
 
 struct LoadOptions
 {
-    QString profile; ///< goes before what the scenario names
-    QString expectations; ///< for a recording; empty: the file beside it, if there is one
+    QString profile; ///< overrides the one that the scenario names
+    QString expectations; ///< for a recording; empty: the file next to it, if any
 };
 
-/// Reads a scenario, or a recording ("*.evemu", "*.umockdev") as one that plays it: with the steps
-/// of the file "*.expect" beside it, if there is one.
+/// Loads a scenario. A recording ("*.evemu", "*.umockdev") is loaded as a scenario that plays it
+/// and goes on with the steps of the "*.expect" file next to it, if any.
 LoadedScenario loadScenario(const QString &path, const LoadOptions &options);
 
-/// Whether a file is taken for a recording, by its name.
+/// Whether the name of a file is that of a recording.
 bool isRecording(const QString &path);
 
 } // namespace Vorn::Workbench

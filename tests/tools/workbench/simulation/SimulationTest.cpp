@@ -5,6 +5,7 @@
 #include "Input.h"
 #include "RecordedDevice.h"
 #include "Recording.h"
+#include "ScenarioFiles.h"
 #include "ScenarioParser.h"
 #include "Session.h"
 #include "SessionReader.h"
@@ -12,9 +13,7 @@
 #include "SimulateCommand.h"
 #include "Terminal.h"
 
-#include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 
@@ -116,42 +115,8 @@ Played played(const QByteArray &text)
     return played(loaded(text));
 }
 
-/// Files of a test, in a folder that goes with it.
-class ScenarioFiles : public testing::Test
-{
-protected:
-    ScenarioFiles()
-    {
-        write("keys.toml", R"([[device]]
-[device.handler.keys]
-KEY_VOLUMEUP = { command = "VolumeUp", immediate = true }
-KEY_INFO = { command = "Info", long-press = 700 }
-)");
-    }
-
-    QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
-
-    QString write(const char *name, const QByteArray &content) const
-    {
-        QFile file(path(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            ADD_FAILURE() << "cannot write " << file.fileName().toStdString();
-        return file.fileName();
-    }
-
-    /// What loading says, with the folder left out.
-    std::vector<std::string> mistakes(const QString &file, const LoadOptions &options = {}) const
-    {
-        std::vector<std::string> list;
-        for (const Diagnostic &diagnostic : loadScenario(file, options).diagnostics)
-            list.push_back(diagnostic.toString()
-                               .replace(m_folder.path() + QLatin1Char('/'), QString())
-                               .toStdString());
-        return list;
-    }
-
-    QTemporaryDir m_folder;
-};
+class SimulatedFiles : public ScenarioFiles
+{ };
 
 class SimulateCommand : public ScenarioFiles
 {
@@ -319,10 +284,10 @@ TEST(Simulation, APressThatARecordedDeviceCannotDoIsAMistake)
     EXPECT_EQ(run.result.outcome, Outcome::Malformed);
     ASSERT_THAT(run.result.diagnostics, SizeIs(1));
     EXPECT_EQ(run.result.diagnostics.first().toString().toStdString(),
-              "a.scenario:2: error: panel has no KEY_INFO, or it is down already");
+              "a.scenario:2: error: panel has no KEY_INFO, or it is already down");
 }
 
-TEST_F(ScenarioFiles, ARecordingPlaysWhileTheScenarioGoesOn)
+TEST_F(SimulatedFiles, ARecordingPlaysWhileTheScenarioGoesOn)
 {
     write("up.evemu",
           "N: box\nI: 0003 0001 0001 0001\n"
@@ -344,7 +309,7 @@ TEST_F(ScenarioFiles, ARecordingPlaysWhileTheScenarioGoesOn)
                             "1000 VolumeUp KeyPressed", "2500 VolumeUp KeyReleased"));
 }
 
-TEST_F(ScenarioFiles, ARecordingIsComparedWithTheFileBesideIt)
+TEST_F(SimulatedFiles, ARecordingIsComparedWithTheFileBesideIt)
 {
     const QString recording = write("up.evemu",
                                     "E: 0.000000 0000 0000 0000\n"
@@ -360,37 +325,6 @@ TEST_F(ScenarioFiles, ARecordingIsComparedWithTheFileBesideIt)
     options.expectations =
         write("other", "profile \"absent.toml\"\nexpect VolumeUp KeyPressed from \"device\"\n");
     EXPECT_EQ(played(loadScenario(recording, options)).result.expectations, 1);
-}
-
-TEST_F(ScenarioFiles, WhatCannotBeReadIsNamedWithTheLineThatAsksForIt)
-{
-    EXPECT_THAT(mistakes(write("a.scenario", "wait 1s\n")),
-                ElementsAre(HasSubstr("a.scenario: error: no profile says what the keys mean")));
-    EXPECT_THAT(mistakes(write("b.scenario", "\nprofile \"absent.toml\"\n")),
-                testing::Contains(HasSubstr("b.scenario:2: error: the profile ")));
-    EXPECT_THAT(mistakes(write("c.scenario", "profile \"keys.toml\"\nplay \"absent.evemu\"\n")),
-                testing::Contains(HasSubstr("c.scenario:2: error: the recording 'absent.evemu'")));
-    EXPECT_THAT(mistakes(path("absent.scenario")), SizeIs(1));
-    LoadOptions options;
-    options.expectations = path("x");
-    EXPECT_THAT(mistakes(write("d.scenario", "profile \"keys.toml\"\n"), options),
-                ElementsAre(HasSubstr("--expectations is for recordings")));
-}
-
-TEST_F(ScenarioFiles, AnIdentifierThatTheProfileDoesNotHaveIsWarnedOf)
-{
-    EXPECT_THAT(mistakes(write("a.scenario", "profile \"keys.toml\"\nselect text\n")),
-                ElementsAre("a.scenario:2: warning: the profile has no identifier 'text'"));
-}
-
-TEST_F(ScenarioFiles, DevicesWithoutANodeTakeTheLowestOneThatIsFree)
-{
-    const LoadedScenario scenario =
-        loadScenario(write("a.scenario",
-                           "profile \"keys.toml\"\ndevice a\ndevice b node=event0\n"
-                           "device c node=event2\ndevice d\n"),
-                     {});
-    EXPECT_THAT(scenario.deviceNodes, ElementsAre(1, 0, 2, 3));
 }
 
 TEST_F(SimulateCommand, SaysInOneLineThatAllIsAsExpected)

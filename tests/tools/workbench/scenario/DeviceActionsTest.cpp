@@ -1,0 +1,138 @@
+#include "DeviceActions.h"
+
+#include "ScenarioText.h"
+
+#include <gmock/gmock.h>
+
+#include <linux/input.h>
+
+namespace {
+
+using namespace ScenarioText;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+} // namespace
+
+TEST(DeviceActions, SeveralKeysGoInOnePacket)
+{
+    const Scenario scenario = parsed("device panel\npanel press KEY_A 48").scenario;
+    const auto keys = step<Step::Keys>(scenario, 1);
+    EXPECT_THAT(keys.codes, ElementsAre(KEY_A, KEY_B));
+    EXPECT_EQ(keys.value, 1);
+    EXPECT_THAT(scenario.devices.first().usedKeys, ElementsAre(KEY_A, KEY_B));
+}
+
+TEST(DeviceActions, AHoldIsAPressAWaitAndARelease)
+{
+    const Scenario scenario = parsed("device panel\npanel hold KEY_A for 1.5s").scenario;
+    ASSERT_THAT(scenario.steps, SizeIs(4));
+    EXPECT_EQ(step<Step::Keys>(scenario, 1).value, 1);
+    EXPECT_EQ(step<Step::Wait>(scenario, 2).duration, 1500);
+    EXPECT_EQ(step<Step::Keys>(scenario, 3).value, 0);
+    EXPECT_FALSE(scenario.steps[1].continues);
+    EXPECT_TRUE(scenario.steps[2].continues && scenario.steps[3].continues);
+}
+
+TEST(DeviceActions, AClickLastsEightyMilliseconds)
+{
+    EXPECT_EQ(step<Step::Wait>(parsed("device panel\npanel click KEY_A").scenario, 2).duration, 80);
+    EXPECT_EQ(
+        step<Step::Wait>(parsed("device panel\npanel click KEY_A for 5ms").scenario, 2).duration,
+        5);
+}
+
+TEST(DeviceActions, ARecordIsTakenAsItIs)
+{
+    const Scenario scenario =
+        parsed("device panel\npanel record EV_KEY KEY_A -7 stamped -500ms\n").scenario;
+    const auto record = step<Step::Record>(scenario, 1);
+    EXPECT_EQ(record.type, EV_KEY);
+    EXPECT_EQ(record.code, KEY_A);
+    EXPECT_EQ(record.value, -7);
+    EXPECT_EQ(record.offset, -500);
+}
+
+TEST(DeviceActions, TellsKeysAndSwitchesApart)
+{
+    EXPECT_EQ(mistakeOf("panel press SW_LINEIN_INSERT"),
+              "dir/a.scenario:2:13: error: 'SW_LINEIN_INSERT' is a switch; write 'panel switch "
+              "SW_LINEIN_INSERT on'");
+    EXPECT_EQ(mistakeOf("panel switch KEY_A on"),
+              "dir/a.scenario:2:14: error: 'KEY_A' is a key; write 'panel press KEY_A'");
+}
+
+TEST(DeviceActions, AStepThatTheKernelWouldDropIsAMistake)
+{
+    EXPECT_EQ(mistakeOf("panel press KEY_A\npanel press KEY_A"),
+              "dir/a.scenario:3:13: error: KEY_A is already down, so the kernel would drop this; "
+              "'panel record EV_KEY KEY_A 1' sends it anyway");
+    EXPECT_THAT(mistakeOf("panel release KEY_A"), HasSubstr(":2:15: error: KEY_A is already up"));
+    EXPECT_THAT(mistakeOf("panel press KEY_A KEY_A"),
+                HasSubstr(":2:19: error: KEY_A is already down"));
+    EXPECT_THAT(mistakeOf("panel press KEY_A\npanel click KEY_A"),
+                HasSubstr("KEY_A is already down"));
+    EXPECT_THAT(mistakeOf("panel switch SW_LID off"), HasSubstr("SW_LID is already off"));
+    EXPECT_THAT(mistake("device panel held=KEY_A\npanel press KEY_A"),
+                HasSubstr("KEY_A is already down"));
+    EXPECT_THAT(mistakes("device panel\npanel press KEY_A\npanel unplug\npanel plug\n"
+                         "panel press KEY_A\npanel replace name=x\npanel press KEY_A"),
+                IsEmpty())
+        << "what was down is up on another device";
+}
+
+TEST(DeviceActions, ADeviceHasTheKeysThatItDeclares)
+{
+    EXPECT_EQ(mistake("\ndevice panel keys=KEY_A switches=\npanel press KEY_B"),
+              "dir/a.scenario:3:13: error: panel has no KEY_B; add it to its keys= in line 2");
+    EXPECT_EQ(mistake("device panel switches=\npanel switch SW_LID on"),
+              "dir/a.scenario:2:14: error: panel has no SW_LID; add it to its switches= in line 1");
+}
+
+TEST(DeviceActions, OnlyADeviceThatIsPluggedInDoesSomething)
+{
+    EXPECT_EQ(mistakeOf("panel unplug\npanel press KEY_A"),
+              "dir/a.scenario:3:7: error: panel is not plugged in; write 'panel plug' first");
+    EXPECT_EQ(mistakeOf("panel plug"), "dir/a.scenario:2:7: error: panel is already plugged in");
+    EXPECT_THAT(mistakeOf("panel unplug\nplay \"a.evemu\" on panel"),
+                HasSubstr("panel is not plugged in"));
+}
+
+TEST(DeviceActions, NamesTheKeyOrSwitchThatWasProbablyMeant)
+{
+    EXPECT_EQ(mistakeOf("panel press KEY_INOF"),
+              "dir/a.scenario:2:13: error: unknown key 'KEY_INOF', did you mean 'KEY_INFO'?");
+    EXPECT_EQ(mistakeOf("panel switch SW_LINEIN_INSRT on"),
+              "dir/a.scenario:2:14: error: unknown switch 'SW_LINEIN_INSRT', did you mean "
+              "'SW_LINEIN_INSERT'?");
+}
+
+TEST(DeviceActions, WhatIsMissingIsNamed)
+{
+    EXPECT_EQ(mistakeOf("panel"), "dir/a.scenario:2:6: error: what panel does is missing");
+    EXPECT_EQ(mistakeOf("panel press # KEY_A"),
+              "dir/a.scenario:2:13: error: a key like KEY_OK is missing");
+    EXPECT_THAT(mistakeOf("panel hold KEY_A"), HasSubstr("write 'panel hold KEY_A for 2s'"));
+    EXPECT_THAT(mistakeOf("panel unplug losing"), HasSubstr("'unplug losing records'"));
+    EXPECT_THAT(mistakeOf("panel replace bus=USB"), HasSubstr("name=\"…\" is missing"));
+}
+
+TEST(DeviceActions, OnlyTheRecordingKnowsTheFirstStateOfARecordedDevice)
+{
+    const QByteArray device = "device panel from \"x.evemu\"\n";
+    EXPECT_THAT(mistakes(device + "panel release KEY_A\npanel switch SW_LID off"), IsEmpty());
+    EXPECT_THAT(mistake(device + "panel press KEY_A\npanel press KEY_A"),
+                HasSubstr("KEY_A is already down"));
+}
+
+TEST(DeviceActions, ARecordChangesNoKeys)
+{
+    EXPECT_THAT(mistakes("device panel\npanel record EV_KEY KEY_A 1\npanel press KEY_A"),
+                IsEmpty());
+    EXPECT_THAT(mistake("device panel\npanel record EV_KEY KEY_A x"),
+                HasSubstr(":27: error: 'x' is not a value"));
+    EXPECT_THAT(mistake("device panel\npanel record EV_KEY KEY_A 1 stamped soon"),
+                HasSubstr("'soon' is not an offset"));
+}

@@ -1,0 +1,51 @@
+#include "ExpectSteps.h"
+
+#include "ScenarioText.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using namespace ScenarioText;
+using testing::HasSubstr;
+
+} // namespace
+
+TEST(ExpectSteps, AnExpectedEventMayBeNarrowedDown)
+{
+    const Scenario scenario =
+        parsed("device panel\nexpect Info KeyLongPress LocalUI from panel after 700ms within 2s\n"
+               "expect Info KeyReleased from \"front-panel\" after 1s..1.2s\nexpect nothing for 3s")
+            .scenario;
+    const auto first = step<Step::ExpectEvent>(scenario, 1);
+    EXPECT_EQ(first.command, InputEvent::Info);
+    EXPECT_EQ(first.state, InputEvent::KeyLongPress);
+    EXPECT_EQ(first.bus, InputEvent::Bus::LocalUI);
+    EXPECT_EQ(first.device, 0);
+    EXPECT_EQ(first.earliest, 700);
+    EXPECT_EQ(first.latest, 755) << "a tick later, as coarse as ticks are";
+    EXPECT_EQ(first.within, 2000);
+    const auto second = step<Step::ExpectEvent>(scenario, 2);
+    EXPECT_EQ(second.deviceName.toStdString(), "front-panel");
+    EXPECT_EQ(second.latest, 1200);
+    EXPECT_FALSE(second.bus);
+    EXPECT_EQ(step<Step::ExpectNothing>(scenario, 3).duration, 3000);
+    EXPECT_TRUE(scenario.hasExpectations());
+}
+
+TEST(ExpectSteps, NamesTheCommandStateOrBusThatWasProbablyMeant)
+{
+    EXPECT_EQ(mistakeOf("expect VolumUp KeyPressed"),
+              "dir/a.scenario:2:8: error: unknown command 'VolumUp', did you mean 'VolumeUp'?");
+    EXPECT_EQ(mistakeOf("expect VolumeUp KeyPresed"),
+              "dir/a.scenario:2:17: error: unknown state 'KeyPresed', did you mean 'KeyPressed'?");
+    EXPECT_EQ(mistakeOf("expect VolumeUp KeyPressed LocalUi"),
+              "dir/a.scenario:2:28: error: unknown bus or word 'LocalUi', did you mean 'LocalUI'?");
+    EXPECT_EQ(mistakeOf("expect VolumeUp KeyPressed from panl"),
+              "dir/a.scenario:2:33: error: unknown device 'panl', did you mean 'panel'?");
+}
+
+TEST(ExpectSteps, ATimeEndsAfterItBegins)
+{
+    EXPECT_THAT(mistakeOf("expect Info KeyPressed after 2s..1s"), HasSubstr("before it begins"));
+}

@@ -1,0 +1,55 @@
+#include "GeneralSteps.h"
+
+#include "ScenarioText.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using namespace ScenarioText;
+using testing::HasSubstr;
+using testing::SizeIs;
+
+} // namespace
+
+TEST(GeneralSteps, ReadsWhatConcernsNoDevice)
+{
+    const Scenario scenario = parsed("start 2026-03-04T05:06:07Z\nclock -5s\nselect \"\"\n"
+                                     "input-directory remove\ninput-directory create\nwait end\n"
+                                     "ignore events\nplay \"../b.evemu\"\n")
+                                  .scenario;
+    ASSERT_THAT(scenario.steps, SizeIs(7));
+    EXPECT_EQ(scenario.start, 1'772'600'767'000);
+    EXPECT_EQ(step<Step::StepClock>(scenario, 0).delta, -5000);
+    EXPECT_EQ(step<Step::Select>(scenario, 1).identifier.toStdString(), "");
+    EXPECT_FALSE(step<Step::InputDirectory>(scenario, 2).exists);
+    EXPECT_TRUE(step<Step::InputDirectory>(scenario, 3).exists);
+    step<Step::WaitForEnd>(scenario, 4);
+    step<Step::IgnoreEvents>(scenario, 5);
+    EXPECT_EQ(step<Step::Play>(scenario, 6).file.toStdString(), "b.evemu");
+    EXPECT_EQ(step<Step::Play>(scenario, 6).device, -1);
+}
+
+TEST(GeneralSteps, TimesAreLimited)
+{
+    EXPECT_THAT(mistake("wait 169h"), HasSubstr("at most 7 days (168h)"));
+    EXPECT_THAT(mistake(QByteArray("wait 168h\n").repeated(15)),
+                HasSubstr(":15:6: error: a scenario lasts at most 100 days in all"));
+    EXPECT_THAT(mistake("clock +1"), HasSubstr("'+1' is not a clock step"));
+    EXPECT_THAT(mistake("clock +87601h"), HasSubstr("at most 10 years"));
+    EXPECT_THAT(mistake("start 1970-01-02T00:00:00Z\nclock -25h"), HasSubstr("1970 to 2104"));
+    EXPECT_THAT(mistake("start 2105-01-01T00:00:00Z"), HasSubstr("1970 to 2104"));
+}
+
+TEST(GeneralSteps, StartNeedsATimeZoneAndComesFirst)
+{
+    EXPECT_THAT(mistake("start 2026-01-02T10:00:00"), HasSubstr("is not a time like"));
+    EXPECT_THAT(mistakeOf("start 2026-01-02T10:00:00Z"),
+                HasSubstr(":2:1: error: 'start' must come"));
+}
+
+TEST(GeneralSteps, WhatMakesNoSenseIsAMistake)
+{
+    EXPECT_THAT(mistakeOf("ignore event"), HasSubstr("'ignore events'"));
+    EXPECT_THAT(mistake("input-directory create"), HasSubstr("/dev/input already exists"));
+}

@@ -1,0 +1,75 @@
+#include "ScenarioLoader.h"
+
+#include "ScenarioFiles.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using namespace Vorn::Workbench;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class ScenarioLoader : public ScenarioFiles
+{ };
+
+} // namespace
+
+TEST_F(ScenarioLoader, WhatCannotBeReadIsNamedWithTheLineThatAsksForIt)
+{
+    EXPECT_THAT(mistakes(write("a.scenario", "wait 1s\n")),
+                ElementsAre(HasSubstr("a.scenario: error: no profile to say what the keys mean")));
+    EXPECT_THAT(mistakes(write("b.scenario", "\nprofile \"absent.toml\"\n")),
+                testing::Contains(HasSubstr("b.scenario:2: error: the profile ")));
+    EXPECT_THAT(mistakes(write("c.scenario", "profile \"keys.toml\"\nplay \"absent.evemu\"\n")),
+                testing::Contains(HasSubstr("c.scenario:2: error: the recording 'absent.evemu'")));
+    EXPECT_THAT(mistakes(path("absent.scenario")), SizeIs(1));
+    LoadOptions options;
+    options.expectations = path("x");
+    EXPECT_THAT(mistakes(write("d.scenario", "profile \"keys.toml\"\n"), options),
+                ElementsAre(HasSubstr("--expectations is for recordings")));
+}
+
+TEST_F(ScenarioLoader, AnIdentifierThatTheProfileDoesNotHaveIsWarnedOf)
+{
+    EXPECT_THAT(mistakes(write("a.scenario", "profile \"keys.toml\"\nselect text\n")),
+                ElementsAre("a.scenario:2: warning: the profile has no identifier 'text'"));
+}
+
+TEST_F(ScenarioLoader, DevicesWithoutANodeTakeTheLowestOneThatIsFree)
+{
+    const LoadedScenario scenario =
+        loadScenario(write("a.scenario",
+                           "profile \"keys.toml\"\ndevice a\ndevice b node=event0\n"
+                           "device c node=event2\ndevice d\n"),
+                     {});
+    EXPECT_THAT(scenario.deviceNodes, ElementsAre(1, 0, 2, 3));
+}
+
+TEST_F(ScenarioLoader, ARecordingKeepsItsNodesAndDeclaredDevicesMakeRoom)
+{
+    const QByteArray recording = "P: /devices/virtual/input/input5/event0\n"
+                                 "N: input/event0\nE: DEVNAME=/dev/input/event0\n"
+                                 "E: SUBSYSTEM=input\n";
+    write("a.umockdev", recording);
+    const LoadedScenario moved = loadScenario(
+        write("a.scenario", "profile \"keys.toml\"\ndevice a\nplay \"a.umockdev\"\n"), {});
+    EXPECT_THAT(moved.diagnostics, IsEmpty());
+    EXPECT_THAT(moved.deviceNodes, ElementsAre(1));
+
+    EXPECT_THAT(mistakes(write("b.scenario",
+                               "profile \"keys.toml\"\ndevice a node=event0\n"
+                               "play \"a.umockdev\"\n")),
+                ElementsAre("b.scenario:3: error: the recording needs event0, which is already "
+                            "taken; give the other device a different node="));
+}
+
+TEST_F(ScenarioLoader, ADeviceIsDescribedByARecordingOfOneDevice)
+{
+    write("none.evemu", "E: 0.000000 0000 0000 0000\n");
+    EXPECT_THAT(
+        mistakes(write("a.scenario", "profile \"keys.toml\"\ndevice a from \"none.evemu\"\n")),
+        ElementsAre("a.scenario:2: error: 'none.evemu' does not describe exactly one device"));
+}
