@@ -13,6 +13,7 @@ bool endsPacket(const RecordedEvent &event)
     return event.type == EV_SYN && event.code == SYN_REPORT;
 }
 
+// A time before the start of the recording, which a damaged file may contain, is the start.
 qint64 toMilliseconds(qint64 microseconds)
 {
     return std::max<qint64>(microseconds, 0) / 1000;
@@ -33,6 +34,7 @@ void Playback::add(int node, const QVector<RecordedEvent> &events, qint64 start)
     stream.events = events;
     stream.start = start;
     stream.due = start + toMilliseconds(events.first().time);
+    // Not the last event: times of a recording may go back, as when the clock was set.
     const QVector<RecordedEvent>::const_iterator latest = std::max_element(
         events.begin(), events.end(),
         [](const RecordedEvent &a, const RecordedEvent &b) { return a.time < b.time; });
@@ -58,6 +60,8 @@ std::optional<qint64> Playback::end() const
 
 void Playback::sendNext()
 {
+    // Of packets that are due together, that of the recording started first: min_element() takes
+    // the first one, so that each run gives the same order.
     const QVector<Stream>::iterator next =
         std::min_element(m_streams.begin(), m_streams.end(),
                          [](const Stream &a, const Stream &b) { return a.due < b.due; });
@@ -67,7 +71,7 @@ void Playback::sendNext()
     bool isComplete = false;
     while (!isComplete && next->next < next->events.size()) {
         const RecordedEvent &event = next->events[next->next];
-        // A packet whose end was not recorded ends with its moment.
+        // A packet without a SYN_REPORT ends where the time changes.
         if (!packet.isEmpty() && next->start + toMilliseconds(event.time) > next->due)
             break;
         packet.append(Sim::InputNode::record(event.type, event.code, event.value));
@@ -75,7 +79,7 @@ void Playback::sendNext()
         ++next->next;
     }
     m_subsystem->node(next->node).send(packet);
-    // Times that go back do not make it so.
+    // Virtual time cannot go back, so events with an earlier time follow at once.
     if (next->next < next->events.size())
         next->due =
             std::max(next->due, next->start + toMilliseconds(next->events[next->next].time));

@@ -10,25 +10,25 @@
 
 namespace Vorn::Workbench {
 
-/// Delivers the records of recordings to simulated nodes, packet by packet, each at its time to the
-/// millisecond. It does not move the time: whoever does asks when the next packet is due.
+/// Delivers recordings to simulated nodes, packet by packet, each at its time to the millisecond.
+/// Moving time is left to the caller, who can ask when the next packet is due.
 class Playback
 {
 public:
-    /// @param subsystem must live longer
+    /// @param subsystem must outlive this
     explicit Playback(Sim::InputSubsystem *subsystem);
 
-    /// Plays @p events on a node, the first moment of the recording being @p start (ms).
+    /// Plays @p events on a node; time 0 of the recording is @p start (ms).
     void add(int node, const QVector<RecordedEvent> &events, qint64 start);
 
-    /// When the next packet is due, in ms; nothing once all is played.
+    /// When the next packet is due, in ms; nothing if none is left.
     std::optional<qint64> nextDue() const;
 
-    /// When the last packet is due, in ms; nothing once all is played.
+    /// When the last packet is due, in ms; nothing if none is left.
     std::optional<qint64> end() const;
 
-    /// Delivers the next packet as it was recorded, stamped with the wall clock. A packet for a
-    /// node that nothing is plugged at is lost.
+    /// Delivers the next packet as it was recorded, but stamped with the present wall clock. It is
+    /// lost if nothing is plugged in at its node.
     void sendNext();
 
 private:
@@ -37,13 +37,13 @@ private:
         int node = 0;
         QVector<RecordedEvent> events;
         qint64 start = 0;
-        int next = 0;
-        qint64 due = 0; ///< of the next packet
-        qint64 end = 0;
+        int next = 0; ///< index of the next packet's first event
+        qint64 due = 0; ///< when the next packet is
+        qint64 end = 0; ///< when the last packet is due
     };
 
     Sim::InputSubsystem *const m_subsystem;
-    QVector<Stream> m_streams; ///< that have something left
+    QVector<Stream> m_streams; ///< with packets left
 };
 
 } // namespace Vorn::Workbench

@@ -9,7 +9,7 @@ namespace Vorn::Workbench {
 
 namespace {
 
-constexpr mode_t readableMode = 0660;
+constexpr mode_t readableMode = 0660; // udev's usual mode for input devices
 
 void addOnce(QVector<int> *codes, int code)
 {
@@ -17,7 +17,8 @@ void addOnce(QVector<int> *codes, int code)
         codes->append(code);
 }
 
-/// What a profile maps for the device, so that the device has these keys and switches.
+// A real panel has the keys that its product maps. Without this, each scenario would have to list
+// them before it could press one.
 void addMapped(const Profile &profile, Sim::DeviceDescription *device, bool keys, bool switches)
 {
     const QString name = QString::fromUtf8(device->name);
@@ -56,6 +57,7 @@ void addUsed(const QVector<RecordedEvent> &events, Sim::DeviceDescription *devic
 Sim::DeviceDescription describe(const RecordedDevice &device)
 {
     Sim::DeviceDescription result;
+    // Null would stand for a device whose name cannot be read.
     result.name = device.name.isNull() ? QByteArray("") : device.name;
     result.id = device.id;
     result.keys = device.codesOf(EV_KEY);
@@ -63,6 +65,7 @@ Sim::DeviceDescription describe(const RecordedDevice &device)
     result.keysHeld = device.keysDown;
     result.switchesOn = device.switchesOn;
     result.autoRepeat = device.has(EV_REP);
+    // EV_REP is left to autoRepeat.
     for (auto it = device.codes.cbegin(); it != device.codes.cend(); ++it) {
         if (it.key() != EV_REP)
             result.eventTypes.append(it.key());
@@ -96,6 +99,7 @@ Sim::DeviceDescription ScenarioNodes::describe(int device) const
         result.keys = *declared.keys;
     if (declared.switches)
         result.switches = *declared.switches;
+    // A recording describes all codes of its device; adding any would change what is tested.
     if (!isRecorded) {
         const bool keys = !declared.keys;
         const bool switches = !declared.switches;
@@ -124,6 +128,7 @@ void ScenarioNodes::plug(int device)
 void ScenarioNodes::releaseKeys(int device)
 {
     Sim::InputNode &keys = node(device);
+    // One packet with a single SYN_REPORT.
     for (int code = 0; code <= maxKeyCode; ++code) {
         if (keys.isKeyDown(code))
             keys.report(EV_KEY, code, 0);
@@ -145,6 +150,7 @@ void ScenarioNodes::replace(const Step::Replace &step)
     if (step.bus)
         other.id.bustype = static_cast<__u16>(*step.bus);
     const ScenarioDevice &declared = m_loaded.scenario.devices[step.device];
+    // The profile may map other keys for its name.
     addMapped(m_loaded.profile, &other, !declared.keys, !declared.switches);
     m_subsystem->replace(m_loaded.deviceNodes[step.device], other);
 }
@@ -166,6 +172,7 @@ void ScenarioNodes::plugRecorded(const QString &recording)
         if (nodes[i].device) {
             description = Workbench::describe(*nodes[i].device);
         } else {
+            // An excerpt without a description: any device that could have sent these events.
             description.name = "device";
             addUsed(nodes[i].events, &description, true, true);
         }

@@ -1,5 +1,5 @@
-#ifndef VORN_WORKBENCH_SIMULATEDDEVICES_H
-#define VORN_WORKBENCH_SIMULATEDDEVICES_H
+#ifndef VORN_WORKBENCH_SCENARIONODES_H
+#define VORN_WORKBENCH_SCENARIONODES_H
 
 #include "InputSubsystem.h"
 #include "RecordedDevice.h"
@@ -11,18 +11,20 @@ namespace Vorn::Workbench {
 class ScenarioNodes
 {
 public:
-    /// Both must live longer.
+    /// Both must outlive this.
     ScenarioNodes(const LoadedScenario &loaded, Sim::InputSubsystem *subsystem);
 
+    /// Devices are indices into Scenario::devices.
     void plug(int device);
-    /// Releases the keys that are down, as the kernel does when a device goes.
+    /// Releases the keys that are down, as the kernel does when a device is unplugged.
     void releaseKeys(int device);
     void unplug(int device, bool losingRecords);
-    /// Puts another device in the place of one, until that is unplugged.
+    /// Puts another device in its place. The next plug() brings the declared one back.
     void replace(const Step::Replace &step);
+    /// Sets whether the node can be opened, now and after the device is plugged in again.
     void permit(int device, bool readable);
 
-    /// Plugs the devices that a recording brings, unless they are there.
+    /// Plugs in the devices that a recording brings, unless an earlier step did.
     void plugRecorded(const QString &recording);
 
     Sim::InputNode &node(int device);
@@ -35,7 +37,7 @@ private:
     QVector<bool> m_readable;
 };
 
-/// A recorded device as it is simulated.
+/// How a recorded device is simulated.
 Sim::DeviceDescription describe(const RecordedDevice &device);
 
 } // namespace Vorn::Workbench

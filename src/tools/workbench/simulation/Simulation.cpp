@@ -1,12 +1,13 @@
 #include "Simulation.h"
 
-#include "BusNames.h"
-#include "CommandNames.h"
 #include "Diagnostic.h"
+#include "Durations.h"
 #include "EventNames.h"
 #include "InputSubsystem.h"
 #include "Interruption.h"
+#include "PendingEvents.h"
 #include "Playback.h"
+#include "PlaybackClock.h"
 #include "Product.h"
 #include "Recording.h"
 #include "ScenarioNodes.h"
@@ -15,7 +16,6 @@
 #include "VirtualClock.h"
 
 #include <QFileInfo>
-#include <QHash>
 
 #include <algorithm>
 #include <memory>
@@ -24,17 +24,7 @@ namespace Vorn::Workbench {
 
 namespace {
 
-// So often a long wait looks whether it was interrupted.
-constexpr qint64 longestPiece = 10LL * 60 * 1000;
-
-QString durationText(qint64 milliseconds)
-{
-    if (milliseconds % 1000 != 0 && qAbs(milliseconds) < 10'000)
-        return QStringLiteral("%1 ms").arg(milliseconds);
-    return QStringLiteral("%1 s").arg(QString::number(static_cast<double>(milliseconds) / 1000));
-}
-
-/// Whether times are measured from a step.
+/// Whether a step does something, so that `after` counts from it.
 bool isAction(const StepKind &step)
 {
     return !std::holds_alternative<Step::Wait>(step)
@@ -45,6 +35,7 @@ bool isAction(const StepKind &step)
         && !std::holds_alternative<Step::ExpectIdentifier>(step);
 }
 
+/// One run of a scenario: an operator() for each kind of step.
 class Run
 {
 public:
@@ -71,30 +62,15 @@ public:
     void operator()(const Step::ExpectIdentifier &step);
 
 private:
-    struct Pending
-    {
-        qint64 time = 0;
-        EventPublished event;
-        QString deviceName;
-    };
-
     void onEntry(const SessionEntry &entry);
+    void checkLeftOver();
     bool hasEnded() const { return m_result.outcome != SimulationResult::Outcome::Passed; }
-    qint64 now() const { return m_clock.elapsed().count(); }
-    /// Moves the time to @p end, or to when there is an event that was not expected yet.
-    /// @return whether there is
-    bool runUntilEvent(qint64 end);
-    void runUntil(qint64 end);
-    /// Runs what is ready now.
-    void settle();
-    void playDue();
     bool isInterrupted();
+    void waitForEvent(qint64 end);
+    qint64 endOfWait(const Step::ExpectEvent &expected) const;
     void met();
     void failed(const QString &found);
-    void checkNothingIsPending();
     void malformed(const QString &message);
-    bool isExpected(const Step::ExpectEvent &expected, const Pending &found) const;
-    QString text(const Pending &event) const;
     QString label(int device) const { return m_loaded.scenario.devices[device].label; }
 
     const LoadedScenario &m_loaded;
@@ -102,13 +78,13 @@ private:
     Sim::VirtualClock m_clock;
     Sim::InputSubsystem m_subsystem;
     SessionLog m_log;
-    QHash<QString, QString> m_names; ///< of devices, by path; those that are gone included
-    QVector<Pending> m_pending; ///< events that were not expected yet
+    PendingEvents m_pending;
     SimulationResult m_result;
-    qint64 m_action = 0; ///< when the last action began
-    const ScenarioStep *m_step = nullptr;
+    qint64 m_action = 0; ///< when the last action began, ms
+    const ScenarioStep *m_step = nullptr; ///< being run
     ScenarioNodes m_devices;
     Playback m_playback;
+    PlaybackClock m_time;
     std::unique_ptr<Product> m_library;
 };
 
@@ -117,9 +93,12 @@ Run::Run(const LoadedScenario &loaded, const SessionLog::Sink &sink)
     , m_sink(sink)
     , m_clock(loaded.scenario.start)
     , m_log([this](const SessionEntry &entry) { onEntry(entry); })
+    , m_pending(loaded.deviceNodes)
     , m_devices(loaded, &m_subsystem)
     , m_playback(&m_subsystem)
+    , m_time(&m_clock, &m_playback, [this] { return isInterrupted(); })
 {
+    // A long scenario makes millions of calls, and nobody here reads the list of them.
     m_subsystem.setRecording(false);
     SessionStart start;
     start.source = loaded.source;
@@ -131,41 +110,45 @@ Run::Run(const LoadedScenario &loaded, const SessionLog::Sink &sink)
 
 void Run::onEntry(const SessionEntry &entry)
 {
-    if (const auto *change = std::get_if<DeviceChange>(&entry.what))
-        m_names.insert(change->device, change->name);
-    if (const auto *event = std::get_if<EventPublished>(&entry.what))
-        m_pending.append(Pending{entry.time, *event, m_names.value(event->device)});
+    m_pending.add(entry);
     m_sink(entry);
 }
 
 SimulationResult Run::run()
 {
     // The library looks at /dev/input for the first time.
-    settle();
+    m_time.settle();
     for (const ScenarioStep &step : m_loaded.scenario.steps) {
         if (isInterrupted())
             break;
         m_step = &step;
         if (!step.continues && isAction(step.what))
-            m_action = now();
+            m_action = m_time.now();
         std::visit(*this, step.what);
         if (hasEnded())
             break;
-        settle();
+        m_time.settle();
     }
     if (!hasEnded() && m_playback.end())
-        runUntil(*m_playback.end());
-    if (!hasEnded() && m_loaded.scenario.hasExpectations()) {
-        const ScenarioStep end{m_loaded.scenario.file, m_loaded.scenario.lastLine,
-                               QStringLiteral("expect nothing more at the end"),
-                               Step::ExpectNothing(), false};
-        m_step = &end;
-        if (!m_pending.isEmpty())
-            failed(text(m_pending.first()));
-    }
+        m_time.runUntil(*m_playback.end());
+    // Without expectations a scenario only shows what happens.
+    if (!hasEnded() && m_loaded.scenario.hasExpectations())
+        checkLeftOver();
     m_step = nullptr;
-    m_result.duration = now();
+    m_result.duration = m_time.now();
     return m_result;
+}
+
+void Run::checkLeftOver()
+{
+    if (m_pending.isEmpty())
+        return;
+    const ScenarioStep end{m_loaded.scenario.file, m_loaded.scenario.lastLine,
+                           QStringLiteral("expect nothing more at the end"), Step::ExpectNothing(),
+                           false};
+    m_step = &end;
+    failed(m_pending.text(m_action));
+    m_step = nullptr;
 }
 
 bool Run::isInterrupted()
@@ -175,45 +158,6 @@ bool Run::isInterrupted()
     return hasEnded();
 }
 
-void Run::playDue()
-{
-    while (m_playback.nextDue().value_or(now() + 1) <= now() && !isInterrupted()) {
-        m_playback.sendNext();
-        m_clock.settle();
-    }
-}
-
-void Run::settle()
-{
-    m_clock.settle();
-    playDue();
-}
-
-bool Run::runUntilEvent(qint64 end)
-{
-    settle();
-    while (m_pending.isEmpty() && now() < end && !isInterrupted()) {
-        const qint64 piece = std::min(end, now() + longestPiece);
-        const qint64 next = std::min(piece, m_playback.nextDue().value_or(piece));
-        m_clock.waitUntil([this] { return !m_pending.isEmpty(); },
-                          std::chrono::milliseconds(next - now()));
-        if (m_pending.isEmpty())
-            playDue();
-    }
-    return !m_pending.isEmpty();
-}
-
-void Run::runUntil(qint64 end)
-{
-    settle();
-    while (now() < end && !isInterrupted()) {
-        const qint64 piece = std::min(end, now() + longestPiece);
-        const qint64 next = std::min(piece, m_playback.nextDue().value_or(piece));
-        m_clock.advance(std::chrono::milliseconds(next - now()));
-        playDue();
-    }
-}
-
 void Run::operator()(const Step::Plug &step)
 {
     m_devices.plug(step.device);
@@ -221,8 +165,8 @@ void Run::operator()(const Step::Plug &step)
 
 void Run::operator()(const Step::Unplug &step)
 {
-    // Which one the library sees first, the releases or that the node is gone, is a matter of luck
-    // on a real system. Here it is the writer's choice.
+    // On a real system it is a race whether the library reads the releases before the node is gone.
+    // Here the scenario decides.
     if (!step.losingRecords) {
         m_devices.releaseKeys(step.device);
         m_clock.settle();
@@ -239,8 +183,8 @@ void Run::operator()(const Step::Replace &step)
 
 void Run::operator()(const Step::Permit &step)
 {
-    m_log.add(Remark{(step.readable ? QStringLiteral("%1 may be opened from now on")
-                                    : QStringLiteral("%1 may not be opened from now on"))
+    m_log.add(Remark{(step.readable ? QStringLiteral("%1 can be opened from now on")
+                                    : QStringLiteral("%1 cannot be opened from now on"))
                          .arg(label(step.device))});
     m_devices.permit(step.device, step.readable);
 }
@@ -250,7 +194,7 @@ void Run::operator()(const Step::Keys &step)
     Sim::InputNode &node = m_devices.node(step.device);
     for (const int code : step.codes) {
         if (!node.report(EV_KEY, code, step.value)) {
-            malformed(QStringLiteral("%1 has no %2, or it is %3 already")
+            malformed(QStringLiteral("%1 has no %2, or it is already %3")
                           .arg(label(step.device), keyName(code),
                                step.value == 0 ? QStringLiteral("up") : QStringLiteral("down")));
             return;
@@ -262,7 +206,7 @@ void Run::operator()(const Step::Keys &step)
 void Run::operator()(const Step::Switch &step)
 {
     if (!m_devices.node(step.device).setSwitch(step.code, step.on))
-        malformed(QStringLiteral("%1 has no %2, or it is %3 already")
+        malformed(QStringLiteral("%1 has no %2, or it is already %3")
                       .arg(label(step.device), switchName(step.code),
                            step.on ? QStringLiteral("on") : QStringLiteral("off")));
 }
@@ -276,13 +220,13 @@ void Run::operator()(const Step::Record &step)
 
 void Run::operator()(const Step::Wait &step)
 {
-    runUntil(now() + step.duration);
+    m_time.runUntil(m_time.now() + step.duration);
 }
 
 void Run::operator()(const Step::WaitForEnd &)
 {
     if (m_playback.end())
-        runUntil(*m_playback.end());
+        m_time.runUntil(*m_playback.end());
 }
 
 void Run::operator()(const Step::StepClock &step)
@@ -314,15 +258,15 @@ void Run::operator()(const Step::Play &step)
     const QVector<RecordedNode> &nodes = m_loaded.recordings[step.file].nodes;
     if (step.device >= 0) {
         for (const RecordedNode &node : nodes)
-            m_playback.add(m_loaded.deviceNodes[step.device], node.events, now());
+            m_playback.add(m_loaded.deviceNodes[step.device], node.events, m_time.now());
         return;
     }
     m_devices.plugRecorded(step.file);
-    // The devices are there before their first records are.
+    // The library has to open the devices before their first records arrive.
     m_clock.settle();
     const QVector<int> numbers = m_loaded.recordingNodes[step.file];
     for (int i = 0; i < nodes.size(); ++i)
-        m_playback.add(numbers[i], nodes[i].events, now());
+        m_playback.add(numbers[i], nodes[i].events, m_time.now());
 }
 
 void Run::operator()(const Step::IgnoreEvents &)
@@ -330,36 +274,48 @@ void Run::operator()(const Step::IgnoreEvents &)
     m_pending.clear();
 }
 
+/*
+ *  expect COMMAND STATE …
+ *
+ *                  an event is pending                       as expected
+ *       begin ───────────────────────────────▶ take it ─────────────────────▶ met
+ *         │                                      ▲  │        another one
+ *         │ none is                              │  └───────────────────────▶ failed
+ *         ▼                  an event comes      │
+ *      waiting ──────────────────────────────────┘
+ *         │
+ *         ├─ time is up ────────────────────────────────────────────────────▶ failed: nothing
+ *         └─ a signal ──────────────────────────────────────────────────────▶ interrupted
+ *
+ *  expect nothing [for …] is the same wait with the results exchanged: an event fails it, and it is
+ *  met when the time is up. It leaves the event where it is.
+ */
+
 void Run::operator()(const Step::ExpectEvent &step)
 {
-    if (m_pending.isEmpty()) {
-        qint64 end = now();
-        if (step.within)
-            end = std::max(end, now() + *step.within);
-        if (step.latest)
-            end = std::max(end, m_action + *step.latest);
-        if (!step.within && !step.latest)
-            end = m_playback.end().value_or(end);
-        runUntilEvent(end);
-    }
+    if (m_pending.isEmpty())
+        waitForEvent(endOfWait(step));
     if (hasEnded())
         return;
     if (m_pending.isEmpty()) {
         failed(QStringLiteral("nothing"));
         return;
     }
-    const Pending found = m_pending.takeFirst();
-    if (isExpected(step, found))
-        met();
+    if (const std::optional<QString> other = m_pending.take(step, m_action))
+        failed(*other);
     else
-        failed(text(found));
+        met();
 }
 
 void Run::operator()(const Step::ExpectNothing &step)
 {
-    runUntilEvent(now() + step.duration);
-    if (!hasEnded())
-        checkNothingIsPending();
+    waitForEvent(m_time.now() + step.duration);
+    if (hasEnded())
+        return;
+    if (m_pending.isEmpty())
+        met();
+    else
+        failed(m_pending.text(m_action));
 }
 
 void Run::operator()(const Step::ExpectIdentifier &step)
@@ -370,42 +326,23 @@ void Run::operator()(const Step::ExpectIdentifier &step)
         failed(QStringLiteral("'%1'").arg(m_library->identifier()));
 }
 
-bool Run::isExpected(const Step::ExpectEvent &expected, const Pending &found) const
+void Run::waitForEvent(qint64 end)
 {
-    const EventPublished &event = found.event;
-    if (event.command != expected.command || event.state != expected.state)
-        return false;
-    if (expected.bus && event.bus != *expected.bus)
-        return false;
-    if (expected.device >= 0
-        && event.device
-            != QStringLiteral("/dev/input/event%1").arg(m_loaded.deviceNodes[expected.device]))
-        return false;
-    if (!expected.deviceName.isNull() && found.deviceName.toUtf8() != expected.deviceName)
-        return false;
-    const qint64 elapsed = found.time - m_action * 1000;
-    return !expected.earliest
-        || (elapsed >= *expected.earliest * 1000 && elapsed <= *expected.latest * 1000);
+    m_time.runUntil(end, [this] { return !m_pending.isEmpty(); });
 }
 
-QString Run::text(const Pending &event) const
+// `after` counts from the last action, `within` from now; the later of the two counts. Without
+// either, an event of a recording may still come while that plays, and no other can.
+qint64 Run::endOfWait(const Step::ExpectEvent &expected) const
 {
-    QString result = QStringLiteral("%1 %2 %3")
-                         .arg(commandName(event.event.command), stateName(event.event.state),
-                              busName(event.event.bus));
-    if (!event.deviceName.isEmpty())
-        result += QStringLiteral(" from \"%1\"").arg(event.deviceName);
-    return result
-        + QStringLiteral(", %1 after the last action")
-              .arg(durationText((event.time - m_action * 1000) / 1000));
-}
-
-void Run::checkNothingIsPending()
-{
-    if (m_pending.isEmpty())
-        met();
-    else
-        failed(text(m_pending.first()));
+    qint64 end = m_time.now();
+    if (!expected.within && !expected.latest)
+        return m_playback.end().value_or(end);
+    if (expected.within)
+        end = std::max(end, m_time.now() + *expected.within);
+    if (expected.latest)
+        end = std::max(end, m_action + *expected.latest);
+    return end;
 }
 
 void Run::met()
@@ -444,7 +381,8 @@ void Run::malformed(const QString &message)
 
 SimulationResult simulate(const LoadedScenario &loaded, const SessionLog::Sink &sink)
 {
-    // The order in which keys that are due in the same tick are told of is that of a hash.
+    // The library reports keys that are due at the same tick in the order of a QHash, which is
+    // random in each process by default.
     qSetGlobalQHashSeed(0);
     Run run(loaded, sink);
     return run.run();

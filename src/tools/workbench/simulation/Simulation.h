@@ -11,28 +11,28 @@ struct SimulationResult
 {
     enum class Outcome {
         Passed,
-        /// An expectation was not met; the last entry says which.
+        /// An expectation was not met; the last entry is the one.
         Failed,
-        /// A step could not be done, see `diagnostics`.
+        /// A step was impossible, see `diagnostics`.
         Malformed,
-        /// A signal asked for the end.
+        /// A signal asked to stop.
         Interrupted,
     };
 
     Outcome outcome = Outcome::Passed;
-    int expectations = 0; ///< that were met
+    int expectations = 0; ///< met
     qint64 duration = 0; ///< ms of virtual time
     Diagnostics diagnostics;
 };
 
-/// Runs a scenario through the library, in virtual time and on simulated devices, and tells @p sink
-/// of everything that happens. The same scenario gives the same entries. It ends with the first
-/// expectation that is not met.
+/// Runs a scenario through the library, in virtual time and on simulated devices, and passes
+/// everything that happens to @p sink. The same scenario always gives the same entries. It stops at
+/// the first expectation that is not met.
 ///
-/// The clocks and /dev/input of the process are simulated in the meantime, so only one may run at a
-/// time, with nothing else that depends on them. Needs a `QCoreApplication`.
+/// Meanwhile the clocks and /dev/input of the whole process are simulated, so only one may run at a
+/// time, and nothing else that depends on them. Needs a `QCoreApplication`.
 ///
-/// @param loaded without errors
+/// @param loaded must have no errors
 SimulationResult simulate(const LoadedScenario &loaded, const SessionLog::Sink &sink);
 
 } // namespace Vorn::Workbench
