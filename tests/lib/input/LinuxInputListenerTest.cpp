@@ -6,6 +6,7 @@
 #include "VirtualClock.h"
 #include "dbglog.h"
 
+#include <QCoreApplication>
 #include <QMetaMethod>
 #include <QSocketNotifier>
 

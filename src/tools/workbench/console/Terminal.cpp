@@ -1,5 +1,6 @@
 #include "Terminal.h"
 
+#include <QByteArray>
 #include <QtGlobal>
 
 #include <unistd.h>

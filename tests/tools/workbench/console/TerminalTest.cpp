@@ -2,6 +2,9 @@
 
 #include "TerminalInput.h"
 
+#include <QByteArray>
+#include <QtGlobal>
+
 #include <gmock/gmock.h>
 
 #include <unistd.h>
