@@ -1,5 +1,5 @@
-# vorn_compile_options(<target>): the warnings, reproducible paths and instrumentation that every
-# target of this project is built with.
+# vorn_compile_options(<target>): warnings, reproducible paths and instrumentation for every target of
+# this project.
 
 # Log locations and assertions name files relative to the project, wherever it is checked out.
 set(VORN_PREFIX_MAP
@@ -11,7 +11,7 @@ function(vorn_compile_options target)
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion
         ${VORN_PREFIX_MAP})
     if(CMAKE_SYSTEM_PROCESSOR STREQUAL "arm")
-        # Tells of a change of the calling convention in GCC 7; nothing here is older.
+        # Notes about a change of the calling convention in GCC 7; nothing here is older.
         target_compile_options(${target} PRIVATE -Wno-psabi)
     endif()
     if(VORN_INPUT_WERROR)

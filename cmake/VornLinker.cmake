@@ -1,0 +1,14 @@
+# VORN_INPUT_FAST_LINKER: links with mold or lld where there is one, which takes a fraction of the
+# time. Not for what ships: the default linker is the one that products use.
+
+include(CheckLinkerFlag)
+
+if(VORN_INPUT_FAST_LINKER)
+    foreach(linker mold lld)
+        check_linker_flag(CXX "-fuse-ld=${linker}" VORN_LINKS_WITH_${linker})
+        if(VORN_LINKS_WITH_${linker})
+            add_link_options("-fuse-ld=${linker}")
+            break()
+        endif()
+    endforeach()
+endif()

@@ -1,0 +1,98 @@
+# Adding tests: executables with the common main(), and how ctest runs them.
+
+find_package(GTest 1.12 REQUIRED CONFIG)
+find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
+find_program(VORN_VALGRIND valgrind)
+
+# For programs without the common main(): leaks that the detectors make on purpose are suppressed by
+# name, and nothing else is.
+set(VORN_TEST_ENVIRONMENT
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")
+
+# Builds the executables whose tests start threads.
+add_custom_target(vorn_thread_tests)
+
+# vorn_test_options(<target>)
+#
+# The options that all tests are built with. They are the same for every test because all share one
+# precompiled header, which saves most of their compile time.
+function(vorn_test_options target)
+    vorn_compile_options(${target})
+    # The library under test is optimised as it ships and checked for undefined behaviour. Doing the
+    # same to the tests would double their compile time.
+    target_compile_options(${target} PRIVATE -O0 -fno-sanitize=undefined)
+    target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS)
+    if(VORN_INPUT_PRECOMPILE AND NOT target STREQUAL vorn_test_support)
+        target_precompile_headers(${target} REUSE_FROM vorn_test_support)
+    endif()
+endfunction()
+
+# vorn_add_test(<target> SOURCES <file>… [LIBRARIES <target>…] [ALONE <test>…] [THREADS]
+#               [NO_VALGRIND])
+#
+# An executable with the common main() and recorders. ctest runs its suites, see vorn_add_suites(),
+# and all of them together under memcheck unless NO_VALGRIND is given. THREADS: its tests start
+# threads, so they also run under the thread sanitizer.
+function(vorn_add_test target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "NO_VALGRIND;THREADS" "" "SOURCES;LIBRARIES;ALONE")
+    add_executable(${target} ${arg_SOURCES})
+    vorn_test_options(${target})
+    target_link_libraries(${target} PRIVATE vorn_test_support vorn_test_exec ${arg_LIBRARIES})
+    set(threads "")
+    if(arg_THREADS)
+        set(threads THREADS)
+    endif()
+    vorn_add_suites(${target} ${threads} ALONE ${arg_ALONE})
+    if(NOT arg_NO_VALGRIND)
+        vorn_add_valgrind_test(${target} ${arg_ALONE})
+    endif()
+endfunction()
+
+# vorn_add_suites(<target> [PREFIX <prefix>] [FILTER <filter>] [ALONE <test>…] [THREADS]
+#                 [ENVIRONMENT <variable>=<value>])
+#
+# Runs each suite of an executable (all tests of one GoogleTest fixture) in a process of its own, as
+# the ctest test <prefix><suite> with the label "unit". FILTER selects suites, in the syntax of
+# --gtest_filter. A test named by ALONE must be the first of its process and is run by itself.
+# THREADS adds the label "threads". VornListSuites.cmake asks the executable for its suites.
+function(vorn_add_suites target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "THREADS" "PREFIX;FILTER;ENVIRONMENT" "ALONE")
+    set(labels unit)
+    if(arg_THREADS)
+        list(APPEND labels threads)
+        add_dependencies(vorn_thread_tests ${target})
+    endif()
+    string(MAKE_C_IDENTIFIER "${target}_${arg_PREFIX}" name)
+    set(file "${CMAKE_CURRENT_BINARY_DIR}/${name}.cmake")
+    file(GENERATE OUTPUT "${file}" CONTENT "\
+set(target [[${target}]])
+set(executable [[$<TARGET_FILE:${target}>]])
+set(emulator [[${CMAKE_CROSSCOMPILING_EMULATOR}]])
+set(prefix [[${arg_PREFIX}]])
+set(filter [[${arg_FILTER}]])
+set(alone [[${arg_ALONE}]])
+set(labels [[${labels}]])
+set(environment [[${arg_ENVIRONMENT}]])
+set(reports [[${PROJECT_BINARY_DIR}/Testing/suites]])
+include([[${PROJECT_SOURCE_DIR}/cmake/VornListSuites.cmake]])
+")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${file}")
+endfunction()
+
+# vorn_add_valgrind_test(<target> [<test>…])
+#
+# All tests of an executable in one process under memcheck, except death tests, whose children die by
+# a signal without cleaning up, and the named ones, which need a process of their own. Label
+# "valgrind".
+function(vorn_add_valgrind_test target)
+    if(NOT VORN_VALGRIND OR VORN_INPUT_SANITIZE OR VORN_INPUT_COVERAGE OR CMAKE_CROSSCOMPILING)
+        return()
+    endif()
+    string(JOIN ":" excluded *DeathTest.* ${ARGN})
+    add_test(NAME valgrind.${target}
+        COMMAND "${VORN_VALGRIND}" --quiet --error-exitcode=99 --leak-check=full
+            --errors-for-leak-kinds=definite --show-leak-kinds=definite --num-callers=40
+            "--suppressions=${PROJECT_SOURCE_DIR}/tests/support/valgrind.supp"
+            "$<TARGET_FILE:${target}>" --gtest_brief=1 "--gtest_filter=-${excluded}")
+    set_tests_properties(valgrind.${target} PROPERTIES LABELS valgrind TIMEOUT 600)
+endfunction()
