@@ -4,27 +4,30 @@ set -euo pipefail
 
 usage='usage: test.sh [--quick] [--vm] [--werror] [--help]
 
-Installs what is missing (with sudo unless it runs as root), builds, and runs all tests:
+Installs missing packages (with sudo unless run as root), builds, and runs the tests:
 
   dev        Debug build: unit, integration and package tests
-  release    the same on the optimised build; its assertions must be as fatal
-  asan       the same under AddressSanitizer and UndefinedBehaviorSanitizer
-  valgrind   the unit tests of the Debug build under memcheck
-  fuzz       everything that reads files, with inputs that a fuzzer makes up for ten seconds each
+  valgrind   the unit tests of that build under memcheck
+  release    the optimised build: the same tests, and what a key costs
+  fuzz       the Debug build with clang, AddressSanitizer and UndefinedBehaviorSanitizer: the same
+             tests, then ten seconds of fuzzing for each file format
+  tsan       tests that start threads, under ThreadSanitizer
 
-and with --vm also
+With --vm also:
 
   armhf      the optimised build for 32-bit ARM: unit tests under emulation
   vm         tests on real kernel devices, in a virtual machine of each architecture
 
-Ends with a line "N passed, N failed, N skipped", and with status 0 when none failed. Logs are kept
-in build/logs.
+The tests of one build run while the next one is built. Prints the seconds that each stage took and
+ends with a line "N passed, N failed, N skipped"; the status is 0 if none failed. Logs are kept in
+build/logs.
 
---quick    Of the first five the dev tests alone.
---vm       Also what needs an emulator. The first time, kernels and an ARM system are fetched and kept
-           in ~/.cache/vorn_input.
---werror   Compiler warnings are errors.
---help     Prints this text.'
+--quick    Only the unit tests of the Debug build, for use after each edit. Installs packages only
+           when there is no build yet.
+--vm       Also what needs an emulator. The first run downloads kernels and an ARM system and keeps
+           them in ~/.cache/vorn_input.
+--werror   Make the first build in the default configuration, with warnings as errors.
+--help     Print this text.'
 
 quick=no
 vm=no
@@ -33,7 +36,6 @@ for option in "$@"; do
     case $option in
     --quick) quick=yes ;;
     --vm) vm=yes ;;
-    # The same build with warnings as errors.
     --werror) dev=ci ;;
     --help)
         echo "$usage"
@@ -47,10 +49,97 @@ for option in "$@"; do
 done
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-# Presets are looked for in the current directory.
+# CMake looks for presets in the current directory.
 cd "$root"
 # shellcheck source=scripts/lib/packages.sh
 . scripts/lib/packages.sh
+
+# Jobs in the background ignore Ctrl-C.
+trap 'kill 0' INT
+
+logs=build/logs
+mkdir -p "$logs"
+passed=0 failed=0 skipped=0
+
+# took STAGE [START]: prints the seconds of a stage that began at the second START of this run.
+took() { echo "$1: $((SECONDS - ${2:-0})) s"; }
+
+# build PRESET [OPTION…]: configures and builds, the latter with the options; prints the output only
+# on failure.
+build() {
+    local preset=$1 start=$SECONDS
+    shift
+    # Lower priority than the tests that run meanwhile: some of them play devices in real time.
+    if ! { { is_current "$preset" || cmake --preset "$preset"; } &&
+        nice cmake --build --preset "$preset" "$@"; } >"$logs/$preset-build.log" 2>&1; then
+        tail -n 60 "$logs/$preset-build.log"
+        echo "test.sh: the $preset build failed, see $logs/$preset-build.log" >&2
+        wait
+        exit 1
+    fi
+    grep -E 'warning:' "$logs/$preset-build.log" || true
+    took "$preset build" "$start"
+}
+
+# is_current PRESET: the quick loop need not configure what Ninja can update.
+is_current() { [ "$quick" = yes ] && [ "build/$1/build.ninja" -nt CMakePresets.json ]; }
+
+# run NAME PRESET [CTEST-OPTION…]: runs the tests of a build, without output.
+run() {
+    local name=$1 preset=$2 start=$SECONDS status=0
+    shift 2
+    rm -f "$logs/$name.xml"
+    touch "$logs/$name.start"
+    ctest --preset "$preset" --output-junit "$root/$logs/$name.xml" "$@" >"$logs/$name-test.log" \
+        2>&1 || status=$?
+    echo "$status $preset" >"$logs/$name.status"
+    took "$name tests" "$start"
+}
+
+# report NAME: adds up the results of a run and shows the output of the tests that failed, and why
+# others were skipped.
+report() {
+    local name=$1 log=$logs/$1-test.log status preset results
+    read -r status preset <"$logs/$name.status"
+    if ! results=$(scripts/lib/count_cases.py "$logs/$name.xml" "build/$preset/Testing/suites" \
+        "$logs/$name.start"); then
+        tail -n 40 "$log"
+        echo "test.sh: the $name tests did not run, see $log" >&2
+        wait
+        exit 1
+    fi
+    local passes failures skips
+    read -r passes failures skips <<<"$results"
+    # A run without tests, or one that ctest itself could not finish, is a failure as well.
+    if [ $((passes + failures + skips)) -eq 0 ] || { [ "$status" -ne 0 ] && [ "$failures" -eq 0 ]; }
+    then
+        failures=$((failures + 1))
+        tail -n 20 "$log"
+    fi
+    echo "$name tests: $passes passed, $failures failed, $skips skipped"
+    [ "$status" -eq 0 ] || sed -n '/\*\*\*/,/^$/p' "$log" | head -n 200
+    tail -n +2 <<<"$results"
+    passed=$((passed + passes))
+    failed=$((failed + failures))
+    skipped=$((skipped + skips))
+}
+
+# finish: the last lines and the exit status.
+finish() {
+    took "all of test.sh"
+    echo "$passed passed, $failed failed, $skipped skipped"
+    [ "$failed" -eq 0 ] || exit 1
+    exit 0
+}
+
+if [ "$quick" = yes ]; then
+    is_current "$dev" || scripts/install-packages.sh "${build_packages[@]}"
+    build "$dev"
+    run quick "$dev" -C Quick -L unit
+    report quick
+    finish
+fi
+
 scripts/install-packages.sh "${test_packages[@]}"
 if [ "$vm" = yes ]; then
     scripts/install-packages.sh "${vm_packages[@]}"
@@ -58,97 +147,47 @@ if [ "$vm" = yes ]; then
     . scripts/lib/debian-packages.sh
     VORN_INPUT_CACHE=$(cache_folder)
     export VORN_INPUT_CACHE
+    scripts/make-sysroot.sh >/dev/null
 fi
-
-logs=build/logs
-mkdir -p "$logs"
-passed=0 failed=0 skipped=0
-
-# build PRESET: shows what was printed only when it fails.
-build() {
-    echo "== $1: building"
-    if ! { cmake --preset "$1" && cmake --build --preset "$1"; } >"$logs/$1-build.log" 2>&1; then
-        tail -n 60 "$logs/$1-build.log"
-        echo "test.sh: the $1 build failed, see $logs/$1-build.log" >&2
-        exit 1
-    fi
-    grep -E 'warning:' "$logs/$1-build.log" || true
-}
-
-# run NAME PRESET [CTEST-OPTION…]: runs the tests of a build and reports on them.
-run() {
-    echo "== $1: testing"
-    execute "$@"
-    report "$1"
-}
-
-# execute NAME PRESET [CTEST-OPTION…]: runs the tests of a build, in silence.
-execute() {
-    local name=$1 preset=$2 status=0
-    shift 2
-    rm -f "$logs/$name.xml"
-    ctest --preset "$preset" --output-junit "$root/$logs/$name.xml" "$@" >"$logs/$name-test.log" \
-        2>&1 || status=$?
-    echo "$status" >"$logs/$name.status"
-}
-
-# report NAME: adds the results of a run up, and tells of the tests that failed or were skipped, with
-# what they printed.
-report() {
-    local name=$1
-    local junit=$logs/$name.xml log=$logs/$name-test.log status
-    status=$(cat "$logs/$name.status")
-    local counts
-    if ! counts=$(sed -n '/<testsuite/,/>/p' "$junit" 2>/dev/null); then
-        tail -n 40 "$log"
-        echo "test.sh: the $name tests did not run, see $log" >&2
-        exit 1
-    fi
-    count() { sed -nE "s/.*[^a-z]$1=\"([0-9]+)\".*/\\1/p" <<<"$counts" | head -n 1; }
-    local tests failures skips disabled
-    tests=$(count tests) failures=$(count failures) skips=$(count skipped)
-    disabled=$(count disabled)
-    skips=$((skips + disabled))
-    passed=$((passed + tests - failures - skips))
-    failed=$((failed + failures))
-    skipped=$((skipped + skips))
-    if [ "$status" -ne 0 ] || [ "$skips" -ne 0 ]; then
-        sed -n '/\*\*\*/,/^$/p' "$log" | head -n 200
-        # ctest keeps the reason of a skip to itself.
-        grep -E -A 1 'SKIPPED: |: Skipped$' "$junit" | sed -E 's/.*(SKIPPED: )/\1/; s/<.*//' || true
-    fi
-    grep -E '^[0-9]+% tests passed|^Total Test time' "$log" || true
-    # A run without a test, or one that ctest itself could not do, is a failure as well.
-    if [ "$tests" -eq 0 ] || { [ "$status" -ne 0 ] && [ "$failures" -eq 0 ]; }; then
-        failed=$((failed + 1))
-        tail -n 20 "$log"
-    fi
-}
 
 build "$dev"
-run dev "$dev" -LE 'valgrind|vm'
-if [ "$quick" = no ]; then
+{
+    # What plays devices in real time runs in the two builds that follow.
+    run dev "$dev" -LE 'valgrind|vm|realtime'
     run valgrind "$dev" -L valgrind
-    build release
-    run release release -LE 'valgrind|vm'
-    build asan
-    run asan asan -LE 'valgrind|vm'
-    build fuzz
-    run fuzz fuzz
-fi
-if [ "$vm" = yes ]; then
-    scripts/make-sysroot.sh >/dev/null
-    build armhf
-    run armhf armhf -LE vm
-    build release
-    # Side by side: a guest waits most of the time, and each has a machine of its own.
-    echo "== vm: testing in a guest of x86-64 and in one of 32-bit ARM"
-    execute vm-x86_64 release -L vm &
-    execute vm-armhf armhf -L vm
-    wait
-    report vm-x86_64
-    report vm-armhf
-fi
+} &
+build release
+wait
+report dev
+report valgrind
 
-echo "$passed passed, $failed failed, $skipped skipped"
-[ "$failed" -eq 0 ]
+{
+    run release release -LE vm
+    [ "$vm" = no ] || run vm-x86_64 release -L vm
+} &
+build fuzz
+wait
+report release
+[ "$vm" = no ] || report vm-x86_64
+
+run fuzz fuzz -LE vm &
+if [ "$vm" = yes ]; then
+    build armhf
+    wait
+    report fuzz
+    {
+        run armhf armhf -LE vm
+        run vm-armhf armhf -L vm
+    } &
+fi
+build tsan --target vorn_thread_tests
+wait
+if [ "$vm" = yes ]; then
+    report armhf
+    report vm-armhf
+else
+    report fuzz
+fi
+run tsan tsan -L threads
+report tsan
+finish
