@@ -1,27 +1,27 @@
 #!/usr/bin/env bash
-# Checks the form of the sources, the way CI does.
+# Checks formatting, code and scripts, the way CI does.
 set -euo pipefail
 
 usage='usage: lint.sh [--all] [--fix] [--help]
 
-Installs what is missing and checks the formatting (clang-format), the code (clang-tidy, on the
-Debug build that it makes first) and the scripts (shellcheck, pyflakes). Ends with status 0 when there
-is nothing to say.
+Installs missing packages and checks the formatting (clang-format), the code (clang-tidy, on the
+default build, which it makes first) and the scripts (shellcheck, pyflakes). The status is 0 if there
+is nothing to report.
 
---all   Checks the code of the tests and benchmarks as well, which takes some minutes more and is not
-        done in CI: before a release, or when one of them needs a second opinion.
---fix   Formats the sources instead of checking their formatting.
---help  Prints this text.'
+clang-tidy checks the sources that changed since the commit in scripts/lint-baseline, which passed
+completely, and those that include a header that changed since. Where that commit is unknown, it
+checks every source.
+
+--all   Check every source: weekly and before a release. After a clean run on a clean checkout, record
+        it with: git rev-parse HEAD >scripts/lint-baseline
+--fix   Format the sources instead of checking their formatting.
+--help  Print this text.'
 
 format=(--dry-run -Werror)
-unchecked='^(tests|bench)/'
-bench=OFF
+all=no
 for option in "$@"; do
     case $option in
-    --all)
-        unchecked='^$'
-        bench=ON
-        ;;
+    --all) all=yes ;;
     --fix) format=(-i) ;;
     --help)
         echo "$usage"
@@ -38,26 +38,48 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/lib/packages.sh
 . scripts/lib/packages.sh
 scripts/install-packages.sh "${lint_packages[@]}"
-[ "$bench" = OFF ] || scripts/install-packages.sh "${bench_packages[@]}"
 
-# Every file below the project that is not built, whether or not it is committed yet.
-sources() { find src tests examples bench -type f -name "$1" | LC_ALL=C sort; }
+# All files of a kind outside the build folder, committed or not.
+files() { find src tests examples bench -type f -name "$1" | LC_ALL=C sort; }
 status=0
 
-echo "== formatting"
-mapfile -t cpp < <(sources '*.cpp')
-mapfile -t headers < <(sources '*.h')
-clang-format "${format[@]}" "${cpp[@]}" "${headers[@]}" || status=1
+# took STAGE START: prints the seconds of a stage that began at the second START of this run.
+took() { echo "$1: $((SECONDS - $2)) s"; }
 
-echo "== scripts"
+mapfile -t cpp < <(files '*.cpp')
+mapfile -t headers < <(files '*.h')
+clang-format "${format[@]}" "${cpp[@]}" "${headers[@]}" || status=1
+took formatting 0
+
+start=$SECONDS
 mapfile -t scripts < <({ find scripts tests examples bench -type f -name '*.sh'; echo .ci/run
     echo tests/vm/guest/init; } | LC_ALL=C sort)
 shellcheck -x "${scripts[@]}" || status=1
-mapfile -t scripts < <(sources '*.py')
+mapfile -t scripts < <({ files '*.py'; find scripts -type f -name '*.py'; })
 pyflakes3 "${scripts[@]}" || status=1
+took scripts "$start"
 
-echo "== clang-tidy"
-mkdir -p build/logs
+mkdir -p build/logs build/lint
+changed=build/lint/changed
+baseline=$(cat scripts/lint-baseline 2>/dev/null || true)
+if [ "$all" = no ] && ! git cat-file -e "$baseline^{commit}" 2>/dev/null; then
+    echo "No commit '$baseline' here to compare with: checking every source."
+    all=yes
+fi
+if [ "$all" = no ]; then
+    { git diff --name-only "$baseline" -- && git ls-files --others --exclude-standard; } >"$changed"
+    if grep -q -x .clang-tidy "$changed"; then
+        echo ".clang-tidy changed: checking every source."
+        all=yes
+    fi
+fi
+# The benchmarks are part of the build only where one is to be checked.
+bench=OFF
+if [ "$all" = yes ] || grep -q '^bench/' "$changed"; then
+    scripts/install-packages.sh "${bench_packages[@]}"
+    bench=ON
+fi
+start=$SECONDS
 log=build/logs/lint-build.log
 if ! { cmake --preset ci "-DVORN_INPUT_BUILD_BENCH=$bench" && cmake --build --preset ci; } \
     >"$log" 2>&1; then
@@ -65,27 +87,38 @@ if ! { cmake --preset ci "-DVORN_INPUT_BUILD_BENCH=$bench" && cmake --build --pr
     echo "lint.sh: the build failed, see $log" >&2
     exit 1
 fi
-# Only what is compiled can be checked; a source that no target lists is named. Precompiled headers are
-# left out: they are in the compiler's own form, and would hide that a file does not include what it
-# uses.
-mkdir -p build/lint
-mapfile -t compiled < <(python3 -c '
-import json, os, re
-entries = json.load(open("build/ci/compile_commands.json"))
-for entry in entries:
-    entry["command"] = re.sub(r" -include \S*/cmake_pch\.hxx", "", entry["command"])
-    print(os.path.relpath(entry["file"]))
-json.dump(entries, open("build/lint/compile_commands.json", "w"))' |
-    grep -v '^build/' | LC_ALL=C sort -u)
-mapfile -t checked < <(printf '%s\n' "${compiled[@]}" | grep -v -E "$unchecked")
+took "ci build" "$start"
+
+# Ninja knows what each source includes: "source<tab>file" for the files of this project.
+ninja -C build/ci -t deps | awk -v root="$PWD/" '
+    !/^ / { source = ""; next }
+    {
+        sub(/^ +/, "")
+        if (!source)
+            source = substr($0, length(root) + 1)
+        if (index($0, root) == 1)
+            print source "\t" substr($0, length(root) + 1)
+    }' | grep -v '^build/' >build/lint/includes
+mapfile -t compiled < <(cut -f 1 build/lint/includes | LC_ALL=C sort -u)
+if [ "$all" = yes ]; then
+    checked=("${compiled[@]}")
+else
+    mapfile -t checked < <(awk -F '\t' '
+        FILENAME == ARGV[1] { changed[$0]; next }
+        $2 in changed { print $1 }' "$changed" build/lint/includes | LC_ALL=C sort -u)
+fi
+# A source that no target lists cannot be checked.
 comm -23 <(printf '%s\n' "${cpp[@]}") <(printf '%s\n' "${compiled[@]}") |
-    grep -v -E "^tests/package/consumer/$([ "$bench" = ON ] || echo '|^bench/')" | sed 's/$/: not compiled, not checked/' || true
+    grep -v -E "^tests/package/consumer/$([ "$bench" = ON ] || echo '|^bench/')" |
+    sed 's/$/: not compiled, not checked/' || true
+start=$SECONDS
 log=build/logs/clang-tidy.log
-if ! printf '%s\0' "${checked[@]}" |
-    xargs -0 -n 1 -P "$(nproc)" clang-tidy -p build/lint --quiet >"$log" 2>&1; then
+if [ "${#checked[@]}" -gt 0 ] && ! printf '%s\0' "${checked[@]}" |
+    xargs -0 -n 1 -P "$(nproc)" clang-tidy -p build/ci --quiet >"$log" 2>&1; then
     grep -E -A 4 '(error|warning):' "$log" | head -n 200
     status=1
 fi
+took "clang-tidy, ${#checked[@]} of ${#compiled[@]} sources" "$start"
 
 [ "$status" -eq 0 ] || echo "lint.sh: the checks found something, see above" >&2
 exit "$status"
