@@ -6,12 +6,14 @@
 source=$1 program=$2
 cd "$folder"
 player=$source/examples/profiles/player.toml
-echo 'this is no JSON' >broken.toml
+echo 'this is not TOML' >broken.toml
+echo '{"devices": []}' >old.json
+printf '# mine\n' | cat - "$player" >edited.toml
 echo 'panel press' >broken.scenario
 echo 'wait 1s' >wait.scenario
 echo 'E: what' >broken.evemu
 echo '[]' >broken.jsonl
-touch existing.json empty.jsonl
+touch existing.toml empty.jsonl
 
 for command in devices monitor learn check simulate timeline; do
     run "$program" "$command" --help
@@ -51,24 +53,24 @@ refuse() {
 }
 
 refuse 'a command is required: devices, monitor, learn, check, simulate, timeline'
-refuse "unknown command 'chek', did you mean 'check'\?" chek x.json
+refuse "unknown command 'chek', did you mean 'check'\?" chek x.toml
 refuse "unknown command 'nonsense' \(" nonsense
 refuse "unknown option '--verson', did you mean '--version'\?" --verson
-refuse "unknown option '--profil', did you mean '--profile'\?" monitor --profil x.json
+refuse "unknown option '--profil', did you mean '--profile'\?" monitor --profil x.toml
 refuse "unknown option '--titel=x', did you mean '--title'\?" timeline --titel=x x.jsonl -o x.svg
 refuse "unexpected argument 'x'" devices x
 for command in check simulate; do
     run "$program" "$command"
     expect_status 2
 done
-run "$program" check missing.json
+run "$program" check missing.toml
 expect_status 2
 run "$program" check broken.toml
 expect_status 1
 expect_nothing_on_stderr
 run "$program" check "$player"
 expect_status 0
-run "$program" check broken.toml "$player" missing.json
+run "$program" check broken.toml "$player" missing.toml
 expect_status 2
 
 refuse 'missing.scenario: error: cannot be read' simulate missing.scenario
@@ -76,10 +78,13 @@ refuse 'broken.scenario:1:[0-9]+: error: ' simulate broken.scenario
 refuse 'broken.evemu:1.*: error: ' simulate broken.evemu
 refuse 'broken.toml:1:[0-9]+: error: ' simulate --profile broken.toml wait.scenario
 refuse 'broken.toml:1:[0-9]+: error: ' monitor --profile broken.toml
-refuse 'missing.json: error: cannot be read' monitor --profile missing.json
+refuse 'missing.toml: error: cannot be read' monitor --profile missing.toml
 refuse 'duration' monitor --duration 0
 refuse 'duration' monitor --duration x
-refuse 'existing.json exists' learn -o existing.json
+refuse 'existing.toml exists' learn -o existing.toml
+refuse "edited.toml is not as 'learn' wrote it" learn --force -o edited.toml
+head -n 1 edited.toml | grep -qx '# mine' || failed "expected the author's comment to be kept"
+refuse 'old.json:1:1: error: this is JSON, and profiles are TOML' monitor --profile old.json
 refuse "unknown command 'VolumUp', did you mean 'VolumeUp'" learn -o new.toml -c VolumUp
 refuse 'output' learn
 refuse 'missing.jsonl: error: cannot be read' timeline missing.jsonl -o new.svg

@@ -2,6 +2,7 @@
 
 #include "CommandNames.h"
 #include "CommandOptions.h"
+#include "Diagnostic.h"
 #include "ExitStatus.h"
 #include "Interruption.h"
 #include "Keyboard.h"
@@ -51,20 +52,48 @@ std::optional<QVector<InputEvent::Command>> commandsOf(const QStringList &names)
     return commands;
 }
 
+/// Whether the profile may be written to a file, which is asked before anybody presses a key.
+/// @return false, with a line on stderr, if what is there must stay
+bool isReplaceable(const LearnOptions &options)
+{
+    const QString &path = options.output;
+    const QFileInfo file(path);
+    if (path == QLatin1String("-") || !file.exists())
+        return true;
+    if (!options.force) {
+        complain(
+            QStringLiteral("%1 exists; choose another file, or replace it with --force").arg(path));
+        return false;
+    }
+    // A device or a pipe keeps nothing that could be lost.
+    if ((!file.isFile() && !file.isDir()) || file.size() == 0)
+        return true;
+    Diagnostics unreadable;
+    const auto text = readFile(path, maxProfileSize, &unreadable);
+    if (text && isAsWritten(*text))
+        return true;
+    printDiagnostics(unreadable);
+    complain(
+        QStringLiteral("%1 is not as 'learn' wrote it, and comments in it would be lost; choose "
+                       "another file, or delete it first")
+            .arg(path));
+    return false;
+}
+
 int write(const Learner &learner, const QString &path)
 {
     if (learner.learntCount() == 0) {
         complain(QStringLiteral("nothing learnt, so nothing written"));
         return Found;
     }
-    const QByteArray json = writeProfile(learner.profile());
-    const QString error = writeFile(path, json);
+    const QByteArray text = writeCommentedProfile(learner.profile());
+    const QString error = writeFile(path, text);
     if (!error.isEmpty()) {
         complain(error);
         return Failure;
     }
     // What was learnt can be valid and still not what a product wants.
-    printDiagnostics(parseProfile(json, path).diagnostics);
+    printDiagnostics(parseProfile(text, path).diagnostics);
     if (path != QLatin1String("-")) {
         printLine(stderr,
                   QStringLiteral("%1 learnt, written to %2. Next: vorn-input monitor --profile %2")
@@ -95,7 +124,8 @@ CLI::App *addLearn(CLI::App *app, LearnOptions *options)
                  "Commands to ask for, separated by commas (default: those most players have)",
                  "NAME,...");
     addFlag(command, "-y,--yes", &options->yes, "Accept every offer");
-    addFlag(command, "-f,--force", &options->force, "Replace an existing file");
+    addFlag(command, "-f,--force", &options->force,
+            "Replace an existing profile, unless it was edited");
     addSeconds(command, "--patience", &options->patience,
                "Finish when no key is pressed for this many seconds");
     return command;
@@ -106,12 +136,8 @@ int learn(const LearnOptions &options)
     const auto commands = commandsOf(options.commands);
     if (!commands)
         return Failure;
-    const bool isFile = options.output != QLatin1String("-");
-    if (isFile && QFileInfo::exists(options.output) && !options.force) {
-        complain(QStringLiteral("%1 exists; choose another file, or replace it with --force")
-                     .arg(options.output));
+    if (!isReplaceable(options))
         return Failure;
-    }
 
     // Questions go to stderr, because the profile may go to stdout.
     Learner learner(*commands, options.yes, [](const QString &line) { printLine(stderr, line); });

@@ -4,7 +4,7 @@
 #include "Hints.h"
 #include "MonitorCommand.h"
 #include "Product.h"
-#include "Profile.h"
+#include "ProfileReader.h"
 #include "Recorder.h"
 #include "Session.h"
 #include "SessionLog.h"

@@ -40,4 +40,6 @@ for events in "$here"/event*.evemu; do
         }' "$events" >"$folder/$node.evemu"
     set -- -i "/dev/input/$node=$here/$node.ioctl" -e "/dev/input/$node=$folder/$node.evemu" "$@"
 done
+# Ctrl-C reaches the program as well, which ends as it likes; its exit status is this script's.
+trap : INT
 umockdev-run -d "$here/session.umockdev" "$@"

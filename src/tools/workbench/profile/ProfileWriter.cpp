@@ -83,7 +83,8 @@ Entry entryOf(const KeyMapping &key)
         QStringList timeouts;
         for (const int timeout : key.longPress->timeouts)
             timeouts += QString::number(timeout);
-        members += member("long-press", brackets(timeouts));
+        members +=
+            member("long-press", timeouts.size() == 1 ? timeouts.first() : brackets(timeouts));
         if (key.longPress->repeat)
             members += QStringLiteral("repeat = true");
     }
@@ -162,9 +163,9 @@ private:
 
 QByteArray Writer::write(const Profile &profile)
 {
-    comment("What each key does. Edit it as you like; 'vorn-input check' finds mistakes, and\n"
-            "# 'vorn-input monitor --profile' shows what it does, live. The manual page\n"
-            "# vorn-input(1) describes the format.");
+    comment(
+        "What each key does. vorn-input check finds mistakes in it, vorn-input monitor --profile\n"
+        "# shows live what it does, and man vorn-input describes the format.");
     if (!profile.initial.isEmpty()) {
         comment("The identifier selected at the start.");
         line(member("initial", string(profile.initial)));
@@ -216,9 +217,9 @@ void Writer::writeHandler(const HandlerProfile &handler, bool isOnly)
         line(QStringLiteral("positions-at-start = true"));
     writeEntries(
         "keys", handler.keys,
-        "A key alone is reported when it is released, as a click. With immediate = true it\n"
-        "# is reported when it is pressed and when it is released. long-press: ms until the\n"
-        "# first long press, then, with repeat = true, between the next ones.");
+        "Reported when released, as a click; with immediate = true, when pressed and when\n"
+        "# released. long-press: ms until the first long press, then, with repeat = true,\n"
+        "# until each further one.");
     writeEntries("chords", handler.chords, "Two keys pressed together.");
     writeEntries("switches", handler.switches, nullptr);
 }

@@ -31,7 +31,7 @@ TEST(Output, ListsDiagnosticsOnStandardError)
     printDiagnostics({{Diagnostic::Severity::Error, "a.toml", 1, 2, "broken"},
                       {Diagnostic::Severity::Warning, "a.toml", 3, 0, "odd"}});
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "a.toml:1:2: error: broken\na.json:3: warning: odd\n");
+              "a.toml:1:2: error: broken\na.toml:3: warning: odd\n");
 }
 
 TEST(Output, RemembersThatTheDiskWasFull)
