@@ -1,22 +1,10 @@
 #include "Recorder.h"
-#include "BusNames.h"
-#include "InputSubsystem.h"
-#include "Recording.h"
-#include "RecordingLoader.h"
-#include "Session.h"
+#include "RecorderFixture.h"
 #include "Umockdev.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gmock/gmock.h>
 
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <string>
 
 using namespace Vorn::Sim;
 using namespace Vorn::Workbench;
@@ -25,31 +13,6 @@ using testing::HasSubstr;
 using testing::Not;
 
 namespace {
-
-constexpr qint64 wallClock = 1'795'246'800'000'000;
-const QString device = QStringLiteral("/dev/input/event0");
-
-/// A remote control whose keys are characters under "text".
-Profile remoteProfile()
-{
-    Profile profile;
-    profile.initial = QStringLiteral("browse");
-    HandlerProfile browse;
-    browse.identifiers = QStringList{QStringLiteral("browse")};
-    browse.keys = {{KEY_2, InputEvent::CursorUp, true, {}, {}},
-                   {KEY_OK, InputEvent::Confirm, false, {}, {}}};
-    HandlerProfile text;
-    text.identifiers = QStringList{QStringLiteral("text")};
-    text.keys = {{KEY_2, InputEvent::Number2, true, {}, {}},
-                 {KEY_A, InputEvent::CharA, true, {}, {}},
-                 {KEY_S, InputEvent::CharS, true, {}, {}},
-                 {KEY_OK, InputEvent::Submit, false, {}, {}}};
-    DeviceProfile remote;
-    remote.name = QStringLiteral("remote");
-    remote.handlers = {browse, text};
-    profile.devices = {remote};
-    return profile;
-}
 
 /// Runs a line of the shell; QProcess asks the kernel in a way that memcheck does not like.
 int statusOfShell(QByteArray line)
@@ -65,106 +28,8 @@ int statusOfShell(QByteArray line)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-class RecorderTest : public testing::Test
-{
-protected:
-    RecorderTest() { m_subsystem.setRecording(false); }
-
-    QString folder() const { return m_temporary.filePath(QStringLiteral("session")); }
-
-    QByteArray contentOf(const QString &name) const
-    {
-        QFile file(folder() + QLatin1Char('/') + name);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
-    }
-
-    /// All bytes of all files.
-    std::string everything() const
-    {
-        QByteArray all;
-        for (const QString &name : QDir(folder()).entryList(QDir::Files | QDir::Hidden))
-            all += "== " + name.toUtf8() + '\n' + contentOf(name);
-        return all.toStdString();
-    }
-
-    void start(const Profile *profile, bool showText = false)
-    {
-        m_recorder = std::make_unique<Recorder>(folder(), profile, showText);
-        ASSERT_EQ(m_recorder->open().toStdString(), "");
-        m_recorder->add({0, SessionStart{"monitor", "", wallClock}});
-    }
-
-    void plug(const DeviceDescription &description, int number = 0)
-    {
-        const InputNode &node = m_subsystem.plug(number, description);
-        add(DeviceChange{node.path(), QString::fromUtf8(description.name),
-                         libraryBus(description.id.bustype, QString::fromUtf8(description.name)),
-                         true});
-    }
-
-    template <typename What>
-    void add(const What &what)
-    {
-        m_recorder->add({m_time, what});
-    }
-
-    /// A record 300 µs before now, with its end of the batch.
-    void record(int type, int code, int value)
-    {
-        const qint64 stamp = wallClock + m_time - 300;
-        add(RecordRead{device, type, code, value, stamp});
-        add(RecordRead{device, EV_SYN, SYN_REPORT, 0, stamp});
-    }
-
-    void event(InputEvent::Command command, InputEvent::State state, int code)
-    {
-        add(EventPublished{command, state, InputEvent::Bus::I2C, device, EV_KEY, {code}, 300});
-    }
-
-    /// A key stroke with what the library makes of it.
-    void type(int code, InputEvent::Command command)
-    {
-        record(EV_MSC, MSC_SCAN, 0x70000 + code);
-        record(EV_KEY, code, 1);
-        event(command, InputEvent::KeyPressed, code);
-        m_time += 100'000;
-        record(EV_KEY, code, 0);
-        event(command, InputEvent::KeyReleased, code);
-        m_time += 100'000;
-    }
-
-    ParsedRecording load() const { return loadRecording(folder() + "/session.umockdev"); }
-
-    std::vector<int> codesOf(int value) const
-    {
-        std::vector<int> codes;
-        const ParsedRecording recording = load();
-        for (const RecordedEvent &recorded : recording.nodes.first().events) {
-            if (recorded.type == EV_KEY && recorded.value == value)
-                codes.push_back(recorded.code);
-        }
-        return codes;
-    }
-
-    std::vector<std::string> expectations() const
-    {
-        std::vector<std::string> lines;
-        for (const QByteArray &line : contentOf("session.expect").split('\n')) {
-            if (line.startsWith("expect "))
-                lines.push_back(line.mid(7).toStdString());
-        }
-        return lines;
-    }
-
-    QTemporaryDir m_temporary;
-    InputSubsystem m_subsystem;
-    std::unique_ptr<Recorder> m_recorder;
-    qint64 m_time = 1'000'000;
-};
-
-const DeviceDescription remote =
-    DeviceDescription::keyboard("remote", BUS_I2C, {KEY_2, KEY_Q, KEY_A, KEY_S, KEY_OK})
-        .withEventTypes({EV_MSC});
+class RecorderTest : public RecorderFixture
+{ };
 
 } // namespace
 
@@ -331,14 +196,6 @@ TEST_F(RecorderTest, RefusesAFolderThatHoldsASession)
     EXPECT_THAT(everything(), Not(HasSubstr("lost")));
 }
 
-TEST_F(RecorderTest, SaysWhyItCannotMakeTheFolder)
-{
-    QFile file(folder());
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    Recorder recorder(folder() + "/below", nullptr, false);
-    EXPECT_THAT(recorder.open().toStdString(), HasSubstr("cannot create the folder"));
-}
-
 TEST_F(RecorderTest, TellsOfADiskThatIsFull)
 {
     if (!QFile::exists("/dev/full"))
@@ -347,135 +204,4 @@ TEST_F(RecorderTest, TellsOfADiskThatIsFull)
     ASSERT_TRUE(QFile::link("/dev/full", folder() + "/event0.evemu"));
     plug(remote);
     EXPECT_THAT(m_recorder->close().toStdString(), HasSubstr("event0.evemu': "));
-}
-
-TEST_F(RecorderTest, LeavesNoTraceOfTypedTextWithoutAProfile)
-{
-    start(nullptr);
-    plug(DeviceDescription::keyboard("remote", BUS_I2C, {KEY_A, KEY_S, KEY_OK})
-             .withKeys({}, {KEY_Q})
-             .withEventTypes({EV_MSC}));
-    type(KEY_Q, InputEvent::CharQ);
-    type(KEY_OK, InputEvent::Confirm);
-    add(DetectorStep{DetectorStep::What::LongPressDue, device, {KEY_Q}, 5, false});
-    add(Remark{"KEY_Q is mapped to CharQ, KEY_OK is not"});
-    m_recorder->close();
-
-    EXPECT_THAT(codesOf(1), ElementsAre(KEY_A, KEY_OK));
-    EXPECT_THAT(codesOf(0), ElementsAre(KEY_A, KEY_OK));
-    EXPECT_THAT(expectations(),
-                ElementsAre("CharA KeyPressed I2C", "CharA KeyReleased I2C",
-                            "Confirm KeyPressed I2C", "Confirm KeyReleased I2C"));
-    const std::string all = everything();
-    EXPECT_THAT(all, Not(HasSubstr("KEY_Q")));
-    EXPECT_THAT(all, Not(HasSubstr("CharQ")));
-    EXPECT_THAT(all, Not(HasSubstr("0001 0010 ")));
-    EXPECT_THAT(all, Not(HasSubstr("\"codeNumber\":16")));
-    EXPECT_THAT(all, Not(HasSubstr("MSC_SCAN")));
-    EXPECT_THAT(all, Not(HasSubstr(" 0004 0004 ")));
-    EXPECT_THAT(all, HasSubstr("KEY_A is mapped to CharA, KEY_OK is not"));
-    EXPECT_TRUE(load().nodes.first().device->keysDown.isEmpty());
-}
-
-TEST_F(RecorderTest, IsTheSameForEveryTextOfTheSameRhythm)
-{
-    const auto sessionOf = [this](const QVector<int> &keys,
-                                  const QVector<InputEvent::Command> &as) {
-        QDir(folder()).removeRecursively();
-        const Profile profile = remoteProfile();
-        m_time = 1'000'000;
-        start(&profile);
-        m_recorder->add({0, DeviceChange{device, "remote", InputEvent::Bus::I2C, true}});
-        add(IdentifierSelected{"text"});
-        for (int i = 0; i < keys.size(); ++i)
-            type(keys.at(i), as.at(i));
-        m_recorder->close();
-        return everything();
-    };
-    const std::string one = sessionOf({KEY_2, KEY_S, KEY_Q},
-                                      {InputEvent::Number2, InputEvent::CharS, InputEvent::None});
-    const std::string other = sessionOf({KEY_A, KEY_2, KEY_W},
-                                        {InputEvent::CharA, InputEvent::Number2, InputEvent::None});
-    EXPECT_EQ(one, other);
-    EXPECT_THAT(one, HasSubstr("expect CharA KeyPressed I2C"));
-}
-
-TEST_F(RecorderTest, KeepsKeysThatTypeOnlyUnderAnotherIdentifier)
-{
-    const Profile profile = remoteProfile();
-    start(&profile);
-    plug(remote);
-    type(KEY_2, InputEvent::CursorUp);
-    add(IdentifierSelected{"text"});
-    type(KEY_2, InputEvent::Number2);
-    type(KEY_OK, InputEvent::Submit);
-    add(IdentifierSelected{"browse"});
-    type(KEY_2, InputEvent::CursorUp);
-    EXPECT_THAT(codesOf(1), ElementsAre(KEY_2, KEY_A, KEY_OK, KEY_2));
-    EXPECT_THAT(codesOf(0), ElementsAre(KEY_2, KEY_A, KEY_OK, KEY_2));
-    EXPECT_THAT(expectations(),
-                ElementsAre("CursorUp KeyPressed I2C", "CursorUp KeyReleased I2C",
-                            "CharA KeyPressed I2C", "CharA KeyReleased I2C",
-                            "Submit KeyPressed I2C", "Submit KeyReleased I2C",
-                            "CursorUp KeyPressed I2C", "CursorUp KeyReleased I2C"));
-}
-
-TEST_F(RecorderTest, ReleasesAKeyAsItWasPressed)
-{
-    const Profile profile = remoteProfile();
-    start(&profile);
-    plug(remote);
-    record(EV_KEY, KEY_2, 1);
-    add(IdentifierSelected{"text"});
-    record(EV_KEY, KEY_2, 0);
-    record(EV_KEY, KEY_2, 1);
-    add(IdentifierSelected{"browse"});
-    record(EV_KEY, KEY_2, 2);
-    record(EV_KEY, KEY_2, 0);
-    EXPECT_THAT(codesOf(1), ElementsAre(KEY_2, KEY_A));
-    EXPECT_THAT(codesOf(2), ElementsAre(KEY_A));
-    EXPECT_THAT(codesOf(0), ElementsAre(KEY_2, KEY_A));
-}
-
-TEST_F(RecorderTest, KeepsOverlappingStrokesApart)
-{
-    const Profile profile = remoteProfile();
-    start(&profile);
-    plug(remote);
-    add(IdentifierSelected{"text"});
-    record(EV_KEY, KEY_S, 1);
-    record(EV_KEY, KEY_2, 1);
-    record(EV_KEY, KEY_S, 0);
-    record(EV_KEY, KEY_2, 0);
-    EXPECT_THAT(codesOf(1), ElementsAre(KEY_A, KEY_2));
-    EXPECT_THAT(codesOf(0), ElementsAre(KEY_A, KEY_2));
-}
-
-TEST_F(RecorderTest, BlanksADeviceThatTheProfileDoesNotMention)
-{
-    const Profile profile = remoteProfile();
-    start(&profile);
-    plug(DeviceDescription::keyboard("keyboard", BUS_USB, {KEY_Q, KEY_W, KEY_OK}));
-    record(EV_KEY, KEY_W, 1);
-    record(EV_KEY, KEY_OK, 1);
-    // It has no KEY_A.
-    EXPECT_THAT(codesOf(1), ElementsAre(KEY_Q, KEY_OK));
-}
-
-TEST_F(RecorderTest, KeepsScanCodesOfADeviceThatCannotType)
-{
-    start(nullptr);
-    plug(DeviceDescription::keyboard("panel", BUS_HOST, {KEY_OK}).withEventTypes({EV_MSC}));
-    record(EV_MSC, MSC_SCAN, 17);
-    EXPECT_THAT(contentOf("event0.evemu").toStdString(), HasSubstr(" 0004 0004 0017\n"));
-}
-
-TEST_F(RecorderTest, ShowsTextIfItIsTo)
-{
-    start(nullptr, true);
-    plug(remote);
-    type(KEY_Q, InputEvent::CharQ);
-    EXPECT_THAT(codesOf(1), ElementsAre(KEY_Q));
-    EXPECT_THAT(expectations(), ElementsAre("CharQ KeyPressed I2C", "CharQ KeyReleased I2C"));
-    EXPECT_THAT(everything(), HasSubstr("MSC_SCAN"));
 }

@@ -1,0 +1,97 @@
+#include "RecordingFolder.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+
+using namespace Vorn::Workbench;
+using testing::HasSubstr;
+
+namespace {
+
+class RecordingFolderTest : public testing::Test
+{
+protected:
+    QString pathOf(const QString &name) const { return m_temporary.filePath(name); }
+
+    void write(const QString &name, const QByteArray &content) const
+    {
+        QFile file(pathOf(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(content), content.size());
+    }
+
+    std::string contentOf(const QString &name) const
+    {
+        QFile file(pathOf(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "(unreadable)";
+    }
+
+private:
+    const QTemporaryDir m_temporary;
+};
+
+} // namespace
+
+TEST_F(RecordingFolderTest, IsMadeWithTheFoldersAboveIt)
+{
+    RecordingFolder folder(pathOf("above/session"));
+    EXPECT_EQ(folder.open().toStdString(), "");
+    EXPECT_TRUE(QDir(pathOf("above/session")).exists());
+}
+
+TEST_F(RecordingFolderTest, SaysWhyItCannotBeMade)
+{
+    write("file", "");
+    RecordingFolder folder(pathOf("file/below"));
+    EXPECT_THAT(folder.open().toStdString(), HasSubstr("cannot create the folder"));
+}
+
+TEST_F(RecordingFolderTest, IsRefusedIfItHoldsAnyPartOfARecording)
+{
+    for (const char *name : {"session.umockdev", "event3.evemu", "event12.ioctl"}) {
+        write(name, "kept");
+        RecordingFolder folder(pathOf("."));
+        EXPECT_THAT(folder.open().toStdString(), HasSubstr(name));
+        EXPECT_EQ(contentOf(name), "kept");
+        QFile::remove(pathOf(name));
+    }
+    write("notes.txt", "of somebody else");
+    RecordingFolder folder(pathOf("."));
+    EXPECT_EQ(folder.open().toStdString(), "");
+}
+
+TEST_F(RecordingFolderTest, HasEverythingOnDiskAtOnce)
+{
+    RecordingFolder folder(pathOf("."));
+    const auto file = folder.create("session.jsonl", "start\n");
+    ASSERT_TRUE(file);
+    EXPECT_EQ(contentOf("session.jsonl"), "start\n");
+    folder.append(file.get(), "next\n");
+    EXPECT_EQ(contentOf("session.jsonl"), "start\nnext\n");
+    folder.replace("README", "old");
+    folder.replace("README", "new");
+    EXPECT_EQ(contentOf("README"), "new");
+    EXPECT_EQ(folder.takeError().toStdString(), "");
+}
+
+TEST_F(RecordingFolderTest, ReportsTheFirstErrorOnce)
+{
+    RecordingFolder folder(pathOf("missing"));
+    const auto file = folder.create("first", {});
+    EXPECT_FALSE(file);
+    folder.append(file.get(), "lost");
+    folder.replace("second", "lost");
+    EXPECT_THAT(folder.takeError().toStdString(), HasSubstr("missing/first'"));
+    EXPECT_EQ(folder.takeError().toStdString(), "");
+}
+
+TEST_F(RecordingFolderTest, MakesAScriptExecutable)
+{
+    RecordingFolder folder(pathOf("."));
+    folder.replace("replay.sh", "#!/bin/sh\n");
+    EXPECT_FALSE(QFile::permissions(pathOf("replay.sh")) & QFileDevice::ExeUser);
+    folder.makeExecutable("replay.sh");
+    EXPECT_TRUE(QFile::permissions(pathOf("replay.sh")) & QFileDevice::ExeUser);
+}
