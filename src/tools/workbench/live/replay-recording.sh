@@ -9,6 +9,8 @@ fi
 here=$(cd "$(dirname "$0")" && pwd)
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
+# Ctrl-C is for the program, whose exit status counts. Without a trap some shells would end with 130.
+trap : INT
 
 # Records are stamped with the time at which they will be delivered, as a kernel would stamp them:
 # how long a key is held is measured from its stamp. So nothing slow may come between this and the
