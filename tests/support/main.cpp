@@ -15,6 +15,14 @@ extern "C" __attribute__((visibility("default"))) const char *__lsan_default_sup
     return "leak:LongPressDetect::LongPressDetect\n";
 }
 
+// Qt's library is not instrumented, so the end of a QThread seems to race with the one who waited
+// for it and now destroys it.
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the runtime's name
+extern "C" __attribute__((visibility("default"))) const char *__tsan_default_suppressions()
+{
+    return "race:QWaitCondition::~QWaitCondition\n";
+}
+
 int main(int argc, char **argv)
 {
     // Assertions are read from stderr by the death tests, also where Qt would log to a journal.
