@@ -65,9 +65,9 @@ void endBar(TimelineLane *lane, qint64 time)
  *  steps      due         due, later    ended      due              withdrawn, ended
  *  marks                  Repeat                                    Withdrawn
  *
- *  Only keys with a long press are timed. A chord that has a command is timed by its first key: a new
- *  span then begins where the key was withdrawn. Removing the device ends bar and span, and so does
- *  the end of the session, which leaves the bar open.
+ *  Only keys with a long press are timed. A chord that has a command is timed by its first key:
+ *  a new span then begins where the key was withdrawn. Removing the device ends bar and span, and
+ *  so does the end of the session, which leaves the bar open.
  */
 
 class TimelineCollector
