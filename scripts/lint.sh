@@ -52,7 +52,7 @@ clang-format "${format[@]}" "${cpp[@]}" "${headers[@]}" || status=1
 took formatting 0
 
 start=$SECONDS
-mapfile -t scripts < <({ find scripts tests examples bench -type f -name '*.sh'; echo .ci/run
+mapfile -t scripts < <({ find scripts src tests examples bench -type f -name '*.sh'; echo .ci/run
     echo tests/vm/guest/init; } | LC_ALL=C sort)
 shellcheck -x "${scripts[@]}" || status=1
 mapfile -t scripts < <({ files '*.py'; find scripts -type f -name '*.py'; })
