@@ -4,10 +4,14 @@
 #include <cmath>
 #include <string_view>
 
-// Errors come back as values. Tables nest four deep in a profile; the limit keeps hostile files
-// from exhausting the stack.
+// Errors come back as values. Tables nest four deep in a profile; the limit keeps hostile files from
+// exhausting the stack.
 #define TOML_EXCEPTIONS 0
 #define TOML_MAX_NESTED_VALUES 16
+// The parser asserts what a file can violate, "[{" for example, right before it checks the same and
+// reports an error. With NDEBUG, clang would take the assertions for granted and drop the checks.
+#undef NDEBUG
+#define TOML_ASSERT(condition) static_cast<void>(0)
 #include <toml++/toml.h>
 
 namespace Vorn::Workbench {

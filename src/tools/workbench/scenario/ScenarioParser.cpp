@@ -51,7 +51,7 @@ constexpr Keyword keywords[] = {
 };
 
 // Not in the table: it alone needs to know which files are open.
-constexpr QLatin1String includeKeyword("include");
+const QLatin1String includeKeyword("include");
 
 QStringList allKeywords()
 {

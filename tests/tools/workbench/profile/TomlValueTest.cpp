@@ -85,6 +85,13 @@ TEST(TomlValue, ReportsASyntaxErrorWithItsPlaceAndAHint)
     EXPECT_THAT(errorIn("a = \"\xff\""), HasSubstr("utf-8"));
 }
 
+TEST(TomlValue, ReportsTableHeadersWithoutAName)
+{
+    // The parser's own assertions would end the process here.
+    for (const char *header : {"[[[", "[{", "[[#", "[[\n]]", "[ =", "[[\r\n"})
+        EXPECT_THAT(errorIn(header), HasSubstr("TOML error")) << header;
+}
+
 TEST(TomlValue, RefusesToNestWithoutEnd)
 {
     EXPECT_THAT(errorIn("a = " + QByteArray(100'000, '[')), HasSubstr("nested"));
