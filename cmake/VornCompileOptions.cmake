@@ -1,7 +1,7 @@
 # vorn_compile_options(<target>): warnings, reproducible paths and instrumentation for every target of
 # this project.
 
-# Log locations and assertions name files relative to the project, wherever it is checked out.
+# Makes log locations and assertions name files relative to the project, wherever it is checked out.
 set(VORN_PREFIX_MAP
     "-ffile-prefix-map=${PROJECT_BINARY_DIR}/=build/"
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
@@ -11,7 +11,7 @@ function(vorn_compile_options target)
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion
         ${VORN_PREFIX_MAP})
     if(CMAKE_SYSTEM_PROCESSOR STREQUAL "arm")
-        # Notes about a change of the calling convention in GCC 7; nothing here is older.
+        # GCC's notes on calls whose convention changed in GCC 7; nothing here is older.
         target_compile_options(${target} PRIVATE -Wno-psabi)
     endif()
     if(VORN_INPUT_WERROR)

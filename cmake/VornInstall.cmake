@@ -51,7 +51,7 @@ install(FILES
     "${PROJECT_BINARY_DIR}/vorn_inputConfigVersion.cmake"
     DESTINATION "${VORN_CMAKE_DIR}")
 
-# Relative, so that the file serves wherever the tree is installed or staged.
+# Relative, so that the file works wherever the tree is installed or staged.
 file(RELATIVE_PATH VORN_PC_PREFIX
     "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 configure_file(

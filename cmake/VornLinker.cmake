@@ -1,5 +1,5 @@
-# VORN_INPUT_FAST_LINKER: links with mold or lld where there is one, which takes a fraction of the
-# time. Not for what ships: the default linker is the one that products use.
+# VORN_INPUT_FAST_LINKER: links with mold or lld if installed, which takes a fraction of the time.
+# Not for what ships: products use the default linker.
 
 include(CheckLinkerFlag)
 

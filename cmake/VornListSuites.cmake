@@ -1,7 +1,7 @@
-# Run by ctest, not by CMake: adds a test for each suite of an executable. vorn_add_suites() of
-# VornTests.cmake writes the file that sets the variables and includes this one.
+# Run by ctest, not by CMake: adds a test for each suite of an executable. vorn_add_suites() in
+# VornTests.cmake generates the file that sets the variables and includes this one.
 #
-# Each test leaves GoogleTest's own report in ${reports}/<name>.xml, from which scripts/test.sh counts
+# Each test writes GoogleTest's report to ${reports}/<name>.xml, from which scripts/test.sh counts
 # the cases.
 
 # vorn_add_suite_test(<name> <filter>)
@@ -13,7 +13,7 @@ function(vorn_add_suite_test name filter)
 endfunction()
 
 if(NOT EXISTS "${executable}")
-    # A test that fails: one cannot forget to build an executable.
+    # A test that fails, so that a missing executable is not overlooked.
     add_test("${prefix}${target}.IsBuilt" "${executable}")
     set_tests_properties("${prefix}${target}.IsBuilt" PROPERTIES LABELS "${labels}")
     return()
@@ -27,7 +27,7 @@ if(NOT filter)
     set(filter "*")
 endif()
 
-# For the quick loop, which has no time for a process per suite: ctest -C Quick.
+# For the quick loop, where a process per suite takes too long: ctest -C Quick.
 if(CTEST_CONFIGURATION_TYPE STREQUAL "Quick")
     vorn_add_suite_test("${prefix}${target}" "${filter}-${excluded}")
     return()
@@ -39,7 +39,7 @@ execute_process(
 if(NOT status EQUAL 0)
     message(FATAL_ERROR "${executable} cannot list its tests (${status}):\n${list}")
 endif()
-# A suite is a line "Suite." or "Suite.  # TypeParam = …"; its tests are indented.
+# A suite is listed as "Suite." or "Suite.  # TypeParam = …"; its tests are indented.
 string(REGEX MATCHALL "(^|\n)[^ \n;#]+\\." suites "${list}")
 foreach(suite IN LISTS suites)
     string(STRIP "${suite}" suite)

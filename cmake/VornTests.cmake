@@ -1,11 +1,10 @@
-# Adding tests: executables with the common main(), and how ctest runs them.
+# Functions that add tests: executables with the common main(), and how ctest runs them.
 
 find_package(GTest 1.12 REQUIRED CONFIG)
 find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
 find_program(VORN_VALGRIND valgrind)
 
-# For programs without the common main(): leaks that the detectors make on purpose are suppressed by
-# name, and nothing else is.
+# For programs without the common main(): suppresses only the detectors' deliberate leaks, by name.
 set(VORN_TEST_ENVIRONMENT
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")
 
@@ -14,12 +13,12 @@ add_custom_target(vorn_thread_tests)
 
 # vorn_test_options(<target>)
 #
-# The options that all tests are built with. They are the same for every test because all share one
-# precompiled header, which saves most of their compile time.
+# The options all tests are built with. They must be the same for every test because all share one
+# precompiled header, which saves most of the compile time.
 function(vorn_test_options target)
     vorn_compile_options(${target})
-    # The library under test is optimised as it ships and checked for undefined behaviour. Doing the
-    # same to the tests would double their compile time.
+    # The library under test is optimised as shipped and checked for undefined behaviour. Doing the
+    # same for the tests would double their compile time.
     target_compile_options(${target} PRIVATE -O0 -fno-sanitize=undefined)
     target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS)
     if(VORN_INPUT_PRECOMPILE AND NOT target STREQUAL vorn_test_support)
@@ -30,9 +29,9 @@ endfunction()
 # vorn_add_test(<target> SOURCES <file>… [LIBRARIES <target>…] [ALONE <test>…] [THREADS]
 #               [NO_VALGRIND])
 #
-# An executable with the common main() and recorders. ctest runs its suites, see vorn_add_suites(),
-# and all of them together under memcheck unless NO_VALGRIND is given. THREADS: its tests start
-# threads, so they also run under the thread sanitizer.
+# Adds an executable with the common main() and recorders. ctest runs its suites, see
+# vorn_add_suites(), and all of them in one process under memcheck unless NO_VALGRIND is given.
+# THREADS: the tests start threads, so they also run under the thread sanitizer.
 function(vorn_add_test target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "NO_VALGRIND;THREADS" "" "SOURCES;LIBRARIES;ALONE")
     add_executable(${target} ${arg_SOURCES})
@@ -51,10 +50,10 @@ endfunction()
 # vorn_add_suites(<target> [PREFIX <prefix>] [FILTER <filter>] [ALONE <test>…] [THREADS]
 #                 [ENVIRONMENT <variable>=<value>])
 #
-# Runs each suite of an executable (all tests of one GoogleTest fixture) in a process of its own, as
-# the ctest test <prefix><suite> with the label "unit". FILTER selects suites, in the syntax of
-# --gtest_filter. A test named by ALONE must be the first of its process and is run by itself.
-# THREADS adds the label "threads". VornListSuites.cmake asks the executable for its suites.
+# Runs each suite of an executable (all tests of one GoogleTest fixture) in its own process, as the
+# ctest test <prefix><suite> labelled "unit". FILTER selects suites in --gtest_filter syntax. A test
+# listed under ALONE must be the first in its process and runs by itself. THREADS adds the label
+# "threads". VornListSuites.cmake asks the executable for its suites.
 function(vorn_add_suites target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "THREADS" "PREFIX;FILTER;ENVIRONMENT" "ALONE")
     set(labels unit)
@@ -81,9 +80,9 @@ endfunction()
 
 # vorn_add_valgrind_test(<target> [<test>…])
 #
-# All tests of an executable in one process under memcheck, except death tests, whose children die by
-# a signal without cleaning up, and the named ones, which need a process of their own. Label
-# "valgrind".
+# Runs all tests of an executable in one process under memcheck, labelled "valgrind". Excluded are
+# death tests, whose children are killed by a signal without cleaning up, and the named tests, which
+# need a process of their own.
 function(vorn_add_valgrind_test target)
     if(NOT VORN_VALGRIND OR VORN_INPUT_SANITIZE OR VORN_INPUT_COVERAGE OR CMAKE_CROSSCOMPILING)
         return()

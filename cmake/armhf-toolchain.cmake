@@ -1,9 +1,9 @@
-# 32-bit ARM with hardware floating point, the player's processor, against the Debian sysroot that
-# scripts/make-sysroot.sh makes. Programs run here by qemu-arm.
+# Cross-compiles for the player's processor, 32-bit ARM with hardware floating point, against the
+# Debian sysroot that scripts/make-sysroot.sh creates. Programs run under qemu-arm here.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR arm)
 
-# The same folder as cache_folder() of scripts/lib/debian-packages.sh.
+# The same folder as cache_folder() in scripts/lib/debian-packages.sh.
 if(NOT "$ENV{VORN_INPUT_CACHE}" STREQUAL "")
     set(CMAKE_SYSROOT "$ENV{VORN_INPUT_CACHE}/armhf-sysroot")
 elseif(NOT "$ENV{XDG_CACHE_HOME}" STREQUAL "")

@@ -5,24 +5,24 @@
 
 #include <QString>
 
-/// The profiling service, which times the user interface's response to an input.
+/// The profiling service, which measures how fast the user interface responds to an input.
 ///
-/// This build of it does nothing, so that programs run where the service does not exist. The
-/// functions are exported and not inline: the maker's library, or a test's recording one, takes
-/// their place at link time or by symbol interposition.
+/// This implementation does nothing, so that programs run where the service does not exist. The
+/// functions are exported and not inline, so that the maker's library, or a test's recording one,
+/// can replace them at link time or by symbol interposition.
 class VORN_API_EXPORT Profiler
 {
 public:
-    /// The service of this process; never null, never deleted.
+    /// The process's only instance; never null, never deleted.
     static Profiler *instance();
 
-    /// Starts a watcher called @p watcher that ends with the next event called @p event.
+    /// Starts a watcher named @p watcher that ends at the next event named @p event.
     void createWatcher(const QString &watcher, const QString &event);
 
-    /// Name of the watcher that measures the response to an input.
+    /// The name of the watcher that measures the response to an input.
     static const QString &UIResponseWatcher();
 
-    /// Name of the event that a redraw of the user interface reports.
+    /// The name of the event reported when the user interface is redrawn.
     static const QString &UIDrawEvent();
 
 private:

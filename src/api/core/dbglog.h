@@ -9,13 +9,13 @@
 #include <string>
 
 /// @file
-/// Texts for log lines. Exported and not inline, as in Profiler: the maker's library or a test's
-/// takes their place.
+/// Formatting for log lines. Exported and not inline, as in Profiler, so that the maker's library,
+/// or a test's, can replace it.
 
-/// The text by which an entry trace names the function that it stands in.
+/// Formats a function's name for its entry trace.
 ///
 /// @param function the full signature, e.g. "void LinuxInputListener::readData(int)"
-/// @param logger name of the logger that the trace is written to
+/// @param logger name of the logger the trace is written to
 /// @return logger and bare function name, e.g. "LinuxInputListener::readData"
 VORN_API_EXPORT std::string dbglog_scopedFunction(const std::string &function,
                                                   const std::string &logger);

@@ -7,20 +7,20 @@
 #include <QThread>
 
 /// @file
-/// The checked connection. Header-only: it needs nothing from the core library's binary.
+/// Checked connections. Header-only: needs nothing from the core library's binary.
 
 namespace Vorn {
 
-/// Tells whether @p signal can travel over a connection of @p type from @p sender to @p receiver.
+/// Whether a connection of @p type from @p sender to @p receiver can deliver @p signal.
 ///
-/// A direct delivery passes references and is always possible. A queued one
-/// (`Qt::QueuedConnection`, or `Qt::AutoConnection` when sender and receiver live in different
+/// Direct delivery passes references and is always possible. Queued delivery
+/// (`Qt::QueuedConnection`, or `Qt::AutoConnection` if sender and receiver live in different
 /// threads) copies the arguments, so each parameter type must be a pointer or known to Qt's
-/// meta-type system, by `qRegisterMetaType` or `Q_DECLARE_METATYPE`.
-/// `Qt::UniqueConnection` in @p type is ignored. A null sender or receiver is left to
-/// `QObject::connect` to refuse.
+/// meta-type system through `qRegisterMetaType` or `Q_DECLARE_METATYPE`.
+/// `Qt::UniqueConnection` in @p type is ignored. Rejecting a null sender or receiver is left to
+/// `QObject::connect`.
 ///
-/// @return false when at least one parameter could not be copied into a queued call.
+/// @return false if at least one parameter could not be copied for queued delivery
 template <typename Signal>
 bool verifyConnectionSignalParameters(const QObject *sender, Signal signal, const QObject *receiver,
                                       Qt::ConnectionType type)
@@ -43,11 +43,11 @@ bool verifyConnectionSignalParameters(const QObject *sender, Signal signal, cons
 
 /// Connects @p signal of @p sender to @p slot of @p receiver, or ends the process.
 ///
-/// A connection that is silently missing loses key presses, so both mistakes are fatal in every
-/// build type, whatever the flags of the code that includes this header:
-/// - a parameter that could not be delivered queued fails the assertion
+/// A silently missing connection loses key presses, so both errors are fatal in every build type,
+/// whatever flags the including code is compiled with:
+/// - a parameter that cannot be delivered over a queued connection fails the assertion
 ///   "verifyConnectionSignalParameters(sender, signal, receiver, type)";
-/// - a connection that Qt refuses (null object, not a signal, a second
+/// - a connection that Qt rejects (null object, not a signal, a second
 ///   `Qt::UniqueConnection`) fails the assertion "connection".
 ///
 /// @param slot a member function pointer of @p receiver, or a callable with @p receiver as context
@@ -59,7 +59,7 @@ template <typename Sender, typename Signal, typename Receiver, typename Slot>
 QMetaObject::Connection connect(const Sender *sender, Signal signal, const Receiver *receiver,
                                 Slot slot, Qt::ConnectionType type = Qt::AutoConnection)
 {
-    // qt_assert itself, because Q_ASSERT is compiled out of release builds.
+    // qt_assert() directly, because Q_ASSERT is compiled out of release builds.
     if (!verifyConnectionSignalParameters(sender, signal, receiver, type))
         qt_assert("verifyConnectionSignalParameters(sender, signal, receiver, type)", __FILE__,
                   __LINE__);

@@ -16,8 +16,7 @@
 
 #include <sstream>
 
-// The trace at the beginning of a function: its name as the core library prints it, and what it
-// was called with.
+// The entry trace of a function: its name as the core library formats it, and its arguments.
 #define ENTRY_TRACE(arguments) \
     LOG4CPLUS_TRACE(logger, \
                     "Enter " << dbglog_scopedFunction(__PRETTY_FUNCTION__, "BasicInputHandler") \
@@ -45,9 +44,9 @@ InputEvent::Bus busOf(const LinuxInputListener *listener)
     return listener ? listener->bus() : InputEvent::Bus::NoBus;
 }
 
-/// Logs and publishes a command. The logged event is without a bus: the line names the device.
-/// @p function is the signature of the caller, which the log line is attributed to. @p mayTrace is
-/// false when the caller has just seen that not even DEBUG is on.
+/// Logs and publishes a command. The logged event has no bus because the line names the device.
+/// @p function is the caller's signature, which the log line is attributed to. @p mayTrace is
+/// false if the caller has just found that even DEBUG is off.
 void report(const char *function, const InputHandler &handler, const QString &device,
             const QString &id, InputEvent::Command command, InputEvent::State state,
             bool mayTrace = true)
@@ -61,7 +60,7 @@ void report(const char *function, const InputHandler &handler, const QString &de
     Input::reportInputEvent(InputEvent(command, state, busOf(handler.listener())));
 }
 
-/// Deletes the handlers of @p records, each once: several identifiers may share one.
+/// Deletes each handler in @p records once, although several identifiers may share it.
 template <typename Records>
 void deleteHandlers(const Records &records)
 {
@@ -74,8 +73,8 @@ void deleteHandlers(const Records &records)
     }
 }
 
-/// Makes the handler registered last under @p id the receiver of its device's listener, and leaves
-/// the listeners of devices without such a handler with no receiver.
+/// Makes the handler last registered under @p id the receiver of its device's listener. Listeners
+/// of devices without such a handler get no receiver.
 template <typename Records>
 void route(const QMap<QString, LinuxInputListener *> &listeners, const Records &handlers,
            const QString &id)
@@ -136,7 +135,7 @@ void BasicKeyInputHandler::registerKey(int code, InputEvent::Command command, bo
     if (keyMap.contains(code)) {
         LOG4CPLUS_WARN(logger,
                        "Duplicate key in key input map: " << code << ", overwriting old value");
-        // Drops the long press as well, which was meant for the old command.
+        // This also drops the long press, which was meant for the old command.
         deregisterKey(code);
     }
     keyMap.insert(code, command);
@@ -149,7 +148,7 @@ void BasicKeyInputHandler::registerKey(int code, InputEvent::Bus bus, InputEvent
 {
     if (bus != busOf(listener()))
         return;
-    // Not deregisterKey(): products refine a general map for one bus and keep its long presses.
+    // Not deregisterKey(): products refine a general map for one bus but keep its long presses.
     keyMap.remove(code);
     immediateKeys.remove(code);
     registerKey(code, command, immediate);
@@ -196,7 +195,7 @@ void BasicKeyInputHandler::registerDoubleKey(int first, int second, InputEvent::
 {
     if (bus != busOf(listener()))
         return;
-    // The reverse order is overwritten by what follows.
+    // The call below overwrites the reverse order.
     doubleKeyMap.remove({first, second});
     registerDoubleKey(first, second, command);
 }
@@ -223,7 +222,7 @@ void BasicKeyInputHandler::on_keyLongPress(int code, int repeat)
     if (!keyMap.contains(code))
         return;
     const InputEvent::Command command = keyMap.value(code);
-    // The release that comes ends a long press; it is no click any more.
+    // The coming release ends a long press and is no longer a click.
     if (heldKeys.contains(code))
         heldKeys.insert(code, true);
     report(__PRETTY_FUNCTION__, *this, device, id, command, InputEvent::KeyLongPress);
@@ -254,8 +253,8 @@ void BasicKeyInputHandler::on_doubleKeyDetect(const QList<input_event> &keys, bo
     if (command != InputEvent::None) {
         immediate = true;
     } else {
-        // Of an unknown pair only the second key counts, and is reported at once even when
-        // deferred: the first one was withdrawn when the second went down.
+        // Only the second key of an unknown pair counts, and is reported at once even if deferred:
+        // the first was withdrawn when the second went down.
         if (keys.size() == 2) {
             record = keys.last();
             immediate = true;
@@ -274,11 +273,11 @@ void BasicKeyInputHandler::on_doubleKeyDetect(const QList<input_event> &keys, bo
     if (command == InputEvent::None || record.type != EV_KEY)
         return;
 
-    // Whatever a report's receivers change must not change what this record means, so the maps are
-    // not looked at after the first report.
+    // Receivers of a report may change the registrations, but not what this record means: do not
+    // read the maps after the first report.
     const auto reportState = [&, function = __PRETTY_FUNCTION__](InputEvent::State state) {
         report(function, *this, device, id, command, state, isLogging);
-        // A receiver may have set another level.
+        // A receiver may have changed the log level.
         isLogging = true;
     };
     if (immediate) {
@@ -353,8 +352,8 @@ BasicInputHandler::BasicInputHandler()
 
 BasicInputHandler::~BasicInputHandler()
 {
-    // Handlers first: their destructors ask for the deferred deletion of the listeners, and the
-    // direct deletion that follows withdraws it.
+    // Handlers first: their destructors request deferred deletion of the listeners, which deleting
+    // the listeners directly then withdraws.
     deleteHandlers(keyHandlers);
     deleteHandlers(switchHandlers);
     qDeleteAll(keyListeners);
@@ -376,8 +375,8 @@ void BasicInputHandler::addKeyHandler(const QString &device, BasicKeyInputHandle
         selectKeyHandler(id);
 }
 
-// Unlike addKeyHandler() neither tests the handler nor sets its identifier: the identifier of a
-// switch handler stays free for the product's own use.
+// Unlike addKeyHandler(), this neither checks the handler nor sets its identifier: products use a
+// switch handler's identifier for their own purposes.
 void BasicInputHandler::addSwitchHandler(const QString &device, BasicSwInputHandler *handler,
                                          const QString &id)
 {
@@ -443,7 +442,7 @@ void BasicInputHandler::on_init()
 QMap<QString, QString> BasicInputHandler::getDeviceNameMap() const
 {
     QMap<QString, QString> names;
-    // Cleared once: a node whose name is shorter than its predecessor's brings its own end.
+    // Cleared only once: each name comes with its terminator, so a shorter one is safe.
     char name[nameSize] = {};
     for (int number = 0; number < nodeCount; ++number) {
         const QString path = QStringLiteral("/dev/input/event%1").arg(number);
@@ -463,8 +462,8 @@ void BasicInputHandler::on_inputWatcher_changed(const QString &file)
     QMap<QString, QString> gone = deviceNames;
     const bool inputDirectoryExists = QDir(inputDirectory()).exists();
     if (!inputDirectoryExists) {
-        // Waits for the directory. What is known stays until it is back: it vanishes with its last
-        // node, and a pass without it could not tell an unplugged device from a slow restart.
+        // Wait for the directory, and keep the known devices until it is back: it vanishes with its
+        // last node, so without it an unplugged device looks the same as a slow restart.
         if (file.startsWith(inputDirectory()))
             inputWatcher->addPath(deviceDirectory());
         return;

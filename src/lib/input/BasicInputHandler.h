@@ -17,14 +17,15 @@ class DoubleKeyDetect;
 class LongPressDetect;
 class QFileSystemWatcher;
 
-/// Turns the key records of one device into commands on the bus.
+/// Turns the key records of one device into commands on the event bus.
 ///
-/// A registered key is either *immediate*: `KeyPressed` on the press (and on every auto-repeat
-/// record), `KeyReleased` on the release; or *deferred*: nothing on the press, and `KeyPressed`
-/// followed at once by `KeyReleased` on the release, a completed click. A long press
-/// (enableLongPress()) adds `KeyLongPress` while the key is down, and a deferred key then ends
-/// with a lone `KeyReleased`. A chord (registerDoubleKey()) reports a command of its own; the
-/// first key, when deferred, is withdrawn silently, and when immediate with its `KeyReleased`.
+/// A registered key is either *immediate* or *deferred*. An immediate key reports `KeyPressed` on
+/// the press (and on every auto-repeat record) and `KeyReleased` on the release. A deferred key
+/// reports nothing on the press; on the release it reports a completed click, `KeyPressed`
+/// directly followed by `KeyReleased`. A long press (enableLongPress()) adds `KeyLongPress` while
+/// the key is down; after one, a deferred key reports only `KeyReleased` on the release. A chord
+/// (registerDoubleKey()) reports its own command. Its first key is then withdrawn: silently if it
+/// is deferred and has not reported a long press, otherwise with `KeyReleased`.
 ///
 /// @code
 /// auto *keys = new BasicKeyInputHandler("front-panel");
@@ -32,15 +33,15 @@ class QFileSystemWatcher;
 /// keys->enableLongPress(KEY_VOLUMEUP, true, {600, 200}); // then every 200 ms
 /// keys->registerKey(KEY_INFO, InputEvent::Info, false);
 /// keys->registerDoubleKey(KEY_STOP, KEY_PLAY, InputEvent::FactoryReset);
-/// addKeyHandler(path, keys, "browse"); // the device manager owns it from here on
+/// addKeyHandler(path, keys, "browse"); // now owned by the device manager
 /// @endcode
 ///
-/// Each event carries the bus of the attached listener at the moment of the report. Without a
-/// listener that is `NoBus`, and the bus-filtered forms compare with `NoBus`. A code mapped to
-/// `None` reports nothing but its long presses.
+/// Each event carries the bus of the listener attached when it is reported. Without a listener
+/// that is `NoBus`, and the bus-filtered overloads compare with `NoBus`. A code mapped to `None`
+/// reports only its long presses.
 ///
-/// **Thread**: the one of the listener's event loop; no locks. Registrations may be made at any
-/// time, also from inside a slot on the bus.
+/// **Thread**: that of the listener's event loop; no locks. Registrations may be made at any time,
+/// including from a slot connected to the event bus.
 ///
 /// **Log**, logger "BasicInputHandler":
 ///
@@ -50,8 +51,8 @@ class QFileSystemWatcher;
 /// | WARN | "Trying to remove a non-existing key " code |
 /// | WARN | "Duplicate keys in double key input map: QPair(1,2), overwriting old value" |
 /// | WARN | "Trying to remove a non-existing double key " first " + " second |
-/// | DEBUG | "key:" code " value " value, for each record after the chord detection |
-/// | TRACE | "Device: " device "; id: " id "; command " event (no bus), before a report |
+/// | DEBUG | "key:" code " value " value, for each record that passes chord detection |
+/// | TRACE | "Device: " device "; id: " id "; command " event (no bus), before each report |
 class VORN_INPUT_EXPORT BasicKeyInputHandler : public InputHandler
 {
     Q_OBJECT
@@ -63,46 +64,48 @@ public:
 
     void setId(const QString &newId) override;
 
-    /// Stops the long-press timer and forgets a chord in progress. Registrations stay, and so does
-    /// what is known of deferred keys that are down: their release ends them.
+    /// Stops the long-press timer and makes the chord detection forget all keys, so the release of
+    /// a key that is down is dropped. Registrations stay, and so does the state of held keys: a
+    /// deferred key's until its next press, their timing as described at LongPressDetect::reset().
     void invalidate() override;
 
     void processEvent(const QList<input_event> &events) override;
 
-    /// Maps key @p code to @p command. A code that is mapped already is logged, and loses its
-    /// long press: call enableLongPress() again.
+    /// Maps key @p code to @p command. If the code is already mapped, that is logged and its long
+    /// press is removed: call enableLongPress() again.
     void registerKey(int code, InputEvent::Command command, bool immediate);
 
-    /// The same, if the listener's bus is @p bus; silent otherwise. Replaces an earlier mapping
-    /// without a log line and keeps the code's long press.
+    /// The same if the listener's bus is @p bus; otherwise does nothing. Replaces an earlier
+    /// mapping without a log line and keeps the code's long press.
     void registerKey(int code, InputEvent::Bus bus, InputEvent::Command command, bool immediate);
 
-    /// Removes the mapping and the long press of @p code, which must not be held if it has one;
-    /// chords stay. An unknown code is logged.
+    /// Removes the mapping and long press of @p code; a key with a long press must not be held.
+    /// Chords stay. An unknown code is logged.
     void deregisterKey(int code);
 
     /// Reports `KeyLongPress` for @p code after `timeouts[0]` ms and, with @p repeat, again after
-    /// each further timeout, the last of which goes on for ever. Delays are rounded up to a 50 ms
-    /// tick. The code reports only while it is mapped.
+    /// each further timeout; the last timeout repeats until the release. Delays are rounded up to
+    /// the next 50 ms tick. Nothing is reported while the code is not mapped.
     ///
-    /// @warning @p timeouts must not be empty: a held key with an empty list ends the process,
+    /// @warning @p timeouts must not be empty: holding a key with an empty list ends the process,
     /// see LongPressDetect.
     void enableLongPress(int code, bool repeat, QList<int> timeouts);
 
-    /// The same, if the listener's bus is @p bus; silent otherwise.
+    /// The same if the listener's bus is @p bus; otherwise does nothing.
     void enableLongPress(int code, InputEvent::Bus bus, bool repeat, QList<int> timeouts);
 
-    /// Maps the chord of two keys, pressed in either order, to @p command. A chord that is mapped
-    /// already is logged and replaced.
+    /// Maps the chord of two keys, pressed in either order, to @p command. An existing mapping is
+    /// logged and replaced.
     void registerDoubleKey(int first, int second, InputEvent::Command command);
 
-    /// The same, if the listener's bus is @p bus; silent otherwise. Replaces without a log line.
+    /// The same if the listener's bus is @p bus; otherwise does nothing. Replaces an existing
+    /// mapping without a log line.
     void registerDoubleKey(int first, int second, InputEvent::Bus bus, InputEvent::Command command);
 
-    /// Removes a chord in both orders. An unknown chord is logged.
+    /// Removes the chord in both orders. An unknown chord is logged.
     void deregisterDoubleKey(int first, int second);
 
-    /// The chord's command, or `None` for an unknown one.
+    /// The chord's command, or `None` if the chord is unknown.
     InputEvent::Command getDoubleKeyEvent(const QPair<int, int> &keys);
 
 private Q_SLOTS:
@@ -120,15 +123,15 @@ private:
     QString id;
 };
 
-/// Turns the switch records (`EV_SW`) of one device into commands: `SwitchEnabled` for a value
-/// other than 0, `SwitchDisabled` for 0, at once. It remembers no positions, so the same position
+/// Turns the switch records (`EV_SW`) of one device into commands at once: `SwitchDisabled` for 0,
+/// `SwitchEnabled` for any other value. Positions are not remembered, so the same position received
 /// twice is reported twice.
 ///
 /// @code
 /// auto *jacks = new BasicSwInputHandler("front-panel");
 /// jacks->registerSwitch(SW_LINEIN_INSERT, InputEvent::SWLineIn);
 /// addSwitchHandler(path, jacks, "");
-/// jacks->getInputStatus(); // where is the plug now?
+/// jacks->getInputStatus(); // is something plugged in already?
 /// @endcode
 ///
 /// **Log**, logger "BasicInputHandler": WARN "Duplicate key in switch input map: " code
@@ -143,7 +146,7 @@ public:
     explicit BasicSwInputHandler(const QString &deviceName);
     ~BasicSwInputHandler() override;
 
-    /// For the log. The device manager does not call it for switch handlers.
+    /// Used in the log only. The device manager does not call it for switch handlers.
     void setId(const QString &newId) override;
 
     /// Nothing to forget.
@@ -151,12 +154,12 @@ public:
 
     void processEvent(const QList<input_event> &events) override;
 
-    /// Has the listener deliver the positions of all its switches, so that each mapped one is
-    /// reported, on or off; see LinuxInputListener::getInputStatus(). They arrive here only while
-    /// this handler is the listener's receiver. Does nothing without a listener.
+    /// Makes the listener deliver the positions of all its switches, so that every mapped switch is
+    /// reported, on or off; see LinuxInputListener::getInputStatus(). They go to the listener's
+    /// current receiver, which need not be this handler. Does nothing without a listener.
     void getInputStatus();
 
-    /// Maps switch @p code to @p command. A code that is mapped already is logged and replaced.
+    /// Maps switch @p code to @p command. An existing mapping is logged and replaced.
     void registerSwitch(int code, InputEvent::Command command);
 
     /// Removes the mapping. An unknown code is logged.
@@ -168,17 +171,17 @@ private:
     QString id;
 };
 
-/// The device manager: finds the input devices, and routes each to the handlers of one identifier.
+/// The device manager: finds input devices and routes each to the handlers of one identifier.
 ///
-/// A product derives from it and implements addDevice(). From the first turn of the event loop on
-/// the nodes /dev/input/event0 to event9 are watched; for each that arrives two listeners are
-/// made, for its keys and for its switches, and addDevice() is called.
+/// A product derives from it and implements addDevice(). Once the event loop runs, the nodes
+/// /dev/input/event0 to event9 are watched. For each one that arrives, two listeners are created,
+/// one for its keys and one for its switches, and addDevice() is called.
 ///
 /// Handlers are registered per device under an identifier ("browse", "text" …). One identifier is
-/// current, at first the empty one; each listener's receiver is the handler that was registered
-/// last for its device under the current identifier, or none. selectHandler() re-routes all
-/// devices at once. A key that is down then has its release dropped by the handlers of both
-/// identifiers; select on a release where that matters.
+/// current, initially the empty one. Each listener's receiver is the handler last registered for
+/// its device under the current identifier, or none. selectHandler() re-routes all devices at
+/// once. If a key is down at that moment, the handlers of both identifiers drop its release; where
+/// that matters, select on a release.
 ///
 /// @code
 /// class Devices : public BasicInputHandler {
@@ -190,15 +193,15 @@ private:
 /// };
 /// @endcode
 ///
-/// **Ownership**: of the listeners, and of every handler from addKeyHandler() or
-/// addSwitchHandler() on. A handler is for one device; several identifiers may share it.
+/// **Ownership**: it owns the listeners, and every handler passed to addKeyHandler() or
+/// addSwitchHandler(). A handler serves one device, but several identifiers may share it.
 ///
-/// **Thread**: everything on the thread that owns the object, which runs a Qt event loop.
-/// selectHandler() and the registrations may be called from addDevice() and from slots on the
-/// bus. Neither addDevice() nor removeDevice() may run an event loop.
+/// **Thread**: call everything on the thread that owns the object, which must run a Qt event loop.
+/// selectHandler() and the registrations may be called from addDevice() and from slots connected
+/// to the event bus. Neither addDevice() nor removeDevice() may run an event loop.
 ///
-/// **Log**, logger "BasicInputHandler", beside entry traces ("Enter " function ": " arguments) at
-/// TRACE:
+/// **Log**, logger "BasicInputHandler", in addition to entry traces ("Enter " function ": "
+/// arguments) at TRACE:
 ///
 /// | level | text |
 /// |---|---|
@@ -212,51 +215,51 @@ class VORN_INPUT_EXPORT BasicInputHandler : public QObject
     Q_OBJECT
 
 public:
-    /// No parent. Nothing is opened or watched before the event loop runs.
+    /// No parent. Nothing is opened or watched until the event loop runs.
     BasicInputHandler();
 
     /// Deletes all handlers, then all listeners.
     ~BasicInputHandler() override;
 
-    /// Called once for each device that arrives. The place to register handlers for it.
+    /// Called once for each device that arrives. Register its handlers here.
     ///
     /// @param device path of the node, "/dev/input/event0" to "/dev/input/event9"
-    /// @param name the kernel's name of the device; not unique
+    /// @param name the kernel's name for the device; not unique
     virtual void addDevice(const QString &device, const QString &name) = 0;
 
     /// Called once for each device that is gone: unplugged, or no longer readable. Deletes the
-    /// device's handlers and then its listeners; whoever overrides it calls this.
+    /// device's handlers, then its listeners; an override must call this implementation.
     virtual void removeDevice(const QString &device);
 
     /// Registers @p handler for the keys of @p device under @p id and takes ownership. Gives it
     /// the device's listener, and makes it the receiver if @p id is the current identifier.
-    /// A null handler is logged and ignored. For a device that is not there the handler is kept
-    /// but never gets a listener, which is logged.
+    /// A null handler is logged and ignored. If the device is not present, that is logged; the
+    /// handler is kept but never gets a listener.
     void addKeyHandler(const QString &device, BasicKeyInputHandler *handler, const QString &id);
 
-    /// The same for the switches of @p device, except that @p handler must not be null and is not
-    /// told its identifier.
+    /// The same for the switches of @p device, except that @p handler must not be null and its
+    /// setId() is not called.
     void addSwitchHandler(const QString &device, BasicSwInputHandler *handler, const QString &id);
 
-    /// Gives @p handler the key listener of @p device, unless it has a listener.
+    /// Gives @p handler the key listener of @p device, unless it already has a listener.
     void setKeyListener(const QString &device, BasicKeyInputHandler *handler);
 
-    /// Gives @p handler the switch listener of @p device, unless it has a listener.
+    /// Gives @p handler the switch listener of @p device, unless it already has a listener.
     void setSwitchListener(const QString &device, BasicSwInputHandler *handler);
 
-    /// Makes @p id the current identifier for keys and switches of all devices. Nothing happens
-    /// when it is current already.
+    /// Makes @p id the current identifier for the keys and switches of all devices. Does nothing if
+    /// it already is.
     void selectHandler(const QString &id);
 
-    /// Routes the keys of all devices to the handlers of @p id, also when it is current. The
-    /// current identifier stays as it is.
+    /// Routes the keys of all devices to the handlers of @p id, even if it is already current. The
+    /// current identifier does not change.
     void selectKeyHandler(const QString &id);
 
-    /// Routes the switches of all devices to the handlers of @p id, also when it is current. The
-    /// current identifier stays as it is.
+    /// Routes the switches of all devices to the handlers of @p id, even if it is already current.
+    /// The current identifier does not change.
     void selectSwitchHandler(const QString &id);
 
-    /// The nodes that are there now and can be opened, with the kernel's names, read as UTF-8.
+    /// The nodes that can be opened and named now, with the kernel's names decoded as UTF-8.
     QMap<QString, QString> getDeviceNameMap() const;
 
 private Q_SLOTS:

@@ -38,8 +38,8 @@ QString enumText(Enum value)
     return name ? QString::fromLatin1(name) : QString::number(static_cast<int>(value));
 }
 
-// The bus's own words; they differ from the texts of InputEvent::toString() and log filters rely
-// on both.
+// The words of the event bus's log line. They differ from InputEvent::toString(), and log filters
+// rely on both.
 const char *stateWord(InputEvent::State state)
 {
     switch (state) {
@@ -138,7 +138,7 @@ void Input::reportInputEvent(InputEvent event)
 
 void Input::emitInputEvent(InputEvent event)
 {
-    // The command's number, not its name: this line is what remote log filters match.
+    // The command's number, not its name: remote log filters match this line.
     LOG4CPLUS_DEBUG(logger,
                     "Vorn::InputEvent(" << static_cast<int>(event.command()) << ") "
                                         << stateWord(event.state()));

@@ -8,13 +8,13 @@
 #include <QObject>
 #include <QString>
 
-/// A logical command of the product, with the state of the control that produced it and the bus
-/// that the control's device hangs on.
+/// A logical command of the product, the state of the control that produced it, and the bus its
+/// device is attached to.
 ///
-/// The one value that leaves the library: handlers build it, the bus `Input` publishes it.
-/// A value is never modified after construction and is implicitly shared: a copy costs one atomic
-/// increment and no allocation, and copies may be used and destroyed on any thread. The numbers
-/// of all three enumerations are a stable interface.
+/// This is the only value that leaves the library: handlers build it, and the event bus `Input`
+/// publishes it. It is immutable and implicitly shared: a copy costs one atomic increment and no
+/// allocation, and copies may be used and destroyed on any thread. The numeric values of all three
+/// enumerations are a stable interface.
 ///
 /// @code
 /// InputEvent event(InputEvent::VolumeUp, InputEvent::KeyPressed, InputEvent::Bus::LocalUI);
@@ -27,10 +27,10 @@ class VORN_INPUT_EXPORT InputEvent
 public:
     /// What the user asked for.
     ///
-    /// Two blocks with a gap that stays free: 0 to 56 for the product's functions, and 1032 to
-    /// 1126 for text entry, where the number is 1000 plus the ASCII code of the character.
-    /// The spelling of each name is also its text in logs (`CharMore` for `>`, `CharMul` for `*`,
-    /// `CharBraceLeft` for `[`) and is part of the interface.
+    /// There are two blocks, and the gap between them is reserved: 0 to 56 are the product's
+    /// functions, 1032 to 1126 are text entry, numbered 1000 plus the character's ASCII code.
+    /// Logs print the names as spelled here (`CharMore` for `>`, `CharMul` for `*`,
+    /// `CharBraceLeft` for `[`), so the spelling is part of the interface.
     enum Command : int {
         None = 0,
         Confirm = 1,
@@ -188,7 +188,7 @@ public:
     };
     Q_ENUM(Command)
 
-    /// What happened to the control. Texts are those of toString().
+    /// What happened to the control. toString() prints these names unless noted otherwise.
     enum State : int {
         NoState = 0, ///< printed as "Unknown"
         KeyPressed = 1,
@@ -198,7 +198,7 @@ public:
         SwitchDisabled = 5,
     };
 
-    /// Where the device is attached. Scoped, because a command is called `Bluetooth`, too.
+    /// The bus the device is attached to. Scoped because there is also a `Bluetooth` command.
     enum class Bus : int {
         NoBus = 0, ///< unknown; not printed
         Hostlink = 1, ///< the device whose kernel name is "hostlink"
@@ -224,11 +224,11 @@ public:
     State state() const;
     Bus bus() const;
 
-    /// Name of the command; a number without a name is returned in decimal, e.g. "57" or "-1".
+    /// The command's name, or its number in decimal if it has none, e.g. "57" or "-1".
     QString cmdToString() const;
 
-    /// One line for logs: "[cmd=VolumeUp, state=KeyPressed, bus=LocalUI]", without the bus part
-    /// for `NoBus`. States and buses without a name are printed in decimal.
+    /// One line for logs: "[cmd=VolumeUp, state=KeyPressed, bus=LocalUI]". The bus part is omitted
+    /// for `NoBus`. Commands, states and buses without a name are printed in decimal.
     QString toString() const;
 
 private:
@@ -244,17 +244,17 @@ Q_DECLARE_METATYPE(InputEvent)
 /// Vorn::connect(Input::instance(), &Input::inputEvent, this, &Player::on_inputEvent);
 /// @endcode
 ///
-/// **Thread**: instance() takes no lock. Its first call, by the first handler or the first
-/// receiver, must be made on the thread of the event loop that owns the library's objects. The
-/// signal is emitted synchronously on the reporting thread; a receiver of another thread gets it
-/// queued, for which the meta-type "InputEvent" is registered.
+/// **Thread**: instance() takes no lock. Its first call, whether by a handler or a receiver, must
+/// be made on the thread whose event loop owns the library's objects. The signal is emitted
+/// synchronously on the reporting thread; receivers on other threads get it queued, which is why
+/// the meta-type "InputEvent" is registered.
 ///
 /// **From inside a slot** an application may register, deregister and select handlers, and report
 /// further events. It must not delete a handler, a listener or the device manager there; use
 /// `deleteLater()`.
 ///
-/// **Log**, logger "Input": DEBUG "Vorn::InputEvent(<command number>) <state word>", the word being
-/// one of "press", "release", "long press", "switch enable", "switch disable" and "Unknown".
+/// **Log**, logger "Input": DEBUG "Vorn::InputEvent(<command number>) <state word>", where the word
+/// is "press", "release", "long press", "switch enable", "switch disable" or "Unknown".
 class VORN_INPUT_EXPORT Input : public QObject
 {
     Q_OBJECT
@@ -263,21 +263,21 @@ public:
     /// Registers the meta-type "InputEvent". Products use instance().
     Input();
 
-    /// The one instance, made by the first call and never deleted. Nobody else may delete it.
+    /// The one instance, created by the first call and never deleted. Callers must not delete it.
     static Input *instance();
 
-    /// Publishes @p event: `instance()->emitInputEvent(event)`, nothing queued or deferred.
+    /// Publishes @p event at once: same as `instance()->emitInputEvent(event)`.
     static void reportInputEvent(InputEvent event);
 
     /// Writes the debug line, opens the profiler's response watcher and emits inputEvent(), in
-    /// this order. The watcher is opened for every event, whether or not anything is logged.
+    /// that order. The watcher is opened for every event, even when logging is off.
     void emitInputEvent(InputEvent event);
 
-    /// What instance() returns; null until its first call.
+    /// The object instance() returns; null until the first call.
     static Input *s_instance;
 
 Q_SIGNALS:
-    /// One emission for each reported event, in the order reported.
+    /// Emitted once per reported event, in the order reported.
     void inputEvent(InputEvent);
 };
 

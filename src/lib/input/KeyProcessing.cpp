@@ -18,7 +18,7 @@ log4cplus::Logger logger = log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("KeyPro
 
 constexpr int tickInterval = 50;
 
-// In UTC: it is the same instant as in local time, without a trip through the time zone.
+// UTC: the same instant as in local time, without the cost of a time zone conversion.
 QDateTime dateTime(qint64 msecs)
 {
     return QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC);
@@ -26,12 +26,12 @@ QDateTime dateTime(qint64 msecs)
 
 QDateTime timeOf(const input_event &event)
 {
-    // The microseconds are signed, but unsigned where a 32-bit system has 64-bit time.
+    // The microseconds are signed, except on 32-bit systems with 64-bit time_t.
     return dateTime(static_cast<qint64>(event.input_event_sec) * 1000
                     + static_cast<long>(event.input_event_usec) / 1000);
 }
 
-// The records of a list for a log line; composed only when the line is written.
+// Wraps a list of records for a log line; formatted only if the line is written.
 struct Records
 {
     const QList<input_event> &list;
@@ -52,7 +52,7 @@ std::ostream &operator<<(std::ostream &stream, const Records &records)
 
 std::ostream &operator<<(std::ostream &stream, const input_event &event)
 {
-    // An auto-repeat (2) prints as "release": only 1 is a press to whoever reads these lines.
+    // An auto-repeat (2) prints as "release": readers of these lines count only 1 as a press.
     return stream << "input_event: "
                   << "code:" << event.code << " value:" << (event.value == 1 ? "press" : "release")
                   << " time:" << timeOf(event).toString(QStringLiteral("hh:mm:ss,zzz"));
@@ -77,8 +77,8 @@ LongPressDetect::LongPressDetect(QObject *parent)
 
 LongPressDetect::~LongPressDetect()
 {
-    // Not deleted, see the constructor; but a key that was held when its device vanished must not
-    // leave it waking the process up for ever.
+    // Not deleted, see the constructor's documentation; but stopped, because if a key is held when
+    // its device vanishes, the timer would keep waking the process.
     timer->stop();
 }
 
@@ -101,7 +101,7 @@ void LongPressDetect::process(input_event &event)
 
     if (event.value == 0) {
         keyData.remove(key);
-        // A single timeout has no further stage to come back from.
+        // With a single timeout the stage is always 0.
         if (registration != events.constEnd() && registration->timeouts.size() >= 2)
             stages.insert(key, 0);
         return;
@@ -123,10 +123,9 @@ void LongPressDetect::update()
 {
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
 
-    // An application that answers a long press by a nested event loop, or by registering keys
-    // anew, must find the detector between two steps and not inside one. So the codes are walked in
-    // a copy, each key's state is looked up when its turn comes, and it is brought up to date
-    // before the key is told of.
+    // An application may respond to a long press by running a nested event loop or re-registering
+    // keys, so the detector must be consistent whenever it emits. Hence the loop iterates over a
+    // copy of the codes, looks up each key's state in its turn, and updates it before the signal.
     QVarLengthArray<int, 32> held;
     for (auto it = keyData.constBegin(); it != keyData.constEnd(); ++it)
         held.append(it.key());
@@ -138,14 +137,14 @@ void LongPressDetect::update()
         const qint64 start = found->time.toMSecsSinceEpoch();
         const int stage = stages.value(key, 0);
         const Event event = events.value(key);
-        // operator[], not at(): its assertion names this operator.
+        // operator[], not at(): the documented assertion names this operator.
         const qint64 timeout = event.timeouts[stage];
         if (now - start < timeout)
             continue;
 
         if (stage < event.timeouts.size() - 1)
             stages.insert(key, stage + 1);
-        // From this tick, not from when the timeout fell due: a repetition never comes early.
+        // Count from this tick, not from when the timeout was due: repetitions never come early.
         keyData.insert(key, KeyData{count + 1, dateTime(now)});
         if (count == 1 || event.repeat)
             Q_EMIT keyLongPress(key, count);
@@ -169,9 +168,9 @@ DoubleKeyDetect::~DoubleKeyDetect() = default;
 
 void DoubleKeyDetect::checkDoubleKeyDetect(const input_event &event)
 {
-    // Asked once: when it is off, nothing runs before the signals that could turn it on.
+    // Checked once: if it is off, nothing that runs before the signals could turn it on.
     const bool isLogging = logger.isEnabledFor(log4cplus::DEBUG_LOG_LEVEL);
-    // Not by begin(), which makes an empty list allocate what append() then has to enlarge.
+    // Not begin(): on an empty list it allocates an array that append() then has to enlarge.
     const auto stored =
         std::find_if(storedEvents.cbegin(), storedEvents.cend(),
                      [&event](const input_event &other) { return other.code == event.code; });
@@ -195,8 +194,8 @@ void DoubleKeyDetect::checkDoubleKeyDetect(const input_event &event)
     if (isLogging)
         LOG4CPLUS_DEBUG(logger, "Stored:" << Records{storedEvents});
 
-    // The receiver may reset the detector from inside each signal, so the state is final and the
-    // list a copy before it is emitted.
+    // The receiver may reset the detector from inside each signal, so update the state before
+    // emitting, and emit a copy of the list.
     if (storedEvents.size() == 1) {
         QList<input_event> single;
         if (event.value == 0)
@@ -211,7 +210,7 @@ void DoubleKeyDetect::checkDoubleKeyDetect(const input_event &event)
         input_event withdrawn = storedEvents.first();
         withdrawn.value = 0;
         Q_EMIT keyDoubleDetect(QList<input_event>{withdrawn}, true);
-        // Read only now: a reset in between means that nobody waits for this chord any more.
+        // Copied only now: if the receiver has reset the detector, the chord is no longer wanted.
         const QList<input_event> chord = storedEvents;
         Q_EMIT keyDoubleDetect(chord, false);
     } else if (allReleased(storedEvents) && detected) {

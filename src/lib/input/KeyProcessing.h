@@ -17,74 +17,74 @@ class QTimer;
 /// Writes the debug text of a key record to @p stream, e.g.
 /// "input_event: code:28 value:press time:14:03:07,250".
 ///
-/// The value is "press" for 1 and "release" for every other one, an auto-repeat (2) included. The
-/// time is the record's time of day in UTC. The type is not printed.
+/// The value is "press" for 1 and "release" for anything else, including auto-repeat (2). The time
+/// is the record's time of day in UTC. The type is not printed.
 VORN_INPUT_EXPORT std::ostream &operator<<(std::ostream &stream, const input_event &event);
 
 /// Times how long keys are held.
 ///
 /// Each registered code has a list of timeouts in ms: the first runs from the press to the first
-/// notification, each further one from there to the next, and the last one is repeated while the
-/// key stays down. With timeouts {800, 200} and `repeat`, keyLongPress() comes about 800, 1000,
-/// 1200 … ms after the press; without `repeat` only at 800 ms.
+/// notification, each further one from one notification to the next, and the last repeats while
+/// the key stays down. With timeouts {800, 200} and `repeat`, keyLongPress() is emitted about 800,
+/// 1000, 1200 … ms after the press; without `repeat`, only at 800 ms.
 ///
 /// One 50 ms timer serves all keys, so every delay is rounded up to the next tick. It runs from
 /// the first press of a registered key to the first tick that finds no key held.
 ///
-/// The records' time stamps are compared with the wall clock
-/// (`QDateTime::currentMSecsSinceEpoch()`), as evdev nodes deliver by default. A press that is
-/// stamped in the future, or a clock set back during a hold, delays the next notification by as
-/// much; a stamp far in the past, or a clock set forward, makes it fire at the next tick.
+/// The records' timestamps are compared with the wall clock
+/// (`QDateTime::currentMSecsSinceEpoch()`), which evdev nodes use by default. A press stamped in
+/// the future, or a clock set back during a hold, delays the next notification by the same amount;
+/// a stamp far in the past, or a clock set forward, triggers it at the next tick.
 ///
 /// **Thread**: the owner's, no locks. **Log**: nothing.
 ///
-/// **Errors**: a code that is held while it has no timeouts, because it was registered with an
-/// empty list or deregistered during the hold, ends the process at the next tick with the
-/// assertion "QList<T>::operator[]": "index out of range".
+/// **Errors**: if a held code has no timeouts, because it was registered with an empty list or
+/// deregistered during the hold, the next tick ends the process with the assertion
+/// "QList<T>::operator[]": "index out of range".
 class VORN_INPUT_EXPORT LongPressDetect : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Registration of a code.
+    /// The registration of a code.
     struct Event
     {
-        QList<int> timeouts; ///< ms; the last one is repeated
-        bool repeat = false; ///< whether notifications after the first are emitted
+        QList<int> timeouts; ///< ms; the last one repeats
+        bool repeat = false; ///< whether to emit notifications after the first
     };
 
-    /// Running state of a key that is held.
+    /// The state of a held key.
     struct KeyData
     {
         int count = 0; ///< number of the next notification, from 1
-        QDateTime time; ///< from when the current timeout is measured
+        QDateTime time; ///< start of the current timeout
     };
 
-    /// @note The detector's `QTimer` has no parent and is not deleted by the destructor: a
-    /// detector may be destroyed from inside its timer's signal. One stopped timer object stays
-    /// behind per detector.
+    /// @note The detector's `QTimer` has no parent, and the destructor stops it but does not delete
+    /// it, because a detector may be destroyed from inside its timer's signal. Each detector thus
+    /// leaks one stopped timer.
     explicit LongPressDetect(QObject *parent = nullptr);
     ~LongPressDetect() override;
 
-    /// Registers @p key (0 to 767), replacing its earlier registration; during a hold the wait
-    /// continues with the first timeout of the new list. @p timeouts must not be empty.
+    /// Registers @p key (0 to 767), replacing any earlier registration. During a hold the first
+    /// timeout of the new list replaces the current one. @p timeouts must not be empty.
     void registerEvent(int key, bool repeat, const QList<int> &timeouts);
 
     /// Removes the registration of @p key, which must not be held.
     void deregisterEvent(int key);
 
-    /// Takes a key record. Value 0 ends the hold; every other value starts the measurement anew
-    /// with count 1, an auto-repeat like a press, at the timeout that the hold had reached.
-    /// Presses of unregistered codes are ignored. The record is not changed.
+    /// Takes a key record. Value 0 ends the hold. Any other value, auto-repeat included, restarts
+    /// the measurement with count 1, at the timeout the hold had reached. Presses of unregistered
+    /// codes are ignored. The record is not modified.
     void process(input_event &event);
 
-    /// Stops the timer and nothing else. A key that is held keeps its state, and goes on being
-    /// timed as soon as the next press of a registered code starts the timer.
+    /// Stops the timer and nothing else. A held key keeps its state, and its timing resumes when
+    /// the next press of a registered code starts the timer.
     void reset();
 
 Q_SIGNALS:
-    /// The current timeout of @p key has run out for the @p repeat-th time of this hold.
-    /// Several keys are notified in any order.
+    /// A timeout of @p key has expired; @p repeat counts them from 1 for this hold. If several keys
+    /// are due at once, their order is unspecified.
     void keyLongPress(int key, int repeat);
 
 private Q_SLOTS:
@@ -97,15 +97,15 @@ private:
     QHash<int, int> stages;
 };
 
-/// Tells two keys pressed together, a chord, from single keys.
+/// Distinguishes two keys pressed together, a chord, from single keys.
 ///
 /// A single key is never delayed: each of its records is passed on at once. When a second key goes
-/// down, the first is withdrawn by a made-up release, and both presses are reported together:
+/// down, a synthetic release withdraws the first, and both presses are reported together:
 ///
 /// | input | keyDoubleDetect(keys, fake) |
 /// |---|---|
 /// | A press | ([A press], false) |
-/// | A auto-repeat, A alone | ([A auto-repeat], false) |
+/// | A auto-repeat, only A held | ([A auto-repeat], false) |
 /// | B press while A is held | ([A release], true), then ([A press, B press], false) |
 /// | auto-repeat of A or B; C press | nothing |
 /// | A release | nothing |
@@ -114,7 +114,7 @@ private:
 /// **Thread**: the owner's, no locks; the signal is emitted from inside checkDoubleKeyDetect().
 ///
 /// **Log**, logger "KeyProcessing", all DEBUG: "Found already event for code:" code; "Double key
-/// press detected and new press event received -> drop", of a release as well; "Received release
+/// press detected and new press event received -> drop", also for a release; "Received release
 /// for non existing press -> drop"; "Stored:(" records ")" with the records' debug texts.
 class VORN_INPUT_EXPORT DoubleKeyDetect : public QObject
 {
@@ -124,23 +124,23 @@ public:
     explicit DoubleKeyDetect(QObject *parent = nullptr);
     ~DoubleKeyDetect() override;
 
-    /// Takes the next key record; 0 is a release, every other value a press.
+    /// Takes the next key record; value 0 is a release, any other value a press.
     void checkDoubleKeyDetect(const input_event &event);
 
-    /// Whether no record of @p events is a release; true for an empty list.
+    /// Whether no record in @p events is a release; true for an empty list.
     bool allPressed(const QList<input_event> &events) const;
 
-    /// Whether every record of @p events is a release; true for an empty list.
+    /// Whether every record in @p events is a release; true for an empty list.
     bool allReleased(const QList<input_event> &events) const;
 
-    /// Forgets all keys, without a signal. Called from inside the fake release's signal it takes
-    /// the chord with it: an empty list is emitted in its place.
+    /// Forgets all keys without emitting anything. If called from inside the synthetic release's
+    /// signal, the chord is lost too: an empty list is emitted in its place.
     void reset();
 
 Q_SIGNALS:
-    /// @param keys the reported records: one, or all keys of a chord in the order in which they
-    /// first went down
-    /// @param fake whether this is the made-up release of a chord's first key
+    /// @param keys the reported records: one, or both keys of a chord in the order they first went
+    /// down; empty after a reset() from inside the synthetic release's signal
+    /// @param fake whether this is the synthetic release of a chord's first key
     void keyDoubleDetect(const QList<input_event> &keys, bool fake);
 
 private:

@@ -23,29 +23,29 @@ constexpr std::size_t readSize = 1024;
 constexpr int nameSize = 256;
 constexpr int eventTypeBytes = 31;
 constexpr int eventTypeBits = 31;
-// The kernel is asked for this many bytes whatever the size of the bitmap, so that only codes 0
-// to 31 are ever refreshed. Products depend on keys above 31 staying silent in getInputStatus().
+// The kernel is asked for this many bytes regardless of the bitmap's size, so only codes 0 to 31
+// are ever refreshed. Products depend on getInputStatus() not reporting keys above 31.
 constexpr int requestedStatusBytes = 4;
 constexpr int scannedKeyCodes = 767;
 constexpr int scannedSwitchCodes = 16;
 
-// What the product's kernel is asked; a size that changes here would be another request there.
+// The requests as the product's kernel knows them; a size is part of its request's number.
 static_assert(EVIOCGBIT(0, eventTypeBytes) == 0x801F4520);
 static_assert(EVIOCGID == 0x80084502);
 static_assert(EVIOCGNAME(nameSize) == 0x81004506);
 static_assert(EVIOCSREP == 0x40084503);
 static_assert(EVIOCGKEY(requestedStatusBytes) == 0x80044518);
 static_assert(EVIOCGSW(requestedStatusBytes) == 0x8004451B);
-// On 32 bits, whatever the size of time_t there.
+// On 32-bit systems, whatever the size of their time_t.
 static_assert(sizeof(long) != 4 || sizeof(input_event) == 16);
 static_assert(sizeof(long) != 4 || readSize / sizeof(input_event) == 64);
 
-// The batch before, to be filled anew: QList allocates each of its records on its own, and a device
-// that is read again and again would free and allocate them all each time.
+// The previous batch, kept for reuse: QList allocates every record separately, and each read would
+// otherwise free and allocate them all again.
 thread_local QList<input_event> spareBatch;
 
-/// The @p spare batch with other records, or a new one while a receiver keeps the last, or is still
-/// at work on it and runs an event loop meanwhile.
+/// Refills the @p spare batch, or creates a new one if a receiver kept a copy of the last batch or
+/// is still processing it in a nested event loop.
 QList<input_event> takeBatch(QList<input_event> &spare, const input_event *records, int count)
 {
     QList<input_event> batch;
@@ -132,12 +132,12 @@ LinuxInputListener::LinuxInputListener(InputHandler *handler, const QString &dev
     } else if (testCapability(m_fd, m_type == Key ? EV_KEY : EV_SW)) {
         m_notifier = new QSocketNotifier(m_fd, QSocketNotifier::Read, this);
         Vorn::connect(m_notifier, &QSocketNotifier::activated, this, &LinuxInputListener::readData);
-        // Room for what the kernel is asked for, and clear until it answers.
+        // At least as large as what the kernel is asked for, and zeroed until it answers.
         m_status = std::make_unique<unsigned char[]>(
             static_cast<std::size_t>(std::max(statusSize(), requestedStatusBytes)));
         LOG4CPLUS_INFO(logger, "Event device " << m_device << " ready");
     } else {
-        // A remote control without switches is normal, a key device without keys is not.
+        // A remote control without switches is normal; a key device without keys is not.
         if (m_type == Key)
             LOG4CPLUS_WARN(logger, "Event device " << m_device << " does not support EV_KEY");
         else
@@ -145,7 +145,7 @@ LinuxInputListener::LinuxInputListener(InputHandler *handler, const QString &dev
         close();
     }
 
-    // On a listener that is inert by now these fail, and leave the bus unknown.
+    // If the listener is already inert, these calls fail and leave the bus unknown.
     input_id identity = {};
     if (::ioctl(m_fd, EVIOCGID, &identity) >= 0) {
         LOG4CPLUS_DEBUG(logger, "bustype: " << identity.bustype);
@@ -153,7 +153,7 @@ LinuxInputListener::LinuxInputListener(InputHandler *handler, const QString &dev
     }
     char name[nameSize] = {};
     if (::ioctl(m_fd, EVIOCGNAME(nameSize), name) >= 0) {
-        // A name that fills the buffer comes without its end.
+        // A name that fills the buffer comes without a terminator.
         name[nameSize - 1] = '\0';
         LOG4CPLUS_DEBUG(logger, "name: " << name);
         if (std::strcmp(name, "hostlink") == 0)
@@ -220,7 +220,7 @@ void LinuxInputListener::getInputStatus()
     if (!testCapability(m_fd, m_type == Key ? EV_KEY : EV_SW))
         return;
 
-    // A failing request is not told apart: the codes are then delivered as they were.
+    // Errors are ignored on purpose: the codes are then delivered in their last known state.
     if (m_type == Key)
         ::ioctl(m_fd, EVIOCGKEY(requestedStatusBytes), m_status.get());
     else
@@ -242,7 +242,7 @@ void LinuxInputListener::getInputStatus()
 
 void LinuxInputListener::readData(int socket)
 {
-    // Asked once for all that follows: when it is off, nothing runs here that could turn it on.
+    // Checked once for the whole function: if it is off, nothing here could turn it on.
     const bool isLogging = logger.isEnabledFor(log4cplus::DEBUG_LOG_LEVEL);
     if (isLogging) {
         LOG4CPLUS_TRACE(logger,
@@ -255,7 +255,7 @@ void LinuxInputListener::readData(int socket)
     const ssize_t bytes = ::read(socket, records, readSize);
     if (bytes < 0) {
         LOG4CPLUS_ERROR(logger, "Error reading from event device " << m_device);
-        // Deletes the notifier whose signal this is; nothing may touch it from here on.
+        // Deletes the notifier whose signal we are in; do not touch it from here on.
         close();
         return;
     }

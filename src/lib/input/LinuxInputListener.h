@@ -18,8 +18,8 @@ class QSocketNotifier;
 
 /// Receives the raw records that a `LinuxInputListener` reads.
 ///
-/// A listener has at most one receiver at a time; any number of handlers may hold the same
-/// listener. All operations run on the thread of the event loop that owns handler and listener.
+/// A listener has at most one receiver at a time, but any number of handlers may hold the same
+/// listener. All operations run on the thread whose event loop owns the handler and the listener.
 ///
 /// @code
 /// class Printer : public InputHandler {
@@ -40,49 +40,48 @@ public:
     /// No parent, no listener.
     InputHandler();
 
-    /// Asks the stored listener for its deferred deletion (`deleteLater()`): a handler used
-    /// without the device manager takes its listener with it. The device manager deletes the
-    /// listener itself right afterwards, which withdraws the request.
+    /// Calls `deleteLater()` on the stored listener, so that a handler used without the device
+    /// manager takes its listener with it. The device manager deletes the listener itself right
+    /// afterwards, which withdraws the request.
     ~InputHandler() override;
 
-    /// Names the handler; called by whoever registers it.
+    /// Sets the handler's identifier; called by the code that registers the handler.
     virtual void setId(const QString &id) = 0;
 
-    /// Forgets what is going on (pressed keys, running timers). Called when the handler stops
+    /// Forgets everything in progress (pressed keys, running timers). Called when the handler stops
     /// being a listener's receiver.
     virtual void invalidate() = 0;
 
-    /// Takes one batch: all records of one read, in device order, synchronisation records
-    /// included; or one record made by LinuxInputListener::getInputStatus().
+    /// Takes one batch: either all records of one read in device order, including synchronisation
+    /// records, or a single record created by LinuxInputListener::getInputStatus().
     ///
-    /// A copy of @p events may be kept, which costs the next read an allocation for each record. A
-    /// reference to the list or to a record may not: the next read puts its own records there.
+    /// A copy of @p events may be kept, at the cost of one allocation per record in the next read.
+    /// Do not keep a reference to the list or to a record: the next read overwrites them.
     virtual void processEvent(const QList<input_event> &events) = 0;
 
-    /// The listener that this handler owns; null before setListener() and after the listener was
-    /// deleted by somebody else.
+    /// The stored listener; null before setListener() and after the listener has been deleted.
     LinuxInputListener *listener() const;
 
-    /// Stores @p listener, once: when one is stored already nothing changes and DEBUG "Linux Input
-    /// Listerner already set, ignore" is logged. The listener is not told; it learns its receiver
-    /// from its constructor or from setHandler().
+    /// Stores @p listener. If one is already stored, nothing changes and DEBUG "Linux Input
+    /// Listerner already set, ignore" is logged. This does not make the handler the listener's
+    /// receiver; the listener's constructor or setHandler() does.
     void setListener(LinuxInputListener *listener);
 
     /// Makes @p handler the receiver of the stored listener, see LinuxInputListener::setHandler().
-    /// Without a listener nothing happens but WARN "Linux Input Listerner does not exists".
+    /// Without a listener it only logs WARN "Linux Input Listerner does not exists".
     void setHandler(InputHandler *handler);
 
 private:
     QPointer<LinuxInputListener> m_listener;
 };
 
-/// Reads one evdev node and hands each read's records as one batch to its receiver.
+/// Reads one evdev node and passes the records of each read to its receiver as one batch.
 ///
-/// The constructor opens the node and is the only way to do so. A listener whose node cannot be
-/// opened, lacks the capability, or fails to be read is *inert*: no descriptor, no notifications,
-/// bus as far as it was learnt. Inert is final; a device that comes back gets a new listener.
+/// Only the constructor opens the node. If the node cannot be opened, lacks the capability, or
+/// fails to be read, the listener is *inert*: it has no descriptor and no notifications, and keeps
+/// whatever bus it had learnt. It stays inert; a device that comes back needs a new listener.
 ///
-/// **Thread**: all of it on the thread of the event loop that owns the listener. One activation
+/// **Thread**: everything runs on the thread whose event loop owns the listener. Each activation
 /// makes one `read` of at most 1024 bytes.
 ///
 /// **Log**, logger "LinuxInputListener":
@@ -91,39 +90,40 @@ private:
 /// |---|---|---|
 /// | ERROR | "Cannot open input device " path | the node cannot be opened |
 /// | INFO | "Event device " path " ready" | armed |
-/// | WARN | "Event device " path " does not support EV_KEY" | a `Key` listener on another device |
-/// | DEBUG | "Event device " path " does not support EV_SW" | another listener without switches |
+/// | WARN | "Event device " path " does not support EV_KEY" | `Key` listener, device without keys |
+/// | DEBUG | "Event device " path " does not support EV_SW" | other listener, no switches |
 /// | DEBUG | "bustype: " number, "name: " name | identity learnt |
-/// | DEBUG | "ioctl error: " result | the capabilities cannot be asked for |
+/// | DEBUG | "ioctl error: " result | the capabilities cannot be queried |
 /// | TRACE | "Enter " function ": " descriptor | each activation |
 /// | DEBUG | " type: " type " code:" code " value:" value | each record |
-/// | ERROR | "Error reading from event device " path | a failed read, `EINTR` included; now inert |
+/// | ERROR | "Error reading from event device " path | failed read, even `EINTR`; now inert |
 /// | ERROR | "Short read on event device " path | less than one record; stays armed |
 class VORN_INPUT_EXPORT LinuxInputListener : public QObject
 {
     Q_OBJECT
 
 public:
-    /// What the listener reads. Any other number is a switch listener that reports only switches
-    /// that are on when it is asked for their positions.
+    /// What the listener reads. Any other number is a switch listener whose getInputStatus()
+    /// reports only the switches that are on.
     enum Type : int {
         Key = 0, ///< needs `EV_KEY`
         Switch = 1, ///< needs `EV_SW`
     };
 
-    /// Opens @p device, checks its capability, arms the notifier, learns bus and name, and turns
-    /// the kernel's auto-repeat off for every reader of the node: long presses are timed by the
-    /// library, and a repeat record would restart their measurement.
+    /// Opens @p device, checks its capability, arms the notifier, learns the bus and the name, and
+    /// turns off the kernel's auto-repeat for every reader of the node: the library times long
+    /// presses itself, and a repeat record would restart the measurement.
     ///
-    /// @param handler first receiver, not owned; may be null
+    /// @param handler initial receiver, not owned; may be null
     /// @param device path of the node, e.g. "/dev/input/event3"
     LinuxInputListener(InputHandler *handler, const QString &device, LinuxInputListener::Type type);
 
-    /// Closes; the receiver is not told.
+    /// Closes the descriptor without notifying the receiver.
     ~LinuxInputListener() override;
 
-    /// Where the device hangs: from its bus type, or `Hostlink` when its kernel name is exactly
-    /// "hostlink". `NoBus` for every other bus type and for a device that never opened.
+    /// The bus the device is attached to: `Hostlink` if its kernel name is exactly "hostlink",
+    /// otherwise according to its bus type. `NoBus` for bus types not listed in InputEvent::Bus and
+    /// for a listener that has been inert since its construction.
     InputEvent::Bus bus() const;
 
     /// The path given to the constructor.
@@ -131,30 +131,30 @@ public:
 
     /// Invalidates the current receiver, if any, then makes @p handler the receiver. Null is
     /// allowed: records are then read and dropped. Setting the current receiver again invalidates
-    /// and keeps it. A receiver that was deleted counts as none.
+    /// it and keeps it. A deleted receiver counts as none.
     void setHandler(InputHandler *handler);
 
-    /// Closes the descriptor and stops the notifications. Harmless when repeated.
+    /// Closes the descriptor and stops the notifications. May be called repeatedly.
     void close();
 
-    /// Whether bit number @p bit of @p bitmap is set (bit `bit % 8` of byte `bit / 8`).
+    /// Whether bit @p bit of @p bitmap is set (bit `bit % 8` of byte `bit / 8`).
     bool testBit(int bit, const unsigned char *bitmap);
 
-    /// Whether the device behind @p fd supports @p eventType (`EV_KEY` …). Types above 30 are
-    /// never found: 31 bits are looked at.
+    /// Whether the device behind @p fd supports @p eventType (`EV_KEY` …). Only 31 bits are
+    /// examined, so types above 30 are never found.
     bool testCapability(int fd, int eventType);
 
-    /// Delivers the current state to the receiver, each code as a batch of its own, with zero time
-    /// and without a synchronisation record: for `Switch` the codes 0 to 15 with value 1 or 0,
-    /// for `Key` the codes 0 to 766 that are down, with value 1.
+    /// Delivers the current state to the receiver, each code in a batch of its own, with zero time
+    /// and no synchronisation record: for `Switch`, codes 0 to 15 with value 1 or 0; for `Key`,
+    /// those of codes 0 to 766 that are down, with value 1.
     ///
-    /// The kernel is asked for four bytes, so only codes 0 to 31 are current; higher key codes are
-    /// never reported. When the request itself fails, the state of the last successful one is
-    /// delivered. Nothing is delivered by an inert listener.
+    /// The kernel is asked for only four bytes, so only codes 0 to 31 are current and higher key
+    /// codes are never reported. If the request fails, the state from the last successful one is
+    /// delivered. An inert listener delivers nothing.
     void getInputStatus();
 
 public Q_SLOTS:
-    /// Reads once from the descriptor and delivers the batch. Called by the notifier.
+    /// Reads once from the descriptor it is passed and delivers the batch. Called by the notifier.
     void readData(int);
 
 private:
