@@ -19,7 +19,7 @@ QByteArray textOf(const RecordedNode &node)
 
 } // namespace
 
-/// Whatever is read is written so that it is read to the same.
+/// Whatever is read must survive a round trip: writing and reading it again gives the same.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QByteArray input(reinterpret_cast<const char *>(data), static_cast<int>(size));

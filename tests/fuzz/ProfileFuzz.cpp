@@ -7,7 +7,7 @@
 
 using namespace Vorn::Workbench;
 
-// Qt's parser leaves a list or an object behind whose member comes again in the same object.
+// Qt's parser leaks a list or object whose member name occurs again in the same object.
 // NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions()
 {
@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (hasErrors(parsed.diagnostics))
         return 0;
 
-    // What was read without a mistake is written without one, and to the same bytes again.
+    // A profile read without errors must be written without errors, and to the same bytes again.
     const QByteArray written = writeProfile(parsed.profile);
     const ParsedProfile again = parseProfile(written, QStringLiteral("written.toml"));
     if (hasErrors(again.diagnostics) || writeProfile(again.profile) != written)

@@ -20,7 +20,7 @@ std::optional<QByteArray> readInclude(const QString &path, QString *error)
     return std::nullopt;
 }
 
-/// A step that names no device that there is would end a simulation.
+/// A step that refers to a nonexistent device would abort a simulation.
 void check(const ParsedScenario &parsed)
 {
     const int devices = parsed.scenario.devices.size();

@@ -8,7 +8,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
-/// Runs a fuzz target on each file of a folder, where libFuzzer is not there to do it.
+/// Runs a fuzz target on each file in a folder when libFuzzer is not available to do it.
 int main(int argc, char **argv)
 {
     if (argc != 2) {
@@ -25,6 +25,6 @@ int main(int argc, char **argv)
         ++count;
     }
     std::cout << count << " seeds" << std::endl;
-    // A folder that is empty by mistake would test nothing.
+    // Fail on an empty folder, which would test nothing.
     return count > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -27,7 +27,7 @@ void require(bool condition)
         std::abort();
 }
 
-/// Every program that shows a picture must be able to read it.
+/// Every image viewer must be able to read the picture.
 void requireWellFormed(const QByteArray &xml)
 {
     QXmlStreamReader reader(xml);
@@ -38,8 +38,8 @@ void requireWellFormed(const QByteArray &xml)
 
 } // namespace
 
-// Qt's JSON parser loses a list that is the value of a member which comes twice. Its own frames
-// have no names, so this goes by the library.
+// Qt's JSON parser leaks a list if its member occurs twice. The parser's own frames have no names,
+// so suppress by library.
 // NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions()
 {

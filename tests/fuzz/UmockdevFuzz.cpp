@@ -30,7 +30,7 @@ void readIoctls(const QByteArray &input)
     RecordedDevice read;
     if (!parseIoctls(text, QStringLiteral("again"), &read).isEmpty())
         std::abort();
-    // A longer text does not fit into any answer.
+    // Longer strings do not fit into an ioctl's answer.
     constexpr int answerSize = 255;
     if (device.name.size() < answerSize && device.phys.size() < answerSize
         && device.uniq.size() < answerSize && ioctls(read) != text)
@@ -39,8 +39,8 @@ void readIoctls(const QByteArray &input)
 
 } // namespace
 
-/// A device file, or behind an "i" a file of ioctls; the first byte says which. Whatever is read is
-/// written so that it is read to the same.
+/// The first byte selects the format: "i" means a file of ioctls follows, otherwise the input is a
+/// device file. Whatever is read must survive being written and read again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     if (size == 0)

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # Usage: check-exports.sh LIBVORN_INPUT LIBVORN_API
 #
-# Every strong symbol that a library exports belongs to a class or function of its interface, and
-# the functions that the maker's library or a test replaces are called through the symbol table.
+# Checks that every strong symbol a library exports belongs to a class or function of its interface,
+# and that the functions the maker's library or a test replaces are called through the symbol table.
 set -euo pipefail
 
 input=$1 api=$2
 fail=0
-# Without what sanitizers add.
+# Excludes symbols added by sanitizers.
 strong() { nm -DC --defined-only "$1" | sed -n '/__odr_asan/d; s/^[0-9a-f]* [TDBR] //p'; }
 
 unexpected=$(strong "$input" | sed -E 's/^(vtable|typeinfo( name)?|VTT) for //' |

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Usage: install-and-use.sh BUILD_DIR CONSUMER_SOURCE CXX [SANITIZERS]
 #
-# Installs the build into a scratch prefix, builds a product against it twice, by find_package and
-# by pkg-config, and runs both.
+# Installs the build into a scratch prefix, builds a product against it with find_package and again
+# with pkg-config, and runs both.
 set -euo pipefail
 
 build=$1 consumer=$2 cxx=$3 sanitize=${4:-}
@@ -29,7 +29,7 @@ if [ -x "$build/src/tools/vorn-input" ]; then
         share/bash-completion/completions/vorn-input share/zsh/site-functions/_vorn-input; do
         [ -f "$prefix/$file" ] || { echo "not installed: $file"; exit 1; }
     done
-    # Finds the libraries that were installed with it.
+    # It must find the libraries installed with it.
     "$prefix/bin/vorn-input" --version
 fi
 

@@ -2,7 +2,7 @@
 # Usage: reproducible.sh SOURCE_DIR LIBVORN_API CXX
 #
 # Builds the release library from two copies of the sources in different folders and compares the
-# two byte for byte; then once more against an existing core library in place of the stand-in.
+# results byte for byte; then builds it again with an existing core library instead of the stand-in.
 set -euo pipefail
 
 source=$1 api=$2 cxx=$3
@@ -29,7 +29,7 @@ first=$(build here)
 second=$(build a/much/longer/folder)
 cmp "$first" "$second" || { echo "the library depends on where it is built"; exit 1; }
 if grep -qF "$scratch" "$first"; then
-    echo "the library names the folder that it was built in"
+    echo "the library contains the path of its build folder"
     exit 1
 fi
 if ! grep -qF "src/lib/input/Input.cpp" "$first"; then
@@ -39,11 +39,11 @@ fi
 
 third=$(build maker -DVORN_INPUT_API_LIBRARY="$api")
 if find "$scratch/maker/prefix" -name 'libvorn_api*' | grep -q .; then
-    echo "the stand-in is built and installed beside the core library that was named"
+    echo "the stand-in is built and installed although a core library was given"
     exit 1
 fi
 needed=$(readelf -d "$third")
 if ! grep -qF libvorn_api.so.1 <<<"$needed"; then
-    echo "the library does not link the core library that was named"
+    echo "the library does not link the given core library"
     exit 1
 fi

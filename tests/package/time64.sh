@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Compiles everything but the tests with a 64-bit time_t on a 32-bit system, without a warning.
+# Compiles everything but the tests for a 32-bit system with 64-bit time_t, without warnings.
 # usage: time64.sh SOURCE_FOLDER TOOLCHAIN_FILE
 set -euo pipefail
 
@@ -18,8 +18,8 @@ if ! {
     cat "$folder/log"
     exit 1
 fi
-# The C library's name of ioctl() where time_t has 64 bits shows that the flags arrived.
+# The C library's name for ioctl() with a 64-bit time_t shows that the flags took effect.
 if ! nm -D "$folder/src/lib/libvorn_input.so" | grep -q ' U __ioctl_time64'; then
-    echo "FAILED: time_t has 32 bits after all"
+    echo "FAILED: time_t still has 32 bits"
     exit 1
 fi

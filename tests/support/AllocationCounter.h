@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
-/// Counts the allocations of this thread since its construction. What counts as one, and what
-/// linking it does to the process: see InterposedAllocator.h, whose source it needs.
+/// Counts this thread's allocations since the counter's construction. See InterposedAllocator.h,
+/// whose source it needs, for what counts as one and what linking it does to the process.
 class AllocationCounter
 {
 public:

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-/// A product's device manager that records what the library asks of it.
+/// A product's device manager that records the library's calls to it.
 class Devices : public BasicInputHandler
 {
 public:

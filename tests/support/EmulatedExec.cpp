@@ -1,5 +1,5 @@
-// The kernel cannot start a program of another architecture anew, as death tests do. What can is
-// the emulator that this program runs under.
+// Death tests re-execute the program, which the kernel cannot do for a foreign architecture. This
+// has the emulator that the program runs under do it.
 
 #include <unistd.h>
 

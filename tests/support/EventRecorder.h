@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/// Records what is published on the bus while it lives, as the events' texts.
+/// Records the events published on the bus during its lifetime, as text.
 class EventRecorder : public QObject
 {
 public:
@@ -17,10 +17,10 @@ public:
 
     /// E.g. "[cmd=VolumeUp, state=KeyPressed, bus=LocalUI]".
     const std::vector<std::string> &texts() const { return m_texts; }
-    /// What was recorded since the last call.
+    /// The texts recorded since the last call.
     std::vector<std::string> take();
 
-    /// Called for each event, after it was recorded: the application's slot.
+    /// Sets a callback for each event once it is recorded; plays the application's slot.
     void onEvent(std::function<void(const InputEvent &)> callback);
 
 private:
@@ -28,7 +28,7 @@ private:
     std::function<void(const InputEvent &)> m_callback;
 };
 
-/// The text of an event.
+/// An event's text.
 std::string text(InputEvent::Command command, InputEvent::State state,
                  InputEvent::Bus bus = InputEvent::Bus::NoBus);
 

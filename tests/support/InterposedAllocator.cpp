@@ -16,7 +16,7 @@ const int isInstalled = __sanitizer_install_malloc_and_free_hooks(
 
 #else
 
-// The C library's own allocator, under the names it keeps for those who replace it.
+// The C library's own allocator, under the names it provides for replacements.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 void *__libc_malloc(std::size_t size);

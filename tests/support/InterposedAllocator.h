@@ -4,12 +4,12 @@
 #include <cstddef>
 
 /// @file
-/// Linking InterposedAllocator.cpp replaces `malloc` and its relatives in the whole process,
-/// libraries included; `operator new` and Qt's containers end up there as well. Under a sanitizer,
-/// whose allocator must stay, its hooks report instead.
+/// Linking InterposedAllocator.cpp replaces `malloc` and friends in the whole process, libraries
+/// included; `operator new` and Qt's containers use them too. A sanitizer's allocator must stay in
+/// place, so there the sanitizer's hooks are used instead.
 ///
-/// Whoever links it defines these two functions. They run inside the allocator and must not
-/// allocate. A `realloc` is an allocation, and a deallocation of what it was given.
+/// A program that links it must define these two functions. They run inside the allocator and must
+/// not allocate. A `realloc` counts as an allocation, and as a deallocation of the old block.
 
 void onAllocation(std::size_t size);
 /// @param memory null for `free(nullptr)`

@@ -19,7 +19,7 @@ namespace {
 
 const char *const appenderName = "LogRecorder";
 
-// The tests expect the names of functions as GCC spells them: "QString&", not "QString &".
+// The tests expect function names as GCC spells them: "QString&", not "QString &".
 std::string asGccSpellsIt(std::string text)
 {
 #ifdef __clang__

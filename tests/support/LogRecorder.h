@@ -23,7 +23,7 @@ struct LogLine
 
 std::ostream &operator<<(std::ostream &stream, const LogLine &line);
 
-/// Records every message of every logger while it lives, TRACE and up unless told otherwise.
+/// Records every message of every logger during its lifetime, from TRACE up by default.
 class LogRecorder
 {
 public:
@@ -33,14 +33,14 @@ public:
     LogRecorder &operator=(const LogRecorder &) = delete;
 
     const std::vector<LogLine> &lines() const;
-    /// The lines of @p level.
+    /// The lines at @p level.
     std::vector<LogLine> lines(int level) const;
-    /// The texts of all lines, or of those of @p level.
+    /// The texts of all lines, or of those at @p level.
     std::vector<std::string> texts() const;
     std::vector<std::string> texts(int level) const;
     void clear();
 
-    /// Called for each message as it is written.
+    /// Sets a callback for each message as it is logged.
     void onLine(std::function<void(const LogLine &)> callback);
 
     struct State;

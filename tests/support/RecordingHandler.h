@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-/// A receiver that keeps what it gets: each batch as the text of describe().
+/// A receiver that records each batch as the text from describe().
 class RecordingHandler : public InputHandler
 {
 public:

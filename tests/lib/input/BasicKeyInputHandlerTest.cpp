@@ -32,7 +32,7 @@ constexpr int C = 32;
 
 const char *const sourceFile = "src/lib/input/BasicInputHandler.cpp";
 
-/// A key handler on the front panel's listener, fed with records stamped now.
+/// A key handler on the front panel's listener, fed records stamped with the current time.
 class KeyHandlerTest : public testing::Test
 {
 protected:
@@ -56,7 +56,7 @@ protected:
     void release(int code) { feed(code, 0); }
     void repeat(int code) { feed(code, 2); }
 
-    /// Hands records to the slot of the chord detection directly.
+    /// Passes records directly to the slot of the chord detection.
     void detect(const QList<input_event> &keys, bool fake)
     {
         QMetaObject::invokeMethod(handler.get(), "on_doubleKeyDetect", Qt::DirectConnection,
@@ -181,7 +181,7 @@ TEST_F(DeferredKey, IsAClickAgainWhenAnAutoRepeatFollowsTheLongPress)
 
 TEST_F(DeferredKey, IsNoClickWithoutAPress)
 {
-    // The chord detection knows no press, so the release goes no further.
+    // The chord detection has seen no press, so it drops the release.
     handler->registerKey(A, InputEvent::Confirm, false);
     release(A);
     EXPECT_THAT(events.take(), IsEmpty());
@@ -540,7 +540,7 @@ TEST_F(Chord, FeedsItsFirstKeyToTheLongPressAgain)
     press(B);
     events.take();
     clock.advance(1s);
-    // Measured from the first key's own press; the second key is not timed.
+    // Timed from the first key's own press; the second key is not timed.
     EXPECT_THAT(events.take(), ElementsAre(longPressed(InputEvent::Info)));
 }
 
@@ -752,7 +752,7 @@ TEST_F(KeyReport, ReachesASlotThatChangesTheRegistrations)
     });
     press(A);
     release(A);
-    // The click that had begun is completed as it began.
+    // The click in progress completes with the registration it began with.
     EXPECT_THAT(events.take(),
                 ElementsAre(pressed(InputEvent::Confirm), released(InputEvent::Confirm)));
     events.onEvent({});
@@ -774,7 +774,7 @@ TEST_F(KeyReport, ReachesASlotThatTakesTheListenerAway)
     press(B);
     EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::Mute)));
     listener->setHandler(handler.get());
-    // The reset has forgotten the press.
+    // Invalidating the handler made it forget the press.
     release(B);
     EXPECT_THAT(events.take(), IsEmpty());
 }
@@ -834,7 +834,7 @@ TEST_F(Invalidation, KeepsTheHoldOfADeferredKeyUntilItsRelease)
     clock.advance(100ms);
     events.take();
     handler->invalidate();
-    // The detector drops the stray release; had it come through, it would end the long press.
+    // The detector drops the stray release; otherwise it would end the long press.
     release(A);
     EXPECT_THAT(events.take(), IsEmpty());
     detect({keyRecord(A, 0)}, false);
@@ -847,7 +847,7 @@ TEST_F(KeyHandlerTest, ReportsNothingWhileItIsDestroyed)
     handler->enableLongPress(A, true, {100, 100});
     press(A);
     clock.advance(60ms);
-    // Takes its listener along.
+    // The handler deletes its listener.
     Q_UNUSED(listener.release())
     handler.reset();
     clock.advance(1s);

@@ -1,5 +1,5 @@
-// The executable's own definitions stand for the maker's core library: they take the place of the
-// stand-in's by symbol interposition.
+// This executable's own definitions play the maker's core library: symbol interposition makes them
+// replace the stand-in's.
 
 #include "BasicInputHandler.h"
 #include "KeyProcessing.h"
@@ -51,7 +51,7 @@ const QString &Profiler::UIDrawEvent()
 std::string dbglog_scopedFunction(const std::string &function, const std::string &logger)
 {
     ++composedTexts;
-    // As a library may that traces itself.
+    // A replacement library may itself log.
     LOG4CPLUS_TRACE(log4cplus::Logger::getInstance("maker"), "asked for " << logger);
     return "{" + function + "|" + logger + "}";
 }
@@ -88,7 +88,7 @@ TEST(CoreLibrary, OfTheMakerWritesEveryString)
     LogRecorder log;
     const LinuxInputListener listener(nullptr, QString::fromUtf8("/nowhere/ü"),
                                       LinuxInputListener::Key);
-    // The operator decides the encoding; the library converts nothing beforehand.
+    // The operator decides on the encoding; the library does not convert beforehand.
     EXPECT_EQ(textsOf(log, "LinuxInputListener").front(),
               "Cannot open input device '/nowhere/\xfc'");
     EXPECT_THAT(textsOf(log, "maker"), Contains("a text"));
@@ -122,7 +122,7 @@ TEST(CoreLibrary, OfTheMakerIsAskedForNoTextOfALineThatIsNotLogged)
     const auto textsAt = [&](log4cplus::LogLevel level) {
         const LogRecorder log(level);
         composedTexts = 0;
-        // A chord that is none, with its list of records, and an entry trace.
+        // An unregistered chord, whose records are logged as a list, and an entry trace.
         keys.processEvent({keyRecord(28, 1), keyRecord(29, 1), keyRecord(28, 0), keyRecord(29, 0)});
         keys.processEvent({keyRecord(28, 1), keyRecord(28, 0)});
         devices.selectKeyHandler(QStringLiteral("text"));

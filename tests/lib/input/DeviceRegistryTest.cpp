@@ -48,7 +48,7 @@ const std::string selectKeySignature = "void BasicInputHandler::selectKeyHandler
 const std::string selectSwitchSignature =
     "void BasicInputHandler::selectSwitchHandler(const QString&)";
 
-/// A key handler that tells when it is invalidated.
+/// A key handler that records its invalidations.
 class TalkingKeyHandler : public BasicKeyInputHandler
 {
 public:
@@ -77,7 +77,7 @@ public:
     int invalidations = 0;
 };
 
-/// Two devices that are known, each with keys and switches, and no handlers.
+/// Two known devices, each with keys and switches, and no handlers.
 class DeviceRegistryTest : public testing::Test
 {
 protected:
@@ -107,7 +107,7 @@ protected:
         return handler;
     }
 
-    /// What a press of KEY_A and a change of switch 0 on a device publish, the commands alone.
+    /// The commands published by a press of KEY_A and a change of switch 0 on a device.
     std::vector<std::string> commands(int number)
     {
         std::vector<std::string> result;
@@ -165,7 +165,7 @@ TEST_F(DeviceRegistryTest, SelectionRoutesEveryDeviceAtOnce)
     EXPECT_THAT(commands(0), ElementsAre("CursorUp", "SWLineIn"));
     EXPECT_THAT(commands(1), ElementsAre("CursorUp", "SWLineIn"));
     devices->selectHandler(QStringLiteral("text"));
-    // No switch handler of a device has this identifier, so its switches reach nobody.
+    // No switch handler has this identifier, so the switches have no receiver.
     EXPECT_THAT(commands(0), ElementsAre("CharA"));
     EXPECT_THAT(commands(1), ElementsAre("CharA"));
     devices->selectHandler(QStringLiteral("nobody's"));
@@ -348,11 +348,11 @@ TEST_F(DeviceRegistryTest, KeepsAHandlerOfAnAbsentDeviceWithoutAListener)
     EXPECT_EQ(handler->listener(), nullptr);
     EXPECT_EQ(jacks->listener(), nullptr);
     EXPECT_THAT(handler->ids, ElementsAre(QString()));
-    // The device's arrival does not repair it.
+    // The device's later arrival does not fix that.
     subsystem.plug(7, DeviceDescription::keyboard("late", BUS_HOST, {KEY_A}));
     clock.settle();
     EXPECT_EQ(handler->listener(), nullptr);
-    // The selection routes by device, not by the handler's listener.
+    // Selecting routes by device, not by the handler's listener.
     devices->selectKeyHandler(QString());
     EXPECT_THAT(commands(7), ElementsAre("Mute"));
     devices.reset();

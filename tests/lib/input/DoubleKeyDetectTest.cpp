@@ -24,7 +24,7 @@ std::string text(const input_event &event)
     return stream.str();
 }
 
-/// A detector with what it emitted: "records" or "fake: records".
+/// A detector and what it has emitted, as "records" or "fake: records".
 class DoubleKeyDetectTest : public testing::Test
 {
 protected:
@@ -56,7 +56,7 @@ TEST_F(DoubleKeyDetectTest, PassesALoneKeyOnAtOnce)
     EXPECT_THAT(feed(30, 2, 1250), ElementsAre("1/30=2@1250"));
     EXPECT_THAT(feed(30, 2, 1300), ElementsAre("1/30=2@1300"));
     EXPECT_THAT(feed(30, 0, 1400), ElementsAre("1/30=0@1400"));
-    // Empty again: another key is single, too.
+    // The detector is empty again, so another key is also a single one.
     EXPECT_THAT(feed(31, 1, 1500), ElementsAre("1/31=1@1500"));
     EXPECT_THAT(feed(31, 0, 1600), ElementsAre("1/31=0@1600"));
 }
@@ -159,7 +159,7 @@ TEST_F(DoubleKeyDetectTest, ResetForgetsASingleKeyAndAChordWithoutASignal)
 TEST_F(DoubleKeyDetectTest, ResetFromInsideAnySignalLeavesTheDetectorIdle)
 {
     for (int emission = 0; emission < 4; ++emission) {
-        // Press, fake release, chord press, chord release: reset in each of them.
+        // Reset in turn from inside the press, synthetic release, chord press and chord release.
         SCOPED_TRACE(emission);
         int number = 0;
         onEmission = [&](const QList<input_event> &keys, bool) {

@@ -4,7 +4,7 @@
 
 namespace {
 
-// The tests of listener, detectors and hot-plug are run on both; this one sees to it that they are.
+// The tests of listener, detectors and hot-plug run on both dispatchers; this one makes sure of it.
 TEST(EventDispatcher, IsTheOneThatWasAskedFor)
 {
     const QString name =

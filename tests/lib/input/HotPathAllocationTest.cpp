@@ -19,21 +19,21 @@ namespace {
 using namespace std::chrono_literals;
 using Vorn::Sim::DeviceDescription;
 
-// What the types of the interface force. Whatever comes on top of it is a mistake.
+// Allocations that the interface's types make unavoidable. Anything beyond them is a bug.
 //
-// A press is kept by the double-key detector in a list that was empty: its array, and the record
-// itself, which QList allocates on its own.
+// The double-key detector stores a press in an empty list: the list's array, and the record, which
+// QList allocates separately.
 constexpr int storedPress = 2;
-// The data block of an event, which its copies share.
+// An event's data block, which its copies share.
 constexpr int event = 1;
 // An entry of a hash table.
 constexpr int tableEntry = 1;
-// QDateTime keeps an instant in itself only where a pointer has 64 bits.
+// QDateTime stores an instant inline only if pointers have 64 bits.
 constexpr int instant = sizeof(void *) < 8 ? 1 : 0;
-// A list of its own with one record.
+// A separate list with one record.
 constexpr int listOfOne = 2;
 
-/// Logs as a product does: what goes wrong, and nothing else.
+/// Sets the log level of a product: warnings and errors only.
 class ProductLevel
 {
 public:
@@ -60,11 +60,11 @@ protected:
                                    .withSwitches({SW_LINEIN_INSERT}));
         QObject::connect(Input::instance(), &Input::inputEvent, &context,
                          [this](const InputEvent &) { ++events; });
-        // Calls of the code under test are to be counted, not those of the simulated node.
+        // Count the calls of the code under test, not those of the simulated node.
         subsystem.setRecording(false);
     }
 
-    /// What the library allocates to read and process @p records, which come in one read.
+    /// The library's allocations for reading, in one read, and processing @p records.
     int allocations(const QList<input_event> &records)
     {
         node->send(records);
@@ -73,7 +73,7 @@ protected:
         return counter.allocations();
     }
 
-    /// Of a second time, when everything is there that stays.
+    /// The same for a second time, when everything permanent has been allocated.
     int steadyAllocations(const QList<input_event> &records)
     {
         allocations(records);
@@ -81,7 +81,7 @@ protected:
         return allocations(records);
     }
 
-    /// A listener on the node with @p receiver.
+    /// A listener on the node, with @p receiver as its receiver.
     std::unique_ptr<LinuxInputListener>
     listen(InputHandler &receiver, LinuxInputListener::Type type = LinuxInputListener::Key)
     {
@@ -224,7 +224,7 @@ TEST_F(HotPathAllocation, ATickOfAHeldKeyTakesNone)
         input_event press = keyRecord(code, 1, clock.now());
         detector.process(press);
     }
-    // The ticks are made here, those of the timer are kept away.
+    // Stop the timer: this test triggers the ticks itself.
     detector.reset();
     const QMetaMethod update =
         detector.metaObject()->method(detector.metaObject()->indexOfSlot("update()"));
@@ -242,7 +242,7 @@ TEST_F(HotPathAllocation, ATickOfAHeldKeyTakesNone)
     EXPECT_EQ(notifications, 4);
 }
 
-// Were a text composed for nothing, a level that is off would cost what one that is on does.
+// If log messages were composed needlessly, a disabled level would cost as much as an enabled one.
 TEST_F(HotPathAllocation, ALevelThatIsOffComposesNothing)
 {
     const auto listener = listen(keys);

@@ -63,7 +63,7 @@ protected:
         clock.settle();
     }
 
-    /// With a handler whose key is reported at once and has a repeating long press.
+    /// Starts with a handler for an immediate key with a repeating long press.
     void startWithATimedKey()
     {
         devices = std::make_unique<Devices>();
@@ -81,7 +81,7 @@ protected:
         return devices->findChild<QFileSystemWatcher *>()->directories();
     }
 
-    /// The device manager's own lines of a level.
+    /// The device manager's own log lines at a level.
     std::vector<LogLine> lines(const LogRecorder &log, int level) const
     {
         std::vector<LogLine> result;
@@ -377,7 +377,7 @@ TEST_F(HotPlugTest, AVanishedDirectoryLeavesTheDevicesInPlace)
 TEST_F(HotPlugTest, EveryPassSetsTheWatchAgain)
 {
     start();
-    // Also a pass that no change of the directory has caused.
+    // Even a pass not caused by a change of the directory.
     devices->findChild<QFileSystemWatcher *>()->addPath(QStringLiteral("/dev/"));
     QMetaObject::invokeMethod(devices.get(), "on_inputWatcher_changed",
                               Q_ARG(QString, QStringLiteral("/dev/")));
@@ -407,7 +407,7 @@ TEST(HotPlugOnDevtmpfs, FollowsADirectoryThatComesAndGoesWithItsNodes)
         subsystem.unplug(0);
         clock.settle();
         EXPECT_THAT(devices.take(), ElementsAre("remove /dev/input/event0"));
-        // The last node takes the directory along, so its device is known until that is back.
+        // The directory vanishes with its last node, whose device stays known until it is back.
         subsystem.unplug(1);
         clock.settle();
         EXPECT_THAT(devices.take(), IsEmpty());
@@ -483,7 +483,7 @@ TEST_F(HotPlugTest, AReleaseThatTheKernelLosesAtTheUnplugIsNotMadeUp)
     subsystem.unplug(0, Vorn::Sim::InputSubsystem::Unread::Lost);
     clock.advance(5s);
     EXPECT_THAT(events.take(), ElementsAre("[cmd=VolumeUp, state=KeyPressed, bus=LocalUI]"));
-    // And the next device on the node begins anew.
+    // The next device on the node starts afresh.
     plug(0);
     clock.settle();
     subsystem.node(0).press(KEY_A);
@@ -533,7 +533,7 @@ TEST_F(HotPlugTest, TheWholePathLeadsFromTheNodeToTheBus)
     node.press(KEY_A);
     clock.advance(1100ms);
     node.release(KEY_A);
-    // Keys and switches are read by two listeners, whose order is the event loop's.
+    // Two listeners read keys and switches, in an order that is up to the event loop.
     clock.settle();
     node.setSwitch(SW_LINEIN_INSERT, false);
     clock.settle();

@@ -40,7 +40,7 @@ TEST(InputEventBlock, IsSharedByCopiesAndFreedOnceWithTheLast)
         assigned = *event;
         const InputEvent moved = std::move(*copy);
         EXPECT_EQ(moved.command(), InputEvent::Next);
-        // Whatever was moved from is still an event.
+        // A moved-from event is still a valid event.
         EXPECT_EQ(copy->command(), InputEvent::Next);
         event.reset();
         EXPECT_EQ(counter.deallocations(), 0);

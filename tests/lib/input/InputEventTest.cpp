@@ -13,8 +13,8 @@ namespace {
 
 using Bus = InputEvent::Bus;
 
-// Kept apart from the declaration on purpose: the numbers and spellings are an interface that
-// registrations, applications and log filters rely on.
+// Deliberately separate from the declaration: registrations, applications and log filters rely on
+// these numbers and spellings.
 const std::vector<std::string> lowNames = {"None",
                                            "Confirm",
                                            "Cancel",

@@ -117,7 +117,7 @@ TEST_F(InputHandlerTest, RedirectsTheListenerAndInvalidatesTheOldReceiverOnce)
     press();
     EXPECT_EQ(second.take().size(), 2U);
     EXPECT_THAT(first.batches, IsEmpty());
-    // The owner stays the owner, whoever receives.
+    // The owner keeps its listener, whoever is the receiver.
     EXPECT_EQ(owner.listener(), listener.get());
     EXPECT_EQ(second.listener(), nullptr);
 }

@@ -28,7 +28,7 @@ void report(int command, int state, Bus bus = Bus::NoBus)
 
 TEST(InputBus, IsMadeByTheFirstCallAndRegistersTheMetaType)
 {
-    // Needs a process of its own, which ctest gives it.
+    // Needs its own process; ctest runs it in one.
     if (Input::s_instance)
         GTEST_SKIP() << "another test of this process has used the bus already";
     EXPECT_EQ(QMetaType::type("InputEvent"), QMetaType::UnknownType);

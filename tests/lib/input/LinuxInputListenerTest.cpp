@@ -34,7 +34,7 @@ using Vorn::Sim::SystemCall;
 constexpr std::size_t recordsPerRead = 1024 / sizeof(input_event);
 const char *const sourceFile = "src/lib/input/LinuxInputListener.cpp";
 
-/// Compilers print the nested type of the last parameter with or without its class.
+/// Compilers differ on whether to qualify the last parameter's nested type with its class.
 auto constructorLine(int level, const std::string &text)
 {
     const std::string function = "LinuxInputListener::LinuxInputListener(InputHandler*, const "
@@ -147,7 +147,7 @@ TEST_F(LinuxInputListenerTest, MakesExactlyTheseSystemCallsInThisOrder)
         EXPECT_EQ(calls[i + 1].request, requests[i]) << i;
         EXPECT_EQ(calls[i + 1].size, sizes[i]) << i;
     }
-    // The keyboard has no auto-repeat to switch off, which nobody minds.
+    // The keyboard has no auto-repeat to turn off, which is harmless.
     EXPECT_EQ(calls[4].error, ENOSYS);
     EXPECT_EQ(calls[5].kind, SystemCall::Kind::Close);
 }
@@ -395,7 +395,7 @@ TEST_F(LinuxInputListenerTest, ClosesAfterAReadErrorFromInsideTheNotifiersSignal
                                          "Error reading from event device /dev/input/event0")));
         EXPECT_EQ(node.openDescriptors(), 0);
         EXPECT_THAT(listener->findChildren<QSocketNotifier *>(), IsEmpty());
-        // The receiver is not told, and the bus stays known.
+        // The receiver is not notified, and the bus stays known.
         EXPECT_THAT(receiver.batches, IsEmpty());
         EXPECT_EQ(receiver.invalidations, 0);
         EXPECT_EQ(listener->bus(), Bus::LocalUI);
@@ -542,7 +542,7 @@ TEST_F(LinuxInputListenerTest, DeliversBatchesOfChangingSizes)
 
 TEST_F(LinuxInputListenerTest, MayReadOnWhileItsReceiverIsAtWork)
 {
-    // As when an application answers a key with a nested event loop.
+    // As when an application responds to a key by running a nested event loop.
     class NestingHandler : public RecordingHandler
     {
     public:
@@ -613,7 +613,7 @@ TEST_F(LinuxInputListenerTest, SwitchesTheKernelsAutoRepeatOff)
     node.release(KEY_A);
     clock.settle();
     ASSERT_EQ(receiver.batches.size(), 2U);
-    // The kernel tells of the new delay and period with the next event.
+    // The kernel reports the new delay and period with the next event.
     EXPECT_THAT(receiver.batches[0],
                 testing::MatchesRegex("20/0=0@[0-9]+ 20/1=0@[0-9]+ 1/30=1@[0-9]+ 0/0=0@[0-9]+"));
     EXPECT_THAT(receiver.batches[1], testing::StartsWith("1/30=0@"));
@@ -729,7 +729,7 @@ TEST_F(LinuxInputListenerTest, OfAnyOtherTypeIsASwitchListenerThatReportsWhatIsO
     for (int type : {2, 7, -1}) {
         const auto listener = listen(static_cast<LinuxInputListener::Type>(type));
         listener->getInputStatus();
-        // Code 9 lies beyond the one byte that such a listener keeps, but not beyond the request.
+        // Code 9 is beyond the one byte that such a listener needs, but within the request.
         EXPECT_THAT(receiver.take(), ElementsAre("5/1=1@0", "5/9=1@0", "5/15=1@0"));
         EXPECT_EQ(subsystem.systemCalls().last().request, EVIOCGSW(4));
     }

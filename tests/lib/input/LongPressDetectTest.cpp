@@ -42,8 +42,8 @@ std::ostream &operator<<(std::ostream &stream, const Notification &notification)
     return stream << notification.key << " #" << notification.repeat << " at " << notification.at;
 }
 
-/// The clock starts on the grid of Qt's coarse timers, so that the ticks of a press at its start
-/// come at exactly 50, 100, 150 … ms.
+/// The clock starts on the grid of Qt's coarse timers, so the ticks after a press at its start come
+/// at exactly 50, 100, 150 … ms.
 class LongPressDetectTest : public testing::Test
 {
 protected:
@@ -74,7 +74,7 @@ protected:
 
     std::vector<Notification> take() { return std::exchange(notifications, {}); }
 
-    /// Counts the timeouts of every QTimer.
+    /// Counts the timeouts of all QTimers.
     class TickCounter : public QObject
     {
     public:
@@ -144,7 +144,7 @@ TEST_F(LongPressDetectTest, WithoutRepeatStillWalksThroughTheTimeouts)
     press(30);
     clock.advance(850ms);
     EXPECT_THAT(take(), ElementsAre(Notification{500, 30, 1}));
-    // Stage 2 was reached: an auto-repeat starts the count again, with the 100 ms.
+    // Stage 2 was reached: an auto-repeat restarts the count, but keeps the 100 ms.
     feed(30, 2);
     clock.advance(500ms);
     EXPECT_THAT(take(), ElementsAre(Notification{950, 30, 1}));
@@ -277,7 +277,7 @@ TEST_F(LongPressDetectTest, AnAutoRepeatRestartsTheWaitWithTheCountAtOne)
     clock.advance(100ms);
     feed(30, 2);
     clock.advance(400ms);
-    // The stage that was reached stays: 200 ms, but counted from 1 again.
+    // The stage reached is kept, 200 ms, but the count restarts from 1.
     EXPECT_THAT(take(), ElementsAre(Notification{1600, 30, 1}, Notification{1800, 30, 2}));
 }
 
@@ -324,7 +324,7 @@ TEST_F(LongPressDetectTest, ResetStopsNotificationsUntilTheNextPressOfAnyKey)
     clock.advance(1s);
     EXPECT_EQ(ticks.take(), 0);
     EXPECT_THAT(take(), IsEmpty());
-    // The held key is still known, and long overdue.
+    // The held key is still known, and its notification is long overdue.
     press(31);
     clock.advance(50ms);
     EXPECT_THAT(take(), ElementsAre(Notification{1250, 30, 1}));
@@ -350,7 +350,7 @@ TEST_F(LongPressDetectTest, RegisteringAgainReplacesTheTimeoutsInTheMiddleOfAHol
     EXPECT_THAT(take(), ElementsAre(Notification{500, 30, 1}, Notification{600, 30, 2}));
     detector->registerEvent(30, true, {300, 50});
     clock.advance(350ms);
-    // Stage 0 again, measured from the last notification, and the count goes on.
+    // Back to stage 0, measured from the last notification; the count continues.
     EXPECT_THAT(take(), ElementsAre(Notification{900, 30, 3}, Notification{950, 30, 4}));
     detector->registerEvent(30, false, {100});
     clock.advance(1s);
@@ -461,7 +461,7 @@ TEST_F(LongPressDetectTest, AReleaseFromItsSlotEndsTheHold)
     press(30);
     press(31);
     clock.advance(1s);
-    // Whichever of the two came first has ended both.
+    // The first of the two notifications ended both holds.
     EXPECT_EQ(take().size(), 1U);
     ticks.take();
     clock.advance(1s);

@@ -5,8 +5,8 @@
 
 #include <functional>
 
-/// Called for each Profiler::createWatcher() of the process. The executable's own definition of
-/// that function takes the place of the one in libvorn_api.
+/// Called for each Profiler::createWatcher() in the process. The executable defines that function
+/// itself, which replaces the one in libvorn_api.
 void setProfilerCallback(std::function<void(const QString &, const QString &)> callback);
 
 #endif

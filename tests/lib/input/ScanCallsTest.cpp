@@ -25,11 +25,11 @@ DeviceDescription keyboard()
     return DeviceDescription::keyboard("keys", BUS_HOST, {KEY_A});
 }
 
-/// A device manager, and what each of its passes asks of the nodes.
+/// A device manager and the calls each of its passes makes on the nodes.
 class ScanCalls : public testing::TestWithParam<int>
 {
 protected:
-    /// How many nodes there are, from event0 on.
+    /// The number of nodes, starting at event0.
     static int nodes() { return GetParam(); }
 
     void plug(int count)
@@ -66,7 +66,7 @@ protected:
                 now.reads - before.reads};
     }
 
-    /// What was called on the node of @p nodeNumber since forget(), in order.
+    /// The calls made on node @p nodeNumber since forget(), in order.
     std::vector<std::string> calls(int nodeNumber) const
     {
         static const std::map<unsigned long, std::string> requests = {
@@ -128,7 +128,7 @@ TEST_P(ScanCallsOfAnIdlePass, AreTheSameInEveryPass)
     EXPECT_THAT(counts(), ElementsAre(50, 5 * nodes(), 5 * nodes(), 0));
 }
 
-// What the scan asks for stays open nowhere, whoever listens.
+// The scan closes every node it opens; only the listeners' descriptors stay open.
 TEST_P(ScanCallsOfAnIdlePass, LeaveOpenWhatWasOpen)
 {
     plug(nodes());
@@ -142,8 +142,8 @@ INSTANTIATE_TEST_SUITE_P(Nodes, ScanCallsOfAnIdlePass, Values(0, 1, 5, 10));
 class ScanCallsOfAnArrival : public ScanCalls
 { };
 
-// Each listener opens the node for itself and learns capabilities, identity and name. The one for
-// switches closes it again on a device without them, and asks on: its requests reach no device.
+// Each listener opens the node itself and learns capabilities, identity and name. On a device
+// without switches, the switch listener closes it again; its further requests reach no device.
 TEST_P(ScanCallsOfAnArrival, AreThoseOfAnIdlePassAndOfTwoListeners)
 {
     plug(nodes() - 1);
@@ -175,7 +175,7 @@ TEST_P(ScanCallsOfAnArrival, WithSwitchesAreThoseOfTwoListenersThatStayOpen)
     EXPECT_THAT(counts(), ElementsAre(10 + 2, nodes() + 4 + 4, nodes(), 0));
 }
 
-// Of a device that goes only its two listeners' descriptors are closed.
+// When a device goes, only its two listeners' descriptors are closed.
 TEST_P(ScanCallsOfAnArrival, AreFollowedByTwoClosesAtTheDeparture)
 {
     plug(nodes() - 1);

@@ -26,8 +26,8 @@ constexpr int timedKey = KEY_VOLUMEUP;
 constexpr int untimedKey = KEY_OK;
 constexpr int unmappedKey = KEY_F1;
 
-/// Runs the event loop for so long.
-/// @return how often the process was woken meanwhile, not counting what was ready before
+/// Runs the event loop for @p time.
+/// @return how often the process was woken meanwhile, not counting what was already pending
 quint64 wakeUpsIn(Vorn::Sim::VirtualClock &clock, std::chrono::milliseconds time)
 {
     clock.settle();
@@ -55,7 +55,7 @@ private:
     int m_count = 0;
 };
 
-/// A whole product, its watch for hot-plug included, that has nothing else to wake up for.
+/// A complete product, hot-plug watch included, with nothing else to wake up for.
 class Silence : public testing::Test
 {
 protected:
@@ -89,7 +89,7 @@ protected:
 TEST_F(Silence, IsKeptWhileNoKeyIsHeld)
 {
     EXPECT_EQ(wakeUpsIn(60s), 0);
-    // By a product that listens.
+    // And the product was listening all along.
     panel.press(untimedKey);
     panel.release(untimedKey);
     clock.settle();
@@ -131,8 +131,7 @@ TEST_F(Silence, IsBrokenTwentyTimesASecondWhileATimedKeyIsHeld)
 
     panel.release(timedKey);
     clock.advance(1s);
-    // By nothing else: as often as by a single timer, for each of whose ticks the event loop may
-    // have to look twice.
+    // Nothing else wakes it: a single timer causes as many wake-ups, possibly two per tick.
     QTimer timer;
     timer.start(50);
     EXPECT_EQ(wakeUpsIn(10s), wakeUps);
@@ -141,7 +140,7 @@ TEST_F(Silence, IsBrokenTwentyTimesASecondWhileATimedKeyIsHeld)
 TEST_F(Silence, ReturnsWithOneTickWithinATenthOfASecondAfterTheRelease)
 {
     TickCounter ticks;
-    // At any time between two ticks, and on one.
+    // Releases between two ticks and on a tick.
     for (auto hold = 1000ms; hold <= 1050ms; hold += 10ms) {
         panel.press(timedKey);
         clock.advance(hold);
