@@ -110,7 +110,7 @@ int answer(unsigned long request, void *argument)
         return -1;
     }
     if (number == _IOC_NR(EVIOCGBIT(0, 0))) {
-        for (const unsigned int type : {EV_SYN, EV_KEY, EV_SW})
+        for (const unsigned int type : {0U + EV_SYN, 0U + EV_KEY, 0U + EV_SW})
             setBit(bytes, size, type);
     } else if (number == _IOC_NR(EVIOCGBIT(EV_KEY, 0))) {
         for (unsigned int code = KEY_ESC; code <= KEY_MICMUTE; ++code)

@@ -24,7 +24,7 @@ std::string asGccSpellsIt(std::string text)
 {
 #ifdef __clang__
     for (const char *const reference : {" &", " *"}) {
-        for (auto at = text.find(reference); at != text.npos; at = text.find(reference, at))
+        for (auto at = text.find(reference); at != std::string::npos; at = text.find(reference, at))
             text.erase(at, 1);
     }
 #endif

@@ -82,7 +82,6 @@ CommandLine::CommandLine(const std::string &version)
         "Workbench for input devices: see what they send, try out and check what their keys mean,\n"
         "prove it with scenarios, and draw the timing.",
         "vorn-input"))
-    , m_status(Success)
 {
     m_app->set_version_flag("--version", "vorn-input " + version);
     m_app->require_subcommand(1);

@@ -1,6 +1,7 @@
 #ifndef VORN_TOOLS_COMMANDLINE_H
 #define VORN_TOOLS_COMMANDLINE_H
 
+#include "ExitStatus.h"
 #include "Terminal.h"
 
 #include <functional>
@@ -41,7 +42,7 @@ private:
     const std::unique_ptr<CLI::App> m_app;
     std::string m_logLevel = "error";
     Workbench::Colour m_colour = Workbench::Colour::Auto;
-    int m_status;
+    int m_status = Success;
 };
 
 } // namespace Vorn::Tools

@@ -69,7 +69,7 @@ Recorder::~Recorder()
 
 QString Recorder::open()
 {
-    const QString error = m_folder.open();
+    QString error = m_folder.open();
     if (!error.isEmpty())
         return error;
     m_session = m_folder.create(QStringLiteral("session.jsonl"), {});

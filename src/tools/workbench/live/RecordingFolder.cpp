@@ -33,7 +33,7 @@ QString RecordingFolder::open()
     }
     if (!QDir().mkpath(m_path))
         return QStringLiteral("cannot create the folder '%1'").arg(m_path);
-    return QString();
+    return {};
 }
 
 std::unique_ptr<QFile> RecordingFolder::create(const QString &name, const QByteArray &start)

@@ -150,7 +150,7 @@ private:
     void writeDevice(const DeviceProfile &device);
     void writeHandler(const HandlerProfile &handler, bool isOnly);
     template <typename Mapping>
-    void writeEntries(const char *group, const QVector<Mapping> &mappings, const char *comment);
+    void writeEntries(const char *group, const QVector<Mapping> &mappings, const char *text);
     void writeList(const char *group, const QVector<Entry> &entries);
 
     void line(const QString &text) { m_text += text + QLatin1Char('\n'); }

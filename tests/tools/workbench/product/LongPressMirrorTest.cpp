@@ -27,8 +27,9 @@ protected:
         event.type = EV_KEY;
         event.code = static_cast<__u16>(code);
         event.value = value;
-        event.input_event_sec = static_cast<__kernel_ulong_t>(stampMs / 1000);
-        event.input_event_usec = static_cast<__kernel_ulong_t>(stampMs % 1000 * 1000);
+        event.input_event_sec = static_cast<decltype(event.input_event_sec)>(stampMs / 1000);
+        event.input_event_usec =
+            static_cast<decltype(event.input_event_usec)>(stampMs % 1000 * 1000);
         m_mirror.process(event);
     }
 
