@@ -85,6 +85,22 @@ TEST(TomlValue, ReportsASyntaxErrorWithItsPlaceAndAHint)
     EXPECT_THAT(errorIn("a = \"\xff\""), HasSubstr("utf-8"));
 }
 
+TEST(TomlValue, TakesCharactersBeyondAsciiInStringsAndComments)
+{
+    const TomlValue root = parsed("\xef\xbb\xbf"
+                                  "a = \"ä \\\" é\" # ö.\n'b ü' = 'ä' # \"");
+    EXPECT_EQ(root.children.at(0).string.toStdString(), "ä \" é");
+    EXPECT_EQ(root.children.at(1).key.toStdString(), "b ü");
+}
+
+TEST(TomlValue, RejectsCharactersBeyondAsciiElsewhere)
+{
+    // The parser by itself takes them for impossible.
+    for (const char *text : {"a = 1ä", "[ä]", "a = 0\"ä\"", "a = \"\"\"\\\n  ä", "a = 1\xc2\xa0ä"})
+        EXPECT_THAT(errorIn(text), HasSubstr("TOML error")) << text;
+    EXPECT_EQ(parsed("a = \"\"\"\\\n  ä\"\"\"").children.at(0).string.toStdString(), "ä");
+}
+
 TEST(TomlValue, ReportsTableHeadersWithoutAName)
 {
     // The parser's own assertions would end the process here.
