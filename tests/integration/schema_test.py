@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The schema for editors accepts every profile that is shipped, and rejects mistakes.
+"""The schema for editors accepts every profile that is shipped or documented, and rejects mistakes.
 
 usage: schema_test.py SOURCE
 """
@@ -7,6 +7,7 @@ import copy
 import glob
 import json
 import os
+import re
 import sys
 
 try:
@@ -20,6 +21,15 @@ except ImportError as error:
 def load(path):
     with open(path, "rb") as file:
         return tomllib.load(file)
+
+
+def documented(source):
+    """The complete profiles in the documents, with where they are."""
+    for name in "README.md", "docs/profile.md":
+        with open(os.path.join(source, name), encoding="utf-8") as file:
+            for block in re.findall(r"```toml\n(.*?)```", file.read(), re.DOTALL):
+                if "[[device]]\n" in block:
+                    yield name, tomllib.loads(block)
 
 
 # Each is a change of the player's profile that the schema has to reject.
@@ -68,10 +78,11 @@ def main():
     validator = jsonschema.Draft7Validator(schema)
     profiles = glob.glob(os.path.join(source, "examples/profiles/*.toml"))
     profiles += glob.glob(os.path.join(source, "tests/scenarios/profiles/*.toml"))
-    if len(profiles) < 5:
-        sys.exit("FAILED: no profiles")
-    for path in profiles:
-        for error in validator.iter_errors(load(path)):
+    profiles = [(path, load(path)) for path in profiles] + list(documented(source))
+    if len(profiles) < 7:
+        sys.exit("FAILED: profiles are missing")
+    for path, profile in profiles:
+        for error in validator.iter_errors(profile):
             sys.exit(f"FAILED: {path}: {error.message}")
     player = load(os.path.join(source, "examples/profiles/player.toml"))
     for mistake in MISTAKES:
