@@ -18,6 +18,10 @@ QString detectorStepName(DetectorStep::What step);
 /// The inverse; nothing for a name that a newer version may have introduced.
 std::optional<DetectorStep::What> detectorStep(const QString &name);
 
+QString outcomeName(RecordOutcome::What outcome);
+
+std::optional<RecordOutcome::What> outcome(const QString &name);
+
 } // namespace Vorn::Workbench
 
 #endif

@@ -17,6 +17,24 @@ qint64 SessionLog::now() const
     return std::chrono::duration_cast<std::chrono::microseconds>(elapsed).count();
 }
 
+void SessionLog::release()
+{
+    if (--m_holds == 0)
+        passOn();
+}
+
+// The sink may add entries of its own, which come after those that are waiting.
+void SessionLog::passOn()
+{
+    ++m_holds;
+    while (!m_held.isEmpty()) {
+        const QVector<SessionEntry> entries = std::exchange(m_held, {});
+        for (const SessionEntry &entry : entries)
+            m_sink(entry);
+    }
+    --m_holds;
+}
+
 qint64 SessionLog::wallClock()
 {
     const auto now = std::chrono::system_clock::now().time_since_epoch();

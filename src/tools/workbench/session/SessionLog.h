@@ -8,7 +8,8 @@
 
 namespace Vorn::Workbench {
 
-/// Stamps entries with the session's time and passes them on.
+/// Stamps entries with the session's time and passes them on: at once, or together when the library
+/// has returned. A slow terminal must not delay what the library does next, nor be measured.
 ///
 /// **Thread**: the event loop's.
 class SessionLog
@@ -19,12 +20,19 @@ public:
     /// Starts the session now.
     explicit SessionLog(Sink sink);
 
-    /// Passes on an entry for something that happens now.
+    /// Adds an entry for something that happens now.
     template <typename What>
     void add(const What &what)
     {
-        m_sink(SessionEntry{now(), what});
+        m_held.append(SessionEntry{now(), what});
+        if (m_holds == 0)
+            passOn();
     }
+
+    /// Keeps entries back until the matching release(). Holds nest: a slot of the product may run
+    /// an event loop.
+    void hold() { ++m_holds; }
+    void release();
 
     /// µs since the start.
     qint64 now() const;
@@ -36,9 +44,30 @@ public:
     static qint64 wallClock();
 
 private:
+    void passOn();
+
     const Sink m_sink;
+    QVector<SessionEntry> m_held;
+    int m_holds = 0;
     const std::chrono::steady_clock::time_point m_start;
     const qint64 m_wallClockAtStart;
+};
+
+/// Holds a log for as long as it lives.
+class SessionHold
+{
+public:
+    explicit SessionHold(SessionLog *log)
+        : m_log(log)
+    {
+        m_log->hold();
+    }
+    ~SessionHold() { m_log->release(); }
+    SessionHold(const SessionHold &) = delete;
+    SessionHold &operator=(const SessionHold &) = delete;
+
+private:
+    SessionLog *const m_log;
 };
 
 } // namespace Vorn::Workbench

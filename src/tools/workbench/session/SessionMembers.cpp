@@ -30,6 +30,36 @@ QString SessionMembers::optionalText(const char *key)
     return has(key) ? text(key) : QString();
 }
 
+QStringList SessionMembers::texts(const char *key)
+{
+    const QJsonValue value = m_object.value(QLatin1String(key));
+    if (!value.isArray())
+        fail(key, QStringLiteral("must be a list of strings"));
+    QStringList texts;
+    const QJsonArray list = value.toArray();
+    for (const QJsonValue text : list) {
+        if (!text.isString())
+            fail(key, QStringLiteral("must contain only strings"));
+        texts += text.toString();
+    }
+    return texts;
+}
+
+QVector<QJsonObject> SessionMembers::objects(const char *key)
+{
+    const QJsonValue value = m_object.value(QLatin1String(key));
+    if (!value.isArray())
+        fail(key, QStringLiteral("must be a list of objects"));
+    QVector<QJsonObject> objects;
+    const QJsonArray list = value.toArray();
+    for (const QJsonValue object : list) {
+        if (!object.isObject())
+            fail(key, QStringLiteral("must contain only objects"));
+        objects += object.toObject();
+    }
+    return objects;
+}
+
 bool SessionMembers::truth(const char *key)
 {
     const QJsonValue value = m_object.value(QLatin1String(key));

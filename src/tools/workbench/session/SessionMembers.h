@@ -3,6 +3,7 @@
 
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <optional>
@@ -26,6 +27,8 @@ public:
     QString text(const char *key);
     /// Empty if the member is absent.
     QString optionalText(const char *key);
+    QStringList texts(const char *key);
+    QVector<QJsonObject> objects(const char *key);
     bool truth(const char *key);
     int integer(const char *key, int min, int max);
     /// A time in ms, as µs.

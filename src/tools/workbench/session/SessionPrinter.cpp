@@ -83,10 +83,36 @@ QString stepText(const DetectorStep &step)
             .arg(keys);
     case DetectorStep::What::ChordReleased:
         return QStringLiteral("chord %1 released").arg(keys);
+    case DetectorStep::What::Forgotten:
+        return QStringLiteral("%1 forgotten").arg(keys);
     case DetectorStep::What::Dropped:
         break;
     }
     return QStringLiteral("%1 dropped").arg(keys);
+}
+
+QString outcomeText(const RecordOutcome &outcome)
+{
+    return QStringLiteral("%1 %2: ").arg(eventCodeName(outcome.type, outcome.code),
+                                         valueName(outcome.type, outcome.value))
+        + printable(outcome.reason);
+}
+
+QString stateText(const KeyState &state)
+{
+    QStringList parts;
+    if (state.isDown)
+        parts += QStringLiteral("down");
+    if (state.isWithdrawn)
+        parts += QStringLiteral("withdrawn");
+    if (state.isHeld)
+        parts += QStringLiteral("held back");
+    if (state.isCounting) {
+        parts += state.due ? QStringLiteral("long press %1 due at %2")
+                                 .arg(QString::number(state.count), seconds(*state.due))
+                           : QStringLiteral("no further long press");
+    }
+    return eventCodeName(EV_KEY, state.code) + QLatin1Char(' ') + parts.join(QStringLiteral(", "));
 }
 
 const char *stateColour(InputEvent::State state)
@@ -142,6 +168,31 @@ public:
         // The key matters more than the device's name, which is shortened to fit.
         const int room = qMax(1, recordWidth - what.size());
         return {cut(name(record.device), room) + what, {}, dim};
+    }
+
+    // What was published has its own line; why nothing was is worth one.
+    Cells operator()(const RecordOutcome &outcome) const
+    {
+        if (!m_options.outcomes || outcome.reason.isEmpty())
+            return {};
+        return {{}, outcomeText(outcome), dim};
+    }
+
+    Cells operator()(const KeyStates &states) const
+    {
+        QStringList parts;
+        for (const KeyState &state : states.keys)
+            parts += stateText(state);
+        if (states.isChord)
+            parts += QStringLiteral("a chord is in progress");
+        if (!states.hasHandler)
+            parts += QStringLiteral("no handler for its keys");
+        if (parts.isEmpty())
+            parts += QStringLiteral("nothing down");
+        return {{},
+                QStringLiteral("state of %1: %2")
+                    .arg(name(states.device), parts.join(QStringLiteral("; "))),
+                cyan};
     }
 
     Cells operator()(const DetectorStep &step) const

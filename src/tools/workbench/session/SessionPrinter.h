@@ -24,6 +24,7 @@ public:
     {
         bool records = false; ///< the records that were read, beside the events
         bool detectors = false; ///< what the detectors did
+        bool outcomes = false; ///< why a record published nothing
         bool latency = false; ///< how late an event was published
         bool coloured = false;
         int indent = 0;

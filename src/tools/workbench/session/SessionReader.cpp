@@ -53,6 +53,54 @@ RecordRead readRecord(SessionMembers &members)
         members.time("stamp")};
 }
 
+RecordOutcome readOutcome(SessionMembers &members, RecordOutcome::What what)
+{
+    RecordOutcome outcome;
+    outcome.what = what;
+    outcome.device = members.text("device");
+    outcome.type = members.integer("typeNumber", 0, maxCode);
+    outcome.code = members.integer("codeNumber", 0, maxCode);
+    outcome.value =
+        members.integer("value", std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+    if (members.has("events"))
+        outcome.events = members.texts("events");
+    outcome.reason = members.optionalText("reason");
+    return outcome;
+}
+
+KeyState readKeyState(SessionMembers &members)
+{
+    KeyState state;
+    const std::optional<int> code = eventCode(EV_KEY, members.text("key"));
+    if (!code)
+        members.fail("key", QStringLiteral("is not a key"));
+    state.code = code.value_or(0);
+    state.isDown = members.truth("down");
+    state.isWithdrawn = members.truth("withdrawn");
+    state.isHeld = members.truth("held");
+    state.isCounting = members.has("count");
+    if (state.isCounting)
+        state.count = members.integer("count", 0, std::numeric_limits<int>::max());
+    if (members.has("due"))
+        state.due = members.time("due");
+    return state;
+}
+
+KeyStates readStates(SessionMembers &members)
+{
+    KeyStates states;
+    states.device = members.text("device");
+    states.hasHandler = members.truth("handler");
+    states.isChord = members.truth("chord");
+    for (const QJsonObject &object : members.objects("keys")) {
+        SessionMembers key(object);
+        states.keys.append(readKeyState(key));
+        if (!key.error().isEmpty())
+            members.fail("keys", QStringLiteral("has an invalid entry: ") + key.error());
+    }
+    return states;
+}
+
 DetectorStep readDetector(SessionMembers &members, DetectorStep::What what)
 {
     DetectorStep step;
@@ -106,6 +154,13 @@ std::optional<SessionEntry> readEntry(SessionMembers &members)
         entry.what = readDevice(members);
     } else if (kind == QLatin1String("record")) {
         entry.what = readRecord(members);
+    } else if (kind == QLatin1String("outcome")) {
+        const std::optional<RecordOutcome::What> what = outcome(members.text("outcome"));
+        if (!what)
+            return std::nullopt;
+        entry.what = readOutcome(members, *what);
+    } else if (kind == QLatin1String("state")) {
+        entry.what = readStates(members);
     } else if (kind == QLatin1String("detector")) {
         const std::optional<DetectorStep::What> what = detectorStep(members.text("what"));
         // What else a step of an unknown kind requires is unknown, too.

@@ -90,6 +90,41 @@ QJsonObject members(const RecordRead &record)
             {"stamp", milliseconds(record.stamp)}};
 }
 
+QJsonObject members(const RecordOutcome &outcome)
+{
+    QJsonObject object{
+        {"kind", "outcome"},          {"outcome", outcomeName(outcome.what)},
+        {"device", outcome.device},   {"type", eventTypeName(outcome.type)},
+        {"typeNumber", outcome.type}, {"code", eventCodeName(outcome.type, outcome.code)},
+        {"codeNumber", outcome.code}, {"value", outcome.value}};
+    if (!outcome.events.isEmpty())
+        object.insert("events", QJsonArray::fromStringList(outcome.events));
+    if (!outcome.reason.isEmpty())
+        object.insert("reason", outcome.reason);
+    return object;
+}
+
+QJsonObject members(const KeyStates &states)
+{
+    QJsonArray keys;
+    for (const KeyState &state : states.keys) {
+        QJsonObject key{{"key", eventCodeName(EV_KEY, state.code)},
+                        {"down", state.isDown},
+                        {"withdrawn", state.isWithdrawn},
+                        {"held", state.isHeld}};
+        if (state.isCounting)
+            key.insert("count", state.count);
+        if (state.due)
+            key.insert("due", milliseconds(*state.due));
+        keys.append(key);
+    }
+    return {{"kind", "state"},
+            {"device", states.device},
+            {"handler", states.hasHandler},
+            {"chord", states.isChord},
+            {"keys", keys}};
+}
+
 QJsonObject members(const DetectorStep &step)
 {
     QJsonObject object{{"kind", "detector"},

@@ -82,12 +82,15 @@ private:
     void take(const RecordRead &record);
     void take(const DetectorStep &step);
     void take(const EventPublished &event);
+    void take(const RecordOutcome &) { }
+    void take(const KeyStates &) { }
     void take(const IdentifierSelected &selected);
     void take(const ExpectationChecked &expectation);
     void take(const Remark &remark);
 
     void withdraw(const DetectorStep &step);
     void takeChord(const DetectorStep &step);
+    void forget(const DetectorStep &step);
     void finishLanes(qint64 end);
     TimelineLink linkOf(qint64 time, const DetectorStep &chord, const QVector<int> &order) const;
 
@@ -173,6 +176,9 @@ void TimelineCollector::take(const DetectorStep &step)
     case DetectorStep::What::ChordReleased:
         takeChord(step);
         break;
+    case DetectorStep::What::Forgotten:
+        forget(step);
+        break;
     case DetectorStep::What::Dropped:
         m_lanes.mark(step.device, code, TimelineMark::Kind::Dropped, m_time,
                      QStringLiteral("record dropped"));
@@ -204,6 +210,14 @@ void TimelineCollector::takeChord(const DetectorStep &step)
     chord->mapped = step.mapped;
     startBar(chord, m_time);
     m_chords.append({m_time, step});
+}
+
+// A chord has ended; a key on its own is still down, and its release will tell.
+void TimelineCollector::forget(const DetectorStep &step)
+{
+    if (TimelineLane *chord =
+            step.keys.size() > 1 ? m_lanes.lane(step.device, EV_KEY, step.keys) : nullptr)
+        endBar(chord, m_time);
 }
 
 void TimelineCollector::take(const EventPublished &event)

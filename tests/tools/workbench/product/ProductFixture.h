@@ -42,7 +42,8 @@ struct Describe
     }
     QString operator()(const DetectorStep &step) const
     {
-        const char *const what[] = {"due", "ended", "withdrawn", "chord", "released", "dropped"};
+        const char *const what[] = {"due",      "ended",   "withdrawn", "chord",
+                                    "released", "dropped", "forgotten"};
         QString text =
             QStringLiteral("[%1 %2").arg(what[static_cast<int>(step.what)], names(step.keys));
         if (step.what == DetectorStep::What::LongPressDue)
@@ -50,6 +51,17 @@ struct Describe
         if (step.what == DetectorStep::What::ChordFound && !step.mapped)
             text += " unmapped";
         return text + "]";
+    }
+    QString operator()(const RecordOutcome &outcome) const
+    {
+        return QStringLiteral("(%1)").arg(outcome.reason);
+    }
+    QString operator()(const KeyStates &states) const
+    {
+        QStringList keys;
+        for (const KeyState &state : states.keys)
+            keys += eventCodeName(EV_KEY, state.code);
+        return QStringLiteral("state of %1: %2").arg(states.device, keys.join(' '));
     }
     QString operator()(const EventPublished &event) const
     {
@@ -110,14 +122,16 @@ protected:
 
     void wait(int ms) { m_clock.advance(std::chrono::milliseconds(ms)); }
 
-    /// What was logged since the last time, without the records of synchronisation.
+    /// What was logged since the last time, without the records of synchronisation and the
+    /// outcomes.
     std::vector<std::string> take()
     {
         m_clock.settle();
         std::vector<std::string> texts;
         for (const SessionEntry &entry : std::exchange(m_entries, {})) {
             const auto *record = std::get_if<RecordRead>(&entry.what);
-            if (!record || record->type != EV_SYN)
+            const bool isSynchronisation = record && record->type == EV_SYN;
+            if (!isSynchronisation && !std::holds_alternative<RecordOutcome>(entry.what))
                 texts.push_back(std::visit(Describe(), entry.what).toStdString());
         }
         return texts;

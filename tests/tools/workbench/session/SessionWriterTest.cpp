@@ -49,3 +49,41 @@ TEST(SessionWriter, WritesAValueWithoutANameAsItsNumber)
     EXPECT_THAT(line.toStdString(), testing::HasSubstr("\"command\":\"57\""));
     EXPECT_THAT(line.toStdString(), testing::HasSubstr("\"bus\":\"12\""));
 }
+
+TEST(SessionWriter, WritesWhatBecameOfARecord)
+{
+    RecordOutcome outcome;
+    outcome.what = RecordOutcome::What::Dropped;
+    outcome.device = "/dev/input/event0";
+    outcome.type = EV_KEY;
+    outcome.code = KEY_INFO;
+    outcome.value = 1;
+    outcome.reason = "KEY_STOP + KEY_PLAY are down";
+    EXPECT_EQ(toJsonLine({1500, outcome}).toStdString(),
+              "{\"code\":\"KEY_INFO\",\"codeNumber\":358,\"device\":\"/dev/input/event0\","
+              "\"kind\":\"outcome\",\"outcome\":\"dropped\",\"reason\":\"KEY_STOP + KEY_PLAY are "
+              "down\",\"time\":1.5,\"type\":\"EV_KEY\",\"typeNumber\":1,\"value\":1}\n");
+    outcome.what = RecordOutcome::What::Published;
+    outcome.reason.clear();
+    outcome.events = QStringList{"Info KeyPressed", "Info KeyReleased"};
+    EXPECT_THAT(toJsonLine({1500, outcome}).toStdString(),
+                testing::HasSubstr("\"events\":[\"Info KeyPressed\",\"Info KeyReleased\"]"));
+}
+
+TEST(SessionWriter, WritesWhatTheLibraryBelieves)
+{
+    KeyStates states;
+    states.device = "/dev/input/event0";
+    states.hasHandler = true;
+    KeyState key;
+    key.code = KEY_INFO;
+    key.isDown = true;
+    key.isCounting = true;
+    key.count = 1;
+    key.due = 2'000'000;
+    states.keys = {key};
+    EXPECT_EQ(toJsonLine({1500, states}).toStdString(),
+              "{\"chord\":false,\"device\":\"/dev/input/event0\",\"handler\":true,"
+              "\"keys\":[{\"count\":1,\"down\":true,\"due\":2000,\"held\":false,"
+              "\"key\":\"KEY_INFO\",\"withdrawn\":false}],\"kind\":\"state\",\"time\":1.5}\n");
+}
