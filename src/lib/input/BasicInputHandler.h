@@ -17,6 +17,11 @@ class DoubleKeyDetect;
 class LongPressDetect;
 class QFileSystemWatcher;
 
+namespace Vorn {
+// Lets tools show what happens inside without repeating the calculation.
+class InputProbe;
+} // namespace Vorn
+
 /// Turns the key records of one device into commands on the event bus.
 ///
 /// A registered key is either *immediate* or *deferred*. An immediate key reports `KeyPressed` on
@@ -113,6 +118,8 @@ private Q_SLOTS:
     void on_doubleKeyDetect(const QList<input_event> &keys, bool fake);
 
 private:
+    friend class Vorn::InputProbe;
+
     QHash<int, InputEvent::Command> keyMap;
     QHash<QPair<int, int>, InputEvent::Command> doubleKeyMap;
     LongPressDetect *longPressDetect;
@@ -166,6 +173,8 @@ public:
     void deregisterSwitch(int code);
 
 private:
+    friend class Vorn::InputProbe;
+
     QHash<int, InputEvent::Command> switchMap;
     QString device;
     QString id;
@@ -267,6 +276,8 @@ private Q_SLOTS:
     void on_inputWatcher_changed(const QString &file);
 
 private:
+    friend class Vorn::InputProbe;
+
     struct KeyInputHandler
     {
         QString id;

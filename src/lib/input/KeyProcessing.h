@@ -14,6 +14,11 @@
 
 class QTimer;
 
+namespace Vorn {
+// Lets tools show what happens inside without repeating the calculation.
+class InputProbe;
+} // namespace Vorn
+
 /// Writes the debug text of a key record to @p stream, e.g.
 /// "input_event: code:28 value:press time:14:03:07,250".
 ///
@@ -91,6 +96,8 @@ private Q_SLOTS:
     void update();
 
 private:
+    friend class Vorn::InputProbe;
+
     QTimer *timer;
     QHash<int, Event> events;
     QHash<int, KeyData> keyData;
@@ -144,6 +151,8 @@ Q_SIGNALS:
     void keyDoubleDetect(const QList<input_event> &keys, bool fake);
 
 private:
+    friend class Vorn::InputProbe;
+
     QList<input_event> storedEvents;
     QList<input_event> pendingEvents;
     bool detected = false;

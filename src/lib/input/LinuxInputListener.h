@@ -16,6 +16,11 @@
 class LinuxInputListener;
 class QSocketNotifier;
 
+namespace Vorn {
+// Lets tools show what happens inside without repeating the calculation.
+class InputProbe;
+} // namespace Vorn
+
 /// Receives the raw records that a `LinuxInputListener` reads.
 ///
 /// A listener has at most one receiver at a time, but any number of handlers may hold the same
@@ -158,6 +163,8 @@ public Q_SLOTS:
     void readData(int);
 
 private:
+    friend class Vorn::InputProbe;
+
     int statusSize() const;
 
     QSocketNotifier *m_notifier = nullptr;

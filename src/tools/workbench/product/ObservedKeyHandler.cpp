@@ -1,26 +1,80 @@
 #include "ObservedKeyHandler.h"
 
+#include "EventNames.h"
+#include "Reasons.h"
 #include "SessionLog.h"
-#include "vorn.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace Vorn::Workbench {
 
-ObservedKeyHandler::ObservedKeyHandler(const QString &path, const QString &name,
-                                       const Observation &observation)
-    : BasicKeyInputHandler(name)
-    , m_device(path)
-    , m_observation(observation)
-    , m_longPresses(
-          [this](DetectorStep::What what, int code, qint64 due) { logLongPress(what, code, due); })
+namespace {
+
+using Step = DetectorStep::What;
+using Outcome = RecordOutcome::What;
+
+/// µs. The two clocks are not read at the same moment; one that was set is further off.
+constexpr qint64 sameTime = 20'000;
+
+QVector<int> codesOf(const QList<input_event> &events)
 {
-    Vorn::connect(&m_doubleKeyDetect, &DoubleKeyDetect::keyDoubleDetect, this,
-                  &ObservedKeyHandler::onKeyDoubleDetect);
+    QVector<int> codes;
+    for (const input_event &event : events)
+        codes += event.code;
+    return codes;
+}
+
+} // namespace
+
+/*
+ *  The slots of the library and what is called around them:
+ *
+ *  record ──▶ chord detector ──▶ beginKeys │ on_doubleKeyDetect │ end      0, 1 or 2 times a record
+ *  timer  ──▶ stateTiming │ update │ stateTiming
+ *                             └──▶ beginLongPress │ on_keyLongPress │ end
+ *
+ *  What is published meanwhile has the cause that was begun last. Slots of the product may do
+ *  anything in there, so the timing is stated again after each.
+ */
+ObservedKeyHandler::ObservedKeyHandler(const ObservedDevice &seen, Observation *observation,
+                                       Unmapped unmapped)
+    : BasicKeyInputHandler(seen.name)
+    , m_device(seen)
+    , m_observation(observation)
+    , m_unmapped(std::move(unmapped))
+{
+    InputProbe::surroundKeys(
+        this, [this](const QList<input_event> &keys, bool fake) { beginKeys(keys, fake); },
+        [this] { end(); });
+    InputProbe::surroundLongPresses(
+        this, [this](int code) { beginLongPress(code); }, [this] { end(); });
+    InputProbe::surroundTicks(
+        this,
+        [this] {
+            m_observation->log()->hold();
+            stateTiming();
+        },
+        [this] {
+            stateTiming();
+            m_observation->log()->release();
+        });
 }
 
 void ObservedKeyHandler::registerAll(const HandlerProfile &handlers)
 {
-    for (const KeyMapping &key : handlers.keys)
-        registerKeyMapping(key);
+    for (const KeyMapping &key : handlers.keys) {
+        if (key.bus)
+            registerKey(key.code, *key.bus, key.command, key.immediate);
+        else
+            registerKey(key.code, key.command, key.immediate);
+        if (!key.longPress)
+            continue;
+        if (key.bus)
+            enableLongPress(key.code, *key.bus, key.longPress->repeat, key.longPress->timeouts);
+        else
+            enableLongPress(key.code, key.longPress->repeat, key.longPress->timeouts);
+    }
     for (const ChordMapping &chord : handlers.chords) {
         if (chord.bus)
             registerDoubleKey(chord.first, chord.second, *chord.bus, chord.command);
@@ -29,110 +83,252 @@ void ObservedKeyHandler::registerAll(const HandlerProfile &handlers)
     }
 }
 
-void ObservedKeyHandler::registerKeyMapping(const KeyMapping &key)
-{
-    if (key.bus) {
-        registerKey(key.code, *key.bus, key.command, key.immediate);
-        if (key.longPress)
-            enableLongPress(key.code, *key.bus, key.longPress->repeat, key.longPress->timeouts);
-        // The library ignores registrations for another bus.
-        if (!listener() || listener()->bus() != *key.bus)
-            return;
-    } else {
-        registerKey(key.code, key.command, key.immediate);
-        if (key.longPress)
-            enableLongPress(key.code, key.longPress->repeat, key.longPress->timeouts);
-    }
-    m_longPresses.registerKey(key);
-}
-
-// The library's handler forgets its chord here, but not the keys that it times.
 void ObservedKeyHandler::invalidate()
 {
+    const SessionHold hold(m_observation->log());
+    const QVector<int> stored = storedCodes();
     BasicKeyInputHandler::invalidate();
-    m_doubleKeyDetect.reset();
-    m_chord.clear();
+    if (!stored.isEmpty())
+        log(Step::Forgotten, stored);
+    for (const int code : stored)
+        m_forgotten.insert(code, m_observation->log()->now());
+    stateTiming();
+}
+
+// One record at a time, so that what is published is logged after the record it comes from. The
+// library takes a batch record by record, too.
+void ObservedKeyHandler::processEvent(const QList<input_event> &events)
+{
+    const SessionHold hold(m_observation->log());
+    for (const input_event &event : events) {
+        if (takeRecord(m_observation->log(), m_device, EV_KEY, event))
+            process(event);
+    }
+}
+
+void ObservedKeyHandler::process(const input_event &event)
+{
+    Answer answer;
+    Answer *const outer = std::exchange(m_answer, &answer);
+    m_observation->begin(
+        Cause{m_device.path, EV_KEY, {event.code}, stampOf(event), [this] { stateTiming(); }});
+    BasicKeyInputHandler::processEvent({event});
+    const QStringList published = m_observation->end();
+    m_answer = outer;
+    stateTiming();
+    tell(event, answer, published);
+    if (event.value != 0)
+        m_forgotten.remove(event.code);
 }
 
 /*
  *  record      the detector answers      logged                 an event now comes from
  *  ─────────────────────────────────────────────────────────────────────────────────────────
  *  A press     [A]                                              A
- *  B press     [A release], fake         FirstKeyWithdrawn A    a release: A
+ *  B press     [A release], fake         FirstKeyWithdrawn A    A
  *              [A, B]                    ChordFound A+B         A+B, or B if A+B is not mapped
  *  C press     nothing                   Dropped C
  *  A release   nothing                   (part of the chord)
  *  B release   [A, B]                    ChordReleased A+B      as for ChordFound
- *
- *  One record at a time, so that what is published is logged after the record it comes from. The
- *  library takes a batch record by record, too.
  */
-void ObservedKeyHandler::processEvent(const QList<input_event> &events)
+void ObservedKeyHandler::beginKeys(const QList<input_event> &keys, bool fake)
 {
-    for (const input_event &event : events) {
-        logRecord(m_observation, m_device, event);
-        if (event.type != EV_KEY)
-            continue;
-        const CauseScope scope(m_observation.cause,
-                               Cause{m_device, EV_KEY, {event.code}, stampOf(event), {}});
-        m_isAnswered = false;
-        m_doubleKeyDetect.checkDoubleKeyDetect(event);
-        if (!m_isAnswered && !m_chord.contains(event.code))
-            log(DetectorStep::What::Dropped, {event.code});
-        BasicKeyInputHandler::processEvent({event});
+    Cause cause = m_observation->current();
+    cause.codes = codesOf(keys);
+    bool isMapped = false;
+    if (fake) {
+        log(Step::FirstKeyWithdrawn, cause.codes);
+    } else if (keys.size() == 2) {
+        isMapped = beginChord(keys);
+        // Of a pair without a command the library publishes the second key.
+        if (!isMapped)
+            cause.codes.removeFirst();
     }
+    if (m_answer)
+        *m_answer = Answer{true, keys, isMapped};
+    m_observation->beginPart(cause);
 }
 
-void ObservedKeyHandler::onKeyDoubleDetect(const QList<input_event> &keys, bool fake)
+bool ObservedKeyHandler::beginChord(const QList<input_event> &keys)
 {
-    m_isAnswered = true;
-    if (keys.size() == 2) {
-        onChord(keys);
-    } else if (!keys.isEmpty()) {
-        if (fake) {
-            log(DetectorStep::What::FirstKeyWithdrawn, {keys.first().code});
-            if (m_observation.cause->has_value())
-                (*m_observation.cause)->withdrawn = keys.first().code;
+    DetectorStep step;
+    step.what = keys.first().value != 0 ? Step::ChordFound : Step::ChordReleased;
+    step.device = m_device.path;
+    step.keys = codesOf(keys);
+    step.mapped = getDoubleKeyEvent({step.keys.first(), step.keys.last()}) != InputEvent::None;
+    m_observation->log()->add(step);
+    if (step.what == Step::ChordFound)
+        m_chordSince = m_observation->log()->now();
+    return step.mapped;
+}
+
+// The detector has moved on to the next timeout already; what it waited for was stated before.
+void ObservedKeyHandler::beginLongPress(int code)
+{
+    Cause cause{m_device.path, EV_KEY, {code}, {}, {}};
+    if (const std::optional<qint64> due = m_stated.value(code).due)
+        cause.since = *due * 1000;
+    m_observation->begin(cause);
+}
+
+void ObservedKeyHandler::end()
+{
+    m_observation->end();
+    stateTiming();
+}
+
+void ObservedKeyHandler::stateTiming()
+{
+    SessionLog *log = m_observation->log();
+    const QMap<int, InputProbe::Timing> timings = InputProbe::timings(*this);
+    const QList<int> before = m_stated.keys();
+    for (const int code : before) {
+        if (!timings.contains(code)) {
+            m_stated.remove(code);
+            this->log(Step::LongPressEnded, {code});
         }
-        m_longPresses.process(keys.first());
+    }
+    // From the wall clock to the session's, which is never set.
+    const qint64 sessionStart = SessionLog::wallClock() - log->now();
+    for (auto it = timings.cbegin(); it != timings.cend(); ++it) {
+        Stated &stated = m_stated[it.key()];
+        const qint64 time = it->due ? *it->due * 1000 - sessionStart : stated.time;
+        const bool isNew = it->due != stated.due || qAbs(time - stated.time) > sameTime;
+        if (!isNew)
+            continue;
+        stated = Stated{it->due, time};
+        if (it->due)
+            log->add(DetectorStep{Step::LongPressDue, m_device.path, {it.key()}, time, false});
     }
 }
 
-// The library times a mapped chord by its first key, and the second key of any other pair.
-void ObservedKeyHandler::onChord(const QList<input_event> &keys)
+void ObservedKeyHandler::endTiming()
 {
-    const QVector<int> codes{keys.first().code, keys.last().code};
-    const bool isMapped =
-        getDoubleKeyEvent({codes.first(), codes.last()}) != InputEvent::Command::None;
-    const bool isPressed = keys.first().value != 0;
-    m_chord = isPressed ? codes : QVector<int>();
-    if (m_observation.cause->has_value())
-        (*m_observation.cause)->codes = isMapped ? codes : QVector<int>{codes.last()};
-    log(isPressed ? DetectorStep::What::ChordFound : DetectorStep::What::ChordReleased, codes,
-        isMapped);
-    m_longPresses.process(isMapped ? keys.first() : keys.last());
+    for (auto it = m_stated.cbegin(); it != m_stated.cend(); ++it)
+        log(Step::LongPressEnded, {it.key()});
+    m_stated.clear();
 }
 
-void ObservedKeyHandler::log(DetectorStep::What what, const QVector<int> &keys, bool isMapped)
+void ObservedKeyHandler::tell(const input_event &event, const Answer &answer,
+                              const QStringList &published)
 {
-    DetectorStep step;
-    step.what = what;
-    step.device = m_device;
-    step.keys = keys;
-    step.mapped = isMapped;
-    m_observation.log->add(step);
+    const QVector<int> keys = codesOf(answer.keys);
+    const bool isUnmappedPair = keys.size() == 2 && !answer.isMapped;
+    if (isUnmappedPair && answer.keys.first().value != 0)
+        Q_EMIT otherKeysMattered();
+    if (!answer.isGiven) {
+        tellUnanswered(event);
+    } else if (published.isEmpty()) {
+        tellUnpublished(event, answer.keys);
+    } else {
+        const QString reason = isUnmappedPair
+            ? QStringLiteral("%1 have no command together: %2 is published at once")
+                  .arg(joinedKeys(keys), keyName(keys.last()))
+            : QString();
+        logOutcome(m_observation->log(), m_device, event, Outcome::Published, reason, published);
+    }
 }
 
-void ObservedKeyHandler::logLongPress(DetectorStep::What what, int code, qint64 due)
+void ObservedKeyHandler::tellUnanswered(const input_event &event)
 {
-    DetectorStep step;
-    step.what = what;
-    step.device = m_device;
-    step.keys = {code};
-    // From the wall clock to the session's, which is never set.
-    if (what == DetectorStep::What::LongPressDue)
-        step.due = m_observation.log->now() + due * 1000 - SessionLog::wallClock();
-    m_observation.log->add(step);
+    const QVector<int> stored = storedCodes();
+    if (stored.contains(event.code)) {
+        log(event, Outcome::Chord,
+            event.value == 0
+                ? QStringLiteral("%1 are a pair until both are up").arg(joinedKeys(stored))
+                : QStringLiteral("%1 are a pair already").arg(joinedKeys(stored)));
+        return;
+    }
+    log(Step::Dropped, {event.code});
+    if (InputProbe::isChord(*this)) {
+        log(event, Outcome::Dropped,
+            QStringLiteral("dropped, since %1 are down since %2")
+                .arg(joinedKeys(stored), timeText(m_chordSince)));
+        Q_EMIT otherKeysMattered();
+    } else if (m_forgotten.contains(event.code)) {
+        log(event, Outcome::Dropped,
+            QStringLiteral("dropped: the handlers were selected at %1, which ended its press")
+                .arg(timeText(m_forgotten.take(event.code))));
+    } else {
+        log(event, Outcome::Dropped, QStringLiteral("dropped: a release without a press"));
+    }
+}
+
+void ObservedKeyHandler::tellUnpublished(const input_event &event, const QList<input_event> &keys)
+{
+    if (keys.isEmpty()) {
+        log(event, Outcome::Dropped,
+            QStringLiteral("the handlers were selected again before the pair was complete"));
+        return;
+    }
+    const int code = keys.last().code;
+    if (keys.size() == 1 && InputProbe::heldKeys(*this).contains(code)) {
+        log(event, Outcome::Held, heldReason(code));
+        return;
+    }
+    const QString pair = keys.size() == 2
+        ? QStringLiteral("%1 have no command together, and %2 is ")
+              .arg(joinedKeys(codesOf(keys)), keyName(code))
+        : QString();
+    const bool isNone = InputProbe::keys(*this).contains(code);
+    log(event, Outcome::Unmapped,
+        pair
+            + (isNone ? QStringLiteral("mapped to None, which is never published")
+                      : m_unmapped(code)));
+}
+
+QString ObservedKeyHandler::heldReason(int code) const
+{
+    const QString reason = QStringLiteral("held back until the release");
+    const Stated stated = m_stated.value(code);
+    if (!stated.due)
+        return reason;
+    return reason + QStringLiteral(" or the long press due at ") + timeText(stated.time);
+}
+
+KeyStates ObservedKeyHandler::states() const
+{
+    QMap<int, KeyState> keys;
+    const QList<input_event> &stored = InputProbe::storedEvents(*this);
+    for (const input_event &event : stored)
+        keys[event.code].isDown = event.value != 0;
+    const QHash<int, bool> held = InputProbe::heldKeys(*this);
+    for (auto it = held.cbegin(); it != held.cend(); ++it)
+        keys[it.key()].isHeld = true;
+    const QMap<int, InputProbe::Timing> timings = InputProbe::timings(*this);
+    for (auto it = timings.cbegin(); it != timings.cend(); ++it) {
+        KeyState &state = keys[it.key()];
+        state.isCounting = true;
+        state.count = it->count;
+        if (it->due)
+            state.due = m_stated.value(it.key()).time;
+    }
+    KeyStates states;
+    states.device = m_device.path;
+    states.hasHandler = true;
+    states.isChord = InputProbe::isChord(*this);
+    if (states.isChord)
+        keys[stored.first().code].isWithdrawn = true;
+    for (auto it = keys.begin(); it != keys.end(); ++it) {
+        it->code = it.key();
+        states.keys.append(*it);
+    }
+    return states;
+}
+
+QVector<int> ObservedKeyHandler::storedCodes() const
+{
+    return codesOf(InputProbe::storedEvents(*this));
+}
+
+void ObservedKeyHandler::log(Step what, const QVector<int> &keys)
+{
+    m_observation->log()->add(DetectorStep{what, m_device.path, keys, 0, false});
+}
+
+void ObservedKeyHandler::log(const input_event &event, Outcome what, const QString &reason)
+{
+    logOutcome(m_observation->log(), m_device, event, what, reason);
 }
 
 } // namespace Vorn::Workbench

@@ -2,52 +2,87 @@
 #define VORN_WORKBENCH_OBSERVEDKEYHANDLER_H
 
 #include "BasicInputHandler.h"
-#include "KeyProcessing.h"
-#include "LongPressMirror.h"
+#include "InputProbe.h"
 #include "Observation.h"
 #include "Profile.h"
 #include "Session.h"
 
+#include <QHash>
+#include <QMap>
 #include <QString>
 #include <QVector>
 
+#include <functional>
+#include <optional>
+
 namespace Vorn::Workbench {
 
-/// The library's key handler, which logs the records on their way into it and what its detectors
-/// make of them.
-///
-/// The handler's own detectors are out of reach. What they do is learnt from a second chord
-/// detector that gets the same records, and from LongPressMirror.
+/// The library's key handler, which logs the records on their way into it, what its detectors make
+/// of them, and what becomes of them.
 class ObservedKeyHandler : public BasicKeyInputHandler
 {
     Q_OBJECT
 
 public:
-    ObservedKeyHandler(const QString &path, const QString &name, const Observation &observation);
+    /// Why a code has no command now.
+    using Unmapped = std::function<QString(int code)>;
+
+    ObservedKeyHandler(const ObservedDevice &seen, Observation *observation, Unmapped unmapped);
 
     /// Registers what a profile says. A listener must be attached.
     void registerAll(const HandlerProfile &handlers);
 
-    void setLogsRecords(bool logs) { m_observation.logsRecords = logs; }
-
-    LongPressMirror &longPresses() { return m_longPresses; }
-
     void invalidate() override;
     void processEvent(const QList<input_event> &events) override;
 
-private:
-    void registerKeyMapping(const KeyMapping &key);
-    void onKeyDoubleDetect(const QList<input_event> &keys, bool fake);
-    void onChord(const QList<input_event> &keys);
-    void log(DetectorStep::What what, const QVector<int> &keys, bool isMapped = false);
-    void logLongPress(DetectorStep::What what, int code, qint64 due);
+    /// What the library believes about the device's keys.
+    KeyStates states() const;
 
-    const QString m_device;
-    Observation m_observation;
-    LongPressMirror m_longPresses;
-    DoubleKeyDetect m_doubleKeyDetect;
-    QVector<int> m_chord; ///< the keys of the chord in progress
-    bool m_isAnswered = false; ///< whether the chord detector has answered the present record
+    /// Logs that nothing is timed any more: the handler is about to go.
+    void endTiming();
+
+Q_SIGNALS:
+    /// A record was treated as if other keys were down, which may have come up unheard.
+    void otherKeysMattered();
+
+private:
+    /// What the chord detector answered to the record in progress.
+    struct Answer
+    {
+        bool isGiven = false;
+        QList<input_event> keys; ///< of the last one
+        bool isMapped = false; ///< whether these, if two, have a command together
+    };
+
+    /// What was said last about a key's long press.
+    struct Stated
+    {
+        std::optional<qint64> due; ///< ms since the epoch; none: no further one
+        qint64 time = 0; ///< the same in µs of the session
+    };
+
+    void process(const input_event &event);
+    void beginKeys(const QList<input_event> &keys, bool fake);
+    /// @return whether the two have a command
+    bool beginChord(const QList<input_event> &keys);
+    void beginLongPress(int code);
+    void end();
+    void stateTiming();
+    void tell(const input_event &event, const Answer &answer, const QStringList &published);
+    void tellUnanswered(const input_event &event);
+    void tellUnpublished(const input_event &event, const QList<input_event> &keys);
+    QString heldReason(int code) const;
+    QVector<int> storedCodes() const;
+    void log(DetectorStep::What what, const QVector<int> &keys);
+    void log(const input_event &event, RecordOutcome::What what, const QString &reason);
+
+    const ObservedDevice m_device;
+    Observation *const m_observation;
+    const Unmapped m_unmapped;
+    Answer *m_answer = nullptr;
+    QMap<int, Stated> m_stated;
+    qint64 m_chordSince = 0; ///< µs of the session
+    QHash<int, qint64> m_forgotten; ///< keys whose press a reset ended, and when
 };
 
 } // namespace Vorn::Workbench

@@ -1,12 +1,15 @@
 #include "ObservedSwitchHandler.h"
 
+#include <utility>
+
 namespace Vorn::Workbench {
 
-ObservedSwitchHandler::ObservedSwitchHandler(const QString &path, const QString &name,
-                                             const Observation &observation)
-    : BasicSwInputHandler(name)
-    , m_device(path)
+ObservedSwitchHandler::ObservedSwitchHandler(const ObservedDevice &seen, Observation *observation,
+                                             Unmapped unmapped)
+    : BasicSwInputHandler(seen.name)
+    , m_device(seen)
     , m_observation(observation)
+    , m_unmapped(std::move(unmapped))
 { }
 
 void ObservedSwitchHandler::registerAll(const HandlerProfile &handlers)
@@ -18,13 +21,21 @@ void ObservedSwitchHandler::registerAll(const HandlerProfile &handlers)
 // One record at a time, so that each event is logged after the record it comes from.
 void ObservedSwitchHandler::processEvent(const QList<input_event> &events)
 {
+    SessionLog *log = m_observation->log();
+    const SessionHold hold(log);
     for (const input_event &event : events) {
-        logRecord(m_observation, m_device, event);
-        if (event.type != EV_SW)
+        if (!takeRecord(log, m_device, EV_SW, event))
             continue;
-        const CauseScope scope(m_observation.cause,
-                               Cause{m_device, EV_SW, {event.code}, stampOf(event), {}});
+        Cause cause{m_device.path, EV_SW, {event.code}, stampOf(event), {}};
+        if (stampOf(event) == 0)
+            cause.since.reset();
+        m_observation->begin(cause);
         BasicSwInputHandler::processEvent({event});
+        const QStringList published = m_observation->end();
+        if (published.isEmpty())
+            logOutcome(log, m_device, event, RecordOutcome::What::Unmapped, m_unmapped(event.code));
+        else
+            logOutcome(log, m_device, event, RecordOutcome::What::Published, {}, published);
     }
 }
 

@@ -5,28 +5,31 @@
 #include "Observation.h"
 #include "Profile.h"
 
-#include <QString>
+#include <functional>
 
 namespace Vorn::Workbench {
 
-/// The library's switch handler, which logs the records on their way into it.
+/// The library's switch handler, which logs the records on their way into it and what becomes of
+/// them.
 class ObservedSwitchHandler : public BasicSwInputHandler
 {
     Q_OBJECT
 
 public:
-    ObservedSwitchHandler(const QString &path, const QString &name, const Observation &observation);
+    /// Why a code has no command now.
+    using Unmapped = std::function<QString(int code)>;
+
+    ObservedSwitchHandler(const ObservedDevice &seen, Observation *observation, Unmapped unmapped);
 
     /// Registers what a profile says.
     void registerAll(const HandlerProfile &handlers);
 
-    void setLogsRecords(bool logs) { m_observation.logsRecords = logs; }
-
     void processEvent(const QList<input_event> &events) override;
 
 private:
-    const QString m_device;
-    Observation m_observation;
+    const ObservedDevice m_device;
+    Observation *const m_observation;
+    const Unmapped m_unmapped;
 };
 
 } // namespace Vorn::Workbench

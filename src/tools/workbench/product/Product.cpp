@@ -1,21 +1,22 @@
 #include "Product.h"
 
 #include "CommandNames.h"
+#include "EventNames.h"
+#include "InputProbe.h"
+#include "NodeInfo.h"
+#include "Reasons.h"
 #include "Session.h"
 #include "SessionLog.h"
 #include "vorn.h"
 
-#include <QSocketNotifier>
+#include <poll.h>
 
 namespace Vorn::Workbench {
 
 namespace {
 
-/// A listener has a notifier only while it reads its node, and does not say so otherwise.
-bool isReading(const LinuxInputListener *listener)
-{
-    return listener && listener->findChild<QSocketNotifier *>();
-}
+// A release may be on its way; it is lost if it has not come by then.
+constexpr int lostReleaseMs = 100;
 
 /// A listener that does not read its node does not know the bus.
 InputEvent::Bus busOf(const LinuxInputListener *keys, const LinuxInputListener *switches)
@@ -25,148 +26,157 @@ InputEvent::Bus busOf(const LinuxInputListener *keys, const LinuxInputListener *
     return switches ? switches->bus() : InputEvent::Bus::NoBus;
 }
 
+bool hasUnreadRecords(const LinuxInputListener &listener)
+{
+    pollfd node{InputProbe::descriptor(listener), POLLIN, 0};
+    return ::poll(&node, 1, 0) > 0;
+}
+
 } // namespace
 
 Product::Product(const Profile &profile, SessionLog *log)
     : m_profile(profile)
     , m_log(log)
+    , m_observation(log)
 {
+    m_lookForLostReleases.setSingleShot(true);
+    m_lookForLostReleases.setInterval(lostReleaseMs);
+    Vorn::connect(&m_lookForLostReleases, &QTimer::timeout, this,
+                  [this] { lookForLostReleases(); });
     Vorn::connect(Input::instance(), &Input::inputEvent, this, &Product::onInputEvent);
     select(profile.initial);
 }
 
-// Before the library's own: their destructors ask for the deferred deletion of their listeners,
-// which the base class deletes at once.
 Product::~Product()
 {
     for (const Device &device : qAsConst(m_devices))
-        deleteOtherHandlers(device);
+        deleteUnread(device);
 }
 
 void Product::addDevice(const QString &path, const QString &name)
 {
+    const SessionHold hold(m_log);
+    LinuxInputListener *keys = InputProbe::keyListener(*this, path);
+    LinuxInputListener *switches = InputProbe::switchListener(*this, path);
     Device device;
-    device.name = name;
-    const Observation observation{m_log, &m_cause, false};
-    device.otherKeys = new ObservedKeyHandler(path, name, observation);
-    device.otherSwitches = new ObservedSwitchHandler(path, name, observation);
-    setKeyListener(path, device.otherKeys);
-    setSwitchListener(path, device.otherSwitches);
+    device.seen = {path, name, busOf(keys, switches), InputProbe::isReading(keys),
+                   InputProbe::isReading(switches)};
+    m_log->add(DeviceChange{path, name, device.seen.bus, true});
 
-    Observation keys = observation;
-    Observation switches = observation;
-    // Only now do the handlers have listeners that can be asked.
-    keys.logsRecords = isReading(device.otherKeys->listener());
-    switches.logsRecords = !keys.logsRecords;
-    device.otherKeys->setLogsRecords(keys.logsRecords);
-    device.otherSwitches->setLogsRecords(switches.logsRecords);
-    device.bus = busOf(device.otherKeys->listener(), device.otherSwitches->listener());
-    m_log->add(DeviceChange{path, name, device.bus, true});
+    const auto reason = [this, seen = device.seen](int side) {
+        return [this, seen, side] { return unreadReason(seen, side); };
+    };
+    device.unreadKeys = new UnreadRecords(device.seen, EV_KEY, m_log, reason(EV_KEY));
+    device.unreadSwitches = new UnreadRecords(device.seen, EV_SW, m_log, reason(EV_SW));
+    observeUnread(keys, device.unreadKeys);
+    observeUnread(switches, device.unreadSwitches);
 
     Device &added = *m_devices.insert(path, device);
-    if (const DeviceProfile *profile = m_profile.deviceFor(name, added.bus)) {
+    if (const DeviceProfile *profile = m_profile.deviceFor(name, device.seen.bus)) {
         for (const HandlerProfile &handlers : profile->handlers)
-            addHandlers(path, &added, handlers, keys, switches);
+            addHandlers(handlers, &added);
     }
-    takeUnreadRecords();
     Q_EMIT deviceAdded(path, name);
 }
 
-void Product::addHandlers(const QString &path, Device *device, const HandlerProfile &handlers,
-                          const Observation &keys, const Observation &switches)
+void Product::addHandlers(const HandlerProfile &handlers, Device *device)
 {
+    const QString path = device->seen.path;
+    const auto unmapped = [this, path](int side) {
+        return [this, path, side](int code) { return unmappedReason(path, side, code); };
+    };
     if (!handlers.keys.isEmpty() || !handlers.chords.isEmpty()) {
-        auto *handler = new ObservedKeyHandler(path, device->name, keys);
+        auto *handler = new ObservedKeyHandler(device->seen, &m_observation, unmapped(EV_KEY));
+        Vorn::connect(handler, &ObservedKeyHandler::otherKeysMattered, this,
+                      [this] { m_lookForLostReleases.start(); });
         device->keyHandlers += handler;
-        for (const QString &identifier : handlers.identifiers) {
+        for (const QString &identifier : handlers.identifiers)
             addKeyHandler(path, handler, identifier);
-            device->keyIdentifiers += identifier;
-        }
         handler->registerAll(handlers);
     }
     if (!handlers.switches.isEmpty()) {
-        auto *handler = new ObservedSwitchHandler(path, device->name, switches);
+        auto *handler = new ObservedSwitchHandler(device->seen, &m_observation, unmapped(EV_SW));
         handler->registerAll(handlers);
-        for (const QString &identifier : handlers.identifiers) {
+        for (const QString &identifier : handlers.identifiers)
             addSwitchHandler(path, handler, identifier);
-            device->switchIdentifiers += identifier;
-        }
         if (handlers.positionsAtStart)
             handler->getInputStatus();
     }
 }
 
+// Only while it reads: to the library the listener has no receiver, which is what a selection may
+// find and change at any other time.
+void Product::observeUnread(LinuxInputListener *listener, UnreadRecords *unread)
+{
+    if (!listener)
+        return;
+    InputProbe::surroundReads(
+        listener,
+        [listener, unread] {
+            if (!InputProbe::receiver(*listener))
+                listener->setHandler(unread);
+        },
+        [listener, unread] {
+            if (InputProbe::receiver(*listener) == unread)
+                listener->setHandler(nullptr);
+        });
+}
+
 void Product::removeDevice(const QString &path)
 {
+    const SessionHold hold(m_log);
     const Device device = m_devices.take(path);
-    deleteOtherHandlers(device);
+    for (ObservedKeyHandler *handler : device.keyHandlers)
+        handler->endTiming();
     BasicInputHandler::removeDevice(path);
-    m_log->add(DeviceChange{path, device.name, device.bus, false});
+    deleteUnread(device);
+    m_log->add(DeviceChange{path, device.seen.name, device.seen.bus, false});
     Q_EMIT deviceRemoved(path);
 }
 
 void Product::select(const QString &identifier)
 {
+    const SessionHold hold(m_log);
     m_identifier = identifier;
     m_log->add(IdentifierSelected{identifier});
     selectHandler(identifier);
-    takeUnreadRecords();
 }
 
 QMap<QString, QString> Product::devices() const
 {
     QMap<QString, QString> names;
     for (auto it = m_devices.cbegin(); it != m_devices.cend(); ++it)
-        names.insert(it.key(), it->name);
+        names.insert(it.key(), it->seen.name);
     return names;
 }
 
-// Attached to the listeners directly. Registering them with the library would make it select again
-// for all devices, which ends chords and long presses in progress.
-void Product::takeUnreadRecords()
+void Product::logStates()
 {
     for (const Device &device : qAsConst(m_devices)) {
-        if (!device.keyIdentifiers.contains(m_identifier) && device.otherKeys->listener())
-            device.otherKeys->listener()->setHandler(device.otherKeys);
-        if (!device.switchIdentifiers.contains(m_identifier) && device.otherSwitches->listener())
-            device.otherSwitches->listener()->setHandler(device.otherSwitches);
+        const ObservedKeyHandler *handler = currentKeyHandler(device);
+        KeyStates states;
+        states.device = device.seen.path;
+        m_log->add(handler ? handler->states() : states);
     }
+    lookForLostReleases();
 }
 
-void Product::deleteOtherHandlers(const Device &device)
+ObservedKeyHandler *Product::currentKeyHandler(const Device &device) const
 {
-    delete device.otherKeys;
-    delete device.otherSwitches;
+    const LinuxInputListener *listener = InputProbe::keyListener(*this, device.seen.path);
+    return listener ? qobject_cast<ObservedKeyHandler *>(InputProbe::receiver(*listener)) : nullptr;
+}
+
+void Product::deleteUnread(const Device &device)
+{
+    delete device.unreadKeys;
+    delete device.unreadSwitches;
 }
 
 void Product::onInputEvent(const InputEvent &event)
 {
-    EventPublished published;
-    published.command = event.command();
-    published.state = event.state();
-    published.bus = event.bus();
-    if (m_cause) {
-        published.device = m_cause->device;
-        published.type = m_cause->type;
-        const bool isWithdrawal = m_cause->withdrawn && event.state() == InputEvent::KeyReleased;
-        published.codes = isWithdrawal ? QVector<int>{*m_cause->withdrawn} : m_cause->codes;
-        if (m_cause->stamp != 0)
-            published.latency = SessionLog::wallClock() - m_cause->stamp;
-    }
-    // A long press comes from a timer, not from a record.
-    const LongPressSource source = !m_cause && event.state() == InputEvent::KeyLongPress
-        ? longPressSource(event)
-        : LongPressSource();
-    if (source.handler) {
-        published.device = source.device;
-        published.type = EV_KEY;
-        published.codes = {source.key.code};
-        published.latency = SessionLog::wallClock() - source.key.due * 1000;
-    }
-    m_log->add(published);
-    if (source.handler)
-        source.handler->longPresses().reported(source.key.code, SessionLog::wallClock() / 1000);
-
+    const SessionHold hold(m_log);
+    m_observation.publish(event);
     for (const SelectRule &rule : m_profile.select) {
         if (rule.command == event.command() && rule.state == event.state()) {
             select(rule.identifier);
@@ -175,21 +185,62 @@ void Product::onInputEvent(const InputEvent &event)
     }
 }
 
-// Several keys may have the same command: it is the one whose long press was due first.
-Product::LongPressSource Product::longPressSource(const InputEvent &event) const
+QString Product::unreadReason(const ObservedDevice &device, int side) const
 {
-    const qint64 now = SessionLog::wallClock() / 1000;
-    LongPressSource source;
-    for (auto it = m_devices.cbegin(); it != m_devices.cend(); ++it) {
-        if (it->bus != event.bus())
-            continue;
-        for (ObservedKeyHandler *candidate : it->keyHandlers) {
-            const auto key = candidate->longPresses().dueKey(event.command(), now);
-            if (key && (!source.handler || key->due < source.key.due))
-                source = LongPressSource{candidate, it.key(), *key};
+    if (!m_profile.deviceFor(device.name, device.bus))
+        return noEntryReason(m_profile, device.name, device.bus);
+    const auto any = [](const auto &) { return true; };
+    const bool isKey = side == EV_KEY;
+    return noHandlerReason(isKey ? QStringLiteral("keys") : QStringLiteral("switches"),
+                           m_identifier,
+                           isKey ? InputProbe::keyIdentifiers(*this, device.path, any)
+                                 : InputProbe::switchIdentifiers(*this, device.path, any));
+}
+
+QString Product::unmappedReason(const QString &path, int side, int code) const
+{
+    const auto mapsKey = [code](const BasicKeyInputHandler &handler) {
+        return InputProbe::keys(handler).contains(code);
+    };
+    const auto mapsSwitch = [code](const BasicSwInputHandler &handler) {
+        return InputProbe::switches(handler).contains(code);
+    };
+    return Workbench::unmappedReason(m_identifier,
+                                     side == EV_KEY
+                                         ? InputProbe::keyIdentifiers(*this, path, mapsKey)
+                                         : InputProbe::switchIdentifiers(*this, path, mapsSwitch));
+}
+
+void Product::lookForLostReleases()
+{
+    for (Device &device : m_devices) {
+        if (const ObservedKeyHandler *handler = currentKeyHandler(device))
+            lookForLostReleases(&device, *handler);
+    }
+}
+
+// The kernel loses records when a reader is slow, and reads of other programs take none away: it
+// knows which keys are down.
+void Product::lookForLostReleases(Device *device, const ObservedKeyHandler &handler)
+{
+    const QList<input_event> stored = InputProbe::storedEvents(handler);
+    const LinuxInputListener *listener = InputProbe::keyListener(*this, device->seen.path);
+    QSet<int> lost;
+    if (!stored.isEmpty() && listener && !hasUnreadRecords(*listener)) {
+        const NodeInfo node = readNode(device->seen.path);
+        for (const input_event &event : stored) {
+            if (node.hasCodes && event.value != 0 && !node.device.keysDown.contains(event.code))
+                lost += event.code;
         }
     }
-    return source;
+    for (const input_event &event : stored) {
+        if (!lost.contains(event.code) || device->lostReleases.contains(event.code))
+            continue;
+        const qint64 since = stampOf(event) - SessionLog::wallClock() + m_log->now();
+        m_log->add(Remark{
+            lostReleaseText(device->seen.name, event.code, since, InputProbe::isChord(handler))});
+    }
+    device->lostReleases = lost;
 }
 
 } // namespace Vorn::Workbench

@@ -2,19 +2,18 @@
 #define VORN_WORKBENCH_PRODUCT_H
 
 #include "BasicInputHandler.h"
-#include "LongPressMirror.h"
 #include "Observation.h"
 #include "ObservedKeyHandler.h"
 #include "ObservedSwitchHandler.h"
 #include "Profile.h"
 #include "SessionLog.h"
+#include "UnreadRecords.h"
 
 #include <QMap>
 #include <QSet>
 #include <QString>
+#include <QTimer>
 #include <QVector>
-
-#include <optional>
 
 namespace Vorn::Workbench {
 
@@ -22,9 +21,9 @@ namespace Vorn::Workbench {
 /// It logs everything that happens: devices, records, what the detectors do, published events,
 /// selections.
 ///
-/// Nothing is read twice: handlers see the batches on their way to the library. Where the product
-/// would have no handler (for a device or an identifier that the profile does not mention), one
-/// without registrations takes the records, so that they are logged; it publishes nothing.
+/// Nothing is read twice and nothing is imitated: handlers see the batches on their way to the
+/// library, and state what its own detectors do. The records of a listener without a receiver are
+/// logged as well; the library drops them, and so does the product.
 ///
 /// **Thread**: that of the event loop. Only one at a time, because all publish on the same bus.
 class Product : public BasicInputHandler
@@ -49,6 +48,9 @@ public:
     /// Paths and kernel names of the devices that are present.
     QMap<QString, QString> devices() const;
 
+    /// Logs what the library believes about the keys of each device.
+    void logStates();
+
 Q_SIGNALS:
     /// Emitted when it has been logged.
     void deviceAdded(const QString &device, const QString &name);
@@ -57,37 +59,32 @@ Q_SIGNALS:
 private:
     struct Device
     {
-        QString name;
-        InputEvent::Bus bus = InputEvent::Bus::NoBus;
-        /// Owned here: they take what the product would leave unread.
-        ObservedKeyHandler *otherKeys = nullptr;
-        ObservedSwitchHandler *otherSwitches = nullptr;
+        ObservedDevice seen;
+        /// Owned here: they log what the library would drop.
+        UnreadRecords *unreadKeys = nullptr;
+        UnreadRecords *unreadSwitches = nullptr;
         /// Owned by the library.
         QVector<ObservedKeyHandler *> keyHandlers;
-        QSet<QString> keyIdentifiers;
-        QSet<QString> switchIdentifiers;
-    };
-
-    /// The key that a long press comes from; no handler if it is not known.
-    struct LongPressSource
-    {
-        ObservedKeyHandler *handler = nullptr;
-        QString device;
-        LongPressMirror::DueKey key;
+        /// Keys that came up unheard, told once.
+        QSet<int> lostReleases;
     };
 
     void onInputEvent(const InputEvent &event);
-    LongPressSource longPressSource(const InputEvent &event) const;
-    void addHandlers(const QString &path, Device *device, const HandlerProfile &handlers,
-                     const Observation &keys, const Observation &switches);
-    void takeUnreadRecords();
-    static void deleteOtherHandlers(const Device &device);
+    void addHandlers(const HandlerProfile &handlers, Device *device);
+    void observeUnread(LinuxInputListener *listener, UnreadRecords *unread);
+    QString unreadReason(const ObservedDevice &device, int side) const;
+    QString unmappedReason(const QString &path, int side, int code) const;
+    ObservedKeyHandler *currentKeyHandler(const Device &device) const;
+    void lookForLostReleases();
+    void lookForLostReleases(Device *device, const ObservedKeyHandler &handler);
+    static void deleteUnread(const Device &device);
 
     const Profile m_profile;
     SessionLog *const m_log;
     QString m_identifier;
     QMap<QString, Device> m_devices;
-    std::optional<Cause> m_cause;
+    Observation m_observation;
+    QTimer m_lookForLostReleases;
 };
 
 } // namespace Vorn::Workbench

@@ -1,0 +1,37 @@
+#ifndef VORN_WORKBENCH_REASONS_H
+#define VORN_WORKBENCH_REASONS_H
+
+#include "Profile.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+/// Why a record published nothing, in words for people.
+namespace Vorn::Workbench {
+
+/// "12.402 s", for µs.
+QString timeText(qint64 time);
+
+/// "KEY_STOP + KEY_PLAY"
+QString joinedKeys(const QVector<int> &codes);
+
+/// No entry of the profile fits a device: which one was probably meant.
+QString noEntryReason(const Profile &profile, const QString &name, InputEvent::Bus bus);
+
+/// A device has an entry, but no handler of a kind under an identifier.
+/// @param kind "keys" or "switches"
+/// @param others the identifiers under which it has one
+QString noHandlerReason(const QString &kind, const QString &identifier, const QStringList &others);
+
+/// A handler has no command for a code.
+/// @param others the identifiers under which the device has one
+QString unmappedReason(const QString &identifier, const QStringList &others);
+
+/// The library believes that a key is down, and the kernel that it is up.
+/// @param since µs of the session
+QString lostReleaseText(const QString &device, int code, qint64 since, bool isChord);
+
+} // namespace Vorn::Workbench
+
+#endif

@@ -1,0 +1,23 @@
+#include "UnreadRecords.h"
+
+#include <utility>
+
+namespace Vorn::Workbench {
+
+UnreadRecords::UnreadRecords(const ObservedDevice &device, int side, SessionLog *log, Reason reason)
+    : m_device(device)
+    , m_side(side)
+    , m_log(log)
+    , m_reason(std::move(reason))
+{ }
+
+void UnreadRecords::processEvent(const QList<input_event> &events)
+{
+    const SessionHold hold(m_log);
+    for (const input_event &event : events) {
+        if (takeRecord(m_log, m_device, m_side, event))
+            logOutcome(m_log, m_device, event, RecordOutcome::What::Unread, m_reason());
+    }
+}
+
+} // namespace Vorn::Workbench
