@@ -6,8 +6,6 @@ QMap<int, InputProbe::Timing> InputProbe::timings(const BasicKeyInputHandler &ha
 {
     const LongPressDetect &detector = *handler.longPressDetect;
     QMap<int, Timing> timings;
-    if (!detector.timer->isActive())
-        return timings;
     for (auto it = detector.keyData.cbegin(); it != detector.keyData.cend(); ++it) {
         const LongPressDetect::Event event = detector.events.value(it.key());
         const int stage = detector.stages.value(it.key(), 0);

@@ -38,6 +38,9 @@ public:
         return handler.keyMap;
     }
 
+    /// The identifier under which it was registered last.
+    static QString identifier(const BasicKeyInputHandler &handler) { return handler.id; }
+
     static const QHash<QPair<int, int>, InputEvent::Command> &
     chords(const BasicKeyInputHandler &handler)
     {
@@ -67,7 +70,13 @@ public:
         return handler.doubleKeyDetect->detected;
     }
 
-    /// The keys that are timed, by code; none while the timer is stopped.
+    /// Whether the timer of the long presses runs.
+    static bool isTiming(const BasicKeyInputHandler &handler)
+    {
+        return handler.longPressDetect->timer->isActive();
+    }
+
+    /// The keys that are down with a long press, by code. While the timer is stopped they wait.
     static QMap<int, Timing> timings(const BasicKeyInputHandler &handler);
 
     /// Null for a device that the manager does not know.

@@ -54,8 +54,10 @@ ObservedKeyHandler::ObservedKeyHandler(const ObservedDevice &seen, Observation *
         [this] {
             m_observation->log()->hold();
             stateTiming();
+            m_isTicking = true;
         },
         [this] {
+            m_isTicking = false;
             stateTiming();
             m_observation->log()->release();
         });
@@ -152,11 +154,13 @@ void ObservedKeyHandler::beginKeys(const QList<input_event> &keys, bool fake)
 bool ObservedKeyHandler::beginChord(const QList<input_event> &keys)
 {
     DetectorStep step;
-    step.what = keys.first().value != 0 ? Step::ChordFound : Step::ChordReleased;
-    step.device = m_device.path;
+    // Not by the first alone: in an application's event loop it may have come up meanwhile.
+    const bool isReleased = std::all_of(keys.cbegin(), keys.cend(),
+                                        [](const input_event &key) { return key.value == 0; });
+    step.what = isReleased ? Step::ChordReleased : Step::ChordFound;
     step.keys = codesOf(keys);
     step.mapped = getDoubleKeyEvent({step.keys.first(), step.keys.last()}) != InputEvent::None;
-    m_observation->log()->add(step);
+    log(step);
     if (step.what == Step::ChordFound)
         m_chordSince = m_observation->log()->now();
     return step.mapped;
@@ -177,19 +181,26 @@ void ObservedKeyHandler::end()
     stateTiming();
 }
 
+// A slot that stops the timer does not stop the tick it is called from: keys that are due get their
+// long press all the same.
+QMap<int, InputProbe::Timing> ObservedKeyHandler::timings() const
+{
+    return m_isTicking || InputProbe::isTiming(*this) ? InputProbe::timings(*this)
+                                                      : QMap<int, InputProbe::Timing>();
+}
+
 void ObservedKeyHandler::stateTiming()
 {
-    SessionLog *log = m_observation->log();
-    const QMap<int, InputProbe::Timing> timings = InputProbe::timings(*this);
+    const QMap<int, InputProbe::Timing> timings = this->timings();
     const QList<int> before = m_stated.keys();
     for (const int code : before) {
         if (!timings.contains(code)) {
             m_stated.remove(code);
-            this->log(Step::LongPressEnded, {code});
+            log(Step::LongPressEnded, {code});
         }
     }
     // From the wall clock to the session's, which is never set.
-    const qint64 sessionStart = SessionLog::wallClock() - log->now();
+    const qint64 sessionStart = SessionLog::wallClock() - m_observation->log()->now();
     for (auto it = timings.cbegin(); it != timings.cend(); ++it) {
         Stated &stated = m_stated[it.key()];
         const qint64 time = it->due ? *it->due * 1000 - sessionStart : stated.time;
@@ -197,8 +208,13 @@ void ObservedKeyHandler::stateTiming()
         if (!isNew)
             continue;
         stated = Stated{it->due, time};
-        if (it->due)
-            log->add(DetectorStep{Step::LongPressDue, m_device.path, {it.key()}, time, false});
+        if (!it->due)
+            continue;
+        DetectorStep step;
+        step.what = Step::LongPressDue;
+        step.keys = {it.key()};
+        step.due = time;
+        log(step);
     }
 }
 
@@ -214,7 +230,7 @@ void ObservedKeyHandler::tell(const input_event &event, const Answer &answer,
 {
     const QVector<int> keys = codesOf(answer.keys);
     const bool isUnmappedPair = keys.size() == 2 && !answer.isMapped;
-    if (isUnmappedPair && answer.keys.first().value != 0)
+    if (isUnmappedPair && event.value != 0)
         Q_EMIT otherKeysMattered();
     if (!answer.isGiven) {
         tellUnanswered(event);
@@ -295,7 +311,7 @@ KeyStates ObservedKeyHandler::states() const
     const QHash<int, bool> held = InputProbe::heldKeys(*this);
     for (auto it = held.cbegin(); it != held.cend(); ++it)
         keys[it.key()].isHeld = true;
-    const QMap<int, InputProbe::Timing> timings = InputProbe::timings(*this);
+    const QMap<int, InputProbe::Timing> timings = this->timings();
     for (auto it = timings.cbegin(); it != timings.cend(); ++it) {
         KeyState &state = keys[it.key()];
         state.isCounting = true;
@@ -323,7 +339,17 @@ QVector<int> ObservedKeyHandler::storedCodes() const
 
 void ObservedKeyHandler::log(Step what, const QVector<int> &keys)
 {
-    m_observation->log()->add(DetectorStep{what, m_device.path, keys, 0, false});
+    DetectorStep step;
+    step.what = what;
+    step.keys = keys;
+    log(step);
+}
+
+void ObservedKeyHandler::log(DetectorStep step)
+{
+    step.device = m_device.path;
+    step.identifier = InputProbe::identifier(*this);
+    m_observation->log()->add(step);
 }
 
 void ObservedKeyHandler::log(const input_event &event, Outcome what, const QString &reason)

@@ -67,6 +67,7 @@ private:
     bool beginChord(const QList<input_event> &keys);
     void beginLongPress(int code);
     void end();
+    QMap<int, InputProbe::Timing> timings() const;
     void stateTiming();
     void tell(const input_event &event, const Answer &answer, const QStringList &published);
     void tellUnanswered(const input_event &event);
@@ -74,12 +75,14 @@ private:
     QString heldReason(int code) const;
     QVector<int> storedCodes() const;
     void log(DetectorStep::What what, const QVector<int> &keys);
+    void log(DetectorStep step);
     void log(const input_event &event, RecordOutcome::What what, const QString &reason);
 
     const ObservedDevice m_device;
     Observation *const m_observation;
     const Unmapped m_unmapped;
     Answer *m_answer = nullptr;
+    bool m_isTicking = false; ///< whether the timer's slot is running
     QMap<int, Stated> m_stated;
     qint64 m_chordSince = 0; ///< µs of the session
     QHash<int, qint64> m_forgotten; ///< keys whose press a reset ended, and when

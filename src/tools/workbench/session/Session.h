@@ -57,6 +57,8 @@ struct DetectorStep
     QVector<int> keys;
     qint64 due = 0; ///< µs of the session; LongPressDue
     bool mapped = false; ///< whether a command is registered for the pair; ChordFound
+    /// Of the handler. One that is selected no longer may still take the rest of a batch.
+    QString identifier = {};
 };
 
 /// What became of a record.

@@ -106,6 +106,7 @@ DetectorStep readDetector(SessionMembers &members, DetectorStep::What what)
     DetectorStep step;
     step.what = what;
     step.device = members.text("device");
+    step.identifier = members.optionalText("identifier");
     step.keys = members.codes("keys", EV_KEY);
     if (step.keys.isEmpty())
         members.fail("keys", QStringLiteral("must name at least one key"));

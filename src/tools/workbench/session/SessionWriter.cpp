@@ -130,6 +130,7 @@ QJsonObject members(const DetectorStep &step)
     QJsonObject object{{"kind", "detector"},
                        {"what", detectorStepName(step.what)},
                        {"device", step.device},
+                       {"identifier", step.identifier},
                        {"keys", codeNames(EV_KEY, step.keys)}};
     if (step.what == DetectorStep::What::LongPressDue)
         object.insert("due", milliseconds(step.due));
