@@ -170,7 +170,7 @@ bool ObservedKeyHandler::beginChord(const QList<input_event> &keys)
 void ObservedKeyHandler::beginLongPress(int code)
 {
     Cause cause{m_device.path, EV_KEY, {code}, {}, {}};
-    if (const std::optional<qint64> due = m_stated.value(code).due)
+    if (const std::optional<qint64> due = std::exchange(m_stated[code].due, std::nullopt))
         cause.since = *due * 1000;
     m_observation->begin(cause);
 }
@@ -194,22 +194,24 @@ void ObservedKeyHandler::stateTiming()
     const QMap<int, InputProbe::Timing> timings = this->timings();
     const QList<int> before = m_stated.keys();
     for (const int code : before) {
-        if (!timings.contains(code)) {
-            m_stated.remove(code);
-            log(Step::LongPressEnded, {code});
-        }
+        if (!timings.contains(code))
+            endTiming(code);
     }
     // From the wall clock to the session's, which is never set.
     const qint64 sessionStart = SessionLog::wallClock() - m_observation->log()->now();
     for (auto it = timings.cbegin(); it != timings.cend(); ++it) {
         Stated &stated = m_stated[it.key()];
-        const qint64 time = it->due ? *it->due * 1000 - sessionStart : stated.time;
-        const bool isNew = it->due != stated.due || qAbs(time - stated.time) > sameTime;
-        if (!isNew)
+        if (!it->due) {
+            // What was due will not come: a slot has registered the key again, without repeats.
+            if (stated.due)
+                log(Step::LongPressEnded, {it.key()});
+            stated = Stated{{}, stated.time, stated.hasEnded || stated.due};
             continue;
-        stated = Stated{it->due, time};
-        if (!it->due)
+        }
+        const qint64 time = *it->due * 1000 - sessionStart;
+        if (it->due == stated.due && qAbs(time - stated.time) <= sameTime)
             continue;
+        stated = Stated{it->due, time, false};
         DetectorStep step;
         step.what = Step::LongPressDue;
         step.keys = {it.key()};
@@ -218,11 +220,17 @@ void ObservedKeyHandler::stateTiming()
     }
 }
 
+void ObservedKeyHandler::endTiming(int code)
+{
+    if (!m_stated.take(code).hasEnded)
+        log(Step::LongPressEnded, {code});
+}
+
 void ObservedKeyHandler::endTiming()
 {
-    for (auto it = m_stated.cbegin(); it != m_stated.cend(); ++it)
-        log(Step::LongPressEnded, {it.key()});
-    m_stated.clear();
+    const QList<int> codes = m_stated.keys();
+    for (const int code : codes)
+        endTiming(code);
 }
 
 void ObservedKeyHandler::tell(const input_event &event, const Answer &answer,

@@ -57,8 +57,9 @@ private:
     /// What was said last about a key's long press.
     struct Stated
     {
-        std::optional<qint64> due; ///< ms since the epoch; none: no further one
+        std::optional<qint64> due; ///< ms since the epoch; none: it has come, or never will
         qint64 time = 0; ///< the same in µs of the session
+        bool hasEnded = false;
     };
 
     void process(const input_event &event);
@@ -69,6 +70,7 @@ private:
     void end();
     QMap<int, InputProbe::Timing> timings() const;
     void stateTiming();
+    void endTiming(int code);
     void tell(const input_event &event, const Answer &answer, const QStringList &published);
     void tellUnanswered(const input_event &event);
     void tellUnpublished(const input_event &event, const QList<input_event> &keys);

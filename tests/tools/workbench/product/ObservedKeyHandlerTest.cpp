@@ -143,3 +143,185 @@ TEST_F(ObservedKeyHandlerTest, FollowsTheBusFilter)
     EXPECT_EQ(entries.size(), 4U);
     EXPECT_THAT(entries.back(), testing::StartsWith("[cmd=Stop, state=KeyLongPress"));
 }
+
+TEST_F(ObservedKeyHandlerTest, FindsNoChordThatASelectionEndedBeforeItBegan)
+{
+    Profile profile = panelProfile();
+    profile.devices[0].handlers[0].keys[2].immediate = true;
+    profile.select = {SelectRule{InputEvent::Stop, InputEvent::KeyReleased, "text"}};
+    start(profile);
+    InputNode &panel = plugPanel();
+    panel.press(KEY_STOP);
+    take();
+    panel.press(KEY_PLAY);
+    // The release that the chord detector makes up selects, which resets the detector.
+    EXPECT_THAT(take(),
+                ElementsAre("KEY_PLAY press", "[withdrawn KEY_STOP]",
+                            "[cmd=Stop, state=KeyReleased, bus=LocalUI] of KEY_STOP after 0",
+                            "select text", "[forgotten KEY_STOP+KEY_PLAY]"));
+}
+
+TEST_F(ObservedKeyHandlerTest, KnowsTheKeyAndTheLatencyOfEveryLongPress)
+{
+    Profile profile = panelProfile();
+    profile.devices[0].handlers[0].keys[1].longPress = LongPress{{700, 100}, true};
+    // Another key with the same command is no reason to guess.
+    profile.devices[0].handlers[0].keys[0] =
+        keyOf(KEY_INFO, InputEvent::VolumeUp, true, {650, 150}, true);
+    start(profile);
+    InputNode &panel = plugPanel();
+    panel.press(KEY_VOLUMEUP);
+    wait(60'000);
+    int count = 0;
+    for (const SessionEntry &entry : entries()) {
+        const auto *event = std::get_if<EventPublished>(&entry.what);
+        if (!event || event->state != InputEvent::KeyLongPress)
+            continue;
+        ++count;
+        EXPECT_EQ(event->device.toStdString(), "/dev/input/event0");
+        EXPECT_EQ(event->codes, QVector<int>{KEY_VOLUMEUP});
+        ASSERT_TRUE(event->latency);
+        EXPECT_GE(*event->latency, 0);
+        EXPECT_LE(*event->latency, 55'000);
+    }
+    EXPECT_GT(count, 300);
+}
+
+TEST_F(ObservedKeyHandlerTest, SaysWhenAResetStopsTheTimerAndWhenItRunsAgain)
+{
+    start(panelProfile());
+    InputNode &panel = plugPanel();
+    panel.press(KEY_VOLUMEUP);
+    take();
+    devices().select("text");
+    EXPECT_THAT(take(),
+                ElementsAre("select text", "[forgotten KEY_VOLUMEUP]", "[ended KEY_VOLUMEUP]"));
+    devices().select("");
+    wait(2000);
+    take();
+    const std::string due =
+        "[due KEY_INFO " + std::to_string(clock().elapsed().count() + 700) + "]";
+    panel.press(KEY_INFO);
+    // The first key is still down for the long-press detector, and overdue since long.
+    EXPECT_THAT(take(),
+                ElementsAre("KEY_INFO press", testing::StartsWith("[due KEY_VOLUMEUP"), due));
+    wait(60);
+    EXPECT_THAT(take(), Contains(testing::StartsWith("[cmd=VolumeUp, state=KeyLongPress")));
+}
+
+TEST_F(ObservedKeyHandlerTest, EndsTheTimingOfADeviceThatGoes)
+{
+    start(panelProfile());
+    InputNode &panel = plugPanel();
+    panel.press(KEY_VOLUMEUP);
+    take();
+    // The releases that the kernel would send are lost.
+    panel.sendBytes({});
+    subsystem().unplug(0);
+    clock().waitUntil([&] { return devices().devices().isEmpty(); });
+    const auto entries = take();
+    EXPECT_THAT(entries, Contains("[ended KEY_VOLUMEUP]"));
+}
+
+TEST_F(ObservedKeyHandlerTest, DoesNotMeasureItsOutput)
+{
+    start(panelProfile());
+    InputNode &panel = plugPanel();
+    // A terminal on a slow line: every entry takes a second to print.
+    setSink([this](const SessionEntry &) { clock().stepWallClock(std::chrono::seconds(1)); });
+    const qint64 now = clock().now();
+    panel.send({InputNode::record(EV_KEY, KEY_STOP, 1, now), InputNode::record(EV_SYN, 0, 0, now),
+                InputNode::record(EV_KEY, KEY_STOP, 0, now), InputNode::record(EV_SYN, 0, 0, now)});
+    EXPECT_THAT(take(),
+                ElementsAre("KEY_STOP press", "KEY_STOP release",
+                            "[cmd=Stop, state=KeyPressed, bus=LocalUI] of KEY_STOP after 0",
+                            "[cmd=Stop, state=KeyReleased, bus=LocalUI] of KEY_STOP after 0"));
+}
+
+TEST_F(ObservedKeyHandlerTest, SaysWhatBecameOfEachRecord)
+{
+    Profile profile = panelProfile();
+    HandlerProfile text;
+    text.identifiers = QStringList{"text"};
+    text.keys = {keyOf(KEY_PLAY, InputEvent::Confirm, true)};
+    profile.devices[0].handlers += text;
+    profile.devices[0].handlers[0].keys[3].command = InputEvent::None;
+    start(profile);
+    InputNode &panel = plugPanel();
+    panel.press(KEY_INFO);
+    panel.release(KEY_INFO);
+    panel.press(KEY_PLAY);
+    panel.release(KEY_PLAY);
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre(testing::MatchesRegex("KEY_INFO press held back until the release or "
+                                                  "the long press due at [0-9.]+ s"),
+                            "KEY_INFO release Info KeyPressed, Info KeyReleased",
+                            "KEY_PLAY press mapped to None, which is never published",
+                            "KEY_PLAY release mapped to None, which is never published"));
+    panel.press(KEY_STOP);
+    panel.press(KEY_PLAY);
+    panel.press(KEY_INFO);
+    panel.release(KEY_STOP);
+    panel.release(KEY_PLAY);
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre("KEY_STOP press held back until the release",
+                            "KEY_PLAY press FactoryReset KeyPressed",
+                            testing::MatchesRegex("KEY_INFO press dropped, since KEY_STOP \\+ "
+                                                  "KEY_PLAY are down since [0-9.]+ s"),
+                            "KEY_STOP release KEY_STOP + KEY_PLAY are a pair until both are up",
+                            "KEY_PLAY release FactoryReset KeyReleased"));
+    panel.release(KEY_INFO);
+    clock().settle();
+    devices().select("text");
+    panel.press(KEY_STOP);
+    clock().settle();
+    devices().select("");
+    panel.release(KEY_STOP);
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre("KEY_INFO release dropped: a release without a press",
+                            "KEY_STOP press not mapped under identifier 'text', but under ''",
+                            "KEY_STOP release dropped: a release without a press"));
+}
+
+TEST_F(ObservedKeyHandlerTest, SaysWhenASelectionEndedAPress)
+{
+    start(panelProfile());
+    InputNode &panel = plugPanel();
+    panel.press(KEY_STOP);
+    clock().settle();
+    devices().select("text");
+    devices().select("");
+    take();
+    panel.release(KEY_STOP);
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre(testing::MatchesRegex(
+                    "KEY_STOP release dropped: the handlers were selected at [0-9.]+ s, which "
+                    "ended its press")));
+}
+
+TEST_F(ObservedKeyHandlerTest, StatesWhatTheLibraryBelieves)
+{
+    start(panelProfile());
+    InputNode &panel = plugPanel();
+    panel.press(KEY_INFO);
+    panel.press(KEY_PLAY);
+    take();
+    devices().logStates();
+    ASSERT_EQ(entries().size(), 1);
+    const auto *states = std::get_if<KeyStates>(&entries().first().what);
+    ASSERT_TRUE(states);
+    EXPECT_TRUE(states->hasHandler);
+    EXPECT_TRUE(states->isChord);
+    ASSERT_EQ(states->keys.size(), 2);
+    const KeyState &play = states->keys.first();
+    EXPECT_EQ(play.code, KEY_PLAY);
+    EXPECT_TRUE(play.isDown);
+    EXPECT_FALSE(play.isWithdrawn);
+    const KeyState &info = states->keys.last();
+    EXPECT_EQ(info.code, KEY_INFO);
+    EXPECT_TRUE(info.isDown);
+    EXPECT_TRUE(info.isWithdrawn);
+    // The synthetic release ended both the hold and its timing.
+    EXPECT_FALSE(info.isHeld);
+    EXPECT_FALSE(info.isCounting);
+}

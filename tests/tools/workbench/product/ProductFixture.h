@@ -137,6 +137,28 @@ protected:
         return texts;
     }
 
+    /// What became of the records since the last time.
+    std::vector<std::string> takeOutcomes()
+    {
+        m_clock.settle();
+        std::vector<std::string> texts;
+        for (const SessionEntry &entry : std::exchange(m_entries, {})) {
+            if (const auto *outcome = std::get_if<RecordOutcome>(&entry.what)) {
+                QStringList parts{eventCodeName(outcome->type, outcome->code),
+                                  valueName(outcome->type, outcome->value),
+                                  outcome->events.join(", "), outcome->reason};
+                parts.removeAll({});
+                texts.push_back(parts.join(' ').toStdString());
+            }
+        }
+        return texts;
+    }
+
+    const QVector<SessionEntry> &entries() const { return m_entries; }
+
+    /// Called with each entry as it is passed on: what prints it.
+    void setSink(const SessionLog::Sink &sink) { m_sink = sink; }
+
     static Profile panelProfile()
     {
         HandlerProfile handler;
@@ -157,7 +179,12 @@ private:
     Sim::VirtualClock m_clock;
     Sim::InputSubsystem m_subsystem;
     QVector<SessionEntry> m_entries;
-    SessionLog m_log{[this](const SessionEntry &entry) { m_entries.append(entry); }};
+    SessionLog::Sink m_sink;
+    SessionLog m_log{[this](const SessionEntry &entry) {
+        m_entries.append(entry);
+        if (m_sink)
+            m_sink(entry);
+    }};
     std::unique_ptr<Product> m_devices;
 };
 

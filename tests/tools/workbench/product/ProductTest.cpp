@@ -1,5 +1,9 @@
 #include "Product.h"
+#include "InputProbe.h"
+#include "LogRecorder.h"
 #include "ProductFixture.h"
+
+#include <algorithm>
 
 using namespace Vorn::Sim;
 using namespace Vorn::Workbench;
@@ -118,4 +122,73 @@ TEST_F(ProductTest, UsesTheFirstEntryThatFitsNameAndBus)
     EXPECT_THAT(commandOf(1, "panel", BUS_I2C), testing::HasSubstr("cmd=Stop"));
     EXPECT_THAT(commandOf(2, "remote", BUS_I2C), testing::HasSubstr("cmd=Pause"));
     EXPECT_THAT(commandOf(3, "remote", BUS_SPI), testing::HasSubstr("cmd=Info"));
+}
+
+TEST_F(ProductTest, SaysWhyNothingTakesARecord)
+{
+    Profile profile = panelProfile();
+    profile.devices[0].name = QStringLiteral("desk-panel");
+    profile.devices[0].bus = InputEvent::Bus::SPI;
+    start(profile);
+    InputNode &panel = plug(0, DeviceDescription::keyboard("desk-panle", BUS_SPI, {KEY_STOP}));
+    InputNode &wheel = plug(1, DeviceDescription::keyboard("desk-panel", BUS_SPI, {KEY_STOP}));
+    InputNode &other = plug(2, DeviceDescription::keyboard("desk-panel", BUS_USB, {KEY_STOP}));
+    take();
+    panel.press(KEY_STOP);
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre("KEY_STOP press the device, 'desk-panle' (SPI), fits no entry of the "
+                            "profile; did you mean 'desk-panel' (SPI)?"));
+    other.press(KEY_STOP);
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre("KEY_STOP press the device, 'desk-panel' (USB), fits no entry of the "
+                            "profile; did you mean 'desk-panel' (SPI)?"));
+    devices().select("text");
+    wheel.press(KEY_STOP);
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre("KEY_STOP press the listener has no receiver: no keys of the device "
+                            "are mapped under identifier 'text', but under ''"));
+    wheel.send({InputNode::record(EV_REL, REL_X, 3, clock().now())});
+    EXPECT_THAT(takeOutcomes(), ElementsAre("REL_X 3 the library takes EV_KEY and EV_SW only"));
+}
+
+TEST_F(ProductTest, LeavesTheListenerOfUnreadRecordsWithoutAReceiver)
+{
+    start(panelProfile());
+    InputNode &other = plug(1, DeviceDescription::keyboard("other", BUS_USB, {KEY_INFO}));
+    other.press(KEY_INFO);
+    clock().settle();
+    const auto *listener = Vorn::InputProbe::keyListener(devices(), "/dev/input/event1");
+    ASSERT_TRUE(listener);
+    EXPECT_EQ(Vorn::InputProbe::receiver(*listener), nullptr);
+}
+
+TEST_F(ProductTest, TellsALostReleaseByWhatTheDeviceSays)
+{
+    start(panelProfile());
+    InputNode &panel = plugPanel();
+    // As after a lost release: the library has seen the press, but on the device the key is up.
+    panel.send({InputNode::record(EV_KEY, KEY_STOP, 1), InputNode::record(EV_SYN, SYN_REPORT, 0)});
+    panel.press(KEY_PLAY);
+    panel.press(KEY_INFO);
+    take();
+    wait(150);
+    EXPECT_THAT(take(),
+                ElementsAre(testing::AllOf(
+                    testing::StartsWith("front-panel: KEY_STOP is down for the library since "),
+                    testing::HasSubstr("but up on the device: its release was lost, and other "
+                                       "keys of the device are dropped until"))));
+}
+
+TEST_F(ProductTest, LeavesEachLineOfTheLibraryAlone)
+{
+    start(panelProfile());
+    InputNode &panel = plugPanel();
+    LogRecorder recorder;
+    panel.press(KEY_STOP);
+    panel.release(KEY_STOP);
+    clock().settle();
+    const std::vector<std::string> lines = recorder.texts();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "key:128 value 1"), 1);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "key:128 value 0"), 1);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "Found already event for code:128"), 1);
 }
