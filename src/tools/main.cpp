@@ -3,36 +3,22 @@
 #include "DevicesCommand.h"
 #include "ExitStatus.h"
 #include "LearnCommand.h"
+#include "LibraryLog.h"
 #include "MonitorCommand.h"
+#include "Output.h"
 #include "SimulateCommand.h"
 #include "TimelineCommand.h"
 
 #include <QCoreApplication>
 
-#include <log4cplus/consoleappender.h>
 #include <log4cplus/initializer.h>
-#include <log4cplus/layout.h>
-#include <log4cplus/logger.h>
 
 #include <cstdio>
 #include <exception>
-#include <memory>
-#include <string>
 
 using namespace Vorn::Tools;
 
 namespace {
-
-/// Sends the library's log lines to stderr, from @p level on.
-void configureLog(const std::string &level)
-{
-    log4cplus::SharedAppenderPtr console(new log4cplus::ConsoleAppender(true, true));
-    console->setLayout(std::make_unique<log4cplus::PatternLayout>("%-5p %c: %m%n"));
-    log4cplus::Logger root = log4cplus::Logger::getRoot();
-    root.addAppender(console);
-    root.setLogLevel(log4cplus::getLogLevelManager().fromString(
-        QString::fromStdString(level).toUpper().toStdString()));
-}
 
 int run(int argc, char *argv[])
 {
@@ -52,7 +38,7 @@ int run(int argc, char *argv[])
     CLI::App *app = commandLine.app();
     const auto add = [&](CLI::App *command, auto *options, auto function) {
         commandLine.setAction(command, [&commandLine, options, function] {
-            configureLog(commandLine.logLevel());
+            showLibraryLog(commandLine.logLevel());
             return function(*options);
         });
     };
@@ -79,7 +65,8 @@ int main(int argc, char *argv[])
     try {
         return run(argc, argv);
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "vorn-input: %s\n", error.what());
+        Vorn::Workbench::printLine(
+            stderr, QStringLiteral("vorn-input: ") + QString::fromLocal8Bit(error.what()));
         return Failure;
     }
 }

@@ -3,12 +3,13 @@
 #include "CommandOptions.h"
 #include "Diagnostic.h"
 #include "ExitStatus.h"
+#include "JsonLine.h"
 #include "Output.h"
 #include "ProfileReader.h"
+#include "Quoting.h"
 #include "TextFile.h"
 
 #include <QFileInfo>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -34,7 +35,7 @@ QByteArray toJson(const Diagnostic &diagnostic)
                              {QStringLiteral("column"), diagnostic.column},
                              {QStringLiteral("severity"), severityName(diagnostic)},
                              {QStringLiteral("message"), diagnostic.message}};
-    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+    return jsonLine(object);
 }
 
 QString toText(const Diagnostic &diagnostic, bool coloured)
@@ -44,8 +45,8 @@ QString toText(const Diagnostic &diagnostic, bool coloured)
         const QString severity = severityName(diagnostic);
         const bool isError = diagnostic.severity == Diagnostic::Severity::Error;
         // Counted from the end, because a file name may contain anything, "error" included.
-        const int begin =
-            text.size() - diagnostic.message.size() - severity.size() - 2; // ": " between
+        const int begin = text.size() - printable(diagnostic.message).size() - severity.size()
+            - 2; // ": " between
         text.insert(begin + severity.size(), QStringLiteral("\033[0m"));
         text.insert(begin, isError ? QStringLiteral("\033[1;31m") : QStringLiteral("\033[1;35m"));
     }
@@ -84,7 +85,7 @@ ExitStatus checkFile(const QString &file, const CheckOptions &options, bool colo
         if (options.json)
             print(stdout, toJson(diagnostic));
         else
-            printLine(stdout, toText(diagnostic, coloured));
+            printColoured(stdout, toText(diagnostic, coloured));
     }
 
     const auto errors = static_cast<int>(

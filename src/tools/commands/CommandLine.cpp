@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include "ExitStatus.h"
+#include "Quoting.h"
 #include "Suggestion.h"
 
 #include <QString>
@@ -88,7 +89,8 @@ CommandLine::CommandLine(const std::string &version)
     // So that common options are understood after the sub-command, where people put them.
     m_app->fallthrough();
     m_app->failure_message([](const CLI::App *failed, const CLI::Error &error) {
-        return "vorn-input: " + refusal(*failed, error).toStdString() + " (see --help)\n";
+        return "vorn-input: " + Workbench::printable(refusal(*failed, error)).toStdString()
+            + " (see --help)\n";
     });
     m_app->footer("Options and examples of a command: vorn-input COMMAND --help\n"
                   "Manual: man vorn-input\n"

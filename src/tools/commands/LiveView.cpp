@@ -96,7 +96,7 @@ void LiveView::show(const SessionEntry &entry)
     } else {
         const QString line = m_text.line(entry);
         if (!line.isEmpty())
-            printLine(stdout, line);
+            printColoured(stdout, line);
         const QString identifier = m_devices ? m_devices->identifier() : m_profile.initial;
         const QString place = m_hasProfile
             ? QStringLiteral(" (not in the profile under '%1')").arg(identifier)

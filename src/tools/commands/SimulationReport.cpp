@@ -61,7 +61,7 @@ void SimulationReport::add(const SessionEntry &entry)
         return;
     const QString shown = m_text.line(entry);
     if (!shown.isEmpty())
-        printLine(stdout, shown);
+        printColoured(stdout, shown);
 }
 
 void SimulationReport::printFailure() const
@@ -76,9 +76,7 @@ void SimulationReport::printFailure() const
         expected = expected.mid(7).trimmed();
     printLine(stream,
               QStringLiteral("%1:%2: expected %3, found %4")
-                  .arg(failure->file)
-                  .arg(failure->line)
-                  .arg(expected, failure->found));
+                  .arg(failure->file, QString::number(failure->line), expected, failure->found));
     for (const QString &line : m_context)
         printLine(stream, line);
     const QString time = secondsText(m_failure.time / 1000).rightJustified(9);

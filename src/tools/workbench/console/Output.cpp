@@ -1,5 +1,7 @@
 #include "Output.h"
 
+#include "Quoting.h"
+
 namespace Vorn::Workbench {
 
 void print(std::FILE *stream, const QByteArray &bytes)
@@ -10,6 +12,11 @@ void print(std::FILE *stream, const QByteArray &bytes)
 }
 
 void printLine(std::FILE *stream, const QString &line)
+{
+    printColoured(stream, printable(line));
+}
+
+void printColoured(std::FILE *stream, const QString &line)
 {
     print(stream, line.toUtf8() + '\n');
 }

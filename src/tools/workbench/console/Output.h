@@ -13,8 +13,12 @@ namespace Vorn::Workbench {
 /// Writes to a standard stream. Errors are sticky in the stream and reported by flush().
 void print(std::FILE *stream, const QByteArray &bytes);
 
-/// A line in UTF-8, whatever the locale: the same input gives the same output everywhere.
+/// A line in UTF-8, whatever the locale: the same input gives the same output everywhere. What a
+/// terminal must not get is escaped, see printable().
 void printLine(std::FILE *stream, const QString &line);
+
+/// A line with sequences that colour it, by somebody who has escaped all other parts of it.
+void printColoured(std::FILE *stream, const QString &line);
 
 /// Each on a line of stderr.
 void printDiagnostics(const Diagnostics &diagnostics);

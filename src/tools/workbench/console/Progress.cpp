@@ -1,6 +1,7 @@
 #include "Progress.h"
 
 #include "Output.h"
+#include "Quoting.h"
 #include "Terminal.h"
 
 #include <sys/ioctl.h>
@@ -48,7 +49,7 @@ void Progress::show(const QString &text)
     const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
     const int width = isKnown ? size.ws_col - 1 : 79;
     // A longer line would wrap, and \r does not return to the start of a wrapped line.
-    print(stderr, "\r\033[K" + text.left(width).toUtf8());
+    print(stderr, "\r\033[K" + printable(text).left(width).toUtf8());
 }
 
 void Progress::clear()

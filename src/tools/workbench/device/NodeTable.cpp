@@ -2,10 +2,11 @@
 
 #include "BusNames.h"
 #include "EventNames.h"
+#include "JsonLine.h"
+#include "Quoting.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -30,13 +31,8 @@ struct Row
     bool isUsed = false;
 };
 
-// A device chooses its name, which must not control the terminal.
-QString printable(QString text)
+QString shortened(QString text)
 {
-    for (QChar &character : text) {
-        if (!character.isPrint() && !character.isSurrogate())
-            character = QLatin1Char('?');
-    }
     if (text.size() > longestName)
         text = text.left(longestName - 1) + QChar(0x2026);
     return text;
@@ -96,7 +92,7 @@ Row rowOf(const NodeInfo &node, int detailWidth)
     row.isUsed = view.isUsed;
     row.problem = view.reason;
     row.cells << QFileInfo(node.path).fileName()
-              << (node.device.name.isNull() ? dash : printable(node.name()))
+              << (node.device.name.isNull() ? dash : shortened(printable(node.name())))
               << (node.hasIdentity ? kernelBusName(node.device.id.bustype) : dash)
               << (node.isReadable() ? busName(view.bus) : dash) << sides(view);
     // Not "0 keys", which would be untrue.
@@ -189,7 +185,7 @@ QByteArray nodeJson(const NodeInfo &node)
         {"keySide", view.readsKeys ? used : view.keyReason},
         {"switchSide", view.readsSwitches ? used : view.switchReason},
     };
-    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+    return jsonLine(object);
 }
 
 } // namespace Vorn::Workbench

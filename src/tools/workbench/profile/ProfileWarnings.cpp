@@ -206,14 +206,15 @@ void ProfileWarnings::checkIdentifiers(const DeviceProfile &device, const Device
             own.insert(identifier);
             const int keyLine = hasKeys ? keyLines.value(identifier) : 0;
             const int switchLine = hasSwitches ? switchLines.value(identifier) : 0;
-            const QString message =
-                QStringLiteral("the %1 under %2 in line %3 are never used: those "
-                               "of this handler replace them");
-            if (keyLine > 0)
-                warn(place, message.arg(QStringLiteral("keys"), quoted(identifier)).arg(keyLine));
-            if (switchLine > 0)
-                warn(place,
-                     message.arg(QStringLiteral("switches"), quoted(identifier)).arg(switchLine));
+            const auto warnOf = [&](const char *group, int line) {
+                if (line > 0)
+                    warn(place,
+                         QStringLiteral("the %1 under %2 in line %3 are never used: those of this "
+                                        "handler replace them")
+                             .arg(QLatin1String(group), quoted(identifier), QString::number(line)));
+            };
+            warnOf("keys", keyLine);
+            warnOf("switches", switchLine);
             if (hasKeys)
                 keyLines.insert(identifier, place.line);
             if (hasSwitches)

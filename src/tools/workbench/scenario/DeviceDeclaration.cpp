@@ -100,8 +100,7 @@ void readOption(ScenarioLine *line, const ScenarioWord &word, Declaration *decla
         if (!device.node)
             line->error(word.valueColumn,
                         QStringLiteral("%1 is not a node; write one from event0 to event%2")
-                            .arg(quoted(word.value))
-                            .arg(ScenarioLimit::node));
+                            .arg(quoted(word.value), QString::number(ScenarioLimit::node)));
     } else if (word.option == QLatin1String("keys")) {
         device.keys = readCodes(line, word, true);
     } else if (word.option == QLatin1String("switches")) {
@@ -187,8 +186,7 @@ bool canBeCalled(ScenarioLine *line, const ScenarioWord &label, const ScenarioCo
     if (other >= 0) {
         const ScenarioDevice &first = context.scenario().devices[other];
         line->error(QStringLiteral("%1 is already declared in %2, line %3")
-                        .arg(label.text, first.file)
-                        .arg(first.line));
+                        .arg(label.text, first.file, QString::number(first.line)));
         return false;
     }
     return true;

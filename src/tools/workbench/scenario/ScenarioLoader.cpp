@@ -130,8 +130,7 @@ void loadRecordings(LoadedScenario *loaded)
                 step.file, step.line,
                 QStringLiteral(
                     "%1 contains %2 devices, so it cannot be played on one; leave out 'on'")
-                    .arg(quoted(play->file))
-                    .arg(nodes)));
+                    .arg(quoted(play->file), QString::number(nodes))));
     }
 }
 

@@ -26,8 +26,7 @@ void readProfile(ScenarioLine *line, ScenarioContext *context)
     if (!scenario.profile.isEmpty()) {
         line->error(1,
                     QStringLiteral("the scenario already has a profile, see %1, line %2")
-                        .arg(scenario.profileNamedIn)
-                        .arg(scenario.profileLine));
+                        .arg(scenario.profileNamedIn, QString::number(scenario.profileLine)));
         return;
     }
     scenario.profile = line->pathTo(name->text);

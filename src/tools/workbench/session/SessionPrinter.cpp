@@ -2,6 +2,7 @@
 
 #include "BusNames.h"
 #include "EventNames.h"
+#include "Quoting.h"
 #include "Session.h"
 
 #include <QFileInfo>
@@ -40,19 +41,6 @@ QString latencyText(qint64 microseconds)
 {
     const QString text = QString::number(static_cast<double>(microseconds) / 1000, 'f', 1);
     return (microseconds < 0 ? QString() : QStringLiteral("+")) + text + QStringLiteral(" ms");
-}
-
-/// Names come from devices and files: their line breaks and escape sequences must not reach the
-/// terminal.
-QString printable(const QString &text)
-{
-    QString result;
-    result.reserve(text.size());
-    for (const QChar character : text)
-        result += character.isPrint() || character.isSurrogate()
-            ? character
-            : QChar(QChar::ReplacementCharacter);
-    return result;
 }
 
 QString cut(const QString &text, int width)
@@ -224,10 +212,9 @@ public:
         const QString text = printable(expectation.text);
         if (expectation.met)
             return {{}, QStringLiteral("met: ") + text, green};
-        QString failed = QStringLiteral("%1:%2: failed: %3")
-                             .arg(printable(expectation.file))
-                             .arg(expectation.line)
-                             .arg(text);
+        QString failed =
+            QStringLiteral("%1:%2: failed: %3")
+                .arg(printable(expectation.file), QString::number(expectation.line), text);
         if (!expectation.found.isEmpty())
             failed += QStringLiteral(", but found ") + printable(expectation.found);
         return {{}, failed, red};

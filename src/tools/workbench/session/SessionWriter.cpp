@@ -3,12 +3,12 @@
 #include "BusNames.h"
 #include "CommandNames.h"
 #include "EventNames.h"
+#include "JsonLine.h"
 #include "Session.h"
 #include "SessionFormat.h"
 
 #include <QDateTime>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <linux/input.h>
@@ -185,7 +185,7 @@ QByteArray toJsonLine(const SessionEntry &entry)
 {
     QJsonObject object = std::visit([](const auto &what) { return members(what); }, entry.what);
     object.insert("time", milliseconds(entry.time));
-    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+    return jsonLine(object);
 }
 
 } // namespace Vorn::Workbench

@@ -1,5 +1,7 @@
 #include "Diagnostic.h"
 
+#include "Quoting.h"
+
 #include <algorithm>
 
 namespace Vorn::Workbench {
@@ -16,14 +18,14 @@ bool isContinuation(char byte)
 
 QString Diagnostic::toString() const
 {
-    QString text = file;
+    QString text = printable(file);
     if (line > 0)
         text += QLatin1Char(':') + QString::number(line);
     if (line > 0 && column > 0)
         text += QLatin1Char(':') + QString::number(column);
     text +=
         severity == Severity::Error ? QStringLiteral(": error: ") : QStringLiteral(": warning: ");
-    return text + message;
+    return text + printable(message);
 }
 
 bool hasErrors(const Diagnostics &diagnostics)

@@ -7,8 +7,15 @@
 
 namespace Vorn::Workbench {
 
-/// A text from a file or a command line in single quotes, for a message: on one line, shortened if
-/// necessary, and without control characters.
+/// Whether people see a character as what it is: not one that controls a terminal or the direction
+/// of a line, and none without width.
+bool isPrintable(uint character);
+
+/// A text from a device, a file or a command line, for people: characters that isPrintable() denies
+/// are written as in TOML and JSON, "\n" or "\u202e".
+QString printable(const QString &text);
+
+/// The same in single quotes, shortened to sixty characters.
 QString quoted(const QString &text);
 /// The same for UTF-8.
 QString quoted(std::string_view text);

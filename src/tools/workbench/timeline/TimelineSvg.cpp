@@ -1,32 +1,11 @@
 #include "TimelineSvg.h"
 
+#include "Quoting.h"
 #include "TimelineStyle.h"
 
 namespace Vorn::Workbench {
 
 namespace {
-
-/// Replaces characters that an XML document must not contain with U+FFFD.
-QString allowed(const QString &text)
-{
-    QString result;
-    result.reserve(text.size());
-    for (int i = 0; i < text.size(); ++i) {
-        const QChar character = text.at(i);
-        // Characters beyond the basic plane are allowed, but half of one is not.
-        const bool isPair =
-            character.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
-        if (isPair) {
-            result += character;
-            result += text.at(++i);
-            continue;
-        }
-        const bool isAllowed =
-            character.unicode() >= 0x20 && character.unicode() < 0xfffe && !character.isSurrogate();
-        result += isAllowed ? character : QChar(QChar::ReplacementCharacter);
-    }
-    return result;
-}
 
 /// To a tenth of a pixel, which is as fine as anyone can see, and keeps the file small.
 QString number(double value)
@@ -53,8 +32,8 @@ TimelineSvg::TimelineSvg(double width, double height, const QString &title,
     m_writer.writeAttribute(QStringLiteral("viewBox"),
                             QStringLiteral("0 0 %1 %2").arg(number(width), number(height)));
     m_writer.writeAttribute(QStringLiteral("role"), QStringLiteral("img"));
-    m_writer.writeTextElement(QStringLiteral("title"), allowed(title));
-    m_writer.writeTextElement(QStringLiteral("desc"), allowed(description));
+    m_writer.writeTextElement(QStringLiteral("title"), printable(title));
+    m_writer.writeTextElement(QStringLiteral("desc"), printable(description));
     m_writer.writeTextElement(QStringLiteral("style"), timelineStyle());
     rectangle(0, 0, width, height, "paper");
 }
@@ -102,8 +81,8 @@ void TimelineSvg::text(double x, double y, const QString &text, const char *cssC
                                 QString::fromLatin1(anchor == Anchor::Middle ? "middle" : "end"));
     // The title first: the white space that formatting adds after it would end up in the text.
     if (!title.isEmpty())
-        m_writer.writeTextElement(QStringLiteral("title"), allowed(title));
-    m_writer.writeCharacters(allowed(text));
+        m_writer.writeTextElement(QStringLiteral("title"), printable(title));
+    m_writer.writeCharacters(printable(text));
     m_writer.writeEndElement();
 }
 
@@ -127,7 +106,7 @@ void TimelineSvg::start(const char *element, const char *cssClass)
 void TimelineSvg::end(const QString &title)
 {
     if (!title.isEmpty())
-        m_writer.writeTextElement(QStringLiteral("title"), allowed(title));
+        m_writer.writeTextElement(QStringLiteral("title"), printable(title));
     m_writer.writeEndElement();
 }
 

@@ -25,6 +25,15 @@ TEST(Output, IsUtf8AndEndsLines)
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "K\xc3\xa4se\nas it is");
 }
 
+TEST(Output, ControlsNoTerminalButInColour)
+{
+    testing::internal::CaptureStdout();
+    printLine(stdout, QStringLiteral("a\x1b[2J\u202e"));
+    printColoured(stdout, QStringLiteral("\x1b[1mbold\x1b[0m"));
+    EXPECT_TRUE(flush(stdout));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "a\\u001b[2J\\u202e\n\x1b[1mbold\x1b[0m\n");
+}
+
 TEST(Output, ListsDiagnosticsOnStandardError)
 {
     testing::internal::CaptureStderr();

@@ -266,7 +266,7 @@ TEST(Profile, RejectsWrongKeys)
          {R"(0x300 = "Info")",
           "1: error: the code of a key is a whole number from 0 to 767, not '0x300'"},
          {R"("KEY_INFO\u0000" = "Info")",
-          "1: error: unknown key 'KEY_INFO\xEF\xBF\xBD', did you mean 'KEY_INFO'?"},
+          "1: error: unknown key 'KEY_INFO\\u0000', did you mean 'KEY_INFO'?"},
          {R"(identifiers = ["a"])",
           "1: error: 'identifiers' belongs to the handler; write it directly below "
           "[device.handler], above its tables"}},

@@ -38,3 +38,9 @@ TEST(TextPosition, CountsLinesAndCharactersFromOne)
     EXPECT_EQ(at(-7), std::make_pair(1, 1));
     EXPECT_EQ(at(99), std::make_pair(3, 1));
 }
+
+TEST(Diagnostic, ControlsNoTerminal)
+{
+    const Diagnostic diagnostic{Diagnostic::Severity::Error, "a\x1b[2J.toml", 1, 2, "b\nc\u202e"};
+    EXPECT_EQ(diagnostic.toString().toStdString(), R"(a\u001b[2J.toml:1:2: error: b\nc\u202e)");
+}
