@@ -4,6 +4,7 @@
 #include "CommandNames.h"
 #include "EventNames.h"
 #include "ProfileReader.h"
+#include "Quoting.h"
 
 #include <QSet>
 #include <QStringList>
@@ -21,16 +22,12 @@ QString string(const QString &text)
     const QByteArray utf8 = text.toUtf8();
     const QString valid = QString::fromUtf8(utf8.constData(), utf8.size());
     for (const QChar character : valid) {
-        if (character == QLatin1Char('"') || character == QLatin1Char('\\')) {
+        if (character == QLatin1Char('"') || character == QLatin1Char('\\'))
             result += QLatin1Char('\\');
-            result += character;
-        } else if (character.unicode() < 0x20 || character.unicode() == 0x7F) {
-            result += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
-        } else {
-            result += character;
-        }
+        result += character;
     }
-    return result + QLatin1Char('"');
+    // People open profiles in terminals, and the escapes are those of TOML.
+    return printable(result) + QLatin1Char('"');
 }
 
 QString member(const char *name, const QString &value)

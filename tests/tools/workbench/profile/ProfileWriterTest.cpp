@@ -6,6 +6,7 @@
 #include "EventNames.h"
 #include "Profile.h"
 #include "ProfileReader.h"
+#include "Quoting.h"
 
 #include <gmock/gmock.h>
 
@@ -382,6 +383,7 @@ TEST(ProfileWriter, WritesTextsOfAllCharacters)
     QString controls;
     for (ushort code = 0; code < 0x100; ++code)
         controls += QChar(code);
+    controls += QStringLiteral("\u202e\u2028");
     const QString beyond = QString::fromUtf8("\U0001F3B5 \uFFFD");
     HandlerProfile handler;
     handler.identifiers = QStringList{controls, beyond, QString()};
@@ -391,6 +393,8 @@ TEST(ProfileWriter, WritesTextsOfAllCharacters)
     profile.devices[0].name = controls;
     profile.select = {{InputEvent::Confirm, InputEvent::KeyPressed, controls}};
     expectReadBack(profile);
+    const QString text = QString::fromUtf8(writeProfile(profile)).remove(QLatin1Char('\n'));
+    EXPECT_EQ(text, printable(text));
 }
 
 TEST(ProfileWriter, ReplacesHalfAPairWhichUtf8Lacks)
