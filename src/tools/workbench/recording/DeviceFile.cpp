@@ -88,9 +88,13 @@ public:
             if (line.empty() || line == "\r") {
                 isBetween = true;
             } else if (isBetween && !startsWith(line, "P: ")) {
-                error(QStringLiteral("expected a device to start with its path, as in "
-                                     "'P: /devices/…', found %1")
-                          .arg(quoted(line)));
+                // Not quoted at the start: a file that was named by a slip may hold anything.
+                error(m_blocks.isEmpty()
+                          ? QStringLiteral("this is no device file: it does not begin with the "
+                                           "path of a device, as in 'P: /devices/…'")
+                          : QStringLiteral("expected a device to start with its path, as in "
+                                           "'P: /devices/…', found %1")
+                                .arg(quoted(line)));
                 return {};
             } else {
                 isBetween = false;
@@ -145,8 +149,9 @@ private:
             return;
         const auto number = toNumber<quint32>(name);
         if (!number || *number > lastNode) {
-            error(QStringLiteral("expected the number of a node, as in 'input/event0', found %1")
-                      .arg(quoted(name)));
+            error(QStringLiteral("expected the number of a node, up to %1, as in 'input/event0', "
+                                 "found %2")
+                      .arg(QString::number(lastNode), quoted(name)));
             return;
         }
         m_blocks.last().node = static_cast<int>(*number);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 namespace Vorn::Workbench {
 
@@ -38,7 +39,7 @@ public:
 
     ParsedRecording parse()
     {
-        while (!m_problems.isFull() && m_lines.next())
+        while (!m_isForeign && !m_problems.isFull() && m_lines.next())
             parseLine(m_lines.line());
         if (m_isDescribed) {
             describe();
@@ -59,7 +60,16 @@ private:
             line.remove_suffix(1);
         if (line.empty() || line.front() == '#')
             return;
-        if (line.size() < 2 || line[0] < 'A' || line[0] > 'Z' || line[1] != ':') {
+        const bool isKnown = line.size() >= 2 && line[0] >= 'A' && line[0] <= 'Z' && line[1] == ':';
+        if (!isKnown && !std::exchange(m_isRecording, true)) {
+            // Not quoted: a file that was named by a slip may hold anything.
+            error(QStringLiteral("this is no recording of a device: it does not begin with a line "
+                                 "like 'N: panel' or 'E: 1.500000 0001 0073 0001'"));
+            m_isForeign = true;
+            return;
+        }
+        m_isRecording = true;
+        if (!isKnown) {
             error(QStringLiteral("expected a line like 'E: 1.500000 0001 0073 0001' or a comment, "
                                  "found %1")
                       .arg(quoted(line)));
@@ -154,7 +164,8 @@ private:
             return false;
         }
         if (*seconds > lastSecond) {
-            error(QStringLiteral("time out of range: %1").arg(quoted(text)));
+            error(QStringLiteral("%1 is out of range; a time is at most %2 seconds")
+                      .arg(quoted(text), QString::number(lastSecond)));
             return false;
         }
         *time = static_cast<qint64>(*seconds) * second + static_cast<qint64>(*microseconds);
@@ -202,7 +213,7 @@ private:
             if (bytes->size() < KEY_CNT / 8) {
                 *bytes += static_cast<char>(*byte);
             } else if (*byte != 0) {
-                error(QStringLiteral("more codes than a device can have"));
+                error(QStringLiteral("more than %1 codes, which no device can have").arg(KEY_CNT));
                 return;
             }
         }
@@ -255,6 +266,8 @@ private:
     Problems m_problems;
     RecordedNode m_node;
     RecordedDevice m_device;
+    bool m_isRecording = false; ///< a line has been recognised
+    bool m_isForeign = false;
     bool m_isDescribed = false;
     QByteArray m_properties;
     QMap<int, QByteArray> m_codes;

@@ -63,6 +63,10 @@ public:
     {
         while (!m_problems.isFull() && m_lines.next())
             parseLine(m_lines.line());
+        if (!m_hasAnswers)
+            m_problems.error(0,
+                             QStringLiteral("contains no answers of a device, lines like "
+                                            "'EVIOCGID 0 1900010001000100'"));
         describe(device);
         return m_problems.diagnostics();
     }
@@ -74,6 +78,7 @@ private:
         constexpr std::string_view known = "EVIOCG";
         if (call.substr(0, known.size()) != known)
             return;
+        m_hasAnswers = true;
         const std::string_view resultText = takeField(&line);
         const auto result = toNumber<qint32>(resultText);
         if (!result) {
@@ -172,6 +177,7 @@ private:
 
     LineReader m_lines;
     Problems m_problems;
+    bool m_hasAnswers = false;
     std::optional<Answer> m_id;
     std::optional<Answer> m_name;
     std::optional<Answer> m_phys;

@@ -101,6 +101,30 @@ void startAtFirstEvent(QVector<RecordedNode> *nodes)
     }
 }
 
+/// What a device file and the files beside it have to say, and do not.
+Diagnostics missingParts(const ParsedRecording &recording, const QString &path)
+{
+    Problems problems(path);
+    if (recording.nodes.isEmpty())
+        problems.error(0,
+                       QStringLiteral("describes no input device: there is no line like "
+                                      "'N: input/event0'"));
+    for (const RecordedNode &node : recording.nodes) {
+        if (!node.device)
+            problems.error(0,
+                           QStringLiteral("event%1 is not described; its answers are missing, in "
+                                          "'event%1.ioctl' in the same folder")
+                               .arg(node.number));
+    }
+    const auto hasEvents = [](const RecordedNode &node) { return !node.events.isEmpty(); };
+    if (!problems.hasErrors()
+        && std::none_of(recording.nodes.cbegin(), recording.nodes.cend(), hasEvents))
+        problems.warning(0,
+                         QStringLiteral("no events; those of event0, for example, are read from "
+                                        "'event0.evemu' in the same folder"));
+    return problems.diagnostics();
+}
+
 ParsedRecording loadDeviceFile(const QByteArray &text, const QString &path)
 {
     Problems problems(path);
@@ -113,15 +137,20 @@ ParsedRecording loadDeviceFile(const QByteArray &text, const QString &path)
         recording.nodes += node.node;
     }
     startAtFirstEvent(&recording.nodes);
+    if (!hasErrors(recording.diagnostics))
+        recording.diagnostics += missingParts(recording, path);
+    return recording;
+}
 
-    const auto hasEvents = [](const RecordedNode &node) { return !node.events.isEmpty(); };
-    if (!hasErrors(recording.diagnostics)
-        && std::none_of(recording.nodes.cbegin(), recording.nodes.cend(), hasEvents))
-    {
+ParsedRecording loadEvemu(const QByteArray &text, const QString &path)
+{
+    ParsedRecording recording = parseEvemu(text, path);
+    const RecordedNode &node = recording.nodes.first();
+    if (!hasErrors(recording.diagnostics) && !node.device && node.events.isEmpty()) {
         Problems empty(path);
-        empty.warning(0,
-                      QStringLiteral("no events; those of event0, for example, are read from "
-                                     "'event0.evemu' in the same folder"));
+        empty.error(0,
+                    QStringLiteral("contains neither a device (lines like 'N: panel') nor events "
+                                   "(lines like 'E: 1.500000 0001 0073 0001')"));
         recording.diagnostics += empty.diagnostics();
     }
     return recording;
@@ -137,7 +166,7 @@ ParsedRecording loadRecording(const QString &path)
         return recording;
     if (path.endsWith(QLatin1String(".umockdev")))
         return loadDeviceFile(*text, path);
-    return parseEvemu(*text, path);
+    return loadEvemu(*text, path);
 }
 
 } // namespace Vorn::Workbench

@@ -19,6 +19,7 @@ public:
     void error(int line, const QString &message);
     void warning(int line, const QString &message);
 
+    bool hasErrors() const { return m_errors > 0; }
     /// Whether there are so many errors that reading on is pointless.
     bool isFull() const { return m_errors >= limit; }
 

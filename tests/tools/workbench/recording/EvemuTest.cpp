@@ -146,8 +146,8 @@ TEST(Evemu, KeepsANameWithALineEndOnItsLine)
 
 TEST(Evemu, SaysWhichLineIsWrong)
 {
-    EXPECT_EQ(errorOf("# fine\nhello\n"),
-              "x.evemu:2: error: expected a line like 'E: 1.500000 0001 0073 0001' or a comment, "
+    EXPECT_EQ(errorOf("# fine\nN: x\nhello\n"),
+              "x.evemu:3: error: expected a line like 'E: 1.500000 0001 0073 0001' or a comment, "
               "found 'hello'");
     EXPECT_EQ(errorOf("E: 1.500000 0001 0073\n"),
               "x.evemu:1: error: expected a value in decimal, found ''");
@@ -166,6 +166,13 @@ TEST(Evemu, SaysWhichLineIsWrong)
     EXPECT_THAT(errorOf("S: 99 1\n"), HasSubstr("expected the code of a switch"));
 }
 
+TEST(Evemu, QuotesNothingOfAFileThatIsNoRecording)
+{
+    EXPECT_EQ(errorOf("# users\nroot:secret:0:0\nE: 1.500000 0001 0073 1\n"),
+              "x.evemu:2: error: this is no recording of a device: it does not begin with a line "
+              "like 'N: panel' or 'E: 1.500000 0001 0073 0001'");
+}
+
 TEST(Evemu, RefusesTimesThatOtherReadersTakeForSomethingElse)
 {
     EXPECT_EQ(errorOf("E: 1.5 0001 0073 1\n"),
@@ -178,11 +185,13 @@ TEST(Evemu, RefusesNumbersThatAreTooLarge)
 {
     EXPECT_THAT(errorOf("E: 99999999999999999999.000000 0001 0073 1\n"),
                 HasSubstr("expected a time"));
-    EXPECT_THAT(errorOf("E: 9999999999999.000000 0001 0073 1\n"), HasSubstr("time out of range"));
+    EXPECT_THAT(errorOf("E: 9999999999999.000000 0001 0073 1\n"),
+                HasSubstr("'9999999999999.000000' is out of range; a time is at most "
+                          "100000000000 seconds"));
     EXPECT_THAT(errorOf("E: 1.000000 0001 0073 2147483648\n"), HasSubstr("expected a value"));
     EXPECT_THAT(errorOf("N: x\nB: 05 00 00 02\n"), HasSubstr("x.evemu:2: error: codes above 16"));
     EXPECT_THAT(errorOf("B: 01" + QByteArray(" 00").repeated(96) + " 01\n"),
-                HasSubstr("more codes than a device can have"));
+                HasSubstr("more than 768 codes, which no device can have"));
 }
 
 TEST(Evemu, HoldsATimeThatGoesBackAndWarns)
@@ -198,8 +207,8 @@ TEST(Evemu, HoldsATimeThatGoesBackAndWarns)
 
 TEST(Evemu, TellsTheFirstErrorsOnly)
 {
-    const ParsedRecording recording = parse(QByteArray("nonsense\n").repeated(100'000));
-    EXPECT_EQ(recording.diagnostics.size(), 20);
+    const ParsedRecording recording = parse("N: x\n" + QByteArray("nonsense\n").repeated(100'000));
+    EXPECT_EQ(recording.diagnostics.size(), 21);
 }
 
 TEST(Evemu, StillTellsErrorsAfterManyWarnings)

@@ -95,6 +95,14 @@ TEST(Ioctls, LeaveAloneWhatTheyDoNotTell)
     EXPECT_TRUE(device.has(EV_ABS));
 }
 
+TEST(Ioctls, AreMissingInAFileOfAnotherKind)
+{
+    for (const char *text : {"", "@DEV /dev/input/event0\n", "root:secret:0:0\n"})
+        EXPECT_EQ(ioctlErrorOf(text),
+                  "x.ioctl: error: contains no answers of a device, lines like 'EVIOCGID 0 "
+                  "1900010001000100'");
+}
+
 TEST(Ioctls, SayWhichLineIsWrong)
 {
     EXPECT_EQ(ioctlErrorOf("\nEVIOCGID 0 19000\n"),

@@ -103,11 +103,32 @@ TEST_F(LoadRecording, DoesNotLeaveTheFolder)
 TEST_F(LoadRecording, SaysWhereEventsAreLookedFor)
 {
     const QString path = write("x.umockdev", twoNodes);
+    write("event0.ioctl", "EVIOCGNAME(0) 6 70616e656c00\n");
+    write("event1.ioctl", "EVIOCGNAME(0) 6 70616e656c00\n");
     const ParsedRecording recording = loadRecording(path);
-    ASSERT_EQ(recording.diagnostics.size(), 1);
     EXPECT_FALSE(hasErrors(recording.diagnostics));
     EXPECT_THAT(textOf(recording.diagnostics), HasSubstr("warning: no events"));
     EXPECT_EQ(recording.nodes.size(), 2);
+}
+
+TEST_F(LoadRecording, RefusesADeviceThatIsNotDescribed)
+{
+    const QString path = write("x.umockdev", twoNodes);
+    write("event0.ioctl", "EVIOCGNAME(0) 6 70616e656c00\n");
+    EXPECT_THAT(textOf(loadRecording(path).diagnostics),
+                testing::EndsWith("x.umockdev: error: event1 is not described; its answers are "
+                                  "missing, in 'event1.ioctl' in the same folder\n"));
+}
+
+TEST_F(LoadRecording, RefusesAFileThatSaysNothing)
+{
+    for (const char *text : {"", "# only a comment\n"})
+        EXPECT_THAT(textOf(loadRecording(write("x.evemu", text)).diagnostics),
+                    HasSubstr("x.evemu: error: contains neither a device"));
+    // As a session without devices is recorded.
+    for (const char *text : {"", "P: /devices/absent/event0\nN: input/event0=00\n"})
+        EXPECT_THAT(textOf(loadRecording(write("x.umockdev", text)).diagnostics),
+                    HasSubstr("x.umockdev: error: describes no input device"));
 }
 
 TEST_F(LoadRecording, SaysWhatCannotBeRead)

@@ -125,15 +125,20 @@ TEST(Umockdev, SaysWhichLineIsWrong)
 {
     EXPECT_EQ(
         errorOf("# comment\n"),
-        "x.umockdev:1: error: expected a device to start with its path, as in 'P: /devices/…', "
-        "found '# comment'");
+        "x.umockdev:1: error: this is no device file: it does not begin with the path of a device, "
+        "as in 'P: /devices/…'");
+    EXPECT_EQ(
+        errorOf("P: /devices/a\n\nhello\n"),
+        "x.umockdev:3: error: expected a device to start with its path, as in 'P: /devices/…', "
+        "found 'hello'");
     EXPECT_EQ(errorOf("P: /devices/a\nhello\n"),
               "x.umockdev:2: error: expected a line starting with P:, N:, S:, L:, E:, A: or H:, "
               "found 'hello'");
     EXPECT_THAT(errorOf("P: /devices/a\nE: EV\n"),
                 HasSubstr("x.umockdev:2: error: expected a name"));
-    EXPECT_THAT(errorOf("P: /a\nN: input/event99999999999\n"),
-                HasSubstr("x.umockdev:2: error: expected the number of a node"));
+    EXPECT_THAT(
+        errorOf("P: /a\nN: input/event99999999999\n"),
+        HasSubstr("x.umockdev:2: error: expected the number of a node, up to 99999, as in "));
     EXPECT_EQ(errorOf("P: /a\nN: input/event1\n\nP: /b\nN: input/event1\n"),
               "x.umockdev:4: error: event1 is already described in line 1");
     EXPECT_EQ(errorOf("P: /a\nN: input/event1\nE: KEY=xyz\n"),

@@ -14,12 +14,15 @@ TEST(Problems, NameTheirFileAndLine)
     EXPECT_EQ(problems.diagnostics().at(1).toString().toStdString(), "a.evemu:4: error: wrong");
 }
 
-TEST(Problems, KeepTheFirstTwentyOfEachKind)
+TEST(Problems, KeepTheFirstTwentyOfEachKindAndSaySo)
 {
     Problems problems("a.evemu");
     for (int line = 1; line <= 100; ++line)
         problems.warning(line, "odd");
-    EXPECT_EQ(problems.diagnostics().size(), 20);
+    ASSERT_EQ(problems.diagnostics().size(), 21);
+    EXPECT_EQ(problems.diagnostics().last().toString().toStdString(),
+              "a.evemu:20: warning: these are 20 warnings; further ones are not told");
+    EXPECT_FALSE(problems.hasErrors());
     EXPECT_FALSE(problems.isFull());
     for (int line = 1; line <= 19; ++line)
         problems.error(line, "wrong");
@@ -27,6 +30,7 @@ TEST(Problems, KeepTheFirstTwentyOfEachKind)
     for (int line = 20; line <= 100; ++line)
         problems.error(line, "wrong");
     EXPECT_TRUE(problems.isFull());
-    EXPECT_EQ(problems.diagnostics().size(), 40);
-    EXPECT_EQ(problems.diagnostics().last().line, 20);
+    EXPECT_EQ(problems.diagnostics().size(), 42);
+    EXPECT_EQ(problems.diagnostics().last().toString().toStdString(),
+              "a.evemu:20: error: these are 20 errors; the rest of the file is not read");
 }
