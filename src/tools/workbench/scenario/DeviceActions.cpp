@@ -326,15 +326,21 @@ constexpr Action actions[] = {
 
 } // namespace
 
+QStringList actionNames()
+{
+    QStringList names;
+    for (const Action &action : actions)
+        names += QLatin1String(action.word);
+    return names;
+}
+
 void readAction(ScenarioLine *line, ScenarioContext *context, int device)
 {
     const QString label = context->device(device).label;
     const ScenarioWord *word = line->take(QStringLiteral("what %1 does").arg(label));
     if (!word)
         return;
-    QStringList known;
     for (const Action &action : actions) {
-        known += QLatin1String(action.word);
         if (word->isQuoted || word->text != QLatin1String(action.word))
             continue;
         if (!context->state(device).isPlugged && action.read != &readPlug)
@@ -343,7 +349,7 @@ void readAction(ScenarioLine *line, ScenarioContext *context, int device)
             action.read(line, context, device);
         return;
     }
-    line->unknown(word->column, QStringLiteral("action"), word->text, known);
+    line->unknown(word->column, QStringLiteral("action"), word->text, actionNames());
 }
 
 } // namespace Vorn::Workbench

@@ -171,9 +171,15 @@ bool canBeCalled(ScenarioLine *line, const ScenarioWord &label, const ScenarioCo
 {
     static const QRegularExpression pattern(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_-]{0,63}\\z"));
     if (label.isQuoted || !pattern.match(label.text.left(65)).hasMatch()) {
-        line->error(QStringLiteral("%1 cannot be the name of a device; use letters, digits, '-' "
-                                   "and '_', and give the kernel's name with name=\"…\"")
-                        .arg(quoted(label.text)));
+        line->error(
+            QStringLiteral("%1 cannot be the name of a device; use up to 64 letters, digits, "
+                           "'-' and '_', and give the kernel's name with name=\"…\"")
+                .arg(quoted(label.text)));
+        return false;
+    }
+    if (context.scenario().devices.size() >= ScenarioLimit::devices) {
+        line->error(
+            QStringLiteral("a scenario has at most %1 devices").arg(ScenarioLimit::devices));
         return false;
     }
     // A line that starts with it would be ambiguous.

@@ -18,7 +18,10 @@ constexpr int lines = 100'000;
 
 constexpr int steps = 100'000;
 
-/// After this many, parsing stops: the rest of the file is likely to be of another kind.
+/// As many as there are nodes for, see below.
+constexpr int devices = 100;
+
+/// After this many, which is said, parsing stops.
 constexpr int diagnostics = 100;
 
 /// The longest single duration.

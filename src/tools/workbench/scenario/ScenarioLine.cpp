@@ -137,7 +137,7 @@ std::optional<qint64> ScenarioLine::takeDuration()
     const std::optional<qint64> duration = milliseconds(word->text);
     if (!duration) {
         error(QStringLiteral("%1 is not a duration; write one like 1200ms, 1.5s, 2min or 1h, in "
-                             "whole milliseconds")
+                             "whole milliseconds, at most 7 days")
                   .arg(quoted(word->text)));
         return std::nullopt;
     }

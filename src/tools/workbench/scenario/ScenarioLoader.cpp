@@ -5,8 +5,8 @@
 #include "Quoting.h"
 #include "Recording.h"
 #include "RecordingLoader.h"
+#include "ScenarioChecks.h"
 #include "ScenarioParser.h"
-#include "Suggestion.h"
 #include "TextFile.h"
 
 #include <QFileInfo>
@@ -102,7 +102,7 @@ void loadRecordingOf(LoadedScenario *loaded, const QString &path, const QString 
     if (hasErrors(recording.diagnostics) && path != loaded->source)
         loaded->diagnostics.append(diagnosticAt(
             file, line, QStringLiteral("the recording %1 cannot be used").arg(quoted(path))));
-    addErrors(recording.diagnostics, &loaded->diagnostics);
+    loaded->diagnostics += recording.diagnostics;
     loaded->recordings.insert(path, recording);
 }
 
@@ -181,22 +181,6 @@ void assignNodes(LoadedScenario *loaded)
     }
 }
 
-// Nothing is reported while such an identifier is selected. That can be the point of a scenario, so
-// it is only a warning, but more often it is a typo.
-void warnAboutUnknownIdentifiers(LoadedScenario *loaded)
-{
-    const QStringList known = loaded->profile.identifiers();
-    for (const ScenarioStep &step : loaded->scenario.steps) {
-        const auto *select = std::get_if<Step::Select>(&step.what);
-        if (select && !known.contains(select->identifier))
-            loaded->diagnostics.append(diagnosticAt(
-                step.file, step.line,
-                QStringLiteral("the profile has no identifier %1%2")
-                    .arg(quoted(select->identifier), suggestion(select->identifier, known)),
-                Diagnostic::Severity::Warning));
-    }
-}
-
 } // namespace
 
 bool isRecording(const QString &path)
@@ -212,6 +196,12 @@ LoadedScenario loadScenario(const QString &path, const LoadOptions &options)
         const QString expectations =
             options.expectations.isEmpty() ? expectationsBeside(path) : options.expectations;
         loaded.scenario = readSteps(expectations, &loaded.diagnostics);
+        if (!options.expectations.isEmpty() && !hasErrors(loaded.diagnostics)
+            && !loaded.scenario.hasExpectations())
+            loaded.diagnostics.append(
+                diagnosticAt(expectations, 0,
+                             QStringLiteral("contains no expectations, steps that begin with "
+                                            "'expect'")));
         Step::Play play;
         play.file = path;
         loaded.scenario.steps.prepend(
@@ -229,10 +219,15 @@ LoadedScenario loadScenario(const QString &path, const LoadOptions &options)
         return loaded;
     loadProfileOf(&loaded, options.profile);
     loadRecordings(&loaded);
+    if (loaded.scenario.steps.isEmpty())
+        loaded.diagnostics.append(
+            diagnosticAt(path, 0, QStringLiteral("contains no steps, so there is nothing to run")));
+    if (!hasErrors(loaded.diagnostics))
+        loaded.diagnostics += checkScenario(loaded);
     if (hasErrors(loaded.diagnostics))
         return loaded;
     assignNodes(&loaded);
-    warnAboutUnknownIdentifiers(&loaded);
+    loaded.diagnostics += checkNodes(loaded);
     return loaded;
 }
 

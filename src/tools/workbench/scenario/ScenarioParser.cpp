@@ -6,6 +6,7 @@
 #include "GeneralSteps.h"
 #include "Quoting.h"
 #include "ScenarioContext.h"
+#include "ScenarioLikeness.h"
 #include "ScenarioLimits.h"
 #include "ScenarioLine.h"
 
@@ -70,19 +71,23 @@ public:
     { }
 
     void readFile(const QByteArray &text, const QString &file);
+    bool isScenario(const QByteArray &text) const
+    {
+        return looksLikeScenario(text, m_context.keywords() + m_context.labels(), actionNames());
+    }
+    void refuse(const QString &file, int line, const QString &message);
     const ParsedScenario &result() const { return m_context.result(); }
 
 private:
     void readLine(ScenarioLine *line);
     void readInclude(ScenarioLine *line);
-    bool isTooLong() const;
-    bool hasGivenUp() const;
+    QString tooLong() const;
 
     const FileReader &m_readInclude;
     ScenarioContext m_context;
     QStringList m_openFiles; ///< each includes the next
     int m_lines = 0; ///< of all files
-    bool m_hasReportedLength = false;
+    bool m_hasGivenUp = false; ///< the files that include this one end, too
 };
 
 void Parser::readFile(const QByteArray &text, const QString &file)
@@ -96,7 +101,7 @@ void Parser::readFile(const QByteArray &text, const QString &file)
     int number = 0;
     // Some editors start UTF-8 files with a byte order mark.
     int begin = text.startsWith("\xef\xbb\xbf") ? 3 : 0;
-    while (begin < text.size() && !hasGivenUp()) {
+    while (begin < text.size() && !m_hasGivenUp) {
         int end = text.indexOf('\n', begin);
         if (end < 0)
             end = text.size();
@@ -104,30 +109,42 @@ void Parser::readFile(const QByteArray &text, const QString &file)
         ++m_lines;
         const QString content = QString::fromUtf8(text.constData() + begin, end - begin);
         ScenarioLine line(content, file, number, m_context.diagnostics());
-        if (isTooLong()) {
-            line.error(1, QStringLiteral("the scenario is too long; split it into several"));
-            m_hasReportedLength = true;
+        if (const QString reason = tooLong(); !reason.isEmpty()) {
+            line.error(1, reason);
+            m_hasGivenUp = true;
         } else if (line.isOk() && !line.atEnd()) {
             readLine(&line);
         }
         begin = end + 1;
+        if (m_context.result().diagnostics.size() >= ScenarioLimit::diagnostics && !m_hasGivenUp) {
+            refuse(file, number,
+                   QStringLiteral("these are %1 errors; the rest of the scenario is not read")
+                       .arg(ScenarioLimit::diagnostics));
+            m_hasGivenUp = true;
+        }
     }
     m_openFiles.removeLast();
     if (m_openFiles.isEmpty())
         scenario.lastLine = std::max(number, 1);
 }
 
-bool Parser::isTooLong() const
+void Parser::refuse(const QString &file, int line, const QString &message)
 {
-    return m_lines > ScenarioLimit::lines
-        || m_context.scenario().steps.size() > ScenarioLimit::steps;
+    m_context.diagnostics()->append({Diagnostic::Severity::Error, file, line, 0, message});
 }
 
-// Once the limit has been reported, the files that include this one end, too.
-bool Parser::hasGivenUp() const
+/// Why a scenario that goes on is too long; empty if it is not.
+QString Parser::tooLong() const
 {
-    return m_hasReportedLength
-        || m_context.result().diagnostics.size() >= ScenarioLimit::diagnostics;
+    if (m_lines > ScenarioLimit::lines)
+        return QStringLiteral("a scenario has at most %1 lines, with those of the files that it "
+                              "includes; split it into several")
+            .arg(ScenarioLimit::lines);
+    if (m_context.scenario().steps.size() > ScenarioLimit::steps)
+        return QStringLiteral("a scenario has at most %1 steps, where a click counts as three; "
+                              "split it into several")
+            .arg(ScenarioLimit::steps);
+    return {};
 }
 
 void Parser::readLine(ScenarioLine *line)
@@ -178,6 +195,10 @@ void Parser::readInclude(ScenarioLine *line)
         line->error(QStringLiteral("cannot include %1: %2").arg(quoted(path), reason));
         return;
     }
+    if (!isScenario(*text)) {
+        line->error(QStringLiteral("cannot include %1: it is no scenario").arg(quoted(path)));
+        return;
+    }
     readFile(*text, path);
 }
 
@@ -187,7 +208,12 @@ ParsedScenario parseScenario(const QByteArray &text, const QString &file,
                              const FileReader &readInclude)
 {
     Parser parser(readInclude);
-    parser.readFile(text, file);
+    if (parser.isScenario(text))
+        parser.readFile(text, file);
+    else
+        parser.refuse(file, 0,
+                      QStringLiteral("this is no scenario: its lines do not begin with steps like "
+                                     "'profile', 'device', 'wait' or 'expect'"));
     return parser.result();
 }
 

@@ -20,7 +20,7 @@ TEST(ScenarioLine, ColumnsCountCharacters)
 
 TEST(ScenarioLine, LongWordsAreShortenedInMessages)
 {
-    const std::string text = mistake(QByteArray("x").repeated(1'000'000));
+    const std::string text = mistakeOf(QByteArray("x").repeated(1'000'000));
     EXPECT_LT(text.size(), 300U);
     EXPECT_THAT(text, HasSubstr("unknown step or device 'xxx"));
 }

@@ -28,14 +28,8 @@ TEST_F(ScenarioLoader, WhatCannotBeReadIsNamedWithTheLineThatAsksForIt)
     EXPECT_THAT(mistakes(path("absent.scenario")), SizeIs(1));
     LoadOptions options;
     options.expectations = path("x");
-    EXPECT_THAT(mistakes(write("d.scenario", "profile \"keys.toml\"\n"), options),
+    EXPECT_THAT(mistakes(write("d.scenario", "profile \"keys.toml\"\nwait 1s\n"), options),
                 ElementsAre(HasSubstr("--expectations is for recordings")));
-}
-
-TEST_F(ScenarioLoader, AnIdentifierThatTheProfileDoesNotHaveIsWarnedOf)
-{
-    EXPECT_THAT(mistakes(write("a.scenario", "profile \"keys.toml\"\nselect text\n")),
-                ElementsAre("a.scenario:2: warning: the profile has no identifier 'text'"));
 }
 
 TEST_F(ScenarioLoader, DevicesWithoutANodeTakeTheLowestOneThatIsFree)
@@ -52,7 +46,8 @@ TEST_F(ScenarioLoader, ARecordingKeepsItsNodesAndDeclaredDevicesMakeRoom)
 {
     const QByteArray recording = "P: /devices/virtual/input/input5/event0\n"
                                  "N: input/event0\nE: DEVNAME=/dev/input/event0\n"
-                                 "E: SUBSYSTEM=input\n";
+                                 "E: SUBSYSTEM=input\nE: NAME=\"panel\"\n";
+    write("event0.evemu", "E: 1.000000 0001 0073 1\n");
     write("a.umockdev", recording);
     const LoadedScenario moved = loadScenario(
         write("a.scenario", "profile \"keys.toml\"\ndevice a\nplay \"a.umockdev\"\n"), {});
@@ -72,4 +67,40 @@ TEST_F(ScenarioLoader, ADeviceIsDescribedByARecordingOfOneDevice)
     EXPECT_THAT(
         mistakes(write("a.scenario", "profile \"keys.toml\"\ndevice a from \"none.evemu\"\n")),
         ElementsAre("a.scenario:2: error: 'none.evemu' does not describe exactly one device"));
+}
+
+TEST_F(ScenarioLoader, AScenarioWithoutStepsIsAMistake)
+{
+    for (const char *text : {"", "# nothing yet\n", "profile \"keys.toml\"\n"}) {
+        LoadOptions options;
+        options.profile = path("keys.toml");
+        EXPECT_THAT(
+            mistakes(write("a.scenario", text), options),
+            ElementsAre("a.scenario: error: contains no steps, so there is nothing to run"));
+    }
+}
+
+TEST_F(ScenarioLoader, ExpectationsThatAreNamedExpectSomething)
+{
+    LoadOptions options;
+    options.profile = path("keys.toml");
+    const QString recording = write("a.evemu", "N: panel\nB: 01 00\nE: 1.000000 0001 0073 1\n");
+    // Recorded where nothing was published, and found beside the recording.
+    write("a.expect", "# recorded\n");
+    EXPECT_THAT(mistakes(recording, options), IsEmpty());
+    options.expectations = write("b.expect", "wait 1s\n");
+    EXPECT_THAT(mistakes(recording, options),
+                ElementsAre("b.expect: error: contains no expectations, steps that begin with "
+                            "'expect'"));
+}
+
+TEST_F(ScenarioLoader, WarningsOfARecordingAreTold)
+{
+    LoadOptions options;
+    options.profile = path("keys.toml");
+    EXPECT_THAT(
+        mistakes(write("a.evemu", "N: panel\nE: 2.000000 0001 0073 1\nE: 1.000000 0001 0073 0\n"),
+                 options),
+        ElementsAre("a.evemu:3: warning: earlier than the event before it; using that "
+                    "event's time"));
 }

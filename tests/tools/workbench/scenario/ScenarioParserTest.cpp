@@ -57,7 +57,8 @@ TEST(ScenarioParser, IncludesAreLimitedInDepthAndNumber)
             ("include \"f" + QByteArray::number(i + 1) + "\"\n").repeated(100);
     chain[QStringLiteral("dir/f14")] = QByteArray();
     EXPECT_THAT(mistakes("include \"f0\"\n", chain),
-                ElementsAre(HasSubstr("the scenario is too long; split it into several")));
+                ElementsAre(HasSubstr("a scenario has at most 100000 lines, with those of the "
+                                      "files that it includes; split it into several")));
 }
 
 TEST(ScenarioParser, AnIncludeThatCannotBeReadSaysWhy)
@@ -81,7 +82,11 @@ TEST(ScenarioParser, EveryMistakenLineIsToldOnce)
 {
     EXPECT_THAT(mistakes("device panel bus=Foo keys=KEY_FOO\npanel press KEY_A\nfoo bar\nwait\n"),
                 ElementsAre(HasSubstr(":1:18:"), HasSubstr(":3:1:"), HasSubstr(":4:5:")));
-    EXPECT_THAT(mistakes(QByteArray("foo\n").repeated(1000)), SizeIs(100));
+    const std::vector<std::string> many = mistakes(QByteArray("wait\n").repeated(1000));
+    ASSERT_THAT(many, SizeIs(101));
+    EXPECT_EQ(many.back(),
+              "dir/a.scenario:100: error: these are 100 errors; the rest of the scenario is not "
+              "read");
 }
 
 TEST(ScenarioParser, SurvivesEveryPrefixOfAScenario)
@@ -94,7 +99,7 @@ TEST(ScenarioParser, SurvivesEveryPrefixOfAScenario)
         "play \"x\" on panel\nexpect identifier \"\"\nclock +1h\n\xff\xfe\x00\x80\n";
     for (int length = 0; length <= text.size(); ++length) {
         const ParsedScenario result = parsed(text.left(length));
-        EXPECT_LE(result.diagnostics.size(), 100) << length;
+        EXPECT_LE(result.diagnostics.size(), 101) << length;
     }
 }
 
@@ -110,5 +115,28 @@ TEST(ScenarioParser, TooManyStepsAreAMistake)
     // Three steps a line, so the steps run out before the lines do.
     EXPECT_EQ(
         mistake("device panel\n" + QByteArray("panel click KEY_A for 1ms\n").repeated(40'000)),
-        "dir/a.scenario:33336:1: error: the scenario is too long; split it into several");
+        "dir/a.scenario:33336:1: error: a scenario has at most 100000 steps, where a click counts "
+        "as three; split it into several");
+}
+
+TEST(ScenarioParser, TooManyDevicesAreAMistake)
+{
+    QByteArray text;
+    for (int i = 0; i <= 100; ++i)
+        text += "device d" + QByteArray::number(i) + '\n';
+    EXPECT_EQ(mistake(text), "dir/a.scenario:101:8: error: a scenario has at most 100 devices");
+}
+
+TEST(ScenarioParser, QuotesNothingOfAFileThatIsNoScenario)
+{
+    const std::string refusal = "dir/a.scenario: error: this is no scenario: its lines do not "
+                                "begin with steps like 'profile', 'device', 'wait' or 'expect'";
+    EXPECT_EQ(mistake("# users\nroot:$y$secret:0:0\ndaemon:*:1:1\n"), refusal);
+    EXPECT_EQ(mistake(QByteArray("\x7f"
+                                 "ELF\0wait 1s\nwait 1s\n",
+                                 20)),
+              refusal);
+    EXPECT_THAT(mistakes("include \"s\"\n", {{"dir/s", "root:$y$secret:0:0\n"}}),
+                ElementsAre("dir/a.scenario:1:9: error: cannot include 'dir/s': it is no "
+                            "scenario"));
 }
