@@ -73,6 +73,13 @@ expect_status 0
 run "$program" check broken.toml "$player" missing.toml
 expect_status 2
 
+# What check accepts, the others read, too.
+head -c 1100000 /dev/zero | tr '\0' '#' >large.toml
+for arguments in "check large.toml" "monitor -p large.toml" "simulate -p large.toml wait.scenario"; do
+    # shellcheck disable=SC2086 # words
+    refuse 'large.toml: error: cannot be read: it is larger than 1 MiB' $arguments
+done
+
 refuse 'missing.scenario: error: cannot be read' simulate missing.scenario
 refuse 'broken.scenario:1:[0-9]+: error: ' simulate broken.scenario
 refuse 'broken.evemu:1.*: error: ' simulate broken.evemu

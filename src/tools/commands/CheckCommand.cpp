@@ -75,7 +75,7 @@ QString summary(const QString &file, int errors, int warnings)
 ExitStatus checkFile(const QString &file, const CheckOptions &options, bool coloured)
 {
     Diagnostics unreadable;
-    const auto text = readFile(file, maxTextSize, &unreadable);
+    const auto text = readFile(file, maxProfileSize, &unreadable);
     if (!text) {
         printDiagnostics(unreadable);
         return Failure;

@@ -30,11 +30,19 @@ constexpr char nodePrefix[] = "/dev/input/event";
 class Node
 {
 public:
-    // Opening a node of another kind, a pipe for example, could block.
+    // A file of another kind is not opened: who writes to a pipe would take this for its reader.
     explicit Node(const QString &path)
-        : m_fd(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
-        , m_error(m_fd < 0 ? errno : 0)
-    { }
+    {
+        const QByteArray name = QFile::encodeName(path);
+        struct stat status = {};
+        m_isDevice = ::stat(name.constData(), &status) != 0 || S_ISCHR(status.st_mode);
+        if (!m_isDevice)
+            return;
+        m_fd = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        m_error = m_fd < 0 ? errno : 0;
+        // In doubt it is one, and its answers will show.
+        m_isDevice = m_fd < 0 || ::fstat(m_fd, &status) != 0 || S_ISCHR(status.st_mode);
+    }
 
     ~Node()
     {
@@ -48,12 +56,7 @@ public:
     bool isOpen() const { return m_fd >= 0; }
     int error() const { return m_error; }
 
-    bool isDevice() const
-    {
-        struct stat status = {};
-        // In doubt it is one, and its answers will show.
-        return ::fstat(m_fd, &status) != 0 || S_ISCHR(status.st_mode);
-    }
+    bool isDevice() const { return m_isDevice; }
 
     /// The answer to a request, as long as the request asks for; null if it fails.
     QByteArray ask(unsigned long request) const
@@ -73,8 +76,9 @@ public:
     }
 
 private:
-    const int m_fd;
-    const int m_error;
+    int m_fd = -1;
+    int m_error = 0;
+    bool m_isDevice = true;
 };
 
 int numberOf(const QString &path)
@@ -192,13 +196,13 @@ NodeInfo readNode(const QString &path)
     info.path = path;
     info.number = numberOf(path);
     const Node node(path);
-    if (!node.isOpen()) {
-        info.error = openError(node.error());
-        return info;
-    }
     if (!node.isDevice()) {
         info.isDevice = false;
         info.error = QStringLiteral("a file, not a device");
+        return info;
+    }
+    if (!node.isOpen()) {
+        info.error = openError(node.error());
         return info;
     }
 

@@ -22,7 +22,7 @@ ProfileWatcher::ProfileWatcher(const QString &path, OnChange onChange)
     , m_onChange(std::move(onChange))
 {
     Diagnostics ignored;
-    m_content = readFile(m_path, maxTextSize, &ignored).value_or(QByteArray());
+    m_content = readFile(m_path, maxProfileSize, &ignored, Pipes::Refused).value_or(QByteArray());
     m_settled.setSingleShot(true);
     m_settled.setInterval(settleMs);
     Vorn::connect(&m_settled, &QTimer::timeout, this, &ProfileWatcher::lookAgain);
@@ -39,7 +39,7 @@ void ProfileWatcher::lookAgain()
     if (QFileInfo::exists(m_path))
         m_watcher.addPath(m_path);
     Diagnostics unreadable;
-    const auto content = readFile(m_path, maxTextSize, &unreadable);
+    const auto content = readFile(m_path, maxProfileSize, &unreadable, Pipes::Refused);
     if (!content || *content == m_content)
         return;
     m_content = *content;

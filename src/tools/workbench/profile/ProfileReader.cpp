@@ -427,10 +427,10 @@ ParsedProfile parseProfile(const QByteArray &text, const QString &file)
     return {reader.profile(), findings.toDiagnostics(file)};
 }
 
-ParsedProfile loadProfile(const QString &path)
+ParsedProfile loadProfile(const QString &path, Pipes pipes)
 {
     ParsedProfile parsed;
-    const auto text = readFile(path, maxProfileSize, &parsed.diagnostics);
+    const auto text = readFile(path, maxProfileSize, &parsed.diagnostics, pipes);
     return text ? parseProfile(*text, path) : parsed;
 }
 

@@ -4,6 +4,7 @@
 #include "Findings.h"
 #include "Profile.h"
 #include "ProfilePlaces.h"
+#include "TextFile.h"
 #include "TomlValue.h"
 
 #include <QByteArray>
@@ -27,7 +28,7 @@ constexpr qint64 maxProfileSize = qint64{1024} * 1024;
 ParsedProfile parseProfile(const QByteArray &text, const QString &file);
 
 /// Reads a profile from a file; "-" is the standard input.
-ParsedProfile loadProfile(const QString &path);
+ParsedProfile loadProfile(const QString &path, Pipes pipes = Pipes::Allowed);
 
 } // namespace Vorn::Workbench
 

@@ -60,7 +60,7 @@ private:
         const QString path = pathOf(*node, QStringLiteral("evemu"));
         if (path.isEmpty())
             return;
-        const auto text = readFile(path, maxRecordingSize, m_diagnostics);
+        const auto text = readFile(path, maxRecordingSize, m_diagnostics, Pipes::Refused);
         if (!text)
             return;
         const ParsedRecording recording = parseEvemuAsRecorded(*text, path);
@@ -75,7 +75,7 @@ private:
         const QString path = pathOf(*node, QStringLiteral("ioctl"));
         if (path.isEmpty())
             return;
-        const auto text = readFile(path, maxRecordingSize, m_diagnostics);
+        const auto text = readFile(path, maxRecordingSize, m_diagnostics, Pipes::Refused);
         if (!text)
             return;
         RecordedDevice device = node->node.device.value_or(RecordedDevice());
@@ -158,10 +158,10 @@ ParsedRecording loadEvemu(const QByteArray &text, const QString &path)
 
 } // namespace
 
-ParsedRecording loadRecording(const QString &path)
+ParsedRecording loadRecording(const QString &path, Pipes pipes)
 {
     ParsedRecording recording;
-    const auto text = readFile(path, maxRecordingSize, &recording.diagnostics);
+    const auto text = readFile(path, maxRecordingSize, &recording.diagnostics, pipes);
     if (!text)
         return recording;
     if (path.endsWith(QLatin1String(".umockdev")))

@@ -40,7 +40,7 @@ void addErrors(const Diagnostics &from, Diagnostics *to)
 std::optional<QByteArray> readInclude(const QString &path, QString *error)
 {
     Diagnostics diagnostics;
-    std::optional<QByteArray> text = readFile(path, maxTextSize, &diagnostics);
+    std::optional<QByteArray> text = readFile(path, maxTextSize, &diagnostics, Pipes::Refused);
     if (!text && !diagnostics.isEmpty())
         *error = diagnostics.first().message;
     return text;
@@ -52,12 +52,12 @@ bool isUmockdev(const QString &path)
 }
 
 /// The steps in a file; none for an empty path.
-Scenario readSteps(const QString &path, Diagnostics *diagnostics)
+Scenario readSteps(const QString &path, Pipes pipes, Diagnostics *diagnostics)
 {
     // Parsed all the same, for the defaults of a scenario.
     if (path.isEmpty())
         return parseScenario({}, {}, readInclude).scenario;
-    const std::optional<QByteArray> text = readFile(path, maxTextSize, diagnostics);
+    const std::optional<QByteArray> text = readFile(path, maxTextSize, diagnostics, pipes);
     if (!text)
         return {};
     const ParsedScenario parsed = parseScenario(*text, path, readInclude);
@@ -84,7 +84,8 @@ void loadProfileOf(LoadedScenario *loaded, const QString &override)
         return;
     }
     // Warnings of the profile are those of `check`: here they would come with every run.
-    const ParsedProfile parsed = loadProfile(loaded->profileFile);
+    const ParsedProfile parsed =
+        loadProfile(loaded->profileFile, override.isEmpty() ? Pipes::Refused : Pipes::Allowed);
     if (hasErrors(parsed.diagnostics) && override.isEmpty())
         loaded->diagnostics.append(diagnosticAt(
             scenario.profileNamedIn, scenario.profileLine,
@@ -97,7 +98,8 @@ void loadRecordingOf(LoadedScenario *loaded, const QString &path, const QString 
 {
     if (loaded->recordings.contains(path))
         return;
-    const ParsedRecording recording = loadRecording(path);
+    const ParsedRecording recording =
+        loadRecording(path, path == loaded->source ? Pipes::Allowed : Pipes::Refused);
     // Its own errors follow; this one leads from the scenario to the recording.
     if (hasErrors(recording.diagnostics) && path != loaded->source)
         loaded->diagnostics.append(diagnosticAt(
@@ -195,7 +197,9 @@ LoadedScenario loadScenario(const QString &path, const LoadOptions &options)
     if (isRecording(path)) {
         const QString expectations =
             options.expectations.isEmpty() ? expectationsBeside(path) : options.expectations;
-        loaded.scenario = readSteps(expectations, &loaded.diagnostics);
+        loaded.scenario = readSteps(
+            expectations, options.expectations.isEmpty() ? Pipes::Refused : Pipes::Allowed,
+            &loaded.diagnostics);
         if (!options.expectations.isEmpty() && !hasErrors(loaded.diagnostics)
             && !loaded.scenario.hasExpectations())
             loaded.diagnostics.append(
@@ -212,7 +216,7 @@ LoadedScenario loadScenario(const QString &path, const LoadOptions &options)
                 path, 0,
                 QStringLiteral("--expectations is for recordings (.evemu, .umockdev); a "
                                "scenario contains its own")));
-        loaded.scenario = readSteps(path, &loaded.diagnostics);
+        loaded.scenario = readSteps(path, Pipes::Allowed, &loaded.diagnostics);
     }
     // A scenario with errors may name the wrong files; their errors would only distract.
     if (hasErrors(loaded.diagnostics))

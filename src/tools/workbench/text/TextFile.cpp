@@ -6,7 +6,13 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 
 namespace Vorn::Workbench {
@@ -18,6 +24,83 @@ Diagnostic cannotRead(const QString &path, const QString &reason)
     return {Diagnostic::Severity::Error, path, 0, 0, QStringLiteral("cannot be read: ") + reason};
 }
 
+QString systemError()
+{
+    return qt_error_string(errno);
+}
+
+/// A file that is being read, in a way that a signal ends.
+class Input
+{
+public:
+    Input(const QString &path, Pipes pipes);
+    ~Input()
+    {
+        if (m_fd > STDIN_FILENO)
+            ::close(m_fd);
+    }
+    Input(const Input &) = delete;
+    Input &operator=(const Input &) = delete;
+
+    /// Why it cannot be read; empty if it can be.
+    const QString &error() const { return m_error; }
+
+    /// As read(2), but it waits for a pipe.
+    ssize_t read(char *buffer, int size) const;
+
+private:
+    void checkKind(const struct stat &status, Pipes pipes);
+
+    int m_fd = -1;
+    bool m_isFile = false;
+    QString m_error;
+};
+
+Input::Input(const QString &path, Pipes pipes)
+{
+    struct stat status = {};
+    if (path == QLatin1String("-")) {
+        m_fd = STDIN_FILENO;
+        m_isFile = ::fstat(m_fd, &status) == 0 && S_ISREG(status.st_mode);
+        return;
+    }
+    const QByteArray name = QFile::encodeName(path);
+    // Asked first, because to open some devices is to start something.
+    if (::stat(name.constData(), &status) == 0)
+        checkKind(status, pipes);
+    if (!m_error.isEmpty())
+        return;
+    // To open a pipe would wait for somebody to write to it, and no signal could end that.
+    m_fd = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (m_fd < 0 || ::fstat(m_fd, &status) != 0)
+        m_error = systemError();
+    else
+        checkKind(status, pipes);
+}
+
+void Input::checkKind(const struct stat &status, Pipes pipes)
+{
+    m_isFile = S_ISREG(status.st_mode);
+    if (S_ISDIR(status.st_mode))
+        m_error = QStringLiteral("it is a folder");
+    else if (S_ISFIFO(status.st_mode) && pipes == Pipes::Refused)
+        m_error = QStringLiteral("it is a pipe; only files named on the command line can be");
+    else if (!m_isFile && !S_ISFIFO(status.st_mode))
+        m_error = QStringLiteral("it is neither a file nor a pipe");
+}
+
+ssize_t Input::read(char *buffer, int size) const
+{
+    for (;;) {
+        pollfd readable = {m_fd, POLLIN, 0};
+        if (!m_isFile && ::poll(&readable, 1, -1) < 0)
+            return -1;
+        const ssize_t result = ::read(m_fd, buffer, static_cast<std::size_t>(size));
+        if (result >= 0 || errno != EAGAIN)
+            return result;
+    }
+}
+
 QString cannotWrite(const QString &path, const QString &reason)
 {
     return QStringLiteral("%1 cannot be written: %2").arg(path, reason);
@@ -25,37 +108,31 @@ QString cannotWrite(const QString &path, const QString &reason)
 
 } // namespace
 
-std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnostics *diagnostics)
+std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnostics *diagnostics,
+                                   Pipes pipes)
 {
-    QFile file(path);
-    const bool isStandardInput = path == QLatin1String("-");
-    if (!isStandardInput && QFileInfo(path).isDir()) {
-        diagnostics->append(cannotRead(path, QStringLiteral("it is a folder")));
+    const auto fail = [&](const QString &reason) {
+        diagnostics->append(cannotRead(path, reason));
         return std::nullopt;
-    }
-    const bool isOpen =
-        isStandardInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
-    if (!isOpen) {
-        diagnostics->append(cannotRead(path, file.errorString()));
-        return std::nullopt;
-    }
+    };
+    const Input input(path, pipes);
+    if (!input.error().isEmpty())
+        return fail(input.error());
     QByteArray content;
-    // In parts: a pipe has no size, and a device like /dev/zero has no end.
+    // In parts: a pipe has no size, and may have no end.
     while (content.size() <= maxSize) {
-        const QByteArray part = file.read(std::min<qint64>(maxSize + 1 - content.size(), 1 << 20));
-        if (part.isEmpty())
+        QByteArray part(static_cast<int>(std::min<qint64>(maxSize + 1 - content.size(), 1 << 20)),
+                        Qt::Uninitialized);
+        const auto size = static_cast<int>(input.read(part.data(), part.size()));
+        if (size < 0)
+            return fail(errno == EINTR ? QStringLiteral("interrupted") : systemError());
+        if (size == 0)
             break;
-        content += part;
+        content.append(part.constData(), size);
     }
-    if (file.error() != QFileDevice::NoError) {
-        diagnostics->append(cannotRead(path, file.errorString()));
-        return std::nullopt;
-    }
-    if (content.size() > maxSize) {
-        diagnostics->append(cannotRead(
-            path, QStringLiteral("it is larger than %1 MiB").arg(maxSize / (qint64{1024} * 1024))));
-        return std::nullopt;
-    }
+    if (content.size() > maxSize)
+        return fail(
+            QStringLiteral("it is larger than %1 MiB").arg(maxSize / (qint64{1024} * 1024)));
     return content;
 }
 

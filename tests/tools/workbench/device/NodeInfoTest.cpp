@@ -7,6 +7,10 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/inotify.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
 
 using namespace Vorn::Sim;
@@ -143,6 +147,21 @@ TEST(NodeInfo, TellsAFileFromADevice)
     const NodeInfo null = readNode("/dev/null");
     EXPECT_TRUE(null.isDevice);
     EXPECT_EQ(null.error.toStdString(), "it does not respond like an input device");
+}
+
+TEST(NodeInfo, DoesNotOpenWhatIsNoDevice)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("event0");
+    ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    const int watch = inotify_init1(IN_NONBLOCK);
+    ASSERT_GE(inotify_add_watch(watch, QFile::encodeName(path).constData(), IN_OPEN), 0);
+    const NodeInfo info = readNode(path);
+    EXPECT_FALSE(info.isDevice);
+    EXPECT_FALSE(info.isReadable());
+    char opened[1024];
+    EXPECT_EQ(read(watch, opened, sizeof opened), -1);
+    close(watch);
 }
 
 TEST(InputNodes, AreListedByNumber)

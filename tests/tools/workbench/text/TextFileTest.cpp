@@ -10,7 +10,11 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <unistd.h>
+
+#include <csignal>
+#include <thread>
 
 using namespace Vorn::Workbench;
 
@@ -63,11 +67,65 @@ TEST_F(TextFileTest, ThatCannotBeReadAreOneError)
     }
 }
 
-TEST_F(TextFileTest, WithoutAnEndAreGivenUp)
+TEST_F(TextFileTest, ThatAreDevicesAreNotOpened)
 {
     Diagnostics diagnostics;
     EXPECT_EQ(readFile("/dev/zero", 1'000'000, &diagnostics), std::nullopt);
-    EXPECT_EQ(diagnostics.size(), 1);
+    ASSERT_EQ(diagnostics.size(), 1);
+    EXPECT_EQ(diagnostics.first().message.toStdString(),
+              "cannot be read: it is neither a file nor a pipe");
+}
+
+TEST_F(TextFileTest, MayBePipesIfAPersonNamesThem)
+{
+    const QByteArray pipe = path("pipe").toLocal8Bit();
+    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
+    Diagnostics diagnostics;
+    EXPECT_EQ(readFile(path("pipe"), 100, &diagnostics, Pipes::Refused), std::nullopt);
+    ASSERT_EQ(diagnostics.size(), 1);
+    EXPECT_THAT(diagnostics.first().message.toStdString(), testing::HasSubstr("it is a pipe"));
+
+    std::thread writer([&pipe] {
+        const int fd = open(pipe.constData(), O_WRONLY);
+        EXPECT_EQ(::write(fd, "con", 3), 3);
+        EXPECT_EQ(::write(fd, "tent", 4), 4);
+        close(fd);
+    });
+    EXPECT_EQ(readFile(path("pipe"), 100, &diagnostics), QByteArray("content"));
+    writer.join();
+}
+
+TEST_F(TextFileTest, WithoutAnEndAreGivenUp)
+{
+    const QByteArray pipe = path("pipe").toLocal8Bit();
+    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
+    const int both = open(pipe.constData(), O_RDWR);
+    ASSERT_EQ(::write(both, "content", 7), 7);
+    Diagnostics diagnostics;
+    EXPECT_EQ(readFile(path("pipe"), 3, &diagnostics), std::nullopt);
+    close(both);
+    ASSERT_EQ(diagnostics.size(), 1);
+    EXPECT_THAT(diagnostics.first().message.toStdString(), testing::HasSubstr("larger than"));
+}
+
+TEST_F(TextFileTest, ThatArePipesAreNoLongerWaitedForAfterASignal)
+{
+    const QByteArray pipe = path("pipe").toLocal8Bit();
+    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_handler = [](int) {};
+    sigaction(SIGALRM, &action, &before);
+    // Again and again: the first one may come before the wait.
+    const itimerval often = {{0, 10'000}, {0, 10'000}};
+    setitimer(ITIMER_REAL, &often, nullptr);
+    Diagnostics diagnostics;
+    EXPECT_EQ(readFile(path("pipe"), 100, &diagnostics), std::nullopt);
+    const itimerval never = {};
+    setitimer(ITIMER_REAL, &never, nullptr);
+    sigaction(SIGALRM, &before, nullptr);
+    ASSERT_EQ(diagnostics.size(), 1);
+    EXPECT_THAT(diagnostics.first().message.toStdString(), testing::HasSubstr("interrupted"));
 }
 
 TEST_F(TextFileTest, AreWrittenWhole)
