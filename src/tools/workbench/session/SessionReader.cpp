@@ -8,11 +8,15 @@
 #include "SessionFormat.h"
 #include "SessionMembers.h"
 
+#include <QBuffer>
+#include <QFileDevice>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <linux/input.h>
 
+#include <cstdio>
 #include <limits>
 
 namespace Vorn::Workbench {
@@ -22,6 +26,9 @@ namespace {
 /// A file that is not a session at all would give an error for every line.
 constexpr int maxDiagnostics = 20;
 constexpr int maxCode = 0xffff;
+constexpr int chunkSize = 64 * 1024;
+/// A device like /dev/zero has no line ends.
+constexpr int maxLineMiB = 64;
 
 SessionStart readStart(SessionMembers &members)
 {
@@ -182,65 +189,127 @@ std::optional<SessionEntry> readEntry(SessionMembers &members)
     return entry;
 }
 
-class SessionParser
-{
-public:
-    explicit SessionParser(const QString &file)
-        : m_file(file)
-    { }
-
-    void parseLine(const QByteArray &line, int number)
-    {
-        if (line.trimmed().isEmpty())
-            return;
-        QJsonParseError error;
-        const QJsonDocument document = QJsonDocument::fromJson(line, &error);
-        if (error.error != QJsonParseError::NoError) {
-            report(number, positionOf(line, error.offset).column,
-                   QStringLiteral("invalid JSON: ") + error.errorString());
-            return;
-        }
-        if (!document.isObject()) {
-            report(number, 0, QStringLiteral("must be a JSON object, {…}"));
-            return;
-        }
-        SessionMembers members(document.object());
-        const std::optional<SessionEntry> entry = readEntry(members);
-        if (!members.error().isEmpty())
-            report(number, 0, members.error());
-        else if (entry)
-            m_session.entries.append(*entry);
-    }
-
-    ParsedSession session() const { return m_session; }
-
-private:
-    void report(int line, int column, const QString &message)
-    {
-        if (m_session.diagnostics.size() < maxDiagnostics)
-            m_session.diagnostics.append(
-                {Diagnostic::Severity::Error, m_file, line, column, message});
-    }
-
-    const QString m_file;
-    ParsedSession m_session;
-};
-
 } // namespace
+
+bool openSession(const QString &path, QFile *file, Diagnostics *diagnostics)
+{
+    file->setFileName(path);
+    const bool isFolder = path != QLatin1String("-") && QFileInfo(path).isDir();
+    const bool isOpen = path == QLatin1String("-") ? file->open(stdin, QIODevice::ReadOnly)
+                                                   : !isFolder && file->open(QIODevice::ReadOnly);
+    if (!isOpen)
+        diagnostics->append(
+            {Diagnostic::Severity::Error, path, 0, 0,
+             QStringLiteral("cannot be read: ")
+                 + (isFolder ? QStringLiteral("it is a folder") : file->errorString())});
+    return isOpen;
+}
+
+SessionReader::SessionReader(QIODevice *device, const QString &file)
+    : m_device(device)
+    , m_file(file)
+{ }
+
+std::optional<SessionEntry> SessionReader::next()
+{
+    while (const std::optional<QByteArray> line = takeLine()) {
+        ++m_line;
+        if (line->trimmed().isEmpty())
+            continue;
+        if (const std::optional<SessionEntry> entry = parse(*line))
+            return entry;
+        if (m_diagnostics.size() == maxDiagnostics)
+            giveUp(QStringLiteral("%1 lines are wrong; the rest is not read").arg(maxDiagnostics));
+    }
+    return std::nullopt;
+}
+
+/// Without its line end. It refers to the buffer, and so is valid until the next call.
+std::optional<QByteArray> SessionReader::takeLine()
+{
+    int searched = m_begin;
+    int end = 0;
+    while ((end = m_buffer.indexOf('\n', searched)) < 0) {
+        const int size = m_buffer.size() - m_begin;
+        if (size > maxLineMiB * 1024 * 1024) {
+            ++m_line;
+            report(m_line, 0, QStringLiteral("the line is longer than %1 MiB").arg(maxLineMiB));
+            m_isAtEnd = true;
+        }
+        if (m_isAtEnd)
+            return std::nullopt;
+        if (!fill()) {
+            m_isAtEnd = true;
+            end = m_buffer.size();
+            break;
+        }
+        searched = m_begin + size;
+    }
+    if (m_begin == m_buffer.size())
+        return std::nullopt;
+    const int begin = m_begin;
+    // The last line may have no line end.
+    m_begin = qMin(end + 1, m_buffer.size());
+    m_bytesRead += m_begin - begin;
+    return QByteArray::fromRawData(m_buffer.constData() + begin, end - begin);
+}
+
+bool SessionReader::fill()
+{
+    m_buffer.remove(0, m_begin);
+    m_begin = 0;
+    const QByteArray part = m_device->read(chunkSize);
+    m_buffer += part;
+    const auto *file = qobject_cast<QFileDevice *>(m_device);
+    if (part.isEmpty() && file && file->error() != QFileDevice::NoError)
+        report(0, 0, QStringLiteral("cannot be read: ") + file->errorString());
+    return !part.isEmpty();
+}
+
+std::optional<SessionEntry> SessionReader::parse(const QByteArray &line)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(line, &error);
+    if (error.error != QJsonParseError::NoError) {
+        report(m_line, positionOf(line, error.offset).column,
+               QStringLiteral("invalid JSON: ") + error.errorString());
+        return std::nullopt;
+    }
+    if (!document.isObject()) {
+        report(m_line, 0, QStringLiteral("must be a JSON object, {…}"));
+        return std::nullopt;
+    }
+    SessionMembers members(document.object());
+    const std::optional<SessionEntry> entry = readEntry(members);
+    if (members.error().isEmpty())
+        return entry;
+    report(m_line, 0, members.error());
+    return std::nullopt;
+}
+
+void SessionReader::report(int line, int column, const QString &message)
+{
+    m_diagnostics.append({Diagnostic::Severity::Error, m_file, line, column, message});
+}
+
+void SessionReader::giveUp(const QString &reason)
+{
+    report(0, 0, reason);
+    m_begin = m_buffer.size();
+    m_isAtEnd = true;
+}
 
 ParsedSession parseSession(const QByteArray &text, const QString &file)
 {
-    SessionParser parser(file);
-    int number = 0;
-    // Without copying: a line may be megabytes long.
-    for (int begin = 0; begin < text.size();) {
-        int end = text.indexOf('\n', begin);
-        if (end < 0)
-            end = text.size();
-        parser.parseLine(QByteArray::fromRawData(text.constData() + begin, end - begin), ++number);
-        begin = end + 1;
-    }
-    return parser.session();
+    QBuffer buffer;
+    buffer.setData(text);
+    buffer.open(QIODevice::ReadOnly);
+    SessionReader reader(&buffer, file);
+    ParsedSession session;
+    while (const std::optional<SessionEntry> entry = reader.next())
+        session.entries.append(*entry);
+    session.diagnostics = reader.diagnostics();
+    return session;
 }
 
 } // namespace Vorn::Workbench

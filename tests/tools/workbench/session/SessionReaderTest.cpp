@@ -3,6 +3,8 @@
 #include "Diagnostic.h"
 #include "SessionWriter.h"
 
+#include <QIODevice>
+
 #include <gmock/gmock.h>
 
 #include <linux/input.h>
@@ -97,6 +99,32 @@ std::vector<std::string> messagesOf(const QByteArray &text)
         messages.push_back(diagnostic.toString().toStdString());
     return messages;
 }
+
+/// Repeats a text for ever.
+class Endless : public QIODevice
+{
+public:
+    explicit Endless(const QByteArray &text)
+        : m_text(text)
+    {
+        open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    }
+
+    bool isSequential() const override { return true; }
+
+protected:
+    qint64 readData(char *data, qint64 size) override
+    {
+        for (qint64 i = 0; i < size; ++i)
+            data[i] = m_text.at(static_cast<int>(m_position++ % m_text.size()));
+        return size;
+    }
+    qint64 writeData(const char *, qint64) override { return -1; }
+
+private:
+    const QByteArray m_text;
+    qint64 m_position = 0;
+};
 
 template <typename What>
 const What &only(const ParsedSession &session)
@@ -235,14 +263,67 @@ TEST(SessionReader, TellsWhatALineLacks)
               "a.jsonl:1: error: 'wallClock' must be a time like '2024-03-01T12:00:00.000000Z'");
 }
 
-TEST(SessionReader, TellsTheFirstTwentyMistakesOnly)
+TEST(SessionReader, GivesUpAfterTwentyMistakes)
 {
     QByteArray text;
     for (int i = 0; i < 50; ++i)
         text += "{}\n";
     const auto messages = messagesOf(text);
-    ASSERT_THAT(messages, SizeIs(20));
-    EXPECT_THAT(messages.back(), StartsWith("a.jsonl:20:"));
+    ASSERT_THAT(messages, SizeIs(21));
+    EXPECT_THAT(messages.at(19), StartsWith("a.jsonl:20:"));
+    EXPECT_EQ(messages.back(), "a.jsonl: error: 20 lines are wrong; the rest is not read");
+}
+
+TEST(SessionReader, ReadsNoMoreThanItIsAskedFor)
+{
+    const QByteArray line = toJsonLine({5, Remark{"a"}});
+    Endless device(line);
+    SessionReader reader(&device, "a.jsonl");
+    for (int i = 1; i <= 3000; ++i) {
+        ASSERT_TRUE(reader.next());
+        EXPECT_EQ(reader.line(), i);
+        EXPECT_EQ(reader.bytesRead(), qint64{i} * line.size());
+    }
+    EXPECT_THAT(reader.diagnostics(), SizeIs(0));
+}
+
+TEST(SessionReader, EndsWhereTheInputHasNoEnd)
+{
+    Endless mistakes("{}\n");
+    SessionReader wrong(&mistakes, "a.jsonl");
+    EXPECT_FALSE(wrong.next());
+    EXPECT_THAT(wrong.diagnostics(), SizeIs(21));
+    EXPECT_FALSE(wrong.next());
+
+    Endless zeros("0");
+    SessionReader lineless(&zeros, "a.jsonl");
+    EXPECT_FALSE(lineless.next());
+    ASSERT_THAT(lineless.diagnostics(), SizeIs(1));
+    EXPECT_EQ(lineless.diagnostics().first().toString().toStdString(),
+              "a.jsonl:1: error: the line is longer than 64 MiB");
+}
+
+TEST(SessionReader, TellsThatAFileCannotBeRead)
+{
+    Diagnostics diagnostics;
+    QFile absent;
+    EXPECT_FALSE(openSession("/absent.jsonl", &absent, &diagnostics));
+    QFile folder;
+    EXPECT_FALSE(openSession("/", &folder, &diagnostics));
+    ASSERT_THAT(diagnostics, SizeIs(2));
+    EXPECT_THAT(diagnostics.first().toString().toStdString(),
+                StartsWith("/absent.jsonl: error: cannot be read: "));
+    EXPECT_EQ(diagnostics.last().toString().toStdString(),
+              "/: error: cannot be read: it is a folder");
+
+    // Nothing is mapped at the address that this file begins with.
+    QFile memory;
+    ASSERT_TRUE(openSession("/proc/self/mem", &memory, &diagnostics));
+    SessionReader reader(&memory, "mem");
+    EXPECT_FALSE(reader.next());
+    ASSERT_THAT(reader.diagnostics(), SizeIs(1));
+    EXPECT_THAT(reader.diagnostics().first().toString().toStdString(),
+                StartsWith("mem: error: cannot be read: "));
 }
 
 TEST(SessionReader, ReadsTheGoodLinesBesideTheBad)
