@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 #include "DevicesCommand.h"
 #include "ExitStatus.h"
+#include "ExplainCommand.h"
 #include "LearnCommand.h"
 #include "LibraryLog.h"
 #include "MonitorCommand.h"
@@ -33,6 +34,7 @@ int run(int argc, char *argv[])
     CheckOptions checkOptions;
     SimulateOptions simulateOptions;
     TimelineOptions timelineOptions;
+    ExplainOptions explainOptions;
 
     CommandLine commandLine(VORN_INPUT_VERSION);
     CLI::App *app = commandLine.app();
@@ -55,6 +57,7 @@ int run(int argc, char *argv[])
     addColoured(addCheck(app, &checkOptions), &checkOptions, check);
     addColoured(addSimulate(app, &simulateOptions), &simulateOptions, simulate);
     add(addTimeline(app, &timelineOptions), &timelineOptions, timeline);
+    add(addExplain(app, &explainOptions), &explainOptions, explain);
     return commandLine.parse(argc, argv);
 }
 

@@ -42,6 +42,8 @@ using namespace Vorn::Workbench;
 
 namespace {
 
+constexpr qint64 tick = 55'000; // µs; a coarse timer's may be late
+
 constexpr int panelNumber = 0;
 constexpr int remoteNumber = 1;
 constexpr int jacksNumber = 2;
@@ -543,12 +545,12 @@ void RandomSession::checkCauses()
                                 + std::to_string(expected));
 }
 
-/// The end of the event loop in a slot that runs at that time, if there is one, and of those that
-/// follow it at once.
+/// The end of the event loop in a slot that runs until the tick after that time, if there is one,
+/// and of those that follow it at once.
 qint64 RandomSession::afterWaits(qint64 time) const
 {
     for (const auto &[begin, end] : m_waits) {
-        if (begin <= time && time < end)
+        if (begin - tick <= time && time < end)
             return afterWaits(end);
     }
     return time;
@@ -559,7 +561,6 @@ qint64 RandomSession::afterWaits(qint64 time) const
 void RandomSession::checkLongPresses()
 {
     using Step = DetectorStep::What;
-    constexpr qint64 tick = 55'000;
     std::map<std::pair<int, QString>, qint64> due; // by key and handler
     for (const SessionEntry &entry : m_entries) {
         for (const auto &[key, time] : due) {
