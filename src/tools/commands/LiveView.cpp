@@ -4,6 +4,8 @@
 #include "ExitStatus.h"
 #include "Interruption.h"
 #include "Keyboard.h"
+#include "LibraryFacts.h"
+#include "NodeInfo.h"
 #include "Output.h"
 #include "ProfileWatcher.h"
 #include "SessionWriter.h"
@@ -33,6 +35,8 @@ SessionPrinter::Options textOptions(const MonitorOptions &options)
     // Without a profile there is nothing but records to see.
     text.records = options.raw || options.profile.isEmpty();
     text.latency = true;
+    // Without a profile nothing is mapped, which the hints say better.
+    text.outcomes = !options.profile.isEmpty();
     text.coloured = isColoured(options.colour, STDOUT_FILENO);
     return text;
 }
@@ -87,6 +91,13 @@ void LiveView::onEntry(const SessionEntry &entry)
     if (m_recorder)
         m_recorder->add(entry);
     show(entry);
+    // Between the records of a batch the state is of no interest, and not a state that lasts.
+    const bool mayChangeState = std::holds_alternative<RecordOutcome>(entry.what)
+        || std::holds_alternative<DetectorStep>(entry.what);
+    if (m_options.state && mayChangeState && m_devices) {
+        QTimer::singleShot(0, m_devices.get(),
+                           [devices = m_devices.get()] { devices->logChangedStates(); });
+    }
 }
 
 void LiveView::show(const SessionEntry &entry)
@@ -130,10 +141,24 @@ void LiveView::useProfile(const Profile &profile)
     m_devices = std::make_unique<Product>(profile, &m_log);
     QTimer::singleShot(0, m_devices.get(), [this] {
         m_isReloading = false;
+        complainOfNodes();
         if (m_devices->devices().isEmpty())
             complain(QStringLiteral("no input device can be read; waiting for one to be plugged in "
                                     "(see: vorn-input devices)"));
     });
+}
+
+// What the library never looks at cannot be in the session.
+void LiveView::complainOfNodes() const
+{
+    const QStringList paths = inputNodes();
+    for (const QString &path : paths) {
+        const int number = path.midRef(path.lastIndexOf(QLatin1Char('t')) + 1).toInt();
+        if (number >= nodeCount) {
+            complain(QStringLiteral("%1 is not shown: the library looks at event0 to event%2 only")
+                         .arg(path, QString::number(nodeCount - 1)));
+        }
+    }
 }
 
 void LiveView::onProfileChanged(const ParsedProfile &parsed)
@@ -161,6 +186,8 @@ void LiveView::onKey(char key)
         m_devices->select(identifiers.at(index));
     } else if (key == 'r') {
         m_text.setRecords(!m_text.records());
+    } else if (key == 's') {
+        m_devices->logStates();
     } else if (key == 'q') {
         QCoreApplication::quit();
     } else if (key == '?' || key == 'h') {
@@ -170,7 +197,8 @@ void LiveView::onKey(char key)
 
 void LiveView::showHelp()
 {
-    QString line = QStringLiteral("q: quit   r: show or hide records   ?: this help");
+    QString line = QStringLiteral("q: quit   r: show or hide records   s: state of the keys   "
+                                  "?: this help");
     const QStringList identifiers = m_profile.identifiers();
     for (int i = 0; i < identifiers.size() && i < 9; ++i)
         line += QStringLiteral("   %1: select '%2'").arg(i + 1).arg(identifiers.at(i));

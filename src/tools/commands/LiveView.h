@@ -35,6 +35,7 @@ private:
     void onProfileChanged(const Workbench::ParsedProfile &parsed);
     void useProfile(const Workbench::Profile &profile);
     void showHelp();
+    void complainOfNodes() const;
 
     const MonitorOptions m_options;
     const bool m_hasProfile;

@@ -16,6 +16,7 @@ struct MonitorOptions
     QString profile; ///< empty: none
     QString identifier; ///< empty: the profile's
     bool raw = false;
+    bool state = false; ///< what the library believes about the keys, whenever it changes
     bool json = false;
     QString record; ///< folder; empty: nothing is recorded
     bool showText = false;

@@ -152,13 +152,32 @@ QMap<QString, QString> Product::devices() const
 
 void Product::logStates()
 {
-    for (const Device &device : qAsConst(m_devices)) {
-        const ObservedKeyHandler *handler = currentKeyHandler(device);
-        KeyStates states;
-        states.device = device.seen.path;
-        m_log->add(handler ? handler->states() : states);
+    for (Device &device : m_devices) {
+        device.logged = statesOf(device);
+        m_log->add(device.logged);
+        device.lostReleases.clear();
     }
     lookForLostReleases();
+}
+
+void Product::logChangedStates()
+{
+    for (Device &device : m_devices) {
+        const KeyStates states = statesOf(device);
+        if (states == device.logged)
+            continue;
+        device.logged = states;
+        m_log->add(states);
+    }
+}
+
+KeyStates Product::statesOf(const Device &device) const
+{
+    if (const ObservedKeyHandler *handler = currentKeyHandler(device))
+        return handler->states();
+    KeyStates states;
+    states.device = device.seen.path;
+    return states;
 }
 
 ObservedKeyHandler *Product::currentKeyHandler(const Device &device) const

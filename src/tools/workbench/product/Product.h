@@ -48,8 +48,11 @@ public:
     /// Paths and kernel names of the devices that are present.
     QMap<QString, QString> devices() const;
 
-    /// Logs what the library believes about the keys of each device.
+    /// Logs what the library believes about the keys of each device, and which of them it has down
+    /// although they are up.
     void logStates();
+    /// The first of it, for those devices of which it has changed since it was logged last.
+    void logChangedStates();
 
 Q_SIGNALS:
     /// Emitted when it has been logged.
@@ -67,6 +70,7 @@ private:
         QVector<ObservedKeyHandler *> keyHandlers;
         /// Keys that came up unheard, told once.
         QSet<int> lostReleases;
+        KeyStates logged;
     };
 
     void onInputEvent(const InputEvent &event);
@@ -74,6 +78,7 @@ private:
     void observeUnread(LinuxInputListener *listener, UnreadRecords *unread);
     QString unreadReason(const ObservedDevice &device, int side) const;
     QString unmappedReason(const QString &path, int side, int code) const;
+    KeyStates statesOf(const Device &device) const;
     ObservedKeyHandler *currentKeyHandler(const Device &device) const;
     void lookForLostReleases();
     void lookForLostReleases(Device *device, const ObservedKeyHandler &handler);

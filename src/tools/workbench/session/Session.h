@@ -108,6 +108,8 @@ struct KeyState
     std::optional<qint64> due; ///< µs of the session; none if no further one is published
 };
 
+bool operator==(const KeyState &one, const KeyState &other);
+
 /// What the library believes about a device's keys at this moment.
 struct KeyStates
 {
@@ -116,6 +118,8 @@ struct KeyStates
     bool isChord = false; ///< whether a chord is in progress
     QVector<KeyState> keys; ///< by code; only those with something to tell
 };
+
+bool operator==(const KeyStates &one, const KeyStates &other);
 
 /// An identifier was selected.
 struct IdentifierSelected
