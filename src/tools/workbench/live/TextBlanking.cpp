@@ -60,6 +60,18 @@ std::optional<SessionEntry> TextBlanking::blanked(const SessionEntry &entry)
         if (!kept)
             return std::nullopt;
         result.what = *kept;
+    } else if (auto *outcome = std::get_if<RecordOutcome>(&result.what)) {
+        // Its record was left out, see above.
+        if (outcome->type == EV_MSC && canType(m_devices[outcome->device]))
+            return std::nullopt;
+        if (outcome->type == EV_KEY)
+            outcome->code = standInOf(outcome->device, outcome->code).code;
+        for (QString &event : outcome->events)
+            event = withoutTyping(event);
+        outcome->reason = withoutTyping(outcome->reason);
+    } else if (auto *states = std::get_if<KeyStates>(&result.what)) {
+        for (KeyState &key : states->keys)
+            key.code = standInOf(states->device, key.code).code;
     } else if (auto *step = std::get_if<DetectorStep>(&result.what)) {
         for (int &key : step->keys)
             key = standInOf(step->device, key).code;

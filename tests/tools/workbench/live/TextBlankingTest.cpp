@@ -47,6 +47,15 @@ TEST_F(TextBlankingTest, LeavesNoTraceOfTypedTextWithoutAProfile)
     type(KEY_OK, InputEvent::Confirm);
     add(DetectorStep{DetectorStep::What::LongPressDue, device, {KEY_Q}, 5, false});
     add(Remark{"KEY_Q is mapped to CharQ, KEY_OK is not"});
+    add(RecordOutcome{RecordOutcome::What::Published,
+                      device,
+                      EV_KEY,
+                      KEY_Q,
+                      1,
+                      {"CharQ KeyPressed"},
+                      "KEY_Q is published at once"});
+    add(RecordOutcome{RecordOutcome::What::NotTaken, device, EV_MSC, MSC_SCAN, KEY_Q, {}, {}});
+    add(KeyStates{device, true, false, {{KEY_Q, true, false, true, false, 0, {}}}});
     m_recorder->close();
 
     EXPECT_THAT(codesOf(1), ElementsAre(KEY_A, KEY_OK));
