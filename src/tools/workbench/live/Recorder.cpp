@@ -78,15 +78,25 @@ QString Recorder::open()
     m_folder.replace(QStringLiteral("README"), replayReadme());
     m_folder.replace(QStringLiteral("replay.sh"), replayScript());
     m_folder.makeExecutable(QStringLiteral("replay.sh"));
-    return m_folder.takeError();
+    error = m_folder.error();
+    if (!error.isEmpty()) {
+        closeFiles();
+        m_folder.discard();
+    }
+    return error;
 }
 
 QString Recorder::close()
 {
+    closeFiles();
+    return m_folder.error();
+}
+
+void Recorder::closeFiles()
+{
     m_nodes.clear();
     m_session.reset();
     m_expectations.reset();
-    return m_folder.takeError();
 }
 
 void Recorder::add(const SessionEntry &entry)
@@ -99,6 +109,9 @@ void Recorder::add(const SessionEntry &entry)
         addNode(*change, entry.time);
     if (kept)
         keep(*kept);
+    // With a gap in it, the rest would tell of something that did not happen.
+    if (!m_folder.error().isEmpty())
+        closeFiles();
 }
 
 void Recorder::keep(const SessionEntry &entry)

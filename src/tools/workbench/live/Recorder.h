@@ -28,8 +28,9 @@ namespace Vorn::Workbench {
 /// | `replay.sh` | replays the session to a program, with umockdev-run |
 /// | `README` | how to replay it |
 ///
-/// Each entry is on disk when add() returns, so that nothing is lost if the process ends. Typed
-/// text is made unreadable, see TextBlanking, unless it is to be shown.
+/// Each entry is on disk when add() returns, so that nothing is lost if the process ends. With the
+/// first that cannot be written the recording ends. Typed text is made unreadable, see
+/// TextBlanking, unless it is to be shown.
 class Recorder
 {
 public:
@@ -41,15 +42,18 @@ public:
     Recorder &operator=(const Recorder &) = delete;
 
     /// Makes the folder if it does not exist, and starts the files.
-    /// @return why that is not possible; empty if it was. A folder that holds a recording is
-    /// refused.
+    /// @return why that is not possible, and then nothing is left behind; empty if it was. A
+    /// folder that holds a recording is refused.
     QString open();
 
     /// Records an entry. A device that arrives is asked for its description.
     void add(const SessionEntry &entry);
 
+    /// Why the recording has ended; empty while everything is written.
+    QString error() const { return m_folder.error(); }
+
     /// Closes the files.
-    /// @return the first error since open(); empty if everything was written
+    /// @return error()
     QString close();
 
 private:
@@ -60,6 +64,7 @@ private:
         qint64 lastTime = 0;
     };
 
+    void closeFiles();
     void keep(const SessionEntry &entry);
     void addNode(const DeviceChange &change, qint64 time);
     void writeDevices();

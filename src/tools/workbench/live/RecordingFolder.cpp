@@ -1,10 +1,13 @@
 #include "RecordingFolder.h"
 
 #include "TextFile.h"
+#include "WriteAll.h"
 
 #include <QDir>
 
-#include <utility>
+#include <unistd.h>
+
+#include <cerrno>
 
 namespace Vorn::Workbench {
 
@@ -20,6 +23,7 @@ QString RecordingFolder::filePath(const QString &name) const
 QString RecordingFolder::open()
 {
     m_error.clear();
+    m_files.clear();
     const QDir folder(m_path);
     const QStringList present =
         folder.entryList({QStringLiteral("session.*"), QStringLiteral("event*.evemu"),
@@ -31,8 +35,12 @@ QString RecordingFolder::open()
                               "remove it")
             .arg(m_path, present.first());
     }
-    if (!QDir().mkpath(m_path))
-        return QStringLiteral("cannot create the folder '%1'").arg(m_path);
+    m_isNew = !folder.exists();
+    errno = 0;
+    if (!QDir().mkpath(m_path)) {
+        return QStringLiteral("cannot create the folder '%1': %2")
+            .arg(m_path, qt_error_string(errno != 0 ? errno : ENOTDIR));
+    }
     return {};
 }
 
@@ -40,9 +48,10 @@ std::unique_ptr<QFile> RecordingFolder::create(const QString &name, const QByteA
 {
     auto file = std::make_unique<QFile>(filePath(name));
     if (!file->open(QIODevice::WriteOnly | QIODevice::Append)) {
-        fail(QStringLiteral("cannot write '%1': %2").arg(file->fileName(), file->errorString()));
+        fail(file->fileName(), file->errorString());
         return nullptr;
     }
+    m_files += name;
     append(file.get(), start);
     return file;
 }
@@ -51,16 +60,23 @@ void RecordingFolder::append(QFile *file, const QByteArray &text)
 {
     if (!file)
         return;
-    // What went wrong in a session may end the process: flushed, its last moments are on disk.
-    if (file->write(text) != text.size() || !file->flush())
-        fail(QStringLiteral("cannot write '%1': %2").arg(file->fileName(), file->errorString()));
+    const qint64 size = file->size();
+    // Past Qt's buffer: what went wrong in a session may end the process.
+    const int error = writeAll(file->handle(), text);
+    if (error == 0)
+        return;
+    // Half a line would make a file unreadable that is good up to there; a device has no size.
+    static_cast<void>(ftruncate(file->handle(), size));
+    fail(file->fileName(), qt_error_string(error));
 }
 
 void RecordingFolder::replace(const QString &name, const QByteArray &content)
 {
     const QString error = writeFile(filePath(name), content);
     if (!error.isEmpty())
-        fail(error);
+        keep(error);
+    else if (!m_files.contains(name))
+        m_files += name;
 }
 
 void RecordingFolder::makeExecutable(const QString &name) const
@@ -71,12 +87,21 @@ void RecordingFolder::makeExecutable(const QString &name) const
                               | QFileDevice::ExeOther);
 }
 
-QString RecordingFolder::takeError()
+void RecordingFolder::discard()
 {
-    return std::exchange(m_error, QString());
+    for (const QString &name : qAsConst(m_files))
+        QFile::remove(filePath(name));
+    m_files.clear();
+    if (m_isNew)
+        QDir().rmdir(m_path);
 }
 
-void RecordingFolder::fail(const QString &error)
+void RecordingFolder::fail(const QString &file, const QString &reason)
+{
+    keep(QStringLiteral("cannot write '%1': %2").arg(file, reason));
+}
+
+void RecordingFolder::keep(const QString &error)
 {
     if (m_error.isEmpty())
         m_error = error;

@@ -4,13 +4,14 @@
 #include <QByteArray>
 #include <QFile>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
 namespace Vorn::Workbench {
 
-/// The folder of a recording while it is being written. Errors do not stop a recording: the first
-/// one is kept and reported at its end.
+/// The folder of a recording while it is being written. The first error is kept until it is asked
+/// for.
 class RecordingFolder
 {
 public:
@@ -25,7 +26,8 @@ public:
     /// A file that is written bit by bit, from @p start on; null if that is not possible.
     std::unique_ptr<QFile> create(const QString &name, const QByteArray &start);
 
-    /// Adds to a file from create(), on disk when it returns; nothing if @p file is null.
+    /// Adds all of a text, or nothing of it, to a file from create(); on disk when it returns.
+    /// Nothing if @p file is null.
     void append(QFile *file, const QByteArray &text);
 
     /// Writes a whole file in place of the previous one.
@@ -33,14 +35,20 @@ public:
 
     void makeExecutable(const QString &name) const;
 
-    /// The first error since open() or the last call; empty if there was none.
-    QString takeError();
+    /// Removes the files that were written since open(), and the folder if that made it.
+    void discard();
+
+    /// The first error since open(); empty if there was none.
+    QString error() const { return m_error; }
 
 private:
     QString filePath(const QString &name) const;
-    void fail(const QString &error);
+    void fail(const QString &file, const QString &reason);
+    void keep(const QString &error);
 
     const QString m_path;
+    bool m_isNew = false;
+    QStringList m_files;
     QString m_error;
 };
 

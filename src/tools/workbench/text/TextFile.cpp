@@ -1,6 +1,7 @@
 #include "TextFile.h"
 
 #include "Diagnostic.h"
+#include "WriteAll.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -8,6 +9,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <stdio_ext.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -106,6 +108,21 @@ QString cannotWrite(const QString &path, const QString &reason)
     return QStringLiteral("%1 cannot be written: %2").arg(path, reason);
 }
 
+QString writeStandardOutput(const QByteArray &content)
+{
+    errno = 0;
+    const auto size = static_cast<std::size_t>(content.size());
+    // Flushed here, since a full disk shows only then.
+    if (std::fwrite(content.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0)
+        return {};
+    const QString error =
+        cannotWrite(QStringLiteral("the standard output"), qt_error_string(errno));
+    // Told once: whoever flushes the stream later has nothing to add.
+    __fpurge(stdout);
+    std::clearerr(stdout);
+    return error;
+}
+
 } // namespace
 
 std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnostics *diagnostics,
@@ -138,24 +155,28 @@ std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnost
 
 QString writeFile(const QString &path, const QByteArray &content)
 {
-    if (path == QLatin1String("-")) {
-        // Flushed here, since a full disk shows only then.
-        const auto size = static_cast<std::size_t>(content.size());
-        if (std::fwrite(content.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0)
-            return QStringLiteral("the standard output cannot be written");
-        return {};
-    }
+    if (path == QLatin1String("-"))
+        return writeStandardOutput(content);
     // A device or a pipe is opened and written to; QSaveFile would replace it by a file.
     if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) {
         QFile device(path);
-        const bool isWritten = device.open(QIODevice::WriteOnly | QIODevice::ExistingOnly)
-            && device.write(content) == content.size() && device.flush();
-        return isWritten ? QString() : cannotWrite(path, device.errorString());
+        if (!device.open(QIODevice::WriteOnly | QIODevice::ExistingOnly))
+            return cannotWrite(path, device.errorString());
+        const int error = writeAll(device.handle(), content);
+        return error == 0 ? QString() : cannotWrite(path, qt_error_string(error));
     }
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
+    if (!file.open(QIODevice::WriteOnly))
         return cannotWrite(path, file.errorString());
-    return {};
+    // Not through its buffer: commit() does not ask whether what that held has arrived, and would
+    // put a file of nothing in the old one's place.
+    int error = writeAll(file.handle(), content);
+    // Some disks find out that they are full only now; some file systems cannot be asked.
+    if (error == 0 && fsync(file.handle()) != 0 && errno != EINVAL)
+        error = errno;
+    if (error != 0)
+        return cannotWrite(path, qt_error_string(error));
+    return file.commit() ? QString() : cannotWrite(path, file.errorString());
 }
 
 } // namespace Vorn::Workbench

@@ -202,6 +202,22 @@ TEST_F(RecorderTest, TellsOfADiskThatIsFull)
         GTEST_SKIP() << "no /dev/full";
     start(nullptr);
     ASSERT_TRUE(QFile::link("/dev/full", folder() + "/event0.evemu"));
+    EXPECT_EQ(m_recorder->error().toStdString(), "");
     plug(remote);
-    EXPECT_THAT(m_recorder->close().toStdString(), HasSubstr("event0.evemu': "));
+    // At once, and not when hours of it are lost.
+    EXPECT_THAT(m_recorder->error().toStdString(),
+                testing::EndsWith("event0.evemu': No space left on device"));
+    const int entries = contentOf("session.jsonl").count('\n');
+    record(EV_KEY, KEY_OK, 1);
+    EXPECT_EQ(contentOf("session.jsonl").count('\n'), entries);
+    EXPECT_EQ(m_recorder->close(), m_recorder->error());
+}
+
+TEST_F(RecorderTest, LeavesNothingBehindWhereItCannotBegin)
+{
+    ASSERT_TRUE(QDir(m_temporary.path()).mkdir("session"));
+    ASSERT_TRUE(QDir(folder()).mkdir("README"));
+    Recorder recorder(folder(), nullptr, false);
+    EXPECT_THAT(recorder.open().toStdString(), HasSubstr("README cannot be written: "));
+    EXPECT_TRUE(QDir(folder()).entryList(QDir::Files).isEmpty());
 }

@@ -5,6 +5,12 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/resource.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
 using namespace Vorn::Workbench;
 using testing::HasSubstr;
 
@@ -45,7 +51,7 @@ TEST_F(RecordingFolderTest, SaysWhyItCannotBeMade)
 {
     write("file", "");
     RecordingFolder folder(pathOf("file/below"));
-    EXPECT_THAT(folder.open().toStdString(), HasSubstr("cannot create the folder"));
+    EXPECT_THAT(folder.open().toStdString(), testing::EndsWith("file/below': Not a directory"));
 }
 
 TEST_F(RecordingFolderTest, IsRefusedIfItHoldsAnyPartOfARecording)
@@ -73,18 +79,17 @@ TEST_F(RecordingFolderTest, HasEverythingOnDiskAtOnce)
     folder.replace("README", "old");
     folder.replace("README", "new");
     EXPECT_EQ(contentOf("README"), "new");
-    EXPECT_EQ(folder.takeError().toStdString(), "");
+    EXPECT_EQ(folder.error().toStdString(), "");
 }
 
-TEST_F(RecordingFolderTest, ReportsTheFirstErrorOnce)
+TEST_F(RecordingFolderTest, KeepsTheFirstError)
 {
     RecordingFolder folder(pathOf("missing"));
     const auto file = folder.create("first", {});
     EXPECT_FALSE(file);
     folder.append(file.get(), "lost");
     folder.replace("second", "lost");
-    EXPECT_THAT(folder.takeError().toStdString(), HasSubstr("missing/first'"));
-    EXPECT_EQ(folder.takeError().toStdString(), "");
+    EXPECT_THAT(folder.error().toStdString(), HasSubstr("missing/first': No such file"));
 }
 
 TEST_F(RecordingFolderTest, MakesAScriptExecutable)
@@ -94,4 +99,40 @@ TEST_F(RecordingFolderTest, MakesAScriptExecutable)
     EXPECT_FALSE(QFile::permissions(pathOf("replay.sh")) & QFileDevice::ExeUser);
     folder.makeExecutable("replay.sh");
     EXPECT_TRUE(QFile::permissions(pathOf("replay.sh")) & QFileDevice::ExeUser);
+}
+
+TEST_F(RecordingFolderTest, HasNoHalfLinesWhenTheDiskIsFull)
+{
+    RecordingFolder folder(pathOf("."));
+    const auto file = folder.create("session.jsonl", "start\n");
+    EXPECT_EXIT(
+        {
+            std::signal(SIGXFSZ, SIG_IGN);
+            rlimit limit = {};
+            getrlimit(RLIMIT_FSIZE, &limit);
+            limit.rlim_cur = 3000;
+            setrlimit(RLIMIT_FSIZE, &limit);
+            folder.append(file.get(), QByteArray(3000, 'x'));
+            static_cast<void>(std::fputs(folder.error().toLocal8Bit().constData(), stderr));
+            std::_Exit(0);
+        },
+        testing::ExitedWithCode(0), "session.jsonl': File too large");
+    EXPECT_EQ(contentOf("session.jsonl"), "start\n");
+}
+
+TEST_F(RecordingFolderTest, LeavesNothingOfARecordingThatIsGivenUp)
+{
+    write("notes.txt", "of somebody else");
+    RecordingFolder used(pathOf("."));
+    ASSERT_EQ(used.open().toStdString(), "");
+    used.create("session.jsonl", {});
+    used.replace("README", "text");
+    used.discard();
+    EXPECT_EQ(QDir(pathOf(".")).entryList(QDir::Files), QStringList("notes.txt"));
+
+    RecordingFolder made(pathOf("new"));
+    ASSERT_EQ(made.open().toStdString(), "");
+    made.create("session.jsonl", {});
+    made.discard();
+    EXPECT_FALSE(QFile::exists(pathOf("new")));
 }

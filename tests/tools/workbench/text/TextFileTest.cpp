@@ -2,6 +2,7 @@
 
 #include "Diagnostic.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -9,11 +10,14 @@
 #include <gmock/gmock.h>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <thread>
 
 using namespace Vorn::Workbench;
@@ -158,4 +162,32 @@ TEST_F(TextFileTest, ArePipesAndStayPipes)
     struct stat status = {};
     ASSERT_EQ(stat(pipe.constData(), &status), 0);
     EXPECT_TRUE(S_ISFIFO(status.st_mode));
+}
+
+// A limit is as good as a disk that is full, and smaller than what a file's buffer holds.
+TEST_F(TextFileTest, StayAsTheyWereWhenTheDiskIsFull)
+{
+    write("old", "the old content");
+    EXPECT_EXIT(
+        {
+            std::signal(SIGXFSZ, SIG_IGN);
+            rlimit limit = {};
+            getrlimit(RLIMIT_FSIZE, &limit);
+            limit.rlim_cur = 3000;
+            setrlimit(RLIMIT_FSIZE, &limit);
+            const QByteArray content(4000, 'x');
+            const QByteArray error = writeFile(path("old"), content).toLocal8Bit();
+            static_cast<void>(std::fputs(error.constData(), stderr));
+            std::_Exit(error.isEmpty() ? 0 : 3);
+        },
+        testing::ExitedWithCode(3), "old cannot be written: File too large");
+    EXPECT_EQ(contentOf(path("old")).toStdString(), "the old content");
+    EXPECT_EQ(QDir(QFileInfo(path("old")).path()).entryList(QDir::Files), QStringList("old"));
+}
+
+TEST_F(TextFileTest, ThatAreDevicesTellWhenTheyAreFull)
+{
+    ASSERT_TRUE(QFile::link("/dev/full", path("full")));
+    EXPECT_THAT(writeFile(path("full"), "content").toStdString(),
+                testing::EndsWith("full cannot be written: No space left on device"));
 }
