@@ -8,6 +8,7 @@
 #include "MonitorCommand.h"
 #include "Output.h"
 #include "SimulateCommand.h"
+#include "StandardStreams.h"
 #include "TimelineCommand.h"
 
 #include <QCoreApplication>
@@ -65,6 +66,7 @@ int run(int argc, char *argv[])
 
 int main(int argc, char *argv[])
 {
+    Vorn::Workbench::prepareStandardStreams();
     try {
         return run(argc, argv);
     } catch (const std::exception &error) {

@@ -42,6 +42,13 @@ class Terminal:
     def is_line_buffered(self):
         return bool(termios.tcgetattr(self.descriptor)[3] & termios.ICANON)
 
+    def wait_until_line_buffered(self, wanted):
+        end = time.monotonic() + SECONDS
+        while self.is_line_buffered() != wanted:
+            if time.monotonic() > end:
+                sys.exit(f"FAILED: expected line buffering to be {wanted}\n{self.text}")
+            self.read()
+
     def status(self):
         end = time.monotonic() + SECONDS
         while self.read():

@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""vorn-input on a terminal: monitor's colours, and keys that select identifiers and end it; how far
-simulate is.
+"""vorn-input on a terminal: monitor's colours, and keys that select identifiers and end it; how it
+leaves the terminal; how far simulate is.
 
 usage: terminal_test.py SOURCE PROGRAM
 """
 import os
+import signal
 import sys
 import tempfile
 
@@ -26,6 +27,37 @@ def simulate(source, program, folder):
     return Terminal(["sh", "-c", 'exec "$@" >"$0"', os.path.join(folder, "out"), program,
                      "simulate", "--profile",
                      os.path.join(source, "examples/profiles/player.toml"), scenario])
+
+
+def leave(program):
+    """Whatever ends or stops it, the terminal is as it was."""
+    for end, status in (signal.SIGTERM, 0), (signal.SIGHUP, 0), (signal.SIGQUIT, -signal.SIGQUIT):
+        terminal = Terminal([program, "monitor"])
+        terminal.wait_for("q: quit")
+        terminal.wait_until_line_buffered(False)
+        os.kill(terminal.process, end)
+        if terminal.status() != status:
+            sys.exit(f"FAILED: {end} does not end it as it should")
+        terminal.wait_until_line_buffered(True)
+
+    terminal = Terminal(["sh", "-c", '"$0" monitor | cat', program])
+    terminal.wait_for("each with Enter")
+    if not terminal.is_line_buffered():
+        sys.exit("FAILED: single keys are read although nobody sees what they do")
+    terminal.type("q\r")
+    terminal.status()
+
+    terminal = Terminal(["bash", "-c", 'set -m; "$0" monitor; echo stop""ped; read -r; fg', program])
+    terminal.wait_for("q: quit")
+    terminal.wait_until_line_buffered(False)
+    terminal.type("\x1a")
+    terminal.wait_for("stopped")
+    terminal.wait_until_line_buffered(True)
+    terminal.type("\r")
+    terminal.wait_until_line_buffered(False)
+    terminal.type("q")
+    if terminal.status() != 0:
+        sys.exit("FAILED: it does not go on after a stop")
 
 
 def main():
@@ -61,6 +93,7 @@ def main():
     terminal.type("\x03")
     if terminal.status() != 0:
         sys.exit("FAILED: Ctrl-C does not end it cleanly")
+    leave(program)
     print("PASSED")
 
 

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # vorn-input monitor reloads an edited profile, keeps the previous one when the new one has errors, and
-# ends cleanly when it is interrupted or its time is up, with everything recorded until then.
+# ends cleanly when it is interrupted or its time is up, with everything recorded until then, and at
+# once when that cannot be recorded.
 # usage: workbench_monitor_test.sh SOURCE PROGRAM
 . "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
 
@@ -46,6 +47,15 @@ grep -q '"KeyLongPress"' session/session.jsonl || failed "expected the long pres
 grep -q 'KeyLongPress' session/session.expect || failed "expected the long press to be expected"
 [ "$(grep -c '"change":"added"' out)" -eq 4 ] || failed "expected each device to be shown once"
 jq -e . out >json 2>&1 || failed "expected JSON, one object per line"
+
+description='monitor on a disk that becomes full' status=0
+# Blocks of a kilobyte: enough for all of it but the session.
+"$source/examples/player/recordings/replay.sh" bash -c 'ulimit -f 8; exec "$@"' bash \
+    "$program" monitor --profile profile.toml --record short >out 2>err </dev/null || status=$?
+expect_status 2
+wait_for "cannot write 'short/session.jsonl': File too large; the recording ends here" err
+[ "$(wc -l <err)" -eq 1 ] || failed "expected one line on stderr"
+jq -e . short/session.jsonl >json 2>&1 || failed "expected whole lines only"
 
 description='monitor with a duration, and a profile that changes' status=0
 # The job in the background may take its time to truncate what the part before has left.

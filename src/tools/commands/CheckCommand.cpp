@@ -124,10 +124,6 @@ int check(const CheckOptions &options)
     ExitStatus worst = Success;
     for (const QString &file : options.files)
         worst = std::max(worst, checkFile(file, options, coloured));
-    if (!flush(stdout)) {
-        printLine(stderr, QStringLiteral("error: cannot write to the standard output"));
-        return Failure;
-    }
     return worst;
 }
 

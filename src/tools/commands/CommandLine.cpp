@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include "ExitStatus.h"
+#include "Output.h"
 #include "Quoting.h"
 #include "Suggestion.h"
 
@@ -10,6 +11,7 @@
 #include <CLI/CLI.hpp>
 
 #include <map>
+#include <sstream>
 #include <utility>
 #include <vector>
 
@@ -18,6 +20,10 @@ namespace Vorn::Tools {
 namespace {
 
 using Workbench::Colour;
+using Workbench::flush;
+using Workbench::outputError;
+using Workbench::print;
+using Workbench::printLine;
 using Workbench::suggestion;
 
 QStringList texts(const std::vector<std::string> &arguments)
@@ -124,9 +130,17 @@ int CommandLine::parse(int argc, const char *const *argv)
         m_app->parse(argc, argv);
     } catch (const CLI::ParseError &error) {
         // --help and --version end up here, too.
-        return m_app->exit(error) == 0 ? Success : Failure;
+        std::ostringstream out;
+        std::ostringstream errors;
+        m_status = m_app->exit(error, out, errors) == 0 ? Success : Failure;
+        print(stdout, QByteArray::fromStdString(out.str()));
+        print(stderr, QByteArray::fromStdString(errors.str()));
     }
-    return m_status;
+    // Whatever was printed, and by whom: a result that has not arrived is none.
+    if (flush(stdout))
+        return m_status;
+    printLine(stderr, QStringLiteral("vorn-input: ") + outputError());
+    return Failure;
 }
 
 } // namespace Vorn::Tools

@@ -63,7 +63,7 @@ int devices(const DevicesOptions &options)
     } else {
         print(stdout, nodeTable(nodes, isColoured(options.colour, STDOUT_FILENO)).toUtf8());
     }
-    return flush(stdout) ? Success : Failure;
+    return Success;
 }
 
 } // namespace Vorn::Tools

@@ -21,6 +21,8 @@
 #include <QFileInfo>
 #include <QTimer>
 
+#include <unistd.h>
+
 #include <optional>
 
 namespace Vorn::Tools {
@@ -160,7 +162,7 @@ int learn(const LearnOptions &options)
     });
     const Product devices(Profile(), &log);
     const Interruption interruption([] { QCoreApplication::quit(); });
-    const Keyboard keyboard([&](char key) {
+    const Keyboard keyboard(STDERR_FILENO, [&](char key) {
         learner.answer(key);
         wait();
     });

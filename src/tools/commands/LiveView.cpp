@@ -7,8 +7,10 @@
 #include "LibraryFacts.h"
 #include "NodeInfo.h"
 #include "Output.h"
+#include "OutputWatch.h"
 #include "ProfileWatcher.h"
 #include "SessionWriter.h"
+#include "SingleKeys.h"
 #include "Suggestion.h"
 #include "Terminal.h"
 #include "vorn.h"
@@ -88,8 +90,10 @@ void LiveView::onEntry(const SessionEntry &entry)
             return;
         }
     }
-    if (m_recorder)
+    if (m_recorder) {
         m_recorder->add(entry);
+        endWithTheRecording();
+    }
     show(entry);
     // Between the records of a batch the state is of no interest, and not a state that lasts.
     const bool mayChangeState = std::holds_alternative<RecordOutcome>(entry.what)
@@ -98,6 +102,17 @@ void LiveView::onEntry(const SessionEntry &entry)
         QTimer::singleShot(0, m_devices.get(),
                            [devices = m_devices.get()] { devices->logChangedStates(); });
     }
+}
+
+// Whoever records a rare fault must not find out at the end that there is nothing of it.
+void LiveView::endWithTheRecording()
+{
+    const QString error = m_recorder->error();
+    if (error.isEmpty() || m_status == Failure)
+        return;
+    complain(QStringLiteral("%1; the recording ends here, and so does the monitor").arg(error));
+    m_status = Failure;
+    end();
 }
 
 void LiveView::show(const SessionEntry &entry)
@@ -117,9 +132,15 @@ void LiveView::show(const SessionEntry &entry)
         for (const QString &hint : hints)
             printLine(stdout, QStringLiteral("             register: ") + hint + place);
     }
-    // A pipe's reader must see it live, too. Whether it could be written is not asked here: the
-    // view goes on for the recording.
-    static_cast<void>(flush(stdout));
+    // A pipe's reader must see it live, too.
+    if (!flush(stdout))
+        end();
+}
+
+// Queued, because the event loop may not have begun.
+void LiveView::end()
+{
+    QTimer::singleShot(0, QCoreApplication::instance(), &QCoreApplication::quit);
 }
 
 /*
@@ -202,15 +223,18 @@ void LiveView::showHelp()
     const QStringList identifiers = m_profile.identifiers();
     for (int i = 0; i < identifiers.size() && i < 9; ++i)
         line += QStringLiteral("   %1: select '%2'").arg(i + 1).arg(identifiers.at(i));
+    if (!SingleKeys::areOn())
+        line += QStringLiteral("   (each with Enter)");
     printLine(stderr, line);
 }
 
 int LiveView::run()
 {
     const Interruption interruption([] { QCoreApplication::quit(); });
+    const OutputWatch output([] { QCoreApplication::quit(); });
     std::unique_ptr<Keyboard> keyboard;
     if (isTerminal(STDIN_FILENO) && !m_options.json) {
-        keyboard = std::make_unique<Keyboard>([this](char key) { onKey(key); });
+        keyboard = std::make_unique<Keyboard>(STDOUT_FILENO, [this](char key) { onKey(key); });
         showHelp();
     }
     std::unique_ptr<ProfileWatcher> watcher;
@@ -228,14 +252,9 @@ int LiveView::run()
     QCoreApplication::exec();
     // Its devices go into the recording as long as that is open.
     m_devices.reset();
-    if (m_recorder) {
-        const QString error = m_recorder->close();
-        if (!error.isEmpty()) {
-            complain(error);
-            return Failure;
-        }
-    }
-    return Success;
+    if (m_recorder)
+        m_recorder->close();
+    return m_status;
 }
 
 } // namespace Vorn::Tools

@@ -1,6 +1,7 @@
 #ifndef VORN_TOOLS_LIVEVIEW_H
 #define VORN_TOOLS_LIVEVIEW_H
 
+#include "ExitStatus.h"
 #include "Hints.h"
 #include "MonitorCommand.h"
 #include "Product.h"
@@ -30,6 +31,8 @@ public:
 
 private:
     void onEntry(const Workbench::SessionEntry &entry);
+    void endWithTheRecording();
+    static void end();
     void show(const Workbench::SessionEntry &entry);
     void onKey(char key);
     void onProfileChanged(const Workbench::ParsedProfile &parsed);
@@ -43,6 +46,7 @@ private:
     Workbench::SessionPrinter m_text;
     Workbench::Hints m_hints;
     std::unique_ptr<Workbench::Recorder> m_recorder;
+    int m_status = Success;
     bool m_isReloading = false;
     Workbench::SessionLog m_log;
     std::unique_ptr<Workbench::Product> m_devices;

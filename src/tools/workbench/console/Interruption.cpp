@@ -1,5 +1,6 @@
 #include "Interruption.h"
 
+#include "SingleKeys.h"
 #include "vorn.h"
 
 #include <QSocketNotifier>
@@ -48,6 +49,7 @@ void onSignal(int signal)
     } else if (static_cast<qint64>(now - interruptionTicks) * 1000
                >= static_cast<qint64>(Interruption::repetitionMs) * sysconf(_SC_CLK_TCK))
     {
+        SingleKeys::undo();
         struct sigaction action = {};
         action.sa_handler = SIG_DFL;
         sigaction(signal, &action, nullptr);
@@ -93,6 +95,11 @@ Interruption::~Interruption()
             close(descriptor);
         descriptor = -1;
     }
+}
+
+void Interruption::request()
+{
+    interruptionRequested = 1;
 }
 
 bool Interruption::isRequested()

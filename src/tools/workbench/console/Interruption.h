@@ -19,7 +19,10 @@ public:
     explicit Interruption(std::function<void()> callback = {});
     ~Interruption() override;
 
-    /// Whether a signal has come since the last construction.
+    /// Ends work that asks isRequested(), without a signal and without the callback.
+    static void request();
+
+    /// Whether a signal or request() has come since the last construction.
     static bool isRequested();
 };
 

@@ -1,19 +1,24 @@
 #ifndef VORN_WORKBENCH_KEYBOARD_H
 #define VORN_WORKBENCH_KEYBOARD_H
 
+#include "SingleKeys.h"
+
 #include <QObject>
 
 #include <functional>
 
 namespace Vorn::Workbench {
 
-/// Reports single characters from the standard input while it is alive; on a terminal without
-/// waiting for Enter and without echo. Only one may exist at a time.
+/// Reports the characters of the standard input while it is alive; on a terminal single keys, see
+/// SingleKeys. Only one may exist at a time.
 class Keyboard : public QObject
 {
 public:
-    explicit Keyboard(std::function<void(char)> onKey);
-    ~Keyboard() override;
+    /// @param shownOn descriptor on which the keys are explained
+    Keyboard(int shownOn, std::function<void(char)> onKey);
+
+private:
+    const SingleKeys m_singleKeys;
 };
 
 } // namespace Vorn::Workbench

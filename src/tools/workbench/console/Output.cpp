@@ -2,13 +2,28 @@
 
 #include "Quoting.h"
 
+#include <cerrno>
+
 namespace Vorn::Workbench {
+
+namespace {
+
+// The stream remembers that there was an error, but not which.
+int firstOutputError = 0;
+
+bool noteError(std::FILE *stream, bool isWritten)
+{
+    if (!isWritten && stream == stdout)
+        loseOutput(errno);
+    return isWritten;
+}
+
+} // namespace
 
 void print(std::FILE *stream, const QByteArray &bytes)
 {
-    // A reader that goes away ends the process by SIGPIPE; a full disk is noticed in the end.
-    static_cast<void>(
-        std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream));
+    const auto size = static_cast<std::size_t>(bytes.size());
+    noteError(stream, std::fwrite(bytes.constData(), 1, size, stream) == size);
 }
 
 void printLine(std::FILE *stream, const QString &line)
@@ -30,7 +45,26 @@ void printDiagnostics(const Diagnostics &diagnostics)
 bool flush(std::FILE *stream)
 {
     // Flushing succeeds when an earlier write has failed already and nothing is left.
-    return std::fflush(stream) == 0 && std::ferror(stream) == 0;
+    return noteError(stream, std::fflush(stream) == 0) && std::ferror(stream) == 0
+        && (stream != stdout || firstOutputError == 0);
+}
+
+void loseOutput(int error)
+{
+    if (firstOutputError == 0)
+        firstOutputError = error;
+}
+
+bool isOutputLost()
+{
+    return firstOutputError != 0;
+}
+
+QString outputError()
+{
+    return firstOutputError == 0 ? QString()
+                                 : QStringLiteral("cannot write to the standard output: ")
+            + qt_error_string(firstOutputError);
 }
 
 } // namespace Vorn::Workbench

@@ -26,6 +26,16 @@ void printDiagnostics(const Diagnostics &diagnostics);
 /// Whether everything that was ever written to @p stream has arrived.
 bool flush(std::FILE *stream);
 
+/// Makes flush() fail for the standard output.
+/// @param error why, as errno has it
+void loseOutput(int error);
+
+/// Whether an error of the standard output has shown so far.
+bool isOutputLost();
+
+/// Why flush() fails for the standard output; empty if it does not.
+QString outputError();
+
 } // namespace Vorn::Workbench
 
 #endif

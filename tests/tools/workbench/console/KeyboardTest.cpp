@@ -17,7 +17,7 @@ TEST(Keyboard, GivesSingleKeysOfATerminalAndLeavesItAsItWas)
     ASSERT_TRUE(TerminalInput::isLineBuffered());
     {
         std::string keys;
-        const Keyboard keyboard([&](char key) { keys += key; });
+        const Keyboard keyboard(STDIN_FILENO, [&](char key) { keys += key; });
         EXPECT_FALSE(TerminalInput::isLineBuffered());
         terminal.type('r');
         EXPECT_TRUE(QTest::qWaitFor([&] { return keys == "r"; }));
@@ -38,7 +38,7 @@ TEST(Keyboard, ReadsAPipeToItsEnd)
     close(ends[1]);
     std::string keys;
     {
-        const Keyboard keyboard([&](char key) { keys += key; });
+        const Keyboard keyboard(STDIN_FILENO, [&](char key) { keys += key; });
         EXPECT_TRUE(QTest::qWaitFor([&] { return keys == "\nq"; }));
         // The end of the pipe is no key, and is read once.
         QCoreApplication::processEvents();

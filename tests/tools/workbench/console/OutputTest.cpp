@@ -2,6 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdlib>
 #include <memory>
 
 using namespace Vorn::Workbench;
@@ -51,4 +55,19 @@ TEST(Output, RemembersThatTheDiskWasFull)
     EXPECT_FALSE(flush(full.get()));
     // Nothing is left to be written now, and still a line is missing.
     EXPECT_FALSE(flush(full.get()));
+}
+
+TEST(OutputDeathTest, SaysWhyItWasLost)
+{
+    EXPECT_EXIT(
+        {
+            dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
+            print(stdout, "lost");
+            const bool isLate = !isOutputLost();
+            const bool isLost = !flush(stdout) && isOutputLost();
+            printLine(stderr, outputError());
+            std::_Exit(isLate && isLost ? 3 : 0);
+        },
+        testing::ExitedWithCode(3),
+        "^cannot write to the standard output: No space left on device\n$");
 }
