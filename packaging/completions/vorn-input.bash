@@ -51,8 +51,8 @@ _vorn_input() {
     monitor) options='--profile --id --raw --json --record --show-text --duration' ;;
     learn) options='--output --commands --yes --force --patience' ;;
     check) options='--json --strict' ;;
-    simulate) options='--profile --expectations --json --raw --quiet --timeline' ;;
-    timeline) options='--output --title --from --to' ;;
+    simulate) options='--profile --expectations --json --raw --quiet --timeline --force' ;;
+    timeline) options='--output --force --title --from --to' ;;
     *)
         _vorn_input_words "$commands $common --version"
         return

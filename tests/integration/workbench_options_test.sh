@@ -103,7 +103,43 @@ mkdir "$folder/full"
 touch "$folder/full/session.umockdev"
 refuse 'full' monitor --record full
 
+# A slip of the shell: what was meant as another scenario is taken for the output.
+"$program" simulate --profile "$player" --json wait.scenario >session.jsonl
+echo 'wait 2s' >other.scenario
+ln -s wait.scenario link.svg
+refuse 'error: other.scenario exists, and vorn-input did not write it' \
+    simulate --profile "$player" -t other.scenario wait.scenario
+grep -qx 'wait 2s' other.scenario || failed "expected the scenario to be kept"
+refuse 'error: link.svg is one of the files that were read' \
+    simulate --profile "$player" --force -t link.svg wait.scenario
+cp "$player" copy.toml
+refuse 'error: copy.toml is one of the files that were read' \
+    simulate --profile copy.toml --force -t copy.toml wait.scenario
+grep -qx 'wait 1s' wait.scenario || failed "expected the scenario to be kept"
+refuse 'error: edited.toml exists' timeline session.jsonl -o edited.toml
+refuse 'error: session.jsonl is one of the files' timeline session.jsonl --force -o session.jsonl
+run bash -c '"$1" timeline --force - -o session.jsonl <session.jsonl' bash "$program"
+expect_status 2
+grep -q "session.jsonl is one of the files" "$folder/err" || failed "expected the reason"
+refuse 'error: missing/new.svg cannot be written: No such file' \
+    simulate --profile "$player" -t missing/new.svg wait.scenario
+mkdir folder
+refuse 'folder is a folder; name a file' timeline session.jsonl -o folder
+refuse 'missing/new.toml cannot be written: No such file' learn -o missing/new.toml --patience 20
+refuse 'folder is a folder; name a file' learn --force -o folder --patience 20
+
 if [ -e new.toml ] || [ -e new.svg ]; then
     failed "expected no file to be written"
 fi
+
+# What it drew itself is drawn again.
+for i in 1 2; do
+    run "$program" simulate --quiet --profile "$player" -t drawn.svg wait.scenario
+    expect_status 0
+    run "$program" timeline session.jsonl -o drawn.svg
+    expect_status 0
+done
+run "$program" timeline session.jsonl --force -o other.scenario
+expect_status 0
+grep -q '<svg' other.scenario || failed "expected the picture"
 finish

@@ -67,7 +67,7 @@ if unshare -rm mount -t tmpfs none /mnt 2>/dev/null; then
         mkdir disk
         mount -t tmpfs -o size=16k none disk
         . "$checks"
-        echo old >disk/picture.svg
+        echo "<!-- drawn by vorn-input -->" >disk/picture.svg
         chmod 640 disk/picture.svg
         head -c 8k /dev/zero >disk/more
         dd if=/dev/zero of=disk/rest 2>/dev/null || :
@@ -79,7 +79,7 @@ if unshare -rm mount -t tmpfs none /mnt 2>/dev/null; then
         expect_status 2
         grep -q "error: disk/picture.svg cannot be written: $reason" "$folder/err" ||
             failed "expected the reason"
-        [ "$(cat disk/picture.svg)" = old ] || failed "expected the old file as it was"
+        [ "$(cat disk/picture.svg)" = "<!-- drawn by vorn-input -->" ] || failed "expected the old file as it was"
         run "$program" monitor --duration 20 --record disk/session
         expect_status 2
         grep -q "$reason" "$folder/err" || failed "expected the reason"

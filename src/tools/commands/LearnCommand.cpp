@@ -8,6 +8,7 @@
 #include "Keyboard.h"
 #include "Learner.h"
 #include "Output.h"
+#include "OutputFile.h"
 #include "Product.h"
 #include "ProfileReader.h"
 #include "ProfileWriter.h"
@@ -60,6 +61,11 @@ bool isReplaceable(const LearnOptions &options)
 {
     const QString &path = options.output;
     const QFileInfo file(path);
+    const QString obstacle = obstacleTo(path);
+    if (!obstacle.isEmpty()) {
+        complain(obstacle);
+        return false;
+    }
     if (path == QLatin1String("-") || !file.exists())
         return true;
     if (!options.force) {
@@ -68,7 +74,7 @@ bool isReplaceable(const LearnOptions &options)
         return false;
     }
     // A device or a pipe keeps nothing that could be lost.
-    if ((!file.isFile() && !file.isDir()) || file.size() == 0)
+    if (!file.isFile() || file.size() == 0)
         return true;
     Diagnostics unreadable;
     const auto text = readFile(path, maxProfileSize, &unreadable);

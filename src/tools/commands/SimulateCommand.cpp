@@ -5,6 +5,7 @@
 #include "ExitStatus.h"
 #include "Interruption.h"
 #include "Output.h"
+#include "OutputFile.h"
 #include "Progress.h"
 #include "ScenarioLoader.h"
 #include "Simulation.h"
@@ -34,6 +35,12 @@ int statusOf(const SimulationResult &result)
     return Failure;
 }
 
+bool refuse(const QString &message)
+{
+    printLine(stderr, QStringLiteral("error: ") + message);
+    return false;
+}
+
 /// @param progress shown under @p label, if there is any
 int simulateFile(const SimulateOptions &options, const QString &file, Progress *progress,
                  const QString &label)
@@ -43,6 +50,15 @@ int simulateFile(const SimulateOptions &options, const QString &file, Progress *
     printDiagnostics(loaded.diagnostics);
     if (hasErrors(loaded.diagnostics))
         return Failure;
+
+    const Overwrite overwrite{timelineSignature(), options.force};
+    if (!options.timeline.isEmpty()) {
+        const QString obstacle = obstacleTo(options.timeline, overwrite);
+        if (!obstacle.isEmpty()) {
+            refuse(obstacle);
+            return Failure;
+        }
+    }
 
     SimulationReport report(options);
     const SimulationResult result = Workbench::simulate(loaded, [&](const SessionEntry &entry) {
@@ -66,18 +82,12 @@ int simulateFile(const SimulateOptions &options, const QString &file, Progress *
     // A failed expectation is what a picture is for; a broken scenario gives half a picture.
     if (options.timeline.isEmpty() || status == Failure)
         return status;
-    const QString reason =
-        writeFile(options.timeline, timelineSvg(report.entries(), Workbench::TimelineOptions()));
+    const QString reason = writeFile(
+        options.timeline, timelineSvg(report.entries(), Workbench::TimelineOptions()), overwrite);
     if (reason.isEmpty())
         return status;
-    printLine(stderr, QStringLiteral("%1: error: %2").arg(options.timeline, reason));
+    refuse(reason);
     return Failure;
-}
-
-bool refuse(const QString &message)
-{
-    printLine(stderr, QStringLiteral("error: ") + message);
-    return false;
 }
 
 // Conflicts between options that the parser does not see.
@@ -121,6 +131,8 @@ CLI::App *addSimulate(CLI::App *app, SimulateOptions *options)
     addFlag(command, "-q,--quiet", &options->quiet, "Print failures only");
     addText(command, "-t,--timeline", &options->timeline, "Draw the session as a picture (SVG)",
             "FILE");
+    addFlag(command, "-f,--force", &options->force,
+            "Let --timeline replace a file that is no picture of this program");
     return command;
 }
 

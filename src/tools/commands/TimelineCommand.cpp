@@ -4,6 +4,7 @@
 #include "Diagnostic.h"
 #include "ExitStatus.h"
 #include "Output.h"
+#include "OutputFile.h"
 #include "SessionReader.h"
 #include "TextFile.h"
 #include "Timeline.h"
@@ -44,6 +45,8 @@ CLI::App *addTimeline(CLI::App *app, TimelineOptions *options)
             Presence::Required);
     addText(command, "-o,--output", &options->output,
             "Picture to write (SVG); - is the standard output", "FILE", Presence::Required);
+    addFlag(command, "-f,--force", &options->force,
+            "Replace a file that is no picture of this program");
     addText(command, "--title", &options->title, "Title of the picture", "TEXT");
     addSeconds(command, "--from", &options->from, "Start at this second of the session");
     addSeconds(command, "--to", &options->to, "End at this second of the session");
@@ -65,13 +68,14 @@ int timeline(const TimelineOptions &options)
                                    "'vorn-input monitor --json' or 'vorn-input simulate --json'")
                         .arg(options.file));
 
+    const Workbench::Overwrite overwrite{Workbench::timelineSignature(), options.force};
     Workbench::TimelineOptions picture;
     picture.title = options.title;
     picture.from = microseconds(options.from);
     if (options.to > 0)
         picture.to = microseconds(options.to);
-    const QString error =
-        Workbench::writeFile(options.output, Workbench::timelineSvg(session.entries, picture));
+    const QString error = Workbench::writeFile(
+        options.output, Workbench::timelineSvg(session.entries, picture), overwrite);
     return error.isEmpty() ? Success : fail(QStringLiteral("error: ") + error);
 }
 

@@ -14,6 +14,7 @@ struct TimelineOptions
     QString file;
     QString output;
     QString title; ///< empty: the session's source
+    bool force = false; ///< whatever exists is replaced
     double from = 0; ///< s of the session
     double to = 0; ///< s; 0: its end
 };

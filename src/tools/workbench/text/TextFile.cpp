@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <set>
 
 namespace Vorn::Workbench {
 
@@ -108,6 +109,20 @@ QString cannotWrite(const QString &path, const QString &reason)
     return QStringLiteral("%1 cannot be written: %2").arg(path, reason);
 }
 
+/// Names rather than inodes, which may belong to another file by the time of the question.
+std::set<QByteArray> &filesRead()
+{
+    static std::set<QByteArray> names;
+    return names;
+}
+
+bool areSame(const struct stat &one, const QByteArray &name)
+{
+    struct stat other = {};
+    return stat(name.constData(), &other) == 0 && other.st_dev == one.st_dev
+        && other.st_ino == one.st_ino;
+}
+
 QString writeStandardOutput(const QByteArray &content)
 {
     errno = 0;
@@ -135,6 +150,8 @@ std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnost
     const Input input(path, pipes);
     if (!input.error().isEmpty())
         return fail(input.error());
+    filesRead().insert(
+        QFile::encodeName(path == QLatin1String("-") ? QStringLiteral("/dev/stdin") : path));
     QByteArray content;
     // In parts: a pipe has no size, and may have no end.
     while (content.size() <= maxSize) {
@@ -151,6 +168,14 @@ std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnost
         return fail(
             QStringLiteral("it is larger than %1 MiB").arg(maxSize / (qint64{1024} * 1024)));
     return content;
+}
+
+bool wasRead(const QString &path)
+{
+    struct stat status = {};
+    return stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode)
+        && std::any_of(filesRead().begin(), filesRead().end(),
+                       [&](const QByteArray &name) { return areSame(status, name); });
 }
 
 QString writeFile(const QString &path, const QByteArray &content)

@@ -25,6 +25,9 @@ enum class Pipes { Refused, Allowed };
 std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnostics *diagnostics,
                                    Pipes pipes = Pipes::Allowed);
 
+/// Whether a file has been read in this process, under this or any other name.
+bool wasRead(const QString &path);
+
 /// Writes a file completely or not at all, by way of a temporary one beside it. "-" is the standard
 /// output.
 /// @return why it could not be written; empty if it was

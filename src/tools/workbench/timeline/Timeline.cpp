@@ -73,4 +73,9 @@ QByteArray timelineSvg(const QVector<SessionEntry> &entries, const TimelineOptio
     return svg.finished();
 }
 
+QByteArray timelineSignature()
+{
+    return QByteArray("<!--") + pictureComment + "-->";
+}
+
 } // namespace Vorn::Workbench

@@ -21,6 +21,9 @@ struct TimelineOptions
 /// on a light and on a dark background, and the same session gives the same bytes on every machine.
 QByteArray timelineSvg(const QVector<SessionEntry> &entries, const TimelineOptions &options);
 
+/// What every picture has near its start.
+QByteArray timelineSignature();
+
 } // namespace Vorn::Workbench
 
 #endif

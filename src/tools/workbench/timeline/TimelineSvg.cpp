@@ -25,6 +25,7 @@ TimelineSvg::TimelineSvg(double width, double height, const QString &title,
     m_writer.setAutoFormatting(true);
     m_writer.setAutoFormattingIndent(1);
     m_writer.writeStartDocument();
+    m_writer.writeComment(QString::fromLatin1(pictureComment));
     m_writer.writeDefaultNamespace(QStringLiteral("http://www.w3.org/2000/svg"));
     m_writer.writeStartElement(QStringLiteral("http://www.w3.org/2000/svg"), QStringLiteral("svg"));
     attribute("width", width);

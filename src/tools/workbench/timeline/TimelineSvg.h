@@ -7,6 +7,9 @@
 
 namespace Vorn::Workbench {
 
+/// Tells pictures of this program from those that people made.
+constexpr char pictureComment[] = " drawn by vorn-input ";
+
 /// Writes a picture (SVG). Elements have classes, to which timelineStyle() gives their colours. Any
 /// text is allowed: characters that XML cannot represent are replaced.
 class TimelineSvg

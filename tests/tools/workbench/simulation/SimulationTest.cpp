@@ -404,5 +404,5 @@ TEST_F(SimulateCommand, DrawsOneFileOnly)
 
     options.timeline = path("absent/a.svg");
     EXPECT_EQ(run(options), Vorn::Tools::Failure);
-    EXPECT_THAT(m_err, testing::StartsWith("absent/a.svg: error: "));
+    EXPECT_THAT(m_err, testing::StartsWith("error: absent/a.svg cannot be written: "));
 }
