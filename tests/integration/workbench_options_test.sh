@@ -88,6 +88,21 @@ refuse 'broken.toml:1:[0-9]+: error: ' monitor --profile broken.toml
 refuse 'missing.toml: error: cannot be read' monitor --profile missing.toml
 refuse 'duration' monitor --duration 0
 refuse 'duration' monitor --duration x
+for arguments in 'simulate --profile' 'simulate --expectations' 'simulate --timeline' \
+    'monitor --profile' 'monitor --duration 20 --record' 'learn --patience 20 -o' 'timeline session.jsonl -o'; do
+    read -r -a words <<<"$arguments"
+    refuse "${words[-1]#-}.*: the name is empty" "${words[@]}" ''
+done
+refuse 'FILE: the name is empty' simulate --profile "$player" ''
+refuse 'FILE: the name is empty' simulate --profile "$player" wait.scenario ''
+refuse 'FILE: the name is empty' check ''
+refuse 'FILE: the name is empty' timeline '' -o new.svg
+# An identifier may be empty.
+sed -e '/^initial/s/"[^"]*"/"browse"/' -e 's/"text"/""/' "$player" >unnamed.toml
+run "$program" monitor --profile unnamed.toml --id '' --duration 0.1
+expect_status 0
+grep -q "identifier ''" "$folder/out" || failed "expected the empty identifier to be selected"
+
 refuse 'existing.toml exists' learn -o existing.toml
 refuse "edited.toml is not as 'learn' wrote it" learn --force -o edited.toml
 head -n 1 edited.toml | grep -qx '# mine' || failed "expected the author's comment to be kept"

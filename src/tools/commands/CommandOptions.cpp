@@ -14,6 +14,16 @@ QString text(const std::string &argument)
     return QString::fromLocal8Bit(argument.data(), static_cast<int>(argument.size()));
 }
 
+// A script's variable that is not set, and nothing that anybody means.
+CLI::Validator isNamed()
+{
+    const auto complaint = [](const std::string &argument) {
+        return argument.empty() ? std::string("the name is empty") : std::string();
+    };
+    // It is not described, since it would be part of the help.
+    return CLI::Validator(complaint, "");
+}
+
 CLI::Option *addTexts(CLI::App *command, const std::string &name, QStringList *values,
                       const std::string &description)
 {
@@ -50,6 +60,13 @@ void addText(CLI::App *command, const std::string &name, QString *value,
         ->required(presence == Presence::Required);
 }
 
+void addFile(CLI::App *command, const std::string &name, QString *value,
+             const std::string &description, const std::string &placeholder, Presence presence)
+{
+    addText(command, name, value, description, placeholder, presence);
+    command->get_options().back()->check(isNamed());
+}
+
 void addCommaList(CLI::App *command, const std::string &name, QStringList *values,
                   const std::string &description, const std::string &placeholder)
 {
@@ -58,7 +75,7 @@ void addCommaList(CLI::App *command, const std::string &name, QStringList *value
 
 void addFiles(CLI::App *command, QStringList *files, const std::string &description)
 {
-    addTexts(command, "FILE", files, description)->type_name("")->required();
+    addTexts(command, "FILE", files, description)->type_name("")->required()->check(isNamed());
 }
 
 void addSeconds(CLI::App *command, const std::string &name, double *value,

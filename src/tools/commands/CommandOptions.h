@@ -32,6 +32,11 @@ void addText(CLI::App *command, const std::string &name, QString *value,
              const std::string &description, const std::string &placeholder,
              Presence presence = Presence::Optional);
 
+/// The name of a file or a folder, which must not be empty.
+void addFile(CLI::App *command, const std::string &name, QString *value,
+             const std::string &description, const std::string &placeholder = "FILE",
+             Presence presence = Presence::Optional);
+
 /// One value, which is a list: "VolumeUp,VolumeDown".
 void addCommaList(CLI::App *command, const std::string &name, QStringList *values,
                   const std::string &description, const std::string &placeholder);

@@ -126,7 +126,7 @@ CLI::App *addLearn(CLI::App *app, LearnOptions *options)
         "Examples:\n"
         "  vorn-input learn -o panel.toml\n"
         "  vorn-input learn -o panel.toml --commands VolumeUp,VolumeDown,Info");
-    addText(command, "-o,--output", &options->output, "Profile to write; - is the standard output",
+    addFile(command, "-o,--output", &options->output, "Profile to write; - is the standard output",
             "FILE", Presence::Required);
     addCommaList(command, "-c,--commands", &options->commands,
                  "Commands to ask for, separated by commas (default: those most players have)",

@@ -61,7 +61,7 @@ int LiveView::prepare()
             return Failure;
         m_profile = parsed.profile;
     }
-    if (!m_options.identifier.isEmpty())
+    if (!m_options.identifier.isNull())
         m_profile.initial = m_options.identifier;
     if (m_hasProfile && !m_profile.identifiers().contains(m_profile.initial)) {
         complain(

@@ -21,7 +21,7 @@ CLI::App *addMonitor(CLI::App *app, MonitorOptions *options)
         "  vorn-input monitor --profile panel.toml --raw\n"
         "  vorn-input monitor --profile panel.toml --state\n"
         "  vorn-input monitor --profile panel.toml --record lost-release");
-    addText(command, "-p,--profile", &options->profile, "Profile: what the devices' keys mean",
+    addFile(command, "-p,--profile", &options->profile, "Profile: what the devices' keys mean",
             "FILE");
     addText(command, "--id", &options->identifier,
             "Identifier to select first (default: the profile's)", "ID");
@@ -29,7 +29,7 @@ CLI::App *addMonitor(CLI::App *app, MonitorOptions *options)
     addFlag(command, "--state", &options->state,
             "Show what the library believes down, held back and timed, whenever it changes");
     addFlag(command, "--json", &options->json, "Print one JSON object per line");
-    addText(command, "--record", &options->record,
+    addFile(command, "--record", &options->record,
             "Record the session to a new folder, for umockdev-run, evemu-play and vorn-input "
             "simulate",
             "DIR");

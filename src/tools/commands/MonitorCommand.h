@@ -14,7 +14,7 @@ namespace Vorn::Tools {
 struct MonitorOptions
 {
     QString profile; ///< empty: none
-    QString identifier; ///< empty: the profile's
+    QString identifier; ///< null: the profile's; an empty one is an identifier, too
     bool raw = false;
     bool state = false; ///< what the library believes about the keys, whenever it changes
     bool json = false;

@@ -121,15 +121,15 @@ CLI::App *addSimulate(CLI::App *app, SimulateOptions *options)
         "  vorn-input simulate --profile panel.toml long-press.scenario\n"
         "  vorn-input simulate tests/scenarios/*.scenario --quiet\n"
         "  vorn-input simulate --profile panel.toml lost-release/session.umockdev -t session.svg");
-    addText(command, "-p,--profile", &options->profile,
+    addFile(command, "-p,--profile", &options->profile,
             "Profile to use instead of those that the scenarios name", "FILE");
-    addText(command, "-e,--expectations", &options->expectations,
+    addFile(command, "-e,--expectations", &options->expectations,
             "Expectations to use instead of the file beside the recording", "FILE");
     addFiles(command, &options->files, "Scenarios and recordings");
     addFlag(command, "--json", &options->json, "Print one JSON object per line");
     addFlag(command, "--raw", &options->raw, "Show the records next to the events");
     addFlag(command, "-q,--quiet", &options->quiet, "Print failures only");
-    addText(command, "-t,--timeline", &options->timeline, "Draw the session as a picture (SVG)",
+    addFile(command, "-t,--timeline", &options->timeline, "Draw the session as a picture (SVG)",
             "FILE");
     addFlag(command, "-f,--force", &options->force,
             "Let --timeline replace a file that is no picture of this program");

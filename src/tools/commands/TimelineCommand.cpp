@@ -41,9 +41,9 @@ CLI::App *addTimeline(CLI::App *app, TimelineOptions *options)
         "Examples:\n"
         "  vorn-input timeline lost-release/session.jsonl -o lost-release.svg\n"
         "  vorn-input simulate --json chord.scenario | vorn-input timeline - -o chord.svg");
-    addText(command, "FILE", &options->file, "Session; - is the standard input", "",
+    addFile(command, "FILE", &options->file, "Session; - is the standard input", "",
             Presence::Required);
-    addText(command, "-o,--output", &options->output,
+    addFile(command, "-o,--output", &options->output,
             "Picture to write (SVG); - is the standard output", "FILE", Presence::Required);
     addFlag(command, "-f,--force", &options->force,
             "Replace a file that is no picture of this program");
