@@ -44,6 +44,8 @@ kill -INT "$(cat pid)"
 wait "$replay" || status=$?
 expect_status 0
 grep -q '"KeyLongPress"' session/session.jsonl || failed "expected the long press to be recorded"
+grep -q "recorded in 'session'; [0-9]* typed keys are blanked; keys recorded as they are: KEY_" err ||
+    failed "expected the keys that are readable"
 grep -q 'KeyLongPress' session/session.expect || failed "expected the long press to be expected"
 [ "$(grep -c '"change":"added"' out)" -eq 4 ] || failed "expected each device to be shown once"
 jq -e . out >json 2>&1 || failed "expected JSON, one object per line"
@@ -54,7 +56,7 @@ description='monitor on a disk that becomes full' status=0
     "$program" monitor --profile profile.toml --record short >out 2>err </dev/null || status=$?
 expect_status 2
 wait_for "cannot write 'short/session.jsonl': File too large; the recording ends here" err
-[ "$(wc -l <err)" -eq 1 ] || failed "expected one line on stderr"
+[ "$(wc -l <err)" -eq 2 ] || failed "expected one line on stderr, and what is recorded"
 jq -e . short/session.jsonl >json 2>&1 || failed "expected whole lines only"
 
 description='monitor with a duration, and a profile that changes' status=0

@@ -252,8 +252,10 @@ int LiveView::run()
     QCoreApplication::exec();
     // Its devices go into the recording as long as that is open.
     m_devices.reset();
-    if (m_recorder)
+    if (m_recorder) {
         m_recorder->close();
+        complain(m_recorder->summary());
+    }
     return m_status;
 }
 

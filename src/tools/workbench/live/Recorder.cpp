@@ -3,6 +3,7 @@
 #include "BusNames.h"
 #include "CommandNames.h"
 #include "Evemu.h"
+#include "EventNames.h"
 #include "Ioctls.h"
 #include "LibraryFacts.h"
 #include "NodeInfo.h"
@@ -14,6 +15,9 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QStringList>
+
+#include <linux/input.h>
 
 namespace Vorn::Workbench {
 
@@ -57,7 +61,8 @@ QByteArray seconds(qint64 time)
 } // namespace
 
 Recorder::Recorder(const QString &folder, const Profile *profile, bool showText)
-    : m_folder(folder)
+    : m_folder(folder,
+               showText ? RecordingFolder::Readers::Owner : RecordingFolder::Readers::AsUsual)
     , m_showsText(showText)
     , m_blanking(profile)
 { }
@@ -103,6 +108,7 @@ void Recorder::add(const SessionEntry &entry)
 {
     if (!m_session)
         return;
+    noteKeys(entry);
     // In this order: the blanking must know of a device before its description is read.
     const auto kept = m_showsText ? entry : m_blanking.blanked(entry);
     if (const auto *change = std::get_if<DeviceChange>(&entry.what))
@@ -112,6 +118,35 @@ void Recorder::add(const SessionEntry &entry)
     // With a gap in it, the rest would tell of something that did not happen.
     if (!m_folder.error().isEmpty())
         closeFiles();
+}
+
+// Before the entry is blanked, which may make another key of it.
+void Recorder::noteKeys(const SessionEntry &entry)
+{
+    const auto *record = std::get_if<RecordRead>(&entry.what);
+    if (!record || record->type != EV_KEY || record->value != 1)
+        return;
+    if (m_showsText || !m_blanking.keysThatDoNotType(record->device, {record->code}).isEmpty())
+        m_keysKept.insert(record->code);
+    else
+        ++m_blankedPresses;
+}
+
+QString Recorder::summary() const
+{
+    QStringList kept;
+    for (const int code : m_keysKept)
+        kept += keyName(code);
+    const QString keys = kept.isEmpty() ? QStringLiteral("none") : kept.join(QStringLiteral(", "));
+    if (m_showsText) {
+        return QStringLiteral("recorded in '%1', with everything that was typed; keys: %2")
+            .arg(m_folder.path(), keys);
+    }
+    const QString blanked = m_blankedPresses == 1
+        ? QStringLiteral("1 typed key is blanked")
+        : QStringLiteral("%1 typed keys are blanked").arg(m_blankedPresses);
+    return QStringLiteral("recorded in '%1'; %2; keys recorded as they are: %3")
+        .arg(m_folder.path(), blanked, keys);
 }
 
 void Recorder::keep(const SessionEntry &entry)
@@ -158,6 +193,7 @@ void Recorder::addNode(const DeviceChange &change, qint64 time)
     // The keys that are down at the start are part of what was typed.
     if (!m_showsText)
         node.device.keysDown = m_blanking.keysThatDoNotType(change.device, node.device.keysDown);
+    m_keysKept.insert(node.device.keysDown.cbegin(), node.device.keysDown.cend());
 
     const QByteArray name = nodeName(number);
     node.events = m_folder.create(QString::fromLatin1(name + ".evemu"),

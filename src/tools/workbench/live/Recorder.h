@@ -12,6 +12,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 
 namespace Vorn::Workbench {
 
@@ -56,6 +57,9 @@ public:
     /// @return error()
     QString close();
 
+    /// What whoever passes it on has to know: where it is, and which keys are readable in it.
+    QString summary() const;
+
 private:
     struct Node
     {
@@ -65,6 +69,7 @@ private:
     };
 
     void closeFiles();
+    void noteKeys(const SessionEntry &entry);
     void keep(const SessionEntry &entry);
     void addNode(const DeviceChange &change, qint64 time);
     void writeDevices();
@@ -79,6 +84,8 @@ private:
     std::unique_ptr<QFile> m_session;
     std::unique_ptr<QFile> m_expectations;
     std::map<int, Node> m_nodes;
+    std::set<int> m_keysKept;
+    int m_blankedPresses = 0;
 };
 
 } // namespace Vorn::Workbench

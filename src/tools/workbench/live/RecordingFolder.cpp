@@ -5,14 +5,37 @@
 
 #include <QDir>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 
 namespace Vorn::Workbench {
 
-RecordingFolder::RecordingFolder(const QString &path)
+namespace {
+
+/// Sets who may read files that are made while it is alive.
+class NewFiles
+{
+public:
+    explicit NewFiles(RecordingFolder::Readers readers)
+        : m_saved(umask(0))
+    {
+        umask(readers == RecordingFolder::Readers::Owner ? m_saved | 077 : m_saved);
+    }
+    ~NewFiles() { umask(m_saved); }
+    NewFiles(const NewFiles &) = delete;
+    NewFiles &operator=(const NewFiles &) = delete;
+
+private:
+    const mode_t m_saved;
+};
+
+} // namespace
+
+RecordingFolder::RecordingFolder(const QString &path, Readers readers)
     : m_path(path)
+    , m_readers(readers)
 { }
 
 QString RecordingFolder::filePath(const QString &name) const
@@ -36,6 +59,7 @@ QString RecordingFolder::open()
             .arg(m_path, present.first());
     }
     m_isNew = !folder.exists();
+    const NewFiles newFiles(m_readers);
     errno = 0;
     if (!QDir().mkpath(m_path)) {
         return QStringLiteral("cannot create the folder '%1': %2")
@@ -46,6 +70,7 @@ QString RecordingFolder::open()
 
 std::unique_ptr<QFile> RecordingFolder::create(const QString &name, const QByteArray &start)
 {
+    const NewFiles newFiles(m_readers);
     auto file = std::make_unique<QFile>(filePath(name));
     if (!file->open(QIODevice::WriteOnly | QIODevice::Append)) {
         fail(file->fileName(), file->errorString());
@@ -72,6 +97,7 @@ void RecordingFolder::append(QFile *file, const QByteArray &text)
 
 void RecordingFolder::replace(const QString &name, const QByteArray &content)
 {
+    const NewFiles newFiles(m_readers);
     const QString error = writeFile(filePath(name), content);
     if (!error.isEmpty())
         keep(error);
@@ -82,9 +108,10 @@ void RecordingFolder::replace(const QString &name, const QByteArray &content)
 void RecordingFolder::makeExecutable(const QString &name) const
 {
     const QString path = filePath(name);
-    QFile::setPermissions(path,
-                          QFile::permissions(path) | QFileDevice::ExeOwner | QFileDevice::ExeGroup
-                              | QFileDevice::ExeOther);
+    QFileDevice::Permissions permissions = QFile::permissions(path) | QFileDevice::ExeOwner;
+    if (m_readers == Readers::AsUsual)
+        permissions |= QFileDevice::ExeGroup | QFileDevice::ExeOther;
+    QFile::setPermissions(path, permissions);
 }
 
 void RecordingFolder::discard()

@@ -15,7 +15,10 @@ namespace Vorn::Workbench {
 class RecordingFolder
 {
 public:
-    explicit RecordingFolder(const QString &path);
+    enum class Readers { AsUsual, Owner };
+
+    /// @param readers who may read what is written; a folder that exists is left as it is
+    explicit RecordingFolder(const QString &path, Readers readers = Readers::AsUsual);
 
     /// Makes the folder if it does not exist.
     /// @return why it cannot be used; empty if it can. One that holds a recording is refused.
@@ -47,6 +50,7 @@ private:
     void keep(const QString &error);
 
     const QString m_path;
+    const Readers m_readers;
     bool m_isNew = false;
     QStringList m_files;
     QString m_error;

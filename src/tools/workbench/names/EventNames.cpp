@@ -113,15 +113,17 @@ bool isTypingKey(int keyCode)
         return keyCode >= first && keyCode <= last;
     };
     // The codes follow the rows of a keyboard, then come its keypad, the keys of other countries,
-    // and those of telephones.
+    // those of Braille, of telephones and of remote controls.
     return isBetween(KEY_1, KEY_EQUAL) || isBetween(KEY_Q, KEY_RIGHTBRACE)
         || isBetween(KEY_A, KEY_GRAVE) || isBetween(KEY_BACKSLASH, KEY_SLASH)
         || keyCode == KEY_SPACE || keyCode == KEY_KPASTERISK || isBetween(KEY_KP7, KEY_KPDOT)
         || keyCode == KEY_102ND || keyCode == KEY_RO || keyCode == KEY_YEN || keyCode == KEY_KPSLASH
-        || keyCode == KEY_KPEQUAL || keyCode == KEY_KPCOMMA
+        || keyCode == KEY_KPEQUAL || keyCode == KEY_KPCOMMA || keyCode == KEY_KPJPCOMMA
+        || keyCode == KEY_KPPLUSMINUS || keyCode == KEY_QUESTION
         || isBetween(KEY_KPLEFTPAREN, KEY_KPRIGHTPAREN)
         || isBetween(KEY_NUMERIC_0, KEY_NUMERIC_POUND) || isBetween(KEY_NUMERIC_A, KEY_NUMERIC_D)
-        || isBetween(KEY_DOLLAR, KEY_EURO);
+        || isBetween(KEY_NUMERIC_11, KEY_NUMERIC_12) || isBetween(KEY_TEEN, KEY_TWEN)
+        || isBetween(KEY_BRL_DOT1, KEY_BRL_DOT10) || isBetween(KEY_DOLLAR, KEY_EURO);
 }
 
 } // namespace Vorn::Workbench

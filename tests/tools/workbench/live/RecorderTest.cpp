@@ -3,6 +3,7 @@
 #include "Umockdev.h"
 
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -211,6 +212,37 @@ TEST_F(RecorderTest, TellsOfADiskThatIsFull)
     record(EV_KEY, KEY_OK, 1);
     EXPECT_EQ(contentOf("session.jsonl").count('\n'), entries);
     EXPECT_EQ(m_recorder->close(), m_recorder->error());
+}
+
+TEST_F(RecorderTest, SaysWhichKeysAreReadable)
+{
+    start(nullptr);
+    plug(remote);
+    EXPECT_THAT(m_recorder->summary().toStdString(),
+                testing::EndsWith("session'; 0 typed keys are blanked; keys recorded as they are: "
+                                  "none"));
+    type(KEY_A, InputEvent::CharA);
+    type(KEY_OK, InputEvent::Confirm);
+    type(KEY_OK, InputEvent::Confirm);
+    type(KEY_INFO, InputEvent::Info);
+    EXPECT_THAT(m_recorder->summary().toStdString(),
+                testing::EndsWith("; 1 typed key is blanked; keys recorded as they are: KEY_OK, "
+                                  "KEY_INFO"));
+    struct stat status = {};
+    ASSERT_EQ(stat(folder().toLocal8Bit().constData(), &status), 0);
+    EXPECT_NE(status.st_mode & 0077, 0U);
+}
+
+TEST_F(RecorderTest, KeepsReadableTextToTheOwner)
+{
+    start(nullptr, true);
+    plug(remote);
+    type(KEY_A, InputEvent::CharA);
+    EXPECT_THAT(m_recorder->summary().toStdString(),
+                testing::EndsWith("session', with everything that was typed; keys: KEY_A"));
+    struct stat status = {};
+    ASSERT_EQ(stat(folder().toLocal8Bit().constData(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0700U);
 }
 
 TEST_F(RecorderTest, LeavesNothingBehindWhereItCannotBegin)

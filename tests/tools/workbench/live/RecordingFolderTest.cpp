@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <csignal>
 #include <cstdio>
@@ -118,6 +119,37 @@ TEST_F(RecordingFolderTest, HasNoHalfLinesWhenTheDiskIsFull)
         },
         testing::ExitedWithCode(0), "session.jsonl': File too large");
     EXPECT_EQ(contentOf("session.jsonl"), "start\n");
+}
+
+TEST_F(RecordingFolderTest, IsForTheOwnerAloneIfItIsTo)
+{
+    const mode_t usual = umask(022);
+    const auto modeOf = [this](const QString &name) {
+        struct stat status = {};
+        EXPECT_EQ(stat(pathOf(name).toLocal8Bit().constData(), &status), 0);
+        return status.st_mode & 0777;
+    };
+    const auto fill = [](RecordingFolder *folder) {
+        EXPECT_EQ(folder->open().toStdString(), "");
+        folder->create("event0.evemu", "typed");
+        folder->replace("event0.ioctl", "down");
+        folder->replace("replay.sh", "script");
+        folder->makeExecutable("replay.sh");
+    };
+    RecordingFolder hidden(pathOf("hidden"), RecordingFolder::Readers::Owner);
+    fill(&hidden);
+    EXPECT_EQ(modeOf("hidden"), 0700);
+    EXPECT_EQ(modeOf("hidden/event0.evemu"), 0600);
+    EXPECT_EQ(modeOf("hidden/event0.ioctl"), 0600);
+    EXPECT_EQ(modeOf("hidden/replay.sh"), 0700);
+
+    RecordingFolder open(pathOf("open"));
+    fill(&open);
+    EXPECT_EQ(modeOf("open"), 0755);
+    EXPECT_EQ(modeOf("open/event0.evemu"), 0644);
+    EXPECT_EQ(modeOf("open/event0.ioctl"), 0644);
+    EXPECT_EQ(modeOf("open/replay.sh"), 0755);
+    EXPECT_EQ(umask(usual), 022U);
 }
 
 TEST_F(RecordingFolderTest, LeavesNothingOfARecordingThatIsGivenUp)

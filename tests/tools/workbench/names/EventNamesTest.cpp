@@ -1,5 +1,8 @@
 #include "EventNames.h"
 
+#include <QFile>
+#include <QMap>
+
 #include <gmock/gmock.h>
 
 #include <linux/input.h>
@@ -78,4 +81,29 @@ TEST(EventNames, KnowWhichKeysTellWhatIsTyped)
         EXPECT_TRUE(isTypingKey(code)) << keyName(code).toStdString();
     for (const int code : {KEY_ENTER, KEY_UP, KEY_VOLUMEUP, KEY_BACKSPACE, KEY_LEFTSHIFT, KEY_F1})
         EXPECT_FALSE(isTypingKey(code)) << keyName(code).toStdString();
+}
+
+// A key that is new in the kernel may type, which somebody has to decide.
+TEST(EventNames, ClassifyEveryKeyThatTheKernelNames)
+{
+    QFile file(QStringLiteral(VORN_SOURCE_DIR "/tests/tools/workbench/names/KeyClasses.txt"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QMap<QString, bool> types;
+    bool isBlanked = false;
+    for (const QByteArray &line : file.readAll().split('\n')) {
+        for (const QByteArray &word : line.simplified().split(' ')) {
+            if (word.startsWith('#'))
+                break;
+            if (word.endsWith(':'))
+                isBlanked = word == "blanked:";
+            else if (!word.isEmpty())
+                types.insert(QString::fromLatin1(word), isBlanked);
+        }
+    }
+    const QStringList names = keyNames();
+    EXPECT_GT(names.size(), 500);
+    for (const QString &name : names) {
+        ASSERT_TRUE(types.contains(name)) << name.toStdString() << " is not classified";
+        EXPECT_EQ(isTypingKey(*keyCode(name)), types.value(name)) << name.toStdString();
+    }
 }
