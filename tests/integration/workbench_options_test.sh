@@ -147,6 +147,30 @@ if [ -e new.toml ] || [ -e new.svg ]; then
     failed "expected no file to be written"
 fi
 
+# Names of files are no formats.
+mkdir '%1%2%3%L1'
+cd '%1%2%3%L1'
+cp "$player" '%2.toml'
+printf 'device front-panel keys=KEY_INFO\nfront-panel click KEY_INFO\nexpect Info KeyLongPress\n' >'%1%3.scenario'
+run "$program" simulate --profile '%2.toml' '%1%3.scenario' -t '%4.svg'
+expect_status 1
+grep -q -F '%1%3.scenario:3: expected Info KeyLongPress, found ' "$folder/out" ||
+    failed "expected the line of the scenario"
+grep -q -F '%1%3.scenario:3: failed: expect Info KeyLongPress' '%4.svg' ||
+    failed "expected the line of the scenario in the picture"
+printf 'profile "%%2.toml"\nprofile "x"\n' >'%2.scenario'
+refuse '%2.scenario:2:1: error: the scenario already has a profile, see %2.scenario, line 1' simulate '%2.scenario'
+printf 'device a\ndevice a\n' >'%3.scenario'
+refuse '%3.scenario:2:[0-9]+: error: a is already declared in %3.scenario, line 1' simulate '%3.scenario'
+printf 'P: /a\nN: input/event0\nE: NAME="a"\n\nP: /b\nN: input/event1\nE: NAME="b"\n' >'%2.umockdev'
+printf 'device a\nplay "%%2.umockdev" on a\n' >'%4.scenario'
+refuse "%4.scenario:2.*: error: '%2.umockdev' contains 2 devices" simulate -p '%2.toml' '%4.scenario'
+run "$program" monitor --duration 0.1 --record '%1%2'
+expect_status 0
+grep -q -F "recorded in '%1%2'; 0 typed" "$folder/err" || failed "expected the folder's name"
+refuse "'%1%2' already holds a recording" monitor --duration 20 --record '%1%2'
+cd ..
+
 # What it drew itself is drawn again.
 for i in 1 2; do
     run "$program" simulate --quiet --profile "$player" -t drawn.svg wait.scenario

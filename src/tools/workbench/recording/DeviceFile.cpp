@@ -63,8 +63,8 @@ std::string_view withoutQuotes(std::string_view text)
 /*
  *             "P: path": a new block
  *   between ─────────────────────────▶ in a block ──┐ N: its node
- *   blocks  ◀───────────────────────── ▲            │ E: a property, A: an attribute: kept as text
- *      │           empty line          └────────────┘ S: L: H: skipped
+ *   blocks  ◀───────────────────────── ▲            │ E: a property, A: H: an attribute: kept
+ *      │           empty line          └────────────┘ S: L: skipped
  *      │
  *      ├─ any other line: not a device file, stop
  *      │
@@ -125,15 +125,17 @@ private:
             m_blocks += block;
         } else if (kind == 'N') {
             parseNode(line);
-        } else if (kind == 'E' || kind == 'A') {
+        } else if (kind == 'E' || kind == 'A' || kind == 'H') {
             const std::size_t equals = line.find('=');
             if (equals == std::string_view::npos) {
                 error(QStringLiteral("expected a name and a value, as in 'E: NAME=value', found %1")
                           .arg(quoted(line)));
             } else if (kind == 'E') {
                 parseProperty(line.substr(0, equals), line.substr(equals + 1));
-            } else {
+            } else if (kind == 'A') {
                 parseAttribute(line.substr(0, equals), line.substr(equals + 1));
+            } else {
+                parseBinary(line.substr(0, equals), line.substr(equals + 1));
             }
         }
     }
@@ -184,6 +186,19 @@ private:
         } else if (!typesByName().contains(toByteArray(name))) {
             parseText(toByteArray(name), unescaped(value));
         }
+    }
+
+    // Texts that are no UTF-8; all other bytes are of no interest.
+    void parseBinary(std::string_view name, std::string_view hex)
+    {
+        if (name != "name" && name != "phys" && name != "uniq")
+            return;
+        const auto bytes = toBytes(hex);
+        if (bytes)
+            parseText(toByteArray(name), *bytes);
+        else
+            error(
+                QStringLiteral("expected pairs of hexadecimal digits, found %1").arg(quoted(hex)));
     }
 
     void parseText(const QByteArray &name, const QByteArray &value)

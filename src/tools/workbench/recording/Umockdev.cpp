@@ -22,8 +22,16 @@ QByteArray escaped(QByteArray text)
     return text.replace('\\', "\\\\").replace('\n', "\\n");
 }
 
+// umockdev refuses a whole file for bytes that are no UTF-8, and takes CR for the end of a line.
+bool isPlain(const QByteArray &text)
+{
+    return !text.contains('\r') && QString::fromUtf8(text).toUtf8() == text;
+}
+
 QByteArray attribute(const QByteArray &name, const QByteArray &value)
 {
+    if (!isPlain(value))
+        return "H: " + name + '=' + value.toHex().toUpper() + '\n';
     return "A: " + name + '=' + escaped(value) + '\n';
 }
 

@@ -250,9 +250,8 @@ void TimelineCollector::take(const ExpectationChecked &expectation)
     if (expectation.met)
         return;
     QString title = QStringLiteral("%1: %2:%3: failed: %4")
-                        .arg(timelineTime(m_time), expectation.file)
-                        .arg(expectation.line)
-                        .arg(expectation.text);
+                        .arg(timelineTime(m_time), expectation.file,
+                             QString::number(expectation.line), expectation.text);
     if (!expectation.found.isEmpty())
         title += QStringLiteral(", but found ") + expectation.found;
     m_model.flags.append(

@@ -58,8 +58,7 @@ void merge(TimelineFlag *flag, const TimelineFlag &next, int count)
     if (count <= maxMergedTitles)
         flag->title += QLatin1Char('\n') + next.title;
     flag->label = QStringLiteral("%1 (%2 in all)")
-                      .arg(flag->label.section(QStringLiteral(" ("), 0, 0))
-                      .arg(count);
+                      .arg(flag->label.section(QStringLiteral(" ("), 0, 0), QString::number(count));
 }
 
 } // namespace

@@ -146,6 +146,34 @@ TEST_F(RecorderTest, GoesOnWhereADeviceReturns)
                 HasSubstr("# 2.000000: device 'other E: 9' plugged in\n"));
 }
 
+TEST_F(RecorderTest, KeepsNamesThatAreNoTextOnOneLine)
+{
+    for (const QByteArray &name :
+         {QByteArray("a\rb"), QByteArray("ends\r"), QByteArray("\r\nE: 9"),
+          QByteArray("k\xe4se \xff"), QByteArray("\\n \\x0d %1 ' \""), QByteArray(" blank ")})
+    {
+        QDir(folder()).removeRecursively();
+        start(nullptr);
+        plug(DeviceDescription::keyboard(name, BUS_USB, {KEY_OK}));
+        record(EV_KEY, KEY_OK, 1);
+        EXPECT_EQ(m_recorder->close().toStdString(), "");
+        const ParsedRecording recording = load();
+        EXPECT_TRUE(recording.diagnostics.isEmpty()) << name.toStdString();
+        ASSERT_EQ(recording.nodes.size(), 1) << name.toStdString();
+        EXPECT_EQ(recording.nodes.first().device->name.toStdString(), name.toStdString());
+        EXPECT_EQ(recording.nodes.first().events.size(), 3) << name.toStdString();
+        // umockdev refuses other devices than these.
+        const QByteArray devices = contentOf("session.umockdev");
+        EXPECT_FALSE(devices.contains('\r'));
+        EXPECT_EQ(QString::fromUtf8(devices).toUtf8(), devices);
+        // Without the file of answers, as other programs read it.
+        ASSERT_TRUE(QFile::remove(folder() + "/event0.ioctl"));
+        ASSERT_TRUE(QFile::remove(folder() + "/event0.evemu"));
+        EXPECT_EQ(load().nodes.first().device->name.toStdString(), name.toStdString());
+        m_subsystem.unplug(0);
+    }
+}
+
 TEST_F(RecorderTest, KeepsWhatIsKnownOfADeviceThatIsGoneAlready)
 {
     start(nullptr);

@@ -121,6 +121,17 @@ TEST(Umockdev, ReadsTheBlocksItWrites)
               text.toStdString());
 }
 
+TEST(Umockdev, TakesNamesThatAreNoText)
+{
+    const ParsedRecording recording = parse("P: /devices/a\nN: input/event1\nH: name=610D62E4\n"
+                                            "H: descriptors=not for us\n");
+    EXPECT_TRUE(recording.diagnostics.isEmpty());
+    ASSERT_EQ(recording.nodes.size(), 1);
+    EXPECT_EQ(recording.nodes.first().device->name.toStdString(), "a\rb\xe4");
+    EXPECT_EQ(errorOf("P: /devices/a\nN: input/event1\nH: name=6x\n"),
+              "x.umockdev:3: error: expected pairs of hexadecimal digits, found '6x'");
+}
+
 TEST(Umockdev, SaysWhichLineIsWrong)
 {
     EXPECT_EQ(
