@@ -15,7 +15,7 @@ _vorn_input_words() {
 
 _vorn_input() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands='devices monitor learn check simulate timeline'
+    local commands='devices monitor learn check simulate timeline help'
     local common='--help --log --color'
     local command='' word
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
@@ -53,6 +53,7 @@ _vorn_input() {
     check) options='--json --strict' ;;
     simulate) options='--profile --expectations --json --raw --quiet --timeline --force' ;;
     timeline) options='--output --force --title --from --to' ;;
+    help) options='' ;;
     *)
         _vorn_input_words "$commands $common --version"
         return
@@ -60,6 +61,7 @@ _vorn_input() {
     esac
     case $command:$current in
     *:-*) _vorn_input_words "$options $common" ;;
+    help:*) _vorn_input_words "$commands" ;;
     check:*) _vorn_input_files .toml ;;
     simulate:* | timeline:*) _vorn_input_files '' ;;
     esac

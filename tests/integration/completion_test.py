@@ -28,6 +28,7 @@ TYPED = [
     ("vorn-input simulate --profile pan", "vorn-input simulate --profile panel.toml "),
     ("vorn-input learn --output pan", "vorn-input learn --output panel.toml "),
     ("vorn-input timeline panel.tx", "vorn-input timeline panel.txt "),
+    ("vorn-input help sim", "vorn-input help simulate "),
     ("vorn-input check --strict --js", "vorn-input check --strict --json "),
 ]
 
@@ -84,7 +85,8 @@ class Help:
             elif sections:
                 section.append(line)
         self.commands = [line.split()[0] for line in sections.get("Subcommands", [])]
-        self.takes_files = "Positionals" in sections
+        self.takes_files = any(line.split()[0] == "FILE"
+                               for line in sections.get("Positionals", []))
         # Each name, short or long, with whether a value follows it.
         self.options = {}
         for line in sections["Options"]:
@@ -164,7 +166,7 @@ def check_zsh(completions, program_help, command_helps):
         expect(f"zsh: options of {command}", {**command_help.options, **common},
                zsh_options(specifications))
         expect(f"zsh: whether {command} takes files", command_help.takes_files,
-               any(re.match(r"[*1]:", each) for each in specifications))
+               any(re.match(r"[*1]:.*_files", each) for each in specifications))
 
 
 def check_typing(command, load):

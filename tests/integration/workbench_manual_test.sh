@@ -33,6 +33,8 @@ same 'common options' "$(help_options)" "$(section 'COMMON OPTIONS' | grep '^\*-
 commands=$("$program" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]*\) .*/\1/p')
 [ "$(wc -w <<<"$commands")" -ge 6 ] || failed "no commands in the help"
 for command in $commands; do
+    # It has none of its own.
+    [ "$command" != help ] || continue
     expected=$(help_options "$command")
     same "$command" "$expected" "$(section "${command^^}" | grep '^\*-' | options)"
     # The synopsis has one name of each option.

@@ -32,6 +32,16 @@ for command in devices monitor learn check simulate timeline; do
     grep -q -e --nonsense "$folder/err" || failed "expected the option's name"
 done
 
+# The same text in both ways.
+for command in '' devices monitor learn check simulate timeline help; do
+    # shellcheck disable=SC2086 # none or one
+    "$program" $command --help >help
+    # shellcheck disable=SC2086
+    run "$program" help $command
+    expect_status 0
+    expect_nothing_on_stderr
+    cmp -s help "$folder/out" || failed "expected what --help prints"
+done
 run "$program" --version
 expect_status 0
 expect_out 'vorn-input [0-9]+\.[0-9]+\.[0-9]+'
@@ -55,6 +65,9 @@ refuse() {
 refuse 'a command is required: devices, monitor, learn, check, simulate, timeline'
 refuse "unknown command 'chek', did you mean 'check'\?" chek x.toml
 refuse "unknown command 'nonsense' \(" nonsense
+refuse "^vorn-input: unknown command 'simulat', did you mean 'simulate'\? \(see --help\)" help simulat
+refuse "^vorn-input: unknown command 'nonsense' \(see --help\)" help nonsense
+refuse "unexpected argument 'devices'" help simulate devices
 refuse "unknown option '--verson', did you mean '--version'\?" --verson
 refuse "unknown option '--profil', did you mean '--profile'\?" monitor --profil x.toml
 refuse "unknown option '--titel=x', did you mean '--title'\?" timeline --titel=x x.jsonl -o x.svg

@@ -24,6 +24,7 @@ using Workbench::flush;
 using Workbench::outputError;
 using Workbench::print;
 using Workbench::printLine;
+using Workbench::quoted;
 using Workbench::suggestion;
 
 QStringList texts(const std::vector<std::string> &arguments)
@@ -124,8 +125,39 @@ void CommandLine::setAction(CLI::App *command, std::function<int()> run)
     command->final_callback([this, run = std::move(run)] { m_status = run(); });
 }
 
+void CommandLine::addHelp()
+{
+    CLI::App *help = m_app->add_subcommand("help", "Print help for the program or a command");
+    help->footer("Prints what --help prints.\n"
+                 "\n"
+                 "Examples:\n"
+                 "  vorn-input help\n"
+                 "  vorn-input help simulate");
+    help->add_option("COMMAND", m_helpedCommand, "Command to explain")->type_name("");
+    setAction(help, [this] { return explain(QString::fromLocal8Bit(m_helpedCommand.c_str())); });
+}
+
+int CommandLine::explain(const QString &name) const
+{
+    const QStringList names = commandNames(*m_app);
+    if (!name.isEmpty() && !names.contains(name)) {
+        printLine(stderr,
+                  QStringLiteral("vorn-input: unknown command %1%2 (see --help)")
+                      .arg(quoted(name), suggestion(name, names)));
+        return Failure;
+    }
+    const CLI::App *app = name.isEmpty() ? m_app.get() : m_app->get_subcommand(m_helpedCommand);
+    const std::string title = name.isEmpty() ? m_app->get_name() : "vorn-input " + m_helpedCommand;
+    // App::help() would explain this command, which is the one that was given.
+    print(stdout,
+          QByteArray::fromStdString(
+              app->get_formatter()->make_help(app, title, CLI::AppFormatMode::Normal)));
+    return Success;
+}
+
 int CommandLine::parse(int argc, const char *const *argv)
 {
+    addHelp();
     try {
         m_app->parse(argc, argv);
     } catch (const CLI::ParseError &error) {

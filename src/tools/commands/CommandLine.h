@@ -4,6 +4,8 @@
 #include "ExitStatus.h"
 #include "Terminal.h"
 
+#include <QString>
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -30,7 +32,7 @@ public:
     /// @param run called by parse() if @p command is the one given; returns the exit status
     void setAction(CLI::App *command, std::function<int()> run);
 
-    /// Parses the arguments and runs the sub-command that they name.
+    /// Adds `help`, parses the arguments and runs the sub-command that they name.
     /// @return the exit status of the process
     int parse(int argc, const char *const *argv);
 
@@ -39,9 +41,13 @@ public:
     Workbench::Colour colour() const { return m_colour; }
 
 private:
+    void addHelp();
+    int explain(const QString &name) const;
+
     const std::unique_ptr<CLI::App> m_app;
     std::string m_logLevel = "error";
     Workbench::Colour m_colour = Workbench::Colour::Auto;
+    std::string m_helpedCommand;
     int m_status = Success;
 };
 
