@@ -4,8 +4,10 @@ find_package(GTest 1.12 REQUIRED CONFIG)
 find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
 find_program(VORN_VALGRIND valgrind)
 
-# For programs without the common main(): suppresses only the detectors' deliberate leaks, by name.
+# For programs without the common main(): suppresses only the detectors' deliberate leaks, by name. The
+# documents show what is printed in a locale with UTF-8.
 set(VORN_TEST_ENVIRONMENT
+    "LC_ALL=C.UTF-8"
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")
 
 # Builds the executables whose tests start threads.

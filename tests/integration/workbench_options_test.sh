@@ -160,6 +160,25 @@ if [ -e new.toml ] || [ -e new.svg ]; then
     failed "expected no file to be written"
 fi
 
+# A serial console shows ASCII; what is not for people is UTF-8 everywhere.
+printf 'device panel name="K\303\244se" keys=KEY_INFO\npanel click KEY_INFO\nwait 1s\n' >umlaut.scenario
+printf '[[device]]\n[device.handler.keys]\nKEY_INFO = "Info"\n' >any.toml
+for characters in C C.UTF-8; do
+    for format in --raw --json; do
+        run env LC_ALL="$characters" "$program" simulate --profile any.toml $format umlaut.scenario
+        expect_status 0
+        cp out "$characters$format"
+    done
+done
+cmp -s C--json C.UTF-8--json || failed "expected the same JSON"
+! LC_ALL=C grep -q '[^ -~]' C--raw || failed "expected ASCII"
+grep -q -F '| [cmd=Info' C--raw || failed "expected the separator"
+grep -q -F '+ event0 K\u00e4se' C--raw || failed "expected the name"
+grep -q -F '│ [cmd=Info' C.UTF-8--raw || failed "expected the separator"
+run env LC_ALL=C "$program" check "$(printf 'K\303\244se')"
+expect_status 2
+! LC_ALL=C grep -q '[^ -~]' err || failed "expected ASCII"
+
 # Names of files are no formats.
 mkdir '%1%2%3%L1'
 cd '%1%2%3%L1'

@@ -22,8 +22,8 @@ namespace {
 using Workbench::Colour;
 using Workbench::flush;
 using Workbench::outputError;
-using Workbench::print;
 using Workbench::printLine;
+using Workbench::printText;
 using Workbench::quoted;
 using Workbench::suggestion;
 
@@ -149,9 +149,9 @@ int CommandLine::explain(const QString &name) const
     const CLI::App *app = name.isEmpty() ? m_app.get() : m_app->get_subcommand(m_helpedCommand);
     const std::string title = name.isEmpty() ? m_app->get_name() : "vorn-input " + m_helpedCommand;
     // App::help() would explain this command, which is the one that was given.
-    print(stdout,
-          QByteArray::fromStdString(
-              app->get_formatter()->make_help(app, title, CLI::AppFormatMode::Normal)));
+    printText(stdout,
+              QString::fromStdString(
+                  app->get_formatter()->make_help(app, title, CLI::AppFormatMode::Normal)));
     return Success;
 }
 
@@ -165,8 +165,8 @@ int CommandLine::parse(int argc, const char *const *argv)
         std::ostringstream out;
         std::ostringstream errors;
         m_status = m_app->exit(error, out, errors) == 0 ? Success : Failure;
-        print(stdout, QByteArray::fromStdString(out.str()));
-        print(stderr, QByteArray::fromStdString(errors.str()));
+        printText(stdout, QString::fromStdString(out.str()));
+        printText(stderr, QString::fromStdString(errors.str()));
     }
     // Whatever was printed, and by whom: a result that has not arrived is none.
     if (flush(stdout))

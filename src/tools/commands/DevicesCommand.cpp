@@ -61,7 +61,7 @@ int devices(const DevicesOptions &options)
         for (const NodeInfo &node : nodes)
             print(stdout, nodeJson(node));
     } else {
-        print(stdout, nodeTable(nodes, isColoured(options.colour, STDOUT_FILENO)).toUtf8());
+        printText(stdout, nodeTable(nodes, isColoured(options.colour, STDOUT_FILENO)));
     }
     return Success;
 }

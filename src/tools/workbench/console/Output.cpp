@@ -1,5 +1,6 @@
 #include "Output.h"
 
+#include "PlainText.h"
 #include "Quoting.h"
 
 #include <cerrno>
@@ -26,6 +27,11 @@ void print(std::FILE *stream, const QByteArray &bytes)
     noteError(stream, std::fwrite(bytes.constData(), 1, size, stream) == size);
 }
 
+void printText(std::FILE *stream, const QString &text)
+{
+    print(stream, encoded(text, localeCharset()));
+}
+
 void printLine(std::FILE *stream, const QString &line)
 {
     printColoured(stream, printable(line));
@@ -33,7 +39,7 @@ void printLine(std::FILE *stream, const QString &line)
 
 void printColoured(std::FILE *stream, const QString &line)
 {
-    print(stream, line.toUtf8() + '\n');
+    printText(stream, line + QLatin1Char('\n'));
 }
 
 void printDiagnostics(const Diagnostics &diagnostics)

@@ -13,8 +13,11 @@ namespace Vorn::Workbench {
 /// Writes to a standard stream. Errors are sticky in the stream and reported by flush().
 void print(std::FILE *stream, const QByteArray &bytes);
 
-/// A line in UTF-8, whatever the locale: the same input gives the same output everywhere. What a
-/// terminal must not get is escaped, see printable().
+/// A text for people, in ASCII where the locale has no more, see encoded(). All texts but JSON take
+/// this way.
+void printText(std::FILE *stream, const QString &text);
+
+/// A line for people. What a terminal must not get is escaped, see printable().
 void printLine(std::FILE *stream, const QString &line);
 
 /// A line with sequences that colour it, by somebody who has escaped all other parts of it.

@@ -25,7 +25,7 @@ qint64 processorTimeMs()
 } // namespace
 
 Progress::Progress()
-    : m_isShown(isTerminal(STDERR_FILENO))
+    : m_isShown(isTerminal(STDERR_FILENO) && understandsSequences())
     , m_lastTime(processorTimeMs())
 { }
 
@@ -49,7 +49,7 @@ void Progress::show(const QString &text)
     const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
     const int width = isKnown ? size.ws_col - 1 : 79;
     // A longer line would wrap, and \r does not return to the start of a wrapped line.
-    print(stderr, "\r\033[K" + printable(text).left(width).toUtf8());
+    printText(stderr, QLatin1String("\r\033[K") + printable(text).left(width));
 }
 
 void Progress::clear()

@@ -7,7 +7,7 @@
 namespace Vorn::Workbench {
 
 /// A line on stderr that is overwritten in place to show how far a long job has come. Does nothing
-/// if stderr is not a terminal. The destructor removes the line.
+/// if stderr is not a terminal, or a simple one. The destructor removes the line.
 class Progress
 {
 public:

@@ -17,7 +17,13 @@ bool isColoured(Colour colour, int descriptor)
     if (colour != Colour::Auto)
         return colour == Colour::Always;
     return isTerminal(descriptor) && qEnvironmentVariableIsEmpty("NO_COLOR")
-        && qgetenv("TERM") != "dumb";
+        && understandsSequences();
+}
+
+bool understandsSequences()
+{
+    const QByteArray kind = qgetenv("TERM");
+    return !kind.isEmpty() && kind != "dumb";
 }
 
 } // namespace Vorn::Workbench

@@ -5,8 +5,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <clocale>
 #include <cstdlib>
 #include <memory>
+#include <string>
 
 using namespace Vorn::Workbench;
 
@@ -20,13 +22,19 @@ using File = std::unique_ptr<std::FILE, Close>;
 
 } // namespace
 
-TEST(Output, IsUtf8AndEndsLines)
+TEST(Output, IsInTheCharactersOfTheLocaleAndEndsLines)
 {
+    const std::string saved = std::setlocale(LC_CTYPE, nullptr);
+    ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
     testing::internal::CaptureStdout();
     printLine(stdout, QStringLiteral("K\u00e4se"));
     print(stdout, "as it is");
     EXPECT_TRUE(flush(stdout));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "K\xc3\xa4se\nas it is");
+    std::setlocale(LC_CTYPE, "C");
+    printLine(stdout, QStringLiteral("K\u00e4se"));
+    EXPECT_TRUE(flush(stdout));
+    std::setlocale(LC_CTYPE, saved.c_str());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "K\xc3\xa4se\nas it isK\\u00e4se\n");
 }
 
 TEST(Output, ControlsNoTerminalButInColour)

@@ -20,6 +20,9 @@ TEST(Colour, IsUsedOnATerminalUnlessToldOtherwise)
     EXPECT_FALSE(isColoured(Colour::Never, STDIN_FILENO));
     qputenv("TERM", "dumb");
     EXPECT_FALSE(isColoured(Colour::Auto, STDIN_FILENO));
+    qunsetenv("TERM");
+    EXPECT_FALSE(isColoured(Colour::Auto, STDIN_FILENO));
+    EXPECT_TRUE(isColoured(Colour::Always, STDIN_FILENO));
     qputenv("TERM", "xterm");
     qputenv("NO_COLOR", "1");
     EXPECT_FALSE(isColoured(Colour::Auto, STDIN_FILENO));
