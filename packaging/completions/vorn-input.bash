@@ -15,7 +15,7 @@ _vorn_input_words() {
 
 _vorn_input() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands='devices monitor learn check simulate timeline help'
+    local commands='devices monitor learn check simulate timeline explain help'
     local common='--help --log --color'
     local command='' word
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
@@ -31,7 +31,9 @@ _vorn_input() {
     case $command:$previous in
     *:--log) _vorn_input_words 'trace debug info warn error off' ;;
     *:--color) _vorn_input_words 'auto always never' ;;
-    monitor:--profile | monitor:-p | simulate:--profile | simulate:-p) _vorn_input_files .toml ;;
+    monitor:--profile | monitor:-p | simulate:--profile | simulate:-p | explain:--profile | explain:-p)
+        _vorn_input_files .toml
+        ;;
     learn:--output | learn:-o) _vorn_input_files .toml ;;
     timeline:--output | timeline:-o | simulate:--timeline | simulate:-t) _vorn_input_files .svg ;;
     simulate:--expectations | simulate:-e) _vorn_input_files '' ;;
@@ -48,11 +50,12 @@ _vorn_input() {
     local options
     case $command in
     devices) options='--json' ;;
-    monitor) options='--profile --id --raw --json --record --show-text --duration' ;;
+    monitor) options='--profile --id --raw --state --json --record --show-text --duration' ;;
     learn) options='--output --commands --yes --force --patience' ;;
     check) options='--json --strict' ;;
     simulate) options='--profile --expectations --json --raw --quiet --timeline --force' ;;
     timeline) options='--output --force --title --from --to' ;;
+    explain) options='--profile --json --silent' ;;
     help) options='' ;;
     *)
         _vorn_input_words "$commands $common --version"
@@ -63,7 +66,7 @@ _vorn_input() {
     *:-*) _vorn_input_words "$options $common" ;;
     help:*) _vorn_input_words "$commands" ;;
     check:*) _vorn_input_files .toml ;;
-    simulate:* | timeline:*) _vorn_input_files '' ;;
+    simulate:* | timeline:* | explain:*) _vorn_input_files '' ;;
     esac
 }
 complete -F _vorn_input vorn-input

@@ -265,9 +265,7 @@ void ObservedKeyHandler::tellUnanswered(const input_event &event)
     }
     log(Step::Dropped, {event.code});
     if (InputProbe::isChord(*this)) {
-        log(event, Outcome::Dropped,
-            QStringLiteral("dropped, since %1 are down since %2")
-                .arg(joinedKeys(stored), timeText(m_chordSince)));
+        log(event, Outcome::Dropped, blockedReason());
         Q_EMIT otherKeysMattered();
     } else if (m_forgotten.contains(event.code)) {
         log(event, Outcome::Dropped,
@@ -294,11 +292,39 @@ void ObservedKeyHandler::tellUnpublished(const input_event &event, const QList<i
         ? QStringLiteral("%1 have no command together, and %2 is ")
               .arg(joinedKeys(codesOf(keys)), keyName(code))
         : QString();
-    const bool isNone = InputProbe::keys(*this).contains(code);
-    log(event, Outcome::Unmapped,
-        pair
-            + (isNone ? QStringLiteral("mapped to None, which is never published")
-                      : m_unmapped(code)));
+    log(event, Outcome::Unmapped, pair + unmappedReason(code));
+}
+
+QString ObservedKeyHandler::unmappedReason(int code) const
+{
+    if (InputProbe::keys(*this).contains(code))
+        return QStringLiteral("mapped to None, which is never published");
+    QStringList chords;
+    const QHash<QPair<int, int>, InputEvent::Command> &all = InputProbe::chords(*this);
+    for (auto it = all.cbegin(); it != all.cend(); ++it) {
+        if (it.key().first == code)
+            chords += keyName(it.key().second);
+    }
+    if (chords.isEmpty())
+        return m_unmapped(code);
+    // By name: the order of a hash is another one in every process.
+    chords.sort();
+    return QStringLiteral("mapped only together with ") + chords.join(QStringLiteral(" or "));
+}
+
+QString ObservedKeyHandler::blockedReason() const
+{
+    const QString chord = joinedKeys(storedCodes());
+    const QString since = timeText(m_chordSince);
+    QVector<int> down;
+    for (const input_event &event : InputProbe::storedEvents(*this)) {
+        if (event.value != 0)
+            down += event.code;
+    }
+    return down == storedCodes()
+        ? QStringLiteral("dropped, since %1 are down since %2").arg(chord, since)
+        : QStringLiteral("dropped, since %1 of the chord %2, begun at %3, is still down")
+              .arg(joinedKeys(down), chord, since);
 }
 
 QString ObservedKeyHandler::heldReason(int code) const

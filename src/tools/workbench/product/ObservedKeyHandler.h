@@ -74,7 +74,9 @@ private:
     void tell(const input_event &event, const Answer &answer, const QStringList &published);
     void tellUnanswered(const input_event &event);
     void tellUnpublished(const input_event &event, const QList<input_event> &keys);
+    QString unmappedReason(int code) const;
     QString heldReason(int code) const;
+    QString blockedReason() const;
     QVector<int> storedCodes() const;
     void log(DetectorStep::What what, const QVector<int> &keys);
     void log(DetectorStep step);

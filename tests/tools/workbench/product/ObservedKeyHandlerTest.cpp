@@ -283,6 +283,16 @@ TEST_F(ObservedKeyHandlerTest, SaysWhatBecameOfEachRecord)
                             "KEY_STOP release dropped: a release without a press"));
 }
 
+TEST_F(ObservedKeyHandlerTest, SaysThatAKeyIsMappedOnlyInAChord)
+{
+    Profile profile = panelProfile();
+    profile.devices[0].handlers[0].keys.remove(2, 2);
+    start(profile);
+    InputNode &panel = plugPanel();
+    panel.press(KEY_STOP);
+    EXPECT_THAT(takeOutcomes(), ElementsAre("KEY_STOP press mapped only together with KEY_PLAY"));
+}
+
 TEST_F(ObservedKeyHandlerTest, SaysWhenASelectionEndedAPress)
 {
     start(panelProfile());
