@@ -64,8 +64,8 @@ def main():
     source, program = sys.argv[1:]
     with tempfile.TemporaryDirectory() as folder:
         terminal = simulate(source, program, folder)
-        terminal.wait_for("\r\x1b[K" + os.path.join(folder, "hold.scenario, "))
-        terminal.wait_for(" s\r\x1b[K")
+        terminal.wait_for(" of 3600 s (")
+        terminal.wait_for(" %), " + os.path.join(folder, "hold.scenario") + "\r\x1b[K")
         if terminal.status() != 0:
             sys.exit("FAILED: simulate does not end well")
         if terminal.text.rsplit("\x1b[K")[-1]:

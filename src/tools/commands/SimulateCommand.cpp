@@ -6,6 +6,7 @@
 #include "Interruption.h"
 #include "Output.h"
 #include "OutputFile.h"
+#include "PlannedDuration.h"
 #include "Progress.h"
 #include "ScenarioLoader.h"
 #include "Simulation.h"
@@ -41,9 +42,9 @@ bool refuse(const QString &message)
     return false;
 }
 
-/// @param progress shown under @p label, if there is any
+/// @param progress shown behind @p place, if there is any
 int simulateFile(const SimulateOptions &options, const QString &file, Progress *progress,
-                 const QString &label)
+                 const QString &place)
 {
     const LoadedScenario loaded =
         loadScenario(file, LoadOptions{options.profile, options.expectations});
@@ -61,13 +62,14 @@ int simulateFile(const SimulateOptions &options, const QString &file, Progress *
     }
 
     SimulationReport report(options);
+    const qint64 planned = progress ? plannedDuration(loaded) : 0;
     const SimulationResult result = Workbench::simulate(loaded, [&](const SessionEntry &entry) {
         report.add(entry);
         // Nobody reads the rest, which may be hours of virtual time.
         if (isOutputLost())
             Interruption::request();
         if (progress && progress->isDue())
-            progress->show(QStringLiteral("%1, %2 s").arg(label, secondsText(entry.time)));
+            progress->show(place + simulationProgress(file, entry.time, planned));
     });
     if (progress)
         progress->clear();
@@ -154,12 +156,12 @@ int simulate(const SimulateOptions &options)
             status = Failure;
             break;
         }
-        const QString label = options.files.size() == 1
-            ? file
-            : QStringLiteral("%1 of %2: %3").arg(i + 1).arg(options.files.size()).arg(file);
+        const QString place = options.files.size() == 1
+            ? QString()
+            : QStringLiteral("%1 of %2: ").arg(i + 1).arg(options.files.size());
         // The statuses are in order of severity.
         status =
-            qMax(status, simulateFile(options, file, showsProgress ? &progress : nullptr, label));
+            qMax(status, simulateFile(options, file, showsProgress ? &progress : nullptr, place));
         if (!flush(stdout))
             break;
     }

@@ -105,6 +105,19 @@ QString simulationSummary(const QString &file, const SimulationResult &result, b
     return QStringLiteral("%1: interrupted at %2").arg(file, time);
 }
 
+QString simulationProgress(const QString &file, qint64 time, qint64 planned)
+{
+    const qint64 now = time / 1000;
+    // An event that is waited for may come later than it was planned.
+    if (now > planned || planned == 0)
+        return QStringLiteral("%1 s, %2").arg(now / 1000).arg(file);
+    return QStringLiteral("%1 of %2 s (%3 %), %4")
+        .arg(now / 1000)
+        .arg((planned + 999) / 1000)
+        .arg(now * 100 / planned)
+        .arg(file);
+}
+
 QString secondsText(qint64 milliseconds)
 {
     return QString::number(static_cast<double>(milliseconds) / 1000, 'f', 3);

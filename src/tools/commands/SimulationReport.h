@@ -40,6 +40,11 @@ private:
 QString simulationSummary(const QString &file, const Workbench::SimulationResult &result,
                           bool hasExpectations);
 
+/// How far a file has come: "1832 of 3600 s (50 %), hold.scenario".
+/// @param time µs of the session
+/// @param planned ms that it takes if nothing takes longer than it must
+QString simulationProgress(const QString &file, qint64 time, qint64 planned);
+
 /// "1.200", for milliseconds.
 QString secondsText(qint64 milliseconds);
 

@@ -3,6 +3,7 @@
 #include "Output.h"
 #include "Quoting.h"
 #include "Terminal.h"
+#include "TerminalText.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -49,7 +50,7 @@ void Progress::show(const QString &text)
     const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
     const int width = isKnown ? size.ws_col - 1 : 79;
     // A longer line would wrap, and \r does not return to the start of a wrapped line.
-    printText(stderr, QLatin1String("\r\033[K") + printable(text).left(width));
+    printText(stderr, QLatin1String("\r\033[K") + elided(printable(text), width));
 }
 
 void Progress::clear()

@@ -19,7 +19,7 @@ public:
     /// Whether show() would do anything: there is a terminal, and 0.1 s of processor time have been
     /// spent since the start or the last call.
     bool isDue() const;
-    /// Shows @p text if isDue(), cut off at the terminal's width.
+    /// Shows @p text if isDue(), shortened to the terminal's width.
     void show(const QString &text);
     /// Removes the line to make way for other output.
     void clear();

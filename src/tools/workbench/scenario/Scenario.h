@@ -151,6 +151,11 @@ using StepKind =
                  Step::InputDirectory, Step::Play, Step::IgnoreEvents, Step::ExpectEvent,
                  Step::ExpectNothing, Step::ExpectIdentifier>;
 
+/// Whether a step does something, so that `after` counts from it.
+bool isAction(const StepKind &step);
+/// Whether a step checks something; to ignore events is no check.
+bool isExpectation(const StepKind &step);
+
 /// One step and the line it was written in.
 struct ScenarioStep
 {

@@ -21,6 +21,15 @@ qint64 toMilliseconds(qint64 microseconds)
 
 } // namespace
 
+qint64 playbackDuration(const QVector<RecordedEvent> &events)
+{
+    // Not the last event: times of a recording may go back, as when the clock was set.
+    qint64 latest = 0;
+    for (const RecordedEvent &event : events)
+        latest = std::max(latest, toMilliseconds(event.time));
+    return latest;
+}
+
 Playback::Playback(Sim::InputSubsystem *subsystem)
     : m_subsystem(subsystem)
 { }
@@ -34,11 +43,7 @@ void Playback::add(int node, const QVector<RecordedEvent> &events, qint64 start)
     stream.events = events;
     stream.start = start;
     stream.due = start + toMilliseconds(events.first().time);
-    // Not the last event: times of a recording may go back, as when the clock was set.
-    const QVector<RecordedEvent>::const_iterator latest = std::max_element(
-        events.begin(), events.end(),
-        [](const RecordedEvent &a, const RecordedEvent &b) { return a.time < b.time; });
-    stream.end = start + toMilliseconds(latest->time);
+    stream.end = start + playbackDuration(events);
     m_streams.append(stream);
 }
 

@@ -10,6 +10,9 @@
 
 namespace Vorn::Workbench {
 
+/// When the last packet of @p events is due, in ms of the recording; 0 without any.
+qint64 playbackDuration(const QVector<RecordedEvent> &events);
+
 /// Delivers recordings to simulated nodes, packet by packet, each at its time to the millisecond.
 /// Moving time is left to the caller, who can ask when the next packet is due.
 class Playback

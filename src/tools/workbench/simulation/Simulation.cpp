@@ -24,17 +24,6 @@ namespace Vorn::Workbench {
 
 namespace {
 
-/// Whether a step does something, so that `after` counts from it.
-bool isAction(const StepKind &step)
-{
-    return !std::holds_alternative<Step::Wait>(step)
-        && !std::holds_alternative<Step::WaitForEnd>(step)
-        && !std::holds_alternative<Step::IgnoreEvents>(step)
-        && !std::holds_alternative<Step::ExpectEvent>(step)
-        && !std::holds_alternative<Step::ExpectNothing>(step)
-        && !std::holds_alternative<Step::ExpectIdentifier>(step);
-}
-
 /// One run of a scenario: an operator() for each kind of step.
 class Run
 {
