@@ -72,7 +72,8 @@ def main():
             sys.exit("FAILED: the progress is left on the terminal")
 
     terminal = monitor(source, program)
-    terminal.wait_for("1: select 'browse'   2: select 'text'")
+    terminal.wait_for("1: select 'browse'")
+    terminal.wait_for("2: select 'text'")
     terminal.wait_for("\x1b[")
     terminal.wait_for("front-panel-jacks")
     if terminal.is_line_buffered():

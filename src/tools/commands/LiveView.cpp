@@ -9,10 +9,12 @@
 #include "Output.h"
 #include "OutputWatch.h"
 #include "ProfileWatcher.h"
+#include "Quoting.h"
 #include "SessionWriter.h"
 #include "SingleKeys.h"
 #include "Suggestion.h"
 #include "Terminal.h"
+#include "TerminalText.h"
 #include "vorn.h"
 
 #include <QCoreApplication>
@@ -29,6 +31,14 @@ namespace {
 void complain(const QString &text)
 {
     printLine(stderr, QStringLiteral("vorn-input monitor: ") + text);
+}
+
+/// Below a session's line.
+void printIndented(const QString &text)
+{
+    constexpr int indent = 15;
+    for (const QString &line : wrapped(printable(text), SessionPrinter::width - indent))
+        printLine(stdout, QString(indent, QLatin1Char(' ')) + line);
 }
 
 SessionPrinter::Options textOptions(const MonitorOptions &options)
@@ -124,13 +134,12 @@ void LiveView::show(const SessionEntry &entry)
         if (!line.isEmpty())
             printColoured(stdout, line);
         const QString identifier = m_devices ? m_devices->identifier() : m_profile.initial;
-        const QString place = m_hasProfile
-            ? QStringLiteral(" (not in the profile under '%1')").arg(identifier)
-            : QString();
         const QStringList hints =
             m_hints.add(entry, m_hasProfile ? &m_profile : nullptr, identifier);
+        if (m_hasProfile && !hints.isEmpty())
+            printIndented(QStringLiteral("// not in the profile under '%1':").arg(identifier));
         for (const QString &hint : hints)
-            printLine(stdout, QStringLiteral("             register: ") + hint + place);
+            printIndented(hint);
     }
     // A pipe's reader must see it live, too.
     if (!flush(stdout))
@@ -218,13 +227,20 @@ void LiveView::onKey(char key)
 
 void LiveView::showHelp()
 {
-    QString line = QStringLiteral("q: quit   r: show or hide records   s: state of the keys   "
-                                  "?: this help");
+    QStringList items{QStringLiteral("q: quit"), QStringLiteral("r: show or hide records"),
+                      QStringLiteral("s: state of the keys"), QStringLiteral("?: this help")};
     const QStringList identifiers = m_profile.identifiers();
     for (int i = 0; i < identifiers.size() && i < 9; ++i)
-        line += QStringLiteral("   %1: select '%2'").arg(i + 1).arg(identifiers.at(i));
+        items += QStringLiteral("%1: select '%2'").arg(i + 1).arg(printable(identifiers.at(i)));
     if (!SingleKeys::areOn())
-        line += QStringLiteral("   (each with Enter)");
+        items += QStringLiteral("(each with Enter)");
+    QString line = items.takeFirst();
+    for (const QString &item : items) {
+        const QString longer = line + QStringLiteral("   ") + item;
+        if (textWidth(longer) > SessionPrinter::width)
+            printLine(stderr, line);
+        line = textWidth(longer) > SessionPrinter::width ? item : longer;
+    }
     printLine(stderr, line);
 }
 

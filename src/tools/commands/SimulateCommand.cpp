@@ -73,7 +73,9 @@ int simulateFile(const SimulateOptions &options, const QString &file, Progress *
     });
     if (progress)
         progress->clear();
-    report.printFailure();
+    // With --json, stdout is for objects alone.
+    for (const QString &line : report.failure())
+        printLine(options.json ? stderr : stdout, line);
     printDiagnostics(result.diagnostics);
     const int status = statusOf(result);
     const QString line = simulationSummary(file, result, loaded.scenario.hasExpectations());

@@ -1,8 +1,10 @@
 #include "SimulationReport.h"
 
 #include "Output.h"
+#include "Quoting.h"
 #include "SessionWriter.h"
 #include "Terminal.h"
+#include "TerminalText.h"
 
 #include <unistd.h>
 
@@ -28,6 +30,7 @@ SessionPrinter::Options contextText()
     SessionPrinter::Options result;
     result.records = true;
     result.detectors = true;
+    result.outcomes = true;
     result.indent = 2;
     return result;
 }
@@ -64,23 +67,39 @@ void SimulationReport::add(const SessionEntry &entry)
         printColoured(stdout, shown);
 }
 
-void SimulationReport::printFailure() const
+QStringList SimulationReport::failure() const
 {
     const auto *failure = std::get_if<ExpectationChecked>(&m_failure.what);
     if (!failure)
-        return;
-    // With --json, stdout is for objects alone.
-    std::FILE *stream = m_options.json ? stderr : stdout;
-    QString expected = failure->text;
-    if (expected.startsWith(QLatin1String("expect ")))
-        expected = expected.mid(7).trimmed();
-    printLine(stream,
-              QStringLiteral("%1:%2: expected %3, found %4")
-                  .arg(failure->file, QString::number(failure->line), expected, failure->found));
-    for (const QString &line : m_context)
-        printLine(stream, line);
+        return {};
     const QString time = secondsText(m_failure.time / 1000).rightJustified(9);
-    printLine(stream, QStringLiteral("> %1  here").arg(time));
+    return failureText(*failure) + m_context + QStringList{QStringLiteral("> %1  here").arg(time)};
+}
+
+QStringList failureText(const ExpectationChecked &failure)
+{
+    const QString prefix = QStringLiteral("expect ");
+    const QString text = printable(failure.text);
+    const QString expected =
+        QStringLiteral("expected %1,")
+            .arg(text.startsWith(prefix) ? text.mid(prefix.size()).trimmed() : text);
+    const QString found = QStringLiteral("found ") + printable(failure.found);
+    const QString place =
+        QStringLiteral("%1:%2:").arg(printable(failure.file), QString::number(failure.line));
+
+    const QString line = place + QLatin1Char(' ') + expected;
+    const QString blank = QStringLiteral(" ");
+    if (textWidth(line + blank + found) <= SessionPrinter::width)
+        return {line + blank + found};
+    const QString indent(4, QLatin1Char(' '));
+    const bool isShort = textWidth(line) <= SessionPrinter::width;
+    QStringList lines{isShort ? line : place};
+    for (const QString &part :
+         (isShort ? QStringList() : QStringList{expected}) + QStringList{found}) {
+        for (const QString &piece : wrapped(part, SessionPrinter::width - indent.size()))
+            lines += indent + piece;
+    }
+    return lines;
 }
 
 QString simulationSummary(const QString &file, const SimulationResult &result, bool hasExpectations)

@@ -21,8 +21,9 @@ public:
 
     void add(const Workbench::SessionEntry &entry);
 
-    /// What was expected instead, and what happened just before; nothing if all was as expected.
-    void printFailure() const;
+    /// What was expected, what came instead and what happened just before; empty if all was as
+    /// expected.
+    QStringList failure() const;
 
     /// All entries, kept only if a picture is to be drawn.
     const QVector<Workbench::SessionEntry> &entries() const { return m_entries; }
@@ -35,6 +36,10 @@ private:
     Workbench::SessionEntry m_failure;
     QVector<Workbench::SessionEntry> m_entries;
 };
+
+/// What was expected and what came instead: in one line, if that is short enough. Neither the file
+/// nor anything else is shortened.
+QStringList failureText(const Workbench::ExpectationChecked &failure);
 
 /// The line that ends a file's output: "click.scenario: passed, 3 expectations, 1.200 s".
 QString simulationSummary(const QString &file, const Workbench::SimulationResult &result,

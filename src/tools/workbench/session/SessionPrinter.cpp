@@ -1,11 +1,12 @@
 #include "SessionPrinter.h"
 
 #include "BusNames.h"
+#include "CommandNames.h"
 #include "EventNames.h"
+#include "KnownDevices.h"
 #include "Quoting.h"
 #include "Session.h"
-
-#include <QFileInfo>
+#include "TerminalText.h"
 
 #include <linux/input.h>
 
@@ -13,8 +14,12 @@ namespace Vorn::Workbench {
 
 namespace {
 
-constexpr int timeWidth = 9;
-constexpr int recordWidth = 34;
+constexpr int timeWidth = 9; ///< for 27 hours; longer times need some of the gap
+constexpr int timeGap = 2;
+constexpr int consequenceIndent = 4; ///< of what the library makes of a record
+constexpr int continuationIndent = 4;
+constexpr int eventWidth = 22; ///< "CursorPageDown release"
+constexpr int minNameWidth = 8;
 
 const char *const reset = "\x1b[0m";
 const char *const bold = "\x1b[1m";
@@ -41,11 +46,6 @@ QString latencyText(qint64 microseconds)
 {
     const QString text = QString::number(static_cast<double>(microseconds) / 1000, 'f', 1);
     return (microseconds < 0 ? QString() : QStringLiteral("+")) + text + QStringLiteral(" ms");
-}
-
-QString cut(const QString &text, int width)
-{
-    return text.size() <= width ? text : text.left(width - 1) + QChar(0x2026);
 }
 
 QString names(int type, const QVector<int> &codes, const char *separator)
@@ -79,11 +79,18 @@ QString stepText(const DetectorStep &step)
     return QStringLiteral("%1 dropped").arg(keys);
 }
 
-QString outcomeText(const RecordOutcome &outcome)
+/// "KEY_STOP press", for a record or its outcome.
+template <typename Record>
+QString recordText(const Record &record)
 {
-    return QStringLiteral("%1 %2: ").arg(eventCodeName(outcome.type, outcome.code),
-                                         valueName(outcome.type, outcome.value))
-        + printable(outcome.reason);
+    return QStringLiteral("%1 %2").arg(eventCodeName(record.type, record.code),
+                                       valueName(record.type, record.value));
+}
+
+bool isOutcomeOf(const RecordRead &record, const RecordOutcome &outcome)
+{
+    return record.device == outcome.device && record.type == outcome.type
+        && record.code == outcome.code && record.value == outcome.value;
 }
 
 QString stateText(const KeyState &state)
@@ -103,6 +110,25 @@ QString stateText(const KeyState &state)
     return eventCodeName(EV_KEY, state.code) + QLatin1Char(' ') + parts.join(QStringLiteral(", "));
 }
 
+QString stateText(InputEvent::State state)
+{
+    switch (state) {
+    case InputEvent::KeyPressed:
+        return QStringLiteral("press");
+    case InputEvent::KeyReleased:
+        return QStringLiteral("release");
+    case InputEvent::KeyLongPress:
+        return QStringLiteral("long press");
+    case InputEvent::SwitchEnabled:
+        return QStringLiteral("on");
+    case InputEvent::SwitchDisabled:
+        return QStringLiteral("off");
+    case InputEvent::NoState:
+        break;
+    }
+    return stateName(state);
+}
+
 const char *stateColour(InputEvent::State state)
 {
     switch (state) {
@@ -119,54 +145,66 @@ const char *stateColour(InputEvent::State state)
     return bold;
 }
 
-/// An entry's text in either column, and its colour on a terminal.
-struct Cells
+/// What an entry shows: its text, with a device's name in the middle, which is shortened first.
+struct Content
 {
-    QString left;
-    QString right;
+    QString before = {};
+    QString name = {};
+    QString after = {};
     const char *colour = nullptr;
+    bool isConsequence = false; ///< of a record
+    int nameColumn = 0; ///< where the name begins, if there is room
+
+    bool isEmpty() const { return before.isEmpty() && name.isEmpty() && after.isEmpty(); }
 };
 
-class CellsOf
+class ContentOf
 {
 public:
-    CellsOf(const SessionPrinter::Options &options, const QHash<QString, QString> &names)
+    ContentOf(const SessionPrinter::Options &options, const KnownDevices &devices,
+              const std::optional<RecordRead> &lastRecord)
         : m_options(options)
-        , m_names(names)
+        , m_devices(devices)
+        , m_lastRecord(lastRecord)
     { }
 
-    Cells operator()(const SessionStart &) const { return {}; }
+    Content operator()(const SessionStart &) const { return {}; }
 
-    Cells operator()(const DeviceChange &change) const
+    Content operator()(const DeviceChange &change) const
     {
-        QString text = QStringLiteral("%1 %2 %3")
-                           .arg(change.added ? QStringLiteral("+") : QStringLiteral("-"),
-                                printable(node(change.device)), printable(change.name));
-        if (change.added)
-            text += QStringLiteral(" (%1)").arg(busName(change.bus));
-        return {{}, text, cyan};
+        const QString name = m_devices.name(change.device);
+        return {
+            QStringLiteral("%1 %2 ").arg(change.added ? QStringLiteral("+") : QStringLiteral("-"),
+                                         KnownDevices::node(change.device)),
+            name.isEmpty() ? QStringLiteral("(no name)") : name,
+            change.added ? QStringLiteral(" (%1)").arg(busName(change.bus)) : QString(), cyan};
     }
 
-    Cells operator()(const RecordRead &record) const
+    Content operator()(const RecordRead &record) const
     {
         if (!m_options.records || record.type == EV_SYN)
             return {};
-        const QString what = QStringLiteral(" %1 %2").arg(eventCodeName(record.type, record.code),
-                                                          valueName(record.type, record.value));
-        // The key matters more than the device's name, which is shortened to fit.
-        const int room = qMax(1, recordWidth - what.size());
-        return {cut(name(record.device), room) + what, {}, dim};
+        return {{},
+                m_devices.name(record.device),
+                marked(record.device) + QLatin1Char(' ') + recordText(record),
+                dim};
     }
 
     // What was published has its own line; why nothing was is worth one.
-    Cells operator()(const RecordOutcome &outcome) const
+    Content operator()(const RecordOutcome &outcome) const
     {
         if (!m_options.outcomes || outcome.reason.isEmpty())
             return {};
-        return {{}, outcomeText(outcome), dim};
+        const QString reason = printable(outcome.reason);
+        const bool isBelowRecord = m_lastRecord && isOutcomeOf(*m_lastRecord, outcome);
+        return {isBelowRecord ? reason : recordText(outcome) + QStringLiteral(": ") + reason,
+                {},
+                {},
+                dim,
+                true};
     }
 
-    Cells operator()(const KeyStates &states) const
+    Content operator()(const KeyStates &states) const
     {
         QStringList parts;
         for (const KeyState &state : states.keys)
@@ -177,64 +215,95 @@ public:
             parts += QStringLiteral("no handler for its keys");
         if (parts.isEmpty())
             parts += QStringLiteral("nothing down");
-        return {{},
-                QStringLiteral("state of %1: %2")
-                    .arg(name(states.device), parts.join(QStringLiteral("; "))),
+        return {QStringLiteral("state of "), m_devices.name(states.device),
+                marked(states.device) + QStringLiteral(": ") + parts.join(QStringLiteral("; ")),
                 cyan};
     }
 
-    Cells operator()(const DetectorStep &step) const
+    Content operator()(const DetectorStep &step) const
     {
         if (!m_options.detectors)
             return {};
-        return {{}, stepText(step), dim};
+        return {stepText(step), {}, {}, dim, true};
     }
 
-    Cells operator()(const EventPublished &event) const
+    Content operator()(const EventPublished &event) const
     {
-        QStringList parts{InputEvent(event.command, event.state, event.bus).toString()};
-        if (!event.device.isEmpty())
-            parts += name(event.device);
+        Content content{eventText(event), {}, {}, stateColour(event.state), true};
+        if (!event.device.isEmpty()) {
+            content.before += QStringLiteral("  ");
+            content.nameColumn = eventWidth + 2;
+            content.name = m_devices.name(event.device);
+            content.after = marked(event.device);
+        }
         if (!event.codes.isEmpty())
-            parts += names(event.type, event.codes, " + ");
+            content.after += QStringLiteral("  ") + names(event.type, event.codes, " + ");
         if (m_options.latency && event.latency)
-            parts += latencyText(*event.latency);
-        return {{}, parts.join(QStringLiteral("  ")), stateColour(event.state)};
+            content.after += QStringLiteral("  ") + latencyText(*event.latency);
+        return content;
     }
 
-    Cells operator()(const IdentifierSelected &selected) const
+    Content operator()(const IdentifierSelected &selected) const
     {
-        return {{}, QStringLiteral("identifier '%1'").arg(printable(selected.identifier)), cyan};
+        return {
+            QStringLiteral("identifier '%1'").arg(printable(selected.identifier)), {}, {}, cyan};
     }
 
-    Cells operator()(const ExpectationChecked &expectation) const
+    Content operator()(const ExpectationChecked &expectation) const
     {
         const QString text = printable(expectation.text);
         if (expectation.met)
-            return {{}, QStringLiteral("met: ") + text, green};
+            return {QStringLiteral("met: ") + text, {}, {}, green};
         QString failed =
             QStringLiteral("%1:%2: failed: %3")
                 .arg(printable(expectation.file), QString::number(expectation.line), text);
         if (!expectation.found.isEmpty())
             failed += QStringLiteral(", but found ") + printable(expectation.found);
-        return {{}, failed, red};
+        return {failed, {}, {}, red};
     }
 
-    Cells operator()(const Remark &remark) const { return {{}, printable(remark.text), yellow}; }
+    Content operator()(const Remark &remark) const
+    {
+        return {printable(remark.text), {}, {}, yellow};
+    }
 
 private:
-    static QString node(const QString &device) { return device.section(QLatin1Char('/'), -1); }
-
-    QString name(const QString &device) const
+    /// The bus is that of the device, unless the profile or the library decided otherwise.
+    QString eventText(const EventPublished &event) const
     {
-        const QString known = m_names.value(device);
-        return known.isEmpty() ? QStringLiteral("(%1)").arg(printable(node(device)))
-                               : printable(known);
+        const QString text =
+            QStringLiteral("%1 %2").arg(commandName(event.command), stateText(event.state));
+        const InputEvent::Bus usual = m_devices.bus(event.device).value_or(InputEvent::Bus::NoBus);
+        return event.bus == usual ? text : QStringLiteral("%1 (%2)").arg(text, busName(event.bus));
+    }
+
+    /// What follows the name of a device to tell it from others.
+    QString marked(const QString &device) const
+    {
+        const QString mark = m_devices.mark(device);
+        const bool isApart = !mark.isEmpty() && !m_devices.name(device).isEmpty();
+        return isApart ? QLatin1Char(' ') + mark : mark;
     }
 
     const SessionPrinter::Options &m_options;
-    const QHash<QString, QString> &m_names;
+    const KnownDevices &m_devices;
+    const std::optional<RecordRead> &m_lastRecord;
 };
+
+/// The lines of a text, the first one @p room wide. The blanks of a table go first, then the middle
+/// of the name; a key or a command is never shortened.
+QStringList fitted(const Content &content, int room)
+{
+    const QString inColumns =
+        padded(content.before, content.nameColumn) + content.name + content.after;
+    if (textWidth(inColumns) <= room)
+        return {inColumns};
+    const int nameRoom = room - textWidth(content.before + content.after);
+    if (nameRoom >= qMin(minNameWidth, textWidth(content.name)))
+        return {content.before + elided(content.name, nameRoom) + content.after};
+    return wrapped(content.before + elided(content.name, room / 2) + content.after,
+                   room - continuationIndent);
+}
 
 } // namespace
 
@@ -245,20 +314,27 @@ SessionPrinter::SessionPrinter(const Options &options)
 QString SessionPrinter::line(const SessionEntry &entry)
 {
     if (const auto *change = std::get_if<DeviceChange>(&entry.what))
-        m_names.insert(change->device, change->name);
+        m_devices.add(*change);
 
-    const Cells cells = std::visit(CellsOf(m_options, m_names), entry.what);
-    if (cells.left.isEmpty() && cells.right.isEmpty())
+    const Content content = std::visit(ContentOf(m_options, m_devices, m_lastRecord), entry.what);
+    if (content.isEmpty())
         return {};
+    if (const auto *record = std::get_if<RecordRead>(&entry.what))
+        m_lastRecord = *record;
 
-    QString text = m_options.records ? cells.left.leftJustified(recordWidth) + QStringLiteral(" │")
-                                     : QString();
-    if (!cells.right.isEmpty())
-        text += (m_options.records ? QStringLiteral(" ") : QString()) + cells.right;
-    if (m_options.coloured && cells.colour)
-        text = QLatin1String(cells.colour) + text + QLatin1String(reset);
-    return QString(m_options.indent, QLatin1Char(' '))
-        + seconds(entry.time).rightJustified(timeWidth) + QStringLiteral("  ") + text;
+    const QString time = seconds(entry.time).rightJustified(timeWidth);
+    QString start = (QString(m_options.indent, QLatin1Char(' ')) + time + QLatin1Char(' '))
+                        .leftJustified(m_options.indent + timeWidth + timeGap);
+    if (m_options.records && content.isConsequence)
+        start += QString(consequenceIndent, QLatin1Char(' '));
+    const QString continued(start.size() + continuationIndent, QLatin1Char(' '));
+    QString text;
+    for (const QString &part : fitted(content, width - start.size())) {
+        const bool isColoured = m_options.coloured && content.colour;
+        text += (text.isEmpty() ? start : QLatin1Char('\n') + continued)
+            + (isColoured ? QLatin1String(content.colour) + part + QLatin1String(reset) : part);
+    }
+    return text;
 }
 
 } // namespace Vorn::Workbench

@@ -1,25 +1,30 @@
 #ifndef VORN_WORKBENCH_SESSIONPRINTER_H
 #define VORN_WORKBENCH_SESSIONPRINTER_H
 
+#include "KnownDevices.h"
 #include "Session.h"
 
-#include <QHash>
 #include <QString>
+
+#include <optional>
 
 namespace Vorn::Workbench {
 
-/// Renders a session as text for people, one line for each entry that is shown:
+/// Renders a session as text for people, in lines of up to 80 columns, whether they go to a
+/// terminal or a pipe:
 ///
 /// ```
-///    1.500  KEY_VOLUMEUP press     │
-///    1.500                         │ [cmd=VolumeUp, state=KeyPressed, bus=LocalUI]  front-panel
-///    KEY_VOLUMEUP  +0.3 ms
+///    1.500  front-panel KEY_VOLUMEUP press
+///    1.500      VolumeUp press          front-panel  KEY_VOLUMEUP  +0.3 ms
 /// ```
 ///
-/// Records are in the left column, which is absent unless they are shown.
+/// What the library makes of a record is indented below it if records are shown. A device's name
+/// loses its middle where it has to; anything else that is too long goes on in the next line.
 class SessionPrinter
 {
 public:
+    static constexpr int width = 80;
+
     struct Options
     {
         bool records = false; ///< the records that were read, beside the events
@@ -32,8 +37,8 @@ public:
 
     explicit SessionPrinter(const Options &options);
 
-    /// The line without its line end, or an empty string for an entry that is not shown. Device
-    /// names are known from earlier entries.
+    /// The text of an entry, without the last line end; empty for an entry that is not shown.
+    /// Devices are known from earlier entries.
     QString line(const SessionEntry &entry);
 
     void setRecords(bool shown) { m_options.records = shown; }
@@ -41,7 +46,8 @@ public:
 
 private:
     Options m_options;
-    QHash<QString, QString> m_names;
+    KnownDevices m_devices;
+    std::optional<RecordRead> m_lastRecord; ///< that was shown
 };
 
 } // namespace Vorn::Workbench

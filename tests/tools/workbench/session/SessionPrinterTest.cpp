@@ -1,6 +1,13 @@
 #include "SessionPrinter.h"
 
+#include "CommandNames.h"
+#include "EventNames.h"
+#include "TerminalText.h"
+
 #include <gmock/gmock.h>
+
+#include <algorithm>
+#include <limits>
 
 #include <linux/input.h>
 
@@ -56,6 +63,7 @@ SessionPrinter::Options all()
     SessionPrinter::Options options;
     options.records = true;
     options.detectors = true;
+    options.outcomes = true;
     options.latency = true;
     return options;
 }
@@ -65,8 +73,7 @@ SessionPrinter::Options all()
 TEST(SessionPrinter, ShowsAnEventWithItsDeviceAndKey)
 {
     EXPECT_EQ(lastLine({}, frontPanel(), volumeUp()),
-              "    1.500  [cmd=VolumeUp, state=KeyPressed, bus=LocalUI]  front-panel  "
-              "KEY_VOLUMEUP");
+              "    1.500  VolumeUp press          front-panel  KEY_VOLUMEUP");
 }
 
 TEST(SessionPrinter, ShowsOnlyTheEventWhereItsSourceIsNotKnown)
@@ -74,7 +81,31 @@ TEST(SessionPrinter, ShowsOnlyTheEventWhereItsSourceIsNotKnown)
     const EventPublished event{
         InputEvent::Power, InputEvent::KeyReleased, InputEvent::Bus::NoBus, {}, 0, {},
         std::nullopt};
-    EXPECT_EQ(lastLine({}, event), "    1.500  [cmd=Power, state=KeyReleased]");
+    EXPECT_EQ(lastLine({}, event), "    1.500  Power release");
+}
+
+TEST(SessionPrinter, NamesEachState)
+{
+    const auto shown = [](InputEvent::State state) {
+        EventPublished event{InputEvent::Info, state, InputEvent::Bus::NoBus, {}, 0, {}, {}};
+        return lastLine({}, event).substr(11);
+    };
+    EXPECT_EQ(shown(InputEvent::KeyPressed), "Info press");
+    EXPECT_EQ(shown(InputEvent::KeyReleased), "Info release");
+    EXPECT_EQ(shown(InputEvent::KeyLongPress), "Info long press");
+    EXPECT_EQ(shown(InputEvent::SwitchEnabled), "Info on");
+    EXPECT_EQ(shown(InputEvent::SwitchDisabled), "Info off");
+    EXPECT_EQ(shown(InputEvent::NoState), "Info NoState");
+}
+
+TEST(SessionPrinter, NamesABusThatIsNotTheDevices)
+{
+    EventPublished event = volumeUp();
+    event.bus = InputEvent::Bus::Hostlink;
+    EXPECT_EQ(lastLine({}, frontPanel(), event),
+              "    1.500  VolumeUp press (Hostlink)  front-panel  KEY_VOLUMEUP");
+    event.device.clear();
+    EXPECT_EQ(lastLine({}, event), "    1.500  VolumeUp press (Hostlink)  KEY_VOLUMEUP");
 }
 
 TEST(SessionPrinter, NamesADeviceThatItWasNotToldOfByItsNode)
@@ -106,21 +137,153 @@ TEST(SessionPrinter, NamesBothKeysOfAChord)
     EXPECT_THAT(lastLine({}, chord), EndsWith("  KEY_STOP + KEY_PLAY"));
 }
 
-TEST(SessionPrinter, PutsRecordsIntoAColumnOfTheirOwn)
+TEST(SessionPrinter, IndentsWhatTheLibraryMakesOfARecord)
 {
     EXPECT_EQ(lastLine(all(), frontPanel(), record(KEY_INFO, 1)),
-              "    1.500  front-panel KEY_INFO press         │");
-    EXPECT_EQ(lastLine(all(), frontPanel(), volumeUp()),
-              "    1.500                                     │ [cmd=VolumeUp, "
-              "state=KeyPressed, bus=LocalUI]  front-panel  KEY_VOLUMEUP");
+              "    1.500  front-panel KEY_INFO press");
+    EXPECT_EQ(lastLine(all(), frontPanel(), volumeUp(345)),
+              "    1.500      VolumeUp press          front-panel  KEY_VOLUMEUP  +0.3 ms");
+    EXPECT_EQ(lastLine(all(), step(DetectorStep::What::Dropped, {KEY_INFO})),
+              "    1.500      KEY_INFO dropped");
 }
 
-TEST(SessionPrinter, CutsALongNameSoThatColumnsLineUp)
+TEST(SessionPrinter, TellsADeviceWithoutANameByItsNode)
 {
     DeviceChange change = frontPanel();
-    change.name = "A keyboard with a very long name indeed";
-    EXPECT_EQ(lastLine(all(), change, record(KEY_VOLUMEUP, 0)),
-              "    1.500  A keyboard w… KEY_VOLUMEUP release │");
+    change.name.clear();
+    EXPECT_EQ(lastLine({}, change), "    1.500  + event0 (no name) (LocalUI)");
+    EXPECT_EQ(lastLine({}, change, volumeUp()),
+              "    1.500  VolumeUp press          (event0)  KEY_VOLUMEUP");
+    EXPECT_EQ(lastLine(all(), change, record(KEY_INFO, 1)), "    1.500  (event0) KEY_INFO press");
+}
+
+TEST(SessionPrinter, TellsDevicesOfTheSameNameByTheirNodes)
+{
+    DeviceChange other = frontPanel();
+    other.device = "/dev/input/event3";
+    EXPECT_EQ(lastLine(all(), frontPanel(), other, record(KEY_INFO, 1)),
+              "    1.500  front-panel (event0) KEY_INFO press");
+    EXPECT_EQ(lastLine({}, frontPanel(), other, volumeUp()),
+              "    1.500  VolumeUp press          front-panel (event0)  KEY_VOLUMEUP");
+    other.added = false;
+    EXPECT_EQ(lastLine(all(), frontPanel(), other, record(KEY_INFO, 1)),
+              "    1.500  front-panel KEY_INFO press")
+        << "the other one is gone";
+}
+
+TEST(SessionPrinter, ShortensALongNameRatherThanAKey)
+{
+    DeviceChange change = frontPanel();
+    change.name = "A keyboard with a very long name, Consumer Control";
+    EXPECT_EQ(lastLine(all(), change, volumeUp(345)),
+              "    1.500      VolumeUp press  A keyboard wi…umer Control  KEY_VOLUMEUP  +0.3 ms");
+    DeviceChange same = change;
+    same.device = "/dev/input/event3";
+    EXPECT_EQ(lastLine(all(), change, same, volumeUp(345)),
+              "    1.500      VolumeUp press  A keyboa… Control (event0)  KEY_VOLUMEUP  "
+              "+0.3 ms");
+}
+
+TEST(SessionPrinter, FitsIntoEightyColumnsWhateverTheNames)
+{
+    const QString longest = QString::fromUtf8("键盘 ") + QString(250, 'n');
+    const auto longestOf = [](const QStringList &names) {
+        return *std::max_element(
+            names.begin(), names.end(),
+            [](const QString &a, const QString &b) { return a.size() < b.size(); });
+    };
+    const int key = *keyCode(longestOf(keyNames()));
+    const auto name = longestOf(commandNames());
+    DeviceChange change{front, longest, InputEvent::Bus::Hostlink, true};
+    DeviceChange same = change;
+    same.device = "/dev/input/event3";
+    EventPublished event{*command(name),
+                         InputEvent::KeyLongPress,
+                         InputEvent::Bus::LocalUI,
+                         front,
+                         EV_KEY,
+                         {key, key},
+                         -3'600'000'000};
+    DetectorStep unmapped = step(DetectorStep::What::ChordFound, {key, key});
+    unmapped.mapped = false;
+    KeyStates states;
+    states.device = front;
+    states.keys = {KeyState{key, true, true, true, true, 7, 1'950'000},
+                   KeyState{key, true, false, false, false, 0, {}}};
+    const QString text = QStringLiteral("%1 has errors; keeping the previous profile").arg(longest);
+    const QVector<SessionEntry> entries{
+        {0, change},
+        {0, same},
+        {1, record(key, 1)},
+        {1, RecordRead{front, EV_ABS, ABS_MT_TRACKING_ID, std::numeric_limits<int>::min(), 1}},
+        {1, RecordOutcome{RecordOutcome::What::Unmapped, front, EV_KEY, key, 2, {}, longest}},
+        {1, unmapped},
+        {86'400'000'000, event},
+        {1, states},
+        {1, IdentifierSelected{longest}},
+        {1, ExpectationChecked{longest, 3, text, true, {}}},
+        {1, ExpectationChecked{longest, 3, text, false, text}},
+        {8'640'000'000'000, Remark{text}},
+    };
+    for (SessionPrinter::Options options : {SessionPrinter::Options(), all()}) {
+        for (const int indent : {0, 2}) {
+            options.indent = indent;
+            SessionPrinter printer(options);
+            for (const SessionEntry &entry : entries) {
+                const QString shown = printer.line(entry);
+                for (const QString &line : shown.split('\n'))
+                    EXPECT_LE(textWidth(line), 80) << line.toStdString();
+                // Wrapped or not, neither a key nor a command is shortened.
+                if (std::holds_alternative<EventPublished>(entry.what)) {
+                    EXPECT_THAT(shown.toStdString(), HasSubstr(name.toStdString()));
+                    EXPECT_EQ(shown.count(keyName(key)), 2) << shown.toStdString();
+                    EXPECT_TRUE(shown.contains("(event0)")) << shown.toStdString();
+                }
+            }
+        }
+    }
+}
+
+TEST(SessionPrinter, GoesOnInTheNextLineWhereNothingCanBeLeftOut)
+{
+    EXPECT_EQ(lastLine({},
+                       Remark{"/home/somebody/a/profile/with/a/long/path.toml has errors; "
+                              "keeping the previous profile"}),
+              "    1.500  /home/somebody/a/profile/with/a/long/path.toml has errors;\n"
+              "               keeping the previous profile");
+    SessionPrinter::Options options;
+    options.coloured = true;
+    EXPECT_THAT(lastLine(options, Remark{QString(100, 'x')}),
+                testing::MatchesRegex("    1.500  \x1b\\[33mx+\x1b\\[0m\n"
+                                      " {15}\x1b\\[33mx+\x1b\\[0m"));
+}
+
+TEST(SessionPrinter, TellsWhyNothingWasPublishedWhenAsked)
+{
+    const RecordOutcome unmapped{RecordOutcome::What::Unmapped,      front, EV_KEY, KEY_INFO, 1, {},
+                                 "the handler has no command for it"};
+    EXPECT_EQ(lastLine({}, unmapped), "");
+    SessionPrinter::Options options;
+    options.outcomes = true;
+    EXPECT_EQ(lastLine(options, unmapped),
+              "    1.500  KEY_INFO press: the handler has no command for it");
+    EXPECT_EQ(lastLine(all(), record(KEY_INFO, 1), unmapped),
+              "    1.500      the handler has no command for it");
+    EXPECT_EQ(lastLine(all(), record(KEY_INFO, 1), record(KEY_INFO, 0), unmapped),
+              "    1.500      KEY_INFO press: the handler has no command for it")
+        << "that is not the outcome of the line above";
+}
+
+TEST(SessionPrinter, TellsWhatTheLibraryBelieves)
+{
+    KeyStates states;
+    states.device = front;
+    states.hasHandler = true;
+    EXPECT_EQ(lastLine({}, frontPanel(), states), "    1.500  state of front-panel: nothing down");
+    states.keys = {KeyState{KEY_INFO, true, false, true, true, 1, 1'950'000}};
+    EXPECT_EQ(lastLine({}, frontPanel(), states),
+              "    1.500  state of front-panel: KEY_INFO down, held back, long press 1 due\n"
+              "               at 1.950");
 }
 
 TEST(SessionPrinter, ShowsRecordsAndStepsOnlyWhenAsked)
@@ -189,7 +352,14 @@ TEST(SessionPrinter, ShowsTimesThatWereNotReachedAsTheMillisecondBefore)
     EXPECT_THAT(text.line({999'999, Remark{"a"}}).toStdString(), StartsWith("    0.999  "));
     EXPECT_THAT(text.line({-1'500, Remark{"a"}}).toStdString(), StartsWith("   -0.001  "));
     EXPECT_THAT(text.line({123'456'789'000'000, Remark{"a"}}).toStdString(),
-                StartsWith("123456789.000  "));
+                StartsWith("123456789.000 a"));
+}
+
+TEST(SessionPrinter, KeepsColumnsAlignedForElevenDays)
+{
+    SessionPrinter text({});
+    for (const qint64 second : {0LL, 9'999LL, 10'000LL, 99'999LL, 100'000LL, 999'999LL})
+        EXPECT_EQ(text.line({second * 1'000'000, Remark{"a"}}).size(), 12) << second;
 }
 
 TEST(SessionPrinter, IndentsLines)

@@ -334,7 +334,7 @@ TEST_F(SimulateCommand, SaysInOneLineThatAllIsAsExpected)
                                "expect VolumeUp KeyPressed\nwait 1s\n");
     EXPECT_EQ(run(with({file})), Vorn::Tools::Success);
     EXPECT_THAT(m_out, EndsWith("a.scenario: passed, 1 expectation, 1.000 s\n"));
-    EXPECT_THAT(m_out, HasSubstr("[cmd=VolumeUp, state=KeyPressed, bus=LocalUI]"));
+    EXPECT_THAT(m_out, HasSubstr("  VolumeUp press  "));
     EXPECT_EQ(m_err, "");
 
     Vorn::Tools::SimulateOptions quiet = with({file});
@@ -350,10 +350,13 @@ TEST_F(SimulateCommand, TellsWhatFailedAndWhatCameBefore)
     EXPECT_EQ(run(options), Vorn::Tools::Found);
     EXPECT_THAT(
         m_out,
-        testing::StartsWith("a.scenario:5: expected Info KeyReleased, found Info KeyPressed "
+        testing::StartsWith("a.scenario:5: expected Info KeyReleased,\n    found Info KeyPressed "
                             "LocalUI from \"panel\", 0 s after the last action\n"));
-    EXPECT_THAT(m_out, HasSubstr("KEY_INFO press"));
-    EXPECT_THAT(m_out, HasSubstr("[cmd=Info, state=KeyPressed, bus=LocalUI]"));
+    EXPECT_THAT(m_out, HasSubstr("panel KEY_INFO press\n"));
+    EXPECT_THAT(m_out,
+                HasSubstr("      held back until the release or the long press due at "
+                          "0.700 s\n"));
+    EXPECT_THAT(m_out, HasSubstr("  Info press  "));
     EXPECT_THAT(m_out,
                 EndsWith(">     0.100  here\na.scenario: FAILED after 0 expectations, "
                          "0.100 s; remaining steps not run\n"));
