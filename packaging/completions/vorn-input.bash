@@ -37,6 +37,7 @@ _vorn_input() {
     learn:--output | learn:-o) _vorn_input_files .toml ;;
     timeline:--output | timeline:-o | simulate:--timeline | simulate:-t) _vorn_input_files .svg ;;
     simulate:--expectations | simulate:-e) _vorn_input_files '' ;;
+    simulate:--junit) _vorn_input_files .xml ;;
     monitor:--record)
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -d -- "$current")
@@ -53,7 +54,7 @@ _vorn_input() {
     monitor) options='--profile --id --raw --state --json --record --show-text --duration' ;;
     learn) options='--output --commands --yes --force --patience' ;;
     check) options='--json --strict' ;;
-    simulate) options='--profile --expectations --json --raw --quiet --timeline --force' ;;
+    simulate) options='--profile --expectations --json --raw --quiet --timeline --junit --force' ;;
     timeline) options='--output --force --title --from --to' ;;
     explain) options='--profile --json --silent' ;;
     help) options='' ;;

@@ -21,6 +21,7 @@ struct SimulateOptions
     bool raw = false;
     bool quiet = false; ///< only failures
     QString timeline; ///< picture to write; empty: none
+    QString junit; ///< file for the results as JUnit XML; empty: none
     bool force = false; ///< whatever exists is replaced
     Workbench::Colour colour = Workbench::Colour::Auto;
 };

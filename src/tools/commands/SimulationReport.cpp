@@ -3,6 +3,7 @@
 #include "Output.h"
 #include "Quoting.h"
 #include "SessionWriter.h"
+#include "SimulationTotals.h"
 #include "Terminal.h"
 #include "TerminalText.h"
 
@@ -33,6 +34,33 @@ SessionPrinter::Options contextText()
     result.outcomes = true;
     result.indent = 2;
     return result;
+}
+
+struct FailureParts
+{
+    explicit FailureParts(const ExpectationChecked &failure)
+        : place(
+            QStringLiteral("%1:%2:").arg(printable(failure.file), QString::number(failure.line)))
+        , found(QStringLiteral("found ") + printable(failure.found))
+    {
+        const QString prefix = QStringLiteral("expect ");
+        const QString text = printable(failure.text);
+        expected = QStringLiteral("expected %1,")
+                       .arg(text.startsWith(prefix) ? text.mid(prefix.size()).trimmed() : text);
+    }
+
+    QString place;
+    QString expected;
+    QString found;
+};
+
+QStringList indented(const QString &text)
+{
+    const QString indent(4, QLatin1Char(' '));
+    QStringList lines;
+    for (const QString &line : wrapped(text, SessionPrinter::width - indent.size()))
+        lines += indent + line;
+    return lines;
 }
 
 } // namespace
@@ -67,61 +95,36 @@ void SimulationReport::add(const SessionEntry &entry)
         printColoured(stdout, shown);
 }
 
-QStringList SimulationReport::failure() const
+std::optional<ExpectationChecked> SimulationReport::failure() const
 {
     const auto *failure = std::get_if<ExpectationChecked>(&m_failure.what);
-    if (!failure)
-        return {};
+    return failure ? std::make_optional(*failure) : std::nullopt;
+}
+
+QStringList SimulationReport::context() const
+{
     const QString time = secondsText(m_failure.time / 1000).rightJustified(9);
-    return failureText(*failure) + m_context + QStringList{QStringLiteral("> %1  here").arg(time)};
+    const QString entries = m_context.join(QLatin1Char('\n'));
+    return (entries.isEmpty() ? QStringList() : entries.split(QLatin1Char('\n')))
+        + QStringList{QStringLiteral("> %1  here").arg(time)};
 }
 
-QStringList failureText(const ExpectationChecked &failure)
+QString failureMessage(const ExpectationChecked &failure)
 {
-    const QString prefix = QStringLiteral("expect ");
-    const QString text = printable(failure.text);
-    const QString expected =
-        QStringLiteral("expected %1,")
-            .arg(text.startsWith(prefix) ? text.mid(prefix.size()).trimmed() : text);
-    const QString found = QStringLiteral("found ") + printable(failure.found);
-    const QString place =
-        QStringLiteral("%1:%2:").arg(printable(failure.file), QString::number(failure.line));
-
-    const QString line = place + QLatin1Char(' ') + expected;
-    const QString blank = QStringLiteral(" ");
-    if (textWidth(line + blank + found) <= SessionPrinter::width)
-        return {line + blank + found};
-    const QString indent(4, QLatin1Char(' '));
-    const bool isShort = textWidth(line) <= SessionPrinter::width;
-    QStringList lines{isShort ? line : place};
-    for (const QString &part :
-         (isShort ? QStringList() : QStringList{expected}) + QStringList{found}) {
-        for (const QString &piece : wrapped(part, SessionPrinter::width - indent.size()))
-            lines += indent + piece;
-    }
-    return lines;
+    const FailureParts parts(failure);
+    return parts.place + QLatin1Char(' ') + parts.expected + QLatin1Char(' ') + parts.found;
 }
 
-QString simulationSummary(const QString &file, const SimulationResult &result, bool hasExpectations)
+QStringList failureLines(const ExpectationChecked &failure)
 {
-    const QString time = QStringLiteral("%1 s").arg(secondsText(result.duration));
-    const QString expectations = result.expectations == 1
-        ? QStringLiteral("1 expectation")
-        : QStringLiteral("%1 expectations").arg(result.expectations);
-    switch (result.outcome) {
-    case SimulationResult::Outcome::Passed:
-        return hasExpectations
-            ? QStringLiteral("%1: passed, %2, %3").arg(file, expectations, time)
-            : QStringLiteral("%1: done, no expectations to check, %2").arg(file, time);
-    case SimulationResult::Outcome::Failed:
-        return QStringLiteral("%1: FAILED after %2, %3; remaining steps not run")
-            .arg(file, expectations, time);
-    case SimulationResult::Outcome::Malformed:
-        return QStringLiteral("%1: a step could not be run, at %2").arg(file, time);
-    case SimulationResult::Outcome::Interrupted:
-        break;
-    }
-    return QStringLiteral("%1: interrupted at %2").arg(file, time);
+    const QString whole = failureMessage(failure);
+    if (textWidth(whole) <= SessionPrinter::width)
+        return {whole};
+    const FailureParts parts(failure);
+    const QString start = parts.place + QLatin1Char(' ') + parts.expected;
+    if (textWidth(start) <= SessionPrinter::width)
+        return QStringList{start} + indented(parts.found);
+    return QStringList{parts.place} + indented(parts.expected) + indented(parts.found);
 }
 
 QString simulationProgress(const QString &file, qint64 time, qint64 planned)
@@ -135,11 +138,6 @@ QString simulationProgress(const QString &file, qint64 time, qint64 planned)
         .arg((planned + 999) / 1000)
         .arg(now * 100 / planned)
         .arg(file);
-}
-
-QString secondsText(qint64 milliseconds)
-{
-    return QString::number(static_cast<double>(milliseconds) / 1000, 'f', 3);
 }
 
 } // namespace Vorn::Tools

@@ -4,11 +4,12 @@
 #include "Session.h"
 #include "SessionPrinter.h"
 #include "SimulateCommand.h"
-#include "Simulation.h"
 
 #include <QString>
 #include <QStringList>
 #include <QVector>
+
+#include <optional>
 
 namespace Vorn::Tools {
 
@@ -21,9 +22,11 @@ public:
 
     void add(const Workbench::SessionEntry &entry);
 
-    /// What was expected, what came instead and what happened just before; empty if all was as
-    /// expected.
-    QStringList failure() const;
+    /// The expectation that was not met; none if all was as expected.
+    std::optional<Workbench::ExpectationChecked> failure() const;
+
+    /// The lines of what happened before the failure, and its time.
+    QStringList context() const;
 
     /// All entries, kept only if a picture is to be drawn.
     const QVector<Workbench::SessionEntry> &entries() const { return m_entries; }
@@ -37,21 +40,16 @@ private:
     QVector<Workbench::SessionEntry> m_entries;
 };
 
-/// What was expected and what came instead: in one line, if that is short enough. Neither the file
-/// nor anything else is shortened.
-QStringList failureText(const Workbench::ExpectationChecked &failure);
+/// What was expected, what came instead, and where, in one line.
+QString failureMessage(const Workbench::ExpectationChecked &failure);
 
-/// The line that ends a file's output: "click.scenario: passed, 3 expectations, 1.200 s".
-QString simulationSummary(const QString &file, const Workbench::SimulationResult &result,
-                          bool hasExpectations);
+/// The same in lines of up to 80 columns, unless the file's path is longer. Nothing is left out.
+QStringList failureLines(const Workbench::ExpectationChecked &failure);
 
 /// How far a file has come: "1832 of 3600 s (50 %), hold.scenario".
 /// @param time µs of the session
 /// @param planned ms that it takes if nothing takes longer than it must
 QString simulationProgress(const QString &file, qint64 time, qint64 planned);
-
-/// "1.200", for milliseconds.
-QString secondsText(qint64 milliseconds);
 
 } // namespace Vorn::Tools
 

@@ -19,7 +19,7 @@ std::string progress(qint64 time, qint64 planned)
 std::vector<std::string> failure(const char *file, const QString &expected, const QString &found)
 {
     std::vector<std::string> lines;
-    for (const QString &line : Vorn::Tools::failureText({file, 5, expected, false, found}))
+    for (const QString &line : Vorn::Tools::failureLines({file, 5, expected, false, found}))
         lines.push_back(line.toStdString());
     return lines;
 }

@@ -17,7 +17,11 @@
 
 #include <gmock/gmock.h>
 
+#include <csignal>
+#include <thread>
+
 #include <linux/input.h>
+#include <unistd.h>
 
 namespace {
 
@@ -27,6 +31,7 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 using testing::SizeIs;
 
 /// Two keys that are reported at once and one with a long press, on every device.
@@ -132,6 +137,34 @@ protected:
         return status;
     }
 
+    /// The same, interrupted when the first output comes.
+    int runUntilOutput(const Vorn::Tools::SimulateOptions &options)
+    {
+        int ends[2];
+        EXPECT_EQ(pipe(ends), 0);
+        const int standardOutput = dup(STDOUT_FILENO);
+        dup2(ends[1], STDOUT_FILENO);
+        close(ends[1]);
+        std::string out;
+        std::thread reader([&] {
+            char buffer[4096];
+            for (ssize_t size = 0; (size = read(ends[0], buffer, sizeof buffer)) > 0;) {
+                if (out.empty())
+                    std::raise(SIGINT);
+                out.append(buffer, static_cast<std::size_t>(size));
+            }
+        });
+        testing::internal::CaptureStderr();
+        const int status = Vorn::Tools::simulate(options);
+        m_err = withoutFolder(testing::internal::GetCapturedStderr());
+        dup2(standardOutput, STDOUT_FILENO);
+        close(standardOutput);
+        reader.join();
+        close(ends[0]);
+        m_out = withoutFolder(out);
+        return status;
+    }
+
     Vorn::Tools::SimulateOptions with(const QStringList &files) const
     {
         Vorn::Tools::SimulateOptions options;
@@ -139,6 +172,13 @@ protected:
         options.profile = path("keys.toml");
         options.colour = Colour::Never;
         return options;
+    }
+
+    std::string content(const char *name) const
+    {
+        QFile file(path(name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll().toStdString();
     }
 
     std::string withoutFolder(const std::string &text) const
@@ -358,8 +398,8 @@ TEST_F(SimulateCommand, TellsWhatFailedAndWhatCameBefore)
                           "0.700 s\n"));
     EXPECT_THAT(m_out, HasSubstr("  Info press  "));
     EXPECT_THAT(m_out,
-                EndsWith(">     0.100  here\na.scenario: FAILED after 0 expectations, "
-                         "0.100 s; remaining steps not run\n"));
+                EndsWith(">     0.100  here\na.scenario: FAILED at 0.100 s; 0 expectations met, "
+                         "1 failed\n"));
 }
 
 TEST_F(SimulateCommand, PrintsNothingButJsonOnTheStandardOutput)
@@ -386,8 +426,95 @@ TEST_F(SimulateCommand, MistakesGoToStderrAndTheOtherFilesAreRun)
               "bad.scenario:1:1: error: unknown step or device 'devise', did you mean "
               "'device'?\n");
     EXPECT_THAT(m_out, HasSubstr("failing.scenario: FAILED"));
-    EXPECT_THAT(m_out, EndsWith("good.scenario: passed, 1 expectation, 0.000 s\n"));
+    EXPECT_THAT(m_out,
+                EndsWith("good.scenario: passed, 1 expectation, 0.000 s\n"
+                         "3 files: 1 passed, 1 failed, 1 could not be run\n"
+                         "    1 expectation met, 1 failed; 0.100 s\n"));
     EXPECT_EQ(run(with({failing, good})), Vorn::Tools::Found);
+}
+
+TEST_F(SimulateCommand, TotalsSeveralFilesUnlessNothingIsToBePrinted)
+{
+    const QString good = write("good.scenario", "expect nothing\n");
+    Vorn::Tools::SimulateOptions options = with({good});
+    EXPECT_EQ(run(options), Vorn::Tools::Success);
+    EXPECT_THAT(m_out, testing::Not(HasSubstr("files")));
+
+    options.files = QStringList{good, write("shown.scenario", "wait 1s\n")};
+    EXPECT_EQ(run(options), Vorn::Tools::Success);
+    EXPECT_THAT(
+        m_out,
+        EndsWith("shown.scenario: done, no expectations to check, 1.000 s\n"
+                 "2 files: 1 passed, 1 without expectations; 1 expectation met; 1.000 s\n"));
+
+    options.quiet = true;
+    EXPECT_EQ(run(options), Vorn::Tools::Success);
+    EXPECT_EQ(m_out, "");
+    options.quiet = false;
+    options.json = true;
+    EXPECT_EQ(run(options), Vorn::Tools::Success);
+    EXPECT_EQ(m_err, "");
+    options.files += write("failing.scenario", failingScenario);
+    EXPECT_EQ(run(options), Vorn::Tools::Found);
+    EXPECT_THAT(m_err, HasSubstr("\n3 files: 1 passed, "));
+    EXPECT_THAT(m_out, testing::Not(HasSubstr("files:")));
+}
+
+TEST_F(SimulateCommand, SaysWhichFilesAreNotRunAfterAnInterruption)
+{
+    // A key that is held for a day: it is still running when its first line comes.
+    const QString held =
+        write("held.scenario", "device panel\npanel hold KEY_UP for 24h\nexpect nothing\n");
+    write("keys.toml",
+          "[[device]]\n[device.handler.keys]\n"
+          "KEY_UP = { command = \"CursorUp\", long-press = [600, 200], repeat = true }\n");
+    const QString second = write("second.scenario", "expect nothing\n");
+    Vorn::Tools::SimulateOptions options = with({held, second, second});
+    options.junit = path("result.xml");
+    EXPECT_EQ(runUntilOutput(options), Vorn::Tools::Failure);
+    EXPECT_THAT(m_err,
+                MatchesRegex("held.scenario: interrupted at [0-9.]+ s; 0 expectations met, 1 not "
+                             "checked\nsecond.scenario: not run, interrupted\n"
+                             "second.scenario: not run, interrupted\n"));
+    const std::size_t end = m_out.rfind("3 files");
+    ASSERT_NE(end, std::string::npos);
+    EXPECT_THAT(m_out.substr(end),
+                MatchesRegex("3 files: 1 interrupted, 2 not run(; |\n    )0 expectations met, 1 "
+                             "not checked; [0-9.]+ s\n"));
+    EXPECT_THAT(content("result.xml"), HasSubstr(R"(errors="1" skipped="2")"));
+}
+
+TEST_F(SimulateCommand, WritesTheResultsForCiSystems)
+{
+    Vorn::Tools::SimulateOptions options =
+        with({write("bad.scenario", "devise panel\n"),
+              write("failing.scenario", failingScenario + "expect nothing\n"),
+              write("good.scenario", "expect nothing\n")});
+    options.junit = path("result.xml");
+    EXPECT_EQ(run(options), Vorn::Tools::Failure);
+    const std::string xml = withoutFolder(content("result.xml"));
+    EXPECT_THAT(xml, HasSubstr(R"(tests="3" failures="1" errors="1" skipped="0" time="0.100")"));
+    EXPECT_THAT(xml,
+                HasSubstr("<failure message=\"failing.scenario:5: expected Info KeyReleased, "
+                          "found Info KeyPressed LocalUI from &quot;panel&quot;, 0 s after "
+                          "the last action\">"));
+    EXPECT_THAT(xml, HasSubstr("panel KEY_INFO press\n"));
+    EXPECT_THAT(xml, HasSubstr("1 failed, 1 not checked"));
+    EXPECT_THAT(xml, HasSubstr("<error message=\"bad.scenario:1:1: error: unknown step or device"));
+
+    options.files = QStringList{options.files.last()};
+    EXPECT_EQ(run(options), Vorn::Tools::Success);
+    EXPECT_THAT(content("result.xml"), HasSubstr(R"(tests="1")"));
+    options.junit = path("absent/result.xml");
+    EXPECT_EQ(run(options), Vorn::Tools::Failure);
+    EXPECT_THAT(m_err, testing::StartsWith("absent/result.xml: error: "));
+    options.junit = QStringLiteral("-");
+    EXPECT_EQ(run(options), Vorn::Tools::Failure);
+    EXPECT_THAT(m_err, testing::StartsWith("error: --junit needs a file"));
+    options.junit = options.timeline = path("both");
+    EXPECT_EQ(run(options), Vorn::Tools::Failure);
+    EXPECT_EQ(m_err, "error: --junit and --timeline both write to both\n");
+    EXPECT_FALSE(QFile::exists(path("both")));
 }
 
 TEST_F(SimulateCommand, DrawsOneFileOnly)

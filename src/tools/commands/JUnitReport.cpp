@@ -1,0 +1,105 @@
+#include "JUnitReport.h"
+
+#include "Quoting.h"
+
+#include <QXmlStreamWriter>
+
+#include <algorithm>
+
+namespace Vorn::Tools {
+
+using namespace Workbench;
+
+namespace {
+
+using Outcome = FileResult::Outcome;
+
+constexpr char suiteName[] = "vorn-input simulate";
+
+/// What JUnit calls it; nothing for success.
+const char *elementOf(Outcome outcome)
+{
+    switch (outcome) {
+    case Outcome::Passed:
+    case Outcome::NothingToCheck:
+        return nullptr;
+    case Outcome::Failed:
+        return "failure";
+    case Outcome::NotRun:
+        return "skipped";
+    case Outcome::CannotBeRun:
+    case Outcome::StepCannotBeRun:
+    case Outcome::Interrupted:
+        break;
+    }
+    return "error";
+}
+
+QString count(const QVector<FileResult> &results, const char *element)
+{
+    return QString::number(
+        std::count_if(results.begin(), results.end(), [element](const FileResult &result) {
+            const char *its = elementOf(result.outcome);
+            return its && qstrcmp(its, element) == 0;
+        }));
+}
+
+void attribute(QXmlStreamWriter *xml, const char *name, const QString &value)
+{
+    // XML has no way to write most control characters.
+    xml->writeAttribute(QLatin1String(name), printable(value));
+}
+
+void writeCase(QXmlStreamWriter *xml, const FileResult &result)
+{
+    xml->writeStartElement(QStringLiteral("testcase"));
+    attribute(xml, "classname", QStringLiteral("vorn-input.simulate"));
+    attribute(xml, "name", result.file);
+    attribute(xml, "file", result.file);
+    attribute(xml, "assertions", QString::number(result.met + result.failed));
+    attribute(xml, "time", secondsText(result.duration));
+    if (const char *element = elementOf(result.outcome)) {
+        xml->writeStartElement(QLatin1String(element));
+        attribute(xml, "message", result.message.isEmpty() ? summary(result) : result.message);
+        QStringList lines;
+        for (const QString &line : result.details)
+            lines += printable(line);
+        xml->writeCharacters(lines.join(QLatin1Char('\n')));
+        xml->writeEndElement();
+    }
+    xml->writeTextElement(QStringLiteral("system-out"), printable(summary(result)));
+    xml->writeEndElement();
+}
+
+} // namespace
+
+QByteArray toJUnit(const QVector<FileResult> &results)
+{
+    qint64 duration = 0;
+    for (const FileResult &result : results)
+        duration += result.duration;
+    QByteArray text;
+    QXmlStreamWriter xml(&text);
+    xml.setAutoFormatting(true);
+    xml.setAutoFormattingIndent(2);
+    xml.writeStartDocument();
+    xml.writeStartElement(QStringLiteral("testsuite"));
+    attribute(&xml, "name", QString::fromLatin1(suiteName));
+    attribute(&xml, "tests", QString::number(results.size()));
+    attribute(&xml, "failures", count(results, "failure"));
+    attribute(&xml, "errors", count(results, "error"));
+    attribute(&xml, "skipped", count(results, "skipped"));
+    attribute(&xml, "time", secondsText(duration));
+    for (const FileResult &result : results)
+        writeCase(&xml, result);
+    xml.writeEndElement();
+    xml.writeEndDocument();
+    return text;
+}
+
+QByteArray junitSignature()
+{
+    return QByteArray("<testsuite name=\"") + suiteName + '"';
+}
+
+} // namespace Vorn::Tools
