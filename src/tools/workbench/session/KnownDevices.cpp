@@ -13,7 +13,7 @@ void KnownDevices::add(const DeviceChange &change)
 
 QString KnownDevices::name(const QString &path) const
 {
-    return printable(m_devices.value(path).name);
+    return printable(kernelName(path));
 }
 
 QString KnownDevices::mark(const QString &path) const

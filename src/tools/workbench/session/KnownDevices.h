@@ -16,8 +16,11 @@ class KnownDevices
 public:
     void add(const DeviceChange &change);
 
-    /// The kernel's name, without characters that do not belong on a terminal; empty if it has none
-    /// or is not known. Names of devices that are gone are kept, as their last events may follow.
+    /// The kernel's name; empty if the device has none or is not known. Names of devices that are
+    /// gone are kept, as their last events may follow.
+    QString kernelName(const QString &path) const { return m_devices.value(path).name; }
+
+    /// The same without characters that do not belong on a terminal.
     QString name(const QString &path) const;
 
     /// "(event0)" for a device without a name, or if another one that is plugged in has the same;

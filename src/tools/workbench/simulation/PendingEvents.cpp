@@ -12,11 +12,13 @@ PendingEvents::PendingEvents(const QVector<int> &deviceNodes)
 
 void PendingEvents::add(const SessionEntry &entry)
 {
-    // The names of unplugged devices are kept, as their last events may be expected after that.
     if (const auto *change = std::get_if<DeviceChange>(&entry.what))
-        m_names.insert(change->device, change->name);
-    if (const auto *event = std::get_if<EventPublished>(&entry.what))
-        m_events.append(Event{entry.time, *event, m_names.value(event->device)});
+        m_devices.add(*change);
+    if (const auto *event = std::get_if<EventPublished>(&entry.what)) {
+        const QString &device = event->device;
+        m_events.append(Event{entry.time, *event, m_devices.kernelName(device),
+                              device.isEmpty() ? QString() : m_devices.mark(device)});
+    }
 }
 
 std::optional<QString> PendingEvents::take(const Step::ExpectEvent &expected, qint64 action)
@@ -54,8 +56,10 @@ QString PendingEvents::text(qint64 action) const
                          .arg(commandName(event.published.command),
                               stateName(event.published.state), busName(event.published.bus));
     // In quotes, as `from` takes it.
-    if (!event.deviceName.isEmpty())
+    if (!event.deviceName.isEmpty() || !event.mark.isEmpty())
         result += QStringLiteral(" from \"%1\"").arg(event.deviceName);
+    if (!event.mark.isEmpty())
+        result += QLatin1Char(' ') + event.mark;
     return result
         + QStringLiteral(", %1 after the last action")
               .arg(durationText((event.time - action * 1000) / 1000));

@@ -1,10 +1,10 @@
 #ifndef VORN_WORKBENCH_PENDINGEVENTS_H
 #define VORN_WORKBENCH_PENDINGEVENTS_H
 
+#include "KnownDevices.h"
 #include "Scenario.h"
 #include "Session.h"
 
-#include <QHash>
 #include <QString>
 #include <QVector>
 
@@ -40,12 +40,13 @@ private:
         qint64 time = 0; ///< µs
         EventPublished published;
         QString deviceName; ///< the kernel's
+        QString mark; ///< where the name does not tell which device it is
     };
 
     bool isExpected(const Step::ExpectEvent &expected, const Event &found, qint64 action) const;
 
     const QVector<int> m_deviceNodes;
-    QHash<QString, QString> m_names; ///< of devices, by path
+    KnownDevices m_devices;
     QVector<Event> m_events; ///< oldest first
 };
 

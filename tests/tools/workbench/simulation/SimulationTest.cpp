@@ -263,6 +263,20 @@ TEST(Simulation, EachPartOfAnExpectationCounts)
             << expectation;
 }
 
+TEST(Simulation, TellsDevicesOfTheSameNameByTheirNodes)
+{
+    const QByteArray start = "device a name=panel\ndevice b name=panel\n";
+    EXPECT_EQ(played(start + "b press KEY_VOLUMEUP\nexpect nothing").failure(),
+              "4: expect nothing, found VolumeUp KeyPressed LocalUI from \"panel\" (event1), 0 s "
+              "after the last action");
+    EXPECT_EQ(played(start + "b unplug\na press KEY_VOLUMEUP\nexpect nothing").failure(),
+              "5: expect nothing, found VolumeUp KeyPressed LocalUI from \"panel\", 0 s after the "
+              "last action");
+    EXPECT_EQ(played("device a name=\"\"\na press KEY_VOLUMEUP\nexpect nothing").failure(),
+              "3: expect nothing, found VolumeUp KeyPressed LocalUI from \"\" (event0), 0 s after "
+              "the last action");
+}
+
 TEST(Simulation, NothingMeansNothingUntilItsTimeIsOver)
 {
     const QByteArray start = "device panel\npanel press KEY_INFO\n";
