@@ -94,6 +94,7 @@ for arguments in "check large.toml" "monitor -p large.toml" "simulate -p large.t
 done
 
 refuse 'missing.scenario: error: cannot be read' simulate missing.scenario
+refuse 'error: --junit needs a file' simulate --junit - wait.scenario
 refuse 'broken.scenario:1:[0-9]+: error: ' simulate broken.scenario
 refuse 'broken.evemu:1.*: error: ' simulate broken.evemu
 refuse 'broken.toml:1:[0-9]+: error: ' simulate --profile broken.toml wait.scenario
