@@ -103,13 +103,14 @@ refuse 'missing.toml: error: cannot be read' monitor --profile missing.toml
 refuse 'duration' monitor --duration 0
 refuse 'duration' monitor --duration x
 for arguments in 'simulate --profile' 'simulate --expectations' 'simulate --timeline' \
-    'monitor --profile' 'monitor --duration 20 --record' 'learn --patience 20 -o' 'timeline session.jsonl -o'; do
+    'explain --profile' 'monitor --profile' 'monitor --duration 20 --record' 'learn --patience 20 -o' 'timeline session.jsonl -o'; do
     read -r -a words <<<"$arguments"
     refuse "${words[-1]#-}.*: the name is empty" "${words[@]}" ''
 done
 refuse 'FILE: the name is empty' simulate --profile "$player" ''
 refuse 'FILE: the name is empty' simulate --profile "$player" wait.scenario ''
 refuse 'FILE: the name is empty' check ''
+refuse 'FILE: the name is empty' explain ''
 refuse 'FILE: the name is empty' timeline '' -o new.svg
 # An identifier may be empty.
 sed -e '/^initial/s/"[^"]*"/"browse"/' -e 's/"text"/""/' "$player" >unnamed.toml

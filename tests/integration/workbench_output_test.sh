@@ -22,17 +22,26 @@ without_output() {
         failed "expected the reason"
 }
 
-printing=(--help --version 'devices --help' 'monitor --duration 20'
+printing=(--help --version 'devices --help' help 'help simulate' 'monitor --duration 20'
     "check $player" "simulate --profile $player click.scenario"
-    "simulate --profile $player click.scenario --json")
-case $("$program" devices 2>/dev/null) in
-?*) printing+=(devices 'devices --json') ;;
-esac
+    "simulate --profile $player click.scenario --json"
+    "explain --profile $player click.scenario" 'explain --json session.jsonl')
 for arguments in "${printing[@]}"; do
     read -r -a words <<<"$arguments"
     without_output '>/dev/full' 'No space left on device' "${words[@]}"
     without_output '>&-' 'Bad file descriptor' "${words[@]}"
 done
+if command -v umockdev-run >/dev/null; then
+    for format in '' --json; do
+        # shellcheck disable=SC2016,SC2086 # for the inner shell; none or one
+        run bash -c 'exec "$@" >/dev/full' bash "$source/examples/player/recordings/replay.sh" \
+            --still "$program" devices $format
+        expect_status 2
+        expect_line_on_stderr 'vorn-input: cannot write to the standard output: No space left on device'
+    done
+else
+    echo "SKIPPED: devices, as umockdev-run is missing"
+fi
 for redirection in '>/dev/full' '>&-'; do
     run bash -c 'exec "$@" '"$redirection" bash "$program" timeline session.jsonl -o -
     description="$description $redirection"

@@ -7,6 +7,7 @@
 #include "Session.h"
 #include "SessionFormat.h"
 #include "SessionMembers.h"
+#include "TextFile.h"
 
 #include <QBuffer>
 #include <QFileDevice>
@@ -197,7 +198,9 @@ bool openSession(const QString &path, QFile *file, Diagnostics *diagnostics)
     const bool isFolder = path != QLatin1String("-") && QFileInfo(path).isDir();
     const bool isOpen = path == QLatin1String("-") ? file->open(stdin, QIODevice::ReadOnly)
                                                    : !isFolder && file->open(QIODevice::ReadOnly);
-    if (!isOpen)
+    if (isOpen)
+        noteRead(path);
+    else
         diagnostics->append(
             {Diagnostic::Severity::Error, path, 0, 0,
              QStringLiteral("cannot be read: ")

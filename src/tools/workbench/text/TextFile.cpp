@@ -150,8 +150,7 @@ std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnost
     const Input input(path, pipes);
     if (!input.error().isEmpty())
         return fail(input.error());
-    filesRead().insert(
-        QFile::encodeName(path == QLatin1String("-") ? QStringLiteral("/dev/stdin") : path));
+    noteRead(path);
     QByteArray content;
     // In parts: a pipe has no size, and may have no end.
     while (content.size() <= maxSize) {
@@ -168,6 +167,12 @@ std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnost
         return fail(
             QStringLiteral("it is larger than %1 MiB").arg(maxSize / (qint64{1024} * 1024)));
     return content;
+}
+
+void noteRead(const QString &path)
+{
+    filesRead().insert(
+        QFile::encodeName(path == QLatin1String("-") ? QStringLiteral("/dev/stdin") : path));
 }
 
 bool wasRead(const QString &path)

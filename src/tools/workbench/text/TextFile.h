@@ -25,6 +25,9 @@ enum class Pipes { Refused, Allowed };
 std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnostics *diagnostics,
                                    Pipes pipes = Pipes::Allowed);
 
+/// Remembers a file that is read by other means than readFile(), for wasRead().
+void noteRead(const QString &path);
+
 /// Whether a file has been read in this process, under this or any other name.
 bool wasRead(const QString &path);
 
