@@ -59,6 +59,12 @@ def leave(program):
     if terminal.status() != 0:
         sys.exit("FAILED: it does not go on after a stop")
 
+    # A job in the background would be stopped for changing the terminal.
+    terminal = Terminal(["bash", "-c", 'set -m; "$0" monitor --duration 0.5 & wait; echo en""ded',
+                         program])
+    terminal.wait_for("ended")
+    terminal.status()
+
 
 def main():
     source, program = sys.argv[1:]

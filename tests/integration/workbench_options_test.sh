@@ -206,7 +206,7 @@ refuse "'%1%2' already holds a recording" monitor --duration 20 --record '%1%2'
 cd ..
 
 # What it drew itself is drawn again.
-for i in 1 2; do
+for _ in 1 2; do
     run "$program" simulate --quiet --profile "$player" -t drawn.svg wait.scenario
     expect_status 0
     run "$program" timeline session.jsonl -o drawn.svg

@@ -37,6 +37,14 @@ bool isDefault(int signal)
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_DFL;
 }
 
+// There a process is stopped for touching the terminal. One that is not the session's has no
+// foreground.
+bool isInBackground()
+{
+    const pid_t foreground = tcgetpgrp(STDIN_FILENO);
+    return foreground > 0 && foreground != getpgrp();
+}
+
 // The handler has been reset: this time the signal does what it always does.
 void onDeadlySignal(int signal)
 {
@@ -47,8 +55,7 @@ void onDeadlySignal(int signal)
 void onContinue(int)
 {
     const int savedErrno = errno;
-    // In the background the process would be stopped for touching the terminal.
-    if (areSingle != 0 && tcgetpgrp(STDIN_FILENO) == getpgrp())
+    if (areSingle != 0 && !isInBackground())
         tcsetattr(STDIN_FILENO, TCSANOW, &terminalWithKeys);
     errno = savedErrno;
 }
@@ -85,7 +92,9 @@ SingleKeys::SingleKeys(int shownOn)
     }
     set(SIGTSTP, onStop, SA_NODEFER | SA_RESTART);
     set(SIGCONT, onContinue, SA_RESTART);
-    areSingle = tcsetattr(STDIN_FILENO, TCSANOW, &terminalWithKeys) == 0 ? 1 : 0;
+    areSingle = 1;
+    if (!isInBackground())
+        tcsetattr(STDIN_FILENO, TCSANOW, &terminalWithKeys);
 }
 
 SingleKeys::~SingleKeys()
@@ -105,7 +114,7 @@ bool SingleKeys::areOn()
 void SingleKeys::undo()
 {
     const int savedErrno = errno;
-    if (areSingle != 0)
+    if (areSingle != 0 && !isInBackground())
         tcsetattr(STDIN_FILENO, TCSANOW, &terminalBefore);
     areSingle = 0;
     errno = savedErrno;
