@@ -96,6 +96,16 @@ if unshare -rm mount -t tmpfs none /mnt 2>/dev/null; then
         [ "$(ls disk)" = "more
 picture.svg
 rest" ] || failed "expected no other file"
+        # Found out before anybody presses a key.
+        mkdir fixed
+        mount -t tmpfs -o ro none fixed
+        run timeout 10 "$program" learn -o fixed/new.toml
+        expect_status 2
+        expect_line_on_stderr "vorn-input learn: fixed/new.toml cannot be written: Read-only file system; .*"
+        run timeout 10 "$program" monitor --record fixed/session
+        expect_status 2
+        expect_line_on_stderr \
+            "vorn-input monitor: cannot create the folder .fixed/session.: Read-only file system"
         finish' bash "$program" "$player" "$checks" >inner 2>&1 || {
         cat inner
         failures=$((failures + 1))
