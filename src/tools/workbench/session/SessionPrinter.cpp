@@ -311,10 +311,44 @@ SessionPrinter::SessionPrinter(const Options &options)
     : m_options(options)
 { }
 
+// A key that is held back is of interest beside its record only. A device that nothing maps, or a
+// wheel, would fill the screen with the same reason.
+bool SessionPrinter::isNews(const RecordOutcome &outcome)
+{
+    QString what = outcome.device + QLatin1Char('\n') + outcome.reason;
+    switch (outcome.what) {
+    case RecordOutcome::What::Published:
+    case RecordOutcome::What::Held:
+    case RecordOutcome::What::Chord:
+        return m_options.records;
+    case RecordOutcome::What::Dropped:
+        return true;
+    case RecordOutcome::What::NotTaken:
+        // Scan codes accompany every key.
+        if (outcome.type == EV_MSC)
+            return false;
+        what += QLatin1Char('\n') + eventTypeName(outcome.type);
+        break;
+    case RecordOutcome::What::Unmapped:
+        what += QLatin1Char('\n') + eventCodeName(outcome.type, outcome.code);
+        Q_FALLTHROUGH();
+    case RecordOutcome::What::Unread:
+        if (m_options.records)
+            return true;
+        break;
+    }
+    const bool isNew = !m_told.contains(what);
+    m_told.insert(what);
+    return isNew;
+}
+
 QString SessionPrinter::line(const SessionEntry &entry)
 {
     if (const auto *change = std::get_if<DeviceChange>(&entry.what))
         m_devices.add(*change);
+    const auto *outcome = std::get_if<RecordOutcome>(&entry.what);
+    if (outcome && m_options.outcomes && !isNews(*outcome))
+        return {};
 
     const Content content = std::visit(ContentOf(m_options, m_devices, m_lastRecord), entry.what);
     if (content.isEmpty())

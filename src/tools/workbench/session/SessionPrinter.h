@@ -4,6 +4,7 @@
 #include "KnownDevices.h"
 #include "Session.h"
 
+#include <QSet>
 #include <QString>
 
 #include <optional>
@@ -45,9 +46,12 @@ public:
     bool records() const { return m_options.records; }
 
 private:
+    bool isNews(const RecordOutcome &outcome);
+
     Options m_options;
     KnownDevices m_devices;
     std::optional<RecordRead> m_lastRecord; ///< that was shown
+    QSet<QString> m_told; ///< what need not be said of every record of a device
 };
 
 } // namespace Vorn::Workbench

@@ -393,3 +393,33 @@ TEST(SessionPrinter, KeepsEscapeSequencesOfNamesOutOfTheTerminal)
     EXPECT_EQ(line.find('\n'), std::string::npos);
     EXPECT_THAT(lastLine({}, Remark{"a\x1b]0;title\x07"}), testing::Not(HasSubstr("\x1b")));
 }
+
+TEST(SessionPrinter, SaysOnceWhatIsTrueOfEveryRecordOfADevice)
+{
+    using What = RecordOutcome::What;
+    SessionPrinter::Options options;
+    options.outcomes = true;
+    SessionPrinter printer(options);
+    const auto line = [&printer](What what, int type, int code, const QString &reason) {
+        return printer.line({0, RecordOutcome{what, front, type, code, 1, {}, reason}});
+    };
+    EXPECT_NE(line(What::NotTaken, EV_REL, REL_X, "not taken"), "");
+    EXPECT_EQ(line(What::NotTaken, EV_REL, REL_Y, "not taken"), "");
+    EXPECT_NE(line(What::NotTaken, EV_ABS, ABS_X, "not taken"), "");
+    EXPECT_EQ(line(What::NotTaken, EV_MSC, MSC_SCAN, "not taken"), "");
+    EXPECT_NE(line(What::Unread, EV_KEY, KEY_INFO, "no handler under 'text'"), "");
+    EXPECT_EQ(line(What::Unread, EV_KEY, KEY_STOP, "no handler under 'text'"), "");
+    EXPECT_NE(line(What::Unread, EV_KEY, KEY_STOP, "no handler under 'browse'"), "");
+    EXPECT_NE(line(What::Unmapped, EV_KEY, KEY_INFO, "not mapped"), "");
+    EXPECT_EQ(line(What::Unmapped, EV_KEY, KEY_INFO, "not mapped"), "");
+    EXPECT_NE(line(What::Unmapped, EV_KEY, KEY_STOP, "not mapped"), "");
+    // A lost key press is worth a line every time.
+    EXPECT_NE(line(What::Dropped, EV_KEY, KEY_STOP, "dropped"), "");
+    EXPECT_NE(line(What::Dropped, EV_KEY, KEY_STOP, "dropped"), "");
+    // Only of interest beside its record.
+    EXPECT_EQ(line(What::Held, EV_KEY, KEY_STOP, "held back"), "");
+    options.records = true;
+    SessionPrinter raw(options);
+    EXPECT_NE(raw.line({0, RecordOutcome{What::Held, front, EV_KEY, KEY_STOP, 1, {}, "held back"}}),
+              "");
+}
