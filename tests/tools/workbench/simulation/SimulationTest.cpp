@@ -498,6 +498,24 @@ TEST_F(SimulateCommand, SaysWhichFilesAreNotRunAfterAnInterruption)
     EXPECT_THAT(content("result.xml"), HasSubstr(R"(errors="1" skipped="2")"));
 }
 
+TEST_F(SimulateCommand, ReplacesOnlyResultsByResults)
+{
+    Vorn::Tools::SimulateOptions options = with({write("good.scenario", "expect nothing\n")});
+    options.junit = write("mine.xml", "<mine/>");
+    EXPECT_EQ(run(options), Vorn::Tools::Failure);
+    EXPECT_EQ(m_out, "") << "that is found out before anything is run";
+    EXPECT_THAT(m_err, testing::StartsWith("error: mine.xml exists, and vorn-input did not"));
+    EXPECT_EQ(content("mine.xml"), "<mine/>");
+    options.force = true;
+    EXPECT_EQ(run(options), Vorn::Tools::Success);
+    EXPECT_THAT(content("mine.xml"), HasSubstr("<testsuite"));
+
+    options.junit = options.files.first();
+    EXPECT_EQ(run(options), Vorn::Tools::Failure);
+    EXPECT_THAT(m_err, testing::StartsWith("error: good.scenario is one of the files that were"));
+    EXPECT_EQ(content("good.scenario"), "expect nothing\n");
+}
+
 TEST_F(SimulateCommand, WritesTheResultsForCiSystems)
 {
     Vorn::Tools::SimulateOptions options =
@@ -521,7 +539,7 @@ TEST_F(SimulateCommand, WritesTheResultsForCiSystems)
     EXPECT_THAT(content("result.xml"), HasSubstr(R"(tests="1")"));
     options.junit = path("absent/result.xml");
     EXPECT_EQ(run(options), Vorn::Tools::Failure);
-    EXPECT_THAT(m_err, testing::StartsWith("absent/result.xml: error: "));
+    EXPECT_THAT(m_err, testing::StartsWith("error: absent/result.xml cannot be written: "));
     options.junit = QStringLiteral("-");
     EXPECT_EQ(run(options), Vorn::Tools::Failure);
     EXPECT_THAT(m_err, testing::StartsWith("error: --junit needs a file"));
