@@ -1,12 +1,14 @@
 #include "FrameDrawing.h"
 
 #include "LabelRows.h"
+#include "LaneTable.h"
 #include "TimelineText.h"
 
 #include <QDateTime>
 #include <QStringList>
 
 #include <algorithm>
+#include <cmath>
 
 namespace Vorn::Workbench {
 
@@ -35,120 +37,135 @@ FrameDrawing::FrameDrawing(TimelineCanvas *canvas)
     : m_canvas(canvas)
     , m_svg(canvas->svg)
     , m_layout(canvas->layout)
-    , m_axis(canvas->axis())
 { }
 
-void FrameDrawing::drawHeading(const QString &title)
+void FrameDrawing::drawHeading(const QString &title, const QString &part)
 {
+    const TimelineModel &model = m_canvas->model;
     m_svg.text(Metrics::margin, Metrics::margin + 14, TimelineSvg::shortened(title, 90), "title",
                Anchor::Start, title);
     QStringList parts;
-    if (!m_canvas->model.start.profile.isEmpty())
-        parts += TimelineSvg::shortened(m_canvas->model.start.profile, 60);
-    if (m_canvas->model.hasStart)
-        parts += QDateTime::fromMSecsSinceEpoch(m_canvas->model.start.wallClock / 1000, Qt::UTC)
+    if (!part.isEmpty())
+        parts += part;
+    if (!model.start.profile.isEmpty())
+        parts += TimelineSvg::shortened(model.start.profile, 60);
+    if (model.hasStart)
+        parts += QDateTime::fromMSecsSinceEpoch(model.start.wallClock / 1000, Qt::UTC)
                      .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss 'UTC'"));
-    parts += QStringLiteral("%1 to %2").arg(timelineTime(m_axis.from()), timelineTime(m_axis.to()));
+    QString times = QStringLiteral("%1 to %2")
+                        .arg(timelineTime(model.shown.from), timelineTime(model.shown.to));
+    if (model.shown.from > model.session.from || model.shown.to < model.session.to)
+        times += QStringLiteral(" of %1").arg(timelineTime(model.session.to));
+    parts += times;
     m_svg.text(Metrics::margin, Metrics::margin + 32, parts.join(QStringLiteral(" · ")), "muted");
 }
 
-void FrameDrawing::drawIdentifiers()
+void FrameDrawing::drawIdentifiers(const PlacedRow &row)
 {
     if (!m_layout.hasIdentifiers)
         return;
-    const double top = m_layout.identifierTop;
-    m_svg.text(Metrics::margin, top + 13, QStringLiteral("identifier"), "muted");
-    for (int i = 0; i < m_canvas->model.identifiers.size(); ++i) {
-        const TimelineIdentifier &selected = m_canvas->model.identifiers.at(i);
-        const bool isLast = i + 1 == m_canvas->model.identifiers.size();
-        const qint64 end = isLast ? m_axis.to() : m_canvas->model.identifiers.at(i + 1).time;
-        if (end < m_axis.from() || selected.time > m_axis.to() || !m_canvas->mayMark())
+    const QVector<TimelineIdentifier> &identifiers = m_canvas->model.identifiers;
+    m_svg.text(Metrics::margin, row.top + 13, QStringLiteral("identifier"), "muted");
+    for (int i = 0; i < identifiers.size(); ++i) {
+        const TimelineIdentifier &selected = identifiers.at(i);
+        const bool isLast = i + 1 == identifiers.size();
+        const qint64 end =
+            isLast ? std::max(m_canvas->model.shown.to, selected.time) : identifiers.at(i + 1).time;
+        if (!row.axis.intersects(selected.time, end))
             continue;
-        const double from = m_axis.x(selected.time);
+        const double from = row.axis.x(selected.time);
         // Even an identifier that is replaced at once can be pointed at.
-        const double length = std::max(2.0, m_axis.x(end) - from);
+        const double length = std::max(2.0, (isLast ? row.axis.right() : row.axis.x(end)) - from);
         const QString name = QLatin1Char('\'') + selected.identifier + QLatin1Char('\'');
         const QString title =
             QStringLiteral("%1: identifier %2 selected").arg(timelineTime(selected.time), name);
-        m_svg.rectangle(from, top, length, 18, "identifier", title);
+        m_svg.rectangle(from, row.top, length, Metrics::identifierHeight, "identifier", title);
         // Characters; the title has the whole name if the band is too short for it.
         const int room = static_cast<int>((length - 8) / 7);
         if (room >= 3)
-            m_svg.text(from + 5, top + 13, TimelineSvg::shortened(name, room), "identifier-label",
-                       Anchor::Start, title);
+            m_svg.text(from + 5, row.top + 13, TimelineSvg::shortened(name, room),
+                       "identifier-label", Anchor::Start, title);
     }
 }
 
-void FrameDrawing::drawAxis()
+void FrameDrawing::drawAxis(const PlacedRow &row)
 {
     bool isStriped = true;
-    for (const PlacedLane &placed : m_layout.lanes) {
+    for (const PlacedLane &placed : row.lanes) {
         if (isStriped)
             m_svg.rectangle(0, placed.top, m_layout.width, placed.height, "stripe");
         isStriped = !isStriped;
     }
-    for (const TimelineAxis::Tick &tick : m_axis.ticks()) {
-        m_svg.line(tick.x, m_layout.lanesTop, tick.x, m_layout.lanesBottom, "grid");
-        m_svg.line(tick.x, m_layout.lanesTop - 4, tick.x, m_layout.lanesTop, "axis");
+    for (const TimelineAxis::Tick &tick : row.axis.ticks()) {
+        m_svg.line(tick.x, row.lanesTop, tick.x, row.lanesBottom, "grid");
+        m_svg.line(tick.x, row.lanesTop - 4, tick.x, row.lanesTop, "axis");
     }
-    m_svg.line(m_axis.left(), m_layout.lanesTop, m_axis.right(), m_layout.lanesTop, "axis");
+    m_svg.line(row.axis.left(), row.lanesTop, row.axis.right(), row.lanesTop, "axis");
 }
 
-void FrameDrawing::drawTickLabels()
+void FrameDrawing::drawTickLabels(const PlacedRow &row)
 {
-    for (const TimelineAxis::Tick &tick : m_axis.ticks()) {
+    for (const TimelineAxis::Tick &tick : row.axis.ticks()) {
         if (!tick.label.isEmpty())
-            m_svg.text(tick.x, m_layout.axisTop + 12, tick.label, "tick", Anchor::Middle);
+            m_svg.text(tick.x, row.axisTop + 12, tick.label, "tick", Anchor::Middle);
     }
 }
 
-void FrameDrawing::drawFlags()
+void FrameDrawing::drawFlags(const PlacedRow &row)
 {
-    for (const PlacedFlag &placed : m_layout.flags) {
-        if (!m_canvas->mayMark())
-            continue;
+    const QVector<TimelineAxis::Tick> ticks = row.axis.ticks();
+    for (const PlacedFlag &placed : row.flags) {
         const PlacedLabel &label = placed.label;
-        const double top = m_layout.flagTop + label.row * Metrics::labelRow;
-        m_svg.line(label.x, top + 2, label.x, m_layout.lanesBottom, lineClassOf(placed.flag.kind),
-                   placed.flag.title);
+        const double top = row.flagTop + label.row * Metrics::labelRow;
+        const char *lineClass = lineClassOf(placed.flag.kind);
+        // The line gives way to the time that it would cross.
+        const bool isInterrupted = std::any_of(ticks.begin(), ticks.end(), [&](const auto &tick) {
+            return std::abs(tick.x - label.x) < LabelRows::width(tick.label) / 2;
+        });
+        const double from = isInterrupted ? row.lanesTop - 4 : top + 2;
+        if (isInterrupted)
+            m_svg.line(label.x, top + 2, label.x, row.axisTop, lineClass, placed.flag.title);
+        m_svg.line(label.x, from, label.x, row.lanesBottom, lineClass, placed.flag.title);
         // The line stays even without room for its label: the title says what it is.
-        if (!label.isShown)
+        if (label.text.isEmpty())
             continue;
         const bool isFailure = placed.flag.kind == FlagKind::Failure;
-        m_svg.text(label.isLeft ? label.x - 4 : label.x + 4, top + 11, placed.flag.label,
-                   isFailure ? "failure-label" : "muted",
+        m_svg.text(label.isLeft ? label.x - 4 : label.x + 4, top + 11, label.text,
+                   isFailure ? "failure-label" : "flag-label",
                    label.isLeft ? Anchor::End : Anchor::Start, placed.flag.title);
     }
 }
 
-void FrameDrawing::drawBreaks()
+void FrameDrawing::drawBreaks(const PlacedRow &row)
 {
     // Nearly opaque: a bar that spans the break shows through, so that it does not look
     // interrupted.
-    for (const TimelineAxis::Break &left : m_axis.breaks()) {
+    for (const TimelineAxis::Break &left : row.axis.breaks()) {
         const QString label = QStringLiteral("⋯ ") + timelineDuration(left.duration);
-        const QString title =
-            QStringLiteral("%1 without activity").arg(timelineTime(left.duration));
-        const double top = m_layout.lanesTop;
-        m_svg.rectangle(left.from, top, left.to - left.from, m_layout.lanesBottom - top, "break",
-                        title);
-        m_svg.line(left.from, top, left.from, m_layout.lanesBottom, "break-edge");
-        m_svg.line(left.to, top, left.to, m_layout.lanesBottom, "break-edge");
+        const QString title = timelineTime(left.duration) + QStringLiteral(" without activity");
+        const double top = row.lanesTop;
+        m_svg.rectangle(left.from, top, left.to - left.from, row.lanesBottom - top, "break", title);
+        m_svg.line(left.from, top, left.from, row.lanesBottom, "break-edge");
+        m_svg.line(left.to, top, left.to, row.lanesBottom, "break-edge");
         if (LabelRows::width(label) <= left.to - left.from)
-            m_svg.text((left.from + left.to) / 2, m_layout.axisTop + 12, label, "muted",
-                       Anchor::Middle, title);
+            m_svg.text((left.from + left.to) / 2, row.axisTop + 12, label, "muted", Anchor::Middle,
+                       title);
     }
 }
 
 void FrameDrawing::drawNotes()
 {
+    const TimelineModel &model = m_canvas->model;
     QStringList notes;
-    if (m_canvas->model.lanesLeftOut > 0)
-        notes += counted(m_canvas->model.lanesLeftOut, "lane");
-    if (m_canvas->marksLeftOut > 0)
-        notes += counted(m_canvas->marksLeftOut, "mark");
+    if (model.lanesLeftOut >= maxCountedLanes)
+        notes += QStringLiteral("at least %1 lanes").arg(model.lanesLeftOut);
+    else if (model.lanesLeftOut > 0)
+        notes += counted(model.lanesLeftOut, "lane");
+    if (model.marksLeftOut > 0)
+        notes += counted(model.marksLeftOut, "mark")
+            + QStringLiteral(" from %1 on").arg(timelineTime(model.shown.to));
     if (!notes.isEmpty())
-        m_svg.text(m_axis.left(), m_layout.height - 10,
+        m_svg.text(m_layout.rows.first().axis.left(), m_layout.height - 10,
                    QStringLiteral("not shown: ") + notes.join(QStringLiteral(", ")),
                    "failure-label");
 }

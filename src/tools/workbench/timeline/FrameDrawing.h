@@ -15,13 +15,14 @@ public:
     /// @param canvas must live longer
     explicit FrameDrawing(TimelineCanvas *canvas);
 
-    void drawHeading(const QString &title);
-    void drawIdentifiers();
+    /// @param part which session of a file this is, "session 2 of 3"; may be empty
+    void drawHeading(const QString &title, const QString &part);
+    void drawIdentifiers(const PlacedRow &row);
     /// The grid, and the stripes behind every other lane.
-    void drawAxis();
-    void drawTickLabels();
-    void drawFlags();
-    void drawBreaks();
+    void drawAxis(const PlacedRow &row);
+    void drawTickLabels(const PlacedRow &row);
+    void drawFlags(const PlacedRow &row);
+    void drawBreaks(const PlacedRow &row);
     /// What had to be left out of the picture.
     void drawNotes();
 
@@ -29,7 +30,6 @@ private:
     TimelineCanvas *const m_canvas;
     TimelineSvg &m_svg;
     const TimelineLayout &m_layout;
-    const TimelineAxis &m_axis;
 };
 
 } // namespace Vorn::Workbench

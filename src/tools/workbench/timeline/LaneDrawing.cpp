@@ -1,6 +1,5 @@
 #include "LaneDrawing.h"
 
-#include "LibraryFacts.h"
 #include "TimelineText.h"
 
 #include <QVector>
@@ -14,7 +13,6 @@ namespace {
 using Anchor = TimelineSvg::Anchor;
 using MarkKind = TimelineMark::Kind;
 
-constexpr qint64 tickInterval = tickMs * qint64{1000}; // µs
 /// px. Repeats closer together than this would merge into one.
 constexpr double minRepeatDistance = 1.5;
 
@@ -37,174 +35,190 @@ const char *barClassOf(const TimelineLane &lane)
 LaneDrawing::LaneDrawing(TimelineCanvas *canvas)
     : m_canvas(canvas)
     , m_svg(canvas->svg)
-    , m_layout(canvas->layout)
-    , m_axis(canvas->axis())
 { }
 
-void LaneDrawing::drawBars(const PlacedLane &placed)
+void LaneDrawing::drawHeadings(const PlacedRow &row)
 {
-    drawName(placed);
-    drawTicks(placed);
-    for (const TimelineBar &bar : placed.lane->bars) {
-        if (bar.to >= m_axis.from() && bar.from <= m_axis.to() && m_canvas->mayMark())
-            drawBar(placed, bar);
+    for (const PlacedHeading &heading : row.headings) {
+        const double y = heading.top + 17;
+        const QString name = TimelineSvg::shortened(heading.name, Metrics::flagLabelLength);
+        m_svg.text(Metrics::margin, y, name, "device-name", Anchor::Start, heading.name);
+        if (!heading.node.isEmpty())
+            m_svg.text(Metrics::margin + LabelRows::width(name) * 1.12 + 4, y, heading.node,
+                       "muted");
     }
-    drawLateness(placed);
+}
+
+void LaneDrawing::drawBars(const PlacedRow &row)
+{
+    for (const PlacedLane &placed : row.lanes) {
+        drawName(placed);
+        for (const TimelineBar &bar : placed.lane->bars) {
+            if (row.axis.intersects(bar.from, bar.to))
+                drawBar(row, placed, bar);
+        }
+        drawTimed(row, placed);
+        drawLateness(row, placed);
+    }
 }
 
 void LaneDrawing::drawName(const PlacedLane &placed)
 {
     const TimelineLane &lane = *placed.lane;
-    const QString title = QStringLiteral("%1, %2 %3").arg(lane.label, lane.deviceName, lane.device);
-    m_svg.text(Metrics::margin, placed.top + Metrics::barMiddle + 3,
+    m_svg.text(Metrics::margin, placed.top + Metrics::barMiddle + 4,
                TimelineSvg::shortened(lane.label, Metrics::laneLabelLength), "lane", Anchor::Start,
-               title);
-    m_svg.text(Metrics::margin, placed.top + Metrics::barMiddle + 17,
-               TimelineSvg::shortened(lane.deviceName, Metrics::laneLabelLength), "muted",
-               Anchor::Start, title);
+               QStringLiteral("%1, %2 %3").arg(lane.label, lane.deviceName, lane.device));
 }
 
-void LaneDrawing::drawBar(const PlacedLane &placed, const TimelineBar &bar)
+void LaneDrawing::drawBar(const PlacedRow &row, const PlacedLane &placed, const TimelineBar &bar)
 {
     const TimelineLane &lane = *placed.lane;
     const double top = placed.top + Metrics::barTop;
-    const double from = m_axis.x(bar.from);
-    const double to = std::max(m_axis.x(bar.to), from + 2);
-    const QString title =
-        QStringLiteral("%1: %2 to %3 (%4)%5")
-            .arg(lane.label, timelineTime(bar.from), timelineTime(bar.to),
-                 timelineTime(bar.to - bar.from),
-                 bar.isOpen ? QStringLiteral(", still active at the end") : QString());
-    const double solidTo = bar.withdrawn ? m_axis.x(*bar.withdrawn) : to;
-    m_svg.rectangle(from, top, solidTo - from, Metrics::barHeight, barClassOf(lane), title);
-    if (bar.withdrawn)
+    const double from = row.axis.x(bar.from);
+    const double to = std::max(row.axis.x(bar.to), from + 2);
+    QString title = QStringLiteral("%1: %2 to %3 (%4)")
+                        .arg(lane.label, timelineTime(bar.from), timelineTime(bar.to),
+                             timelineTime(bar.to - bar.from));
+    if (bar.wasOpen)
+        title += QStringLiteral(", active before that already");
+    if (bar.isOpen)
+        title += QStringLiteral(", still active at the end");
+    const double solidTo = bar.withdrawn ? row.axis.x(*bar.withdrawn) : to;
+    if (solidTo > from)
+        m_svg.rectangle(from, top, solidTo - from, Metrics::barHeight, barClassOf(lane), title);
+    if (to > solidTo)
         m_svg.rectangle(solidTo, top, to - solidTo, Metrics::barHeight, "bar-withdrawn", title);
-    // Stripes at its end make an open bar look torn off.
-    for (int i = 0; bar.isOpen && i < 3 && to - 4 - i * 6 > from; ++i)
-        m_svg.rectangle(to - 4 - i * 6, top, 3, Metrics::barHeight, "open");
-}
-
-void LaneDrawing::drawTicks(const PlacedLane &placed)
-{
-    if (!m_layout.hasTicks)
-        return;
-    const double top = placed.top + Metrics::barBottom;
-    for (const TimelineTimedSpan &span : placed.lane->timed) {
-        const qint64 to = std::min(span.to, m_axis.to());
-        qint64 time = std::max(span.from, m_axis.from());
-        while (true) {
-            // Counting from the timer's start: a break need not be a whole number of ticks.
-            const qint64 sinceStart = m_axis.firstShown(time) - span.timerStart;
-            time = span.timerStart + (sinceStart + tickInterval - 1) / tickInterval * tickInterval;
-            if (time > to)
-                break;
-            // Rounding up to a tick may lead into the next break.
-            if (m_axis.firstShown(time) != time)
-                continue;
-            if (!m_canvas->mayMark())
-                return;
-            const double x = m_axis.x(time);
-            m_svg.line(x, top, x, top + 5, "timer");
-            time += tickInterval;
-        }
+    // Stripes at an end make an open bar look torn off.
+    for (int i = 0; i < 3 && to - 4 - i * 6 > from; ++i) {
+        if (bar.isOpen && bar.to <= row.axis.to())
+            m_svg.rectangle(to - 4 - i * 6, top, 3, Metrics::barHeight, "open");
+        if (bar.wasOpen && bar.from >= row.axis.from())
+            m_svg.rectangle(from + 1 + i * 6, top, 3, Metrics::barHeight, "open");
     }
 }
 
-void LaneDrawing::drawLateness(const PlacedLane &placed)
+void LaneDrawing::drawTimed(const PlacedRow &row, const PlacedLane &placed)
 {
-    for (const TimelineEvent &event : placed.events) {
-        if (!m_layout.isLate(event) || !m_canvas->mayMark())
+    const double y = placed.top + Metrics::timedBottom;
+    for (const TimelineSpan &span : placed.lane->timed) {
+        if (!row.axis.intersects(span.from, span.to))
             continue;
-        const double from = m_axis.x(*event.due);
-        m_svg.rectangle(from, placed.top + Metrics::barTop - 3, m_axis.x(event.time) - from,
-                        Metrics::barHeight + 3, "late",
+        const double from = row.axis.x(span.from);
+        m_svg.line(from, y, std::max(row.axis.x(span.to), from + 1), y, "timed",
+                   QStringLiteral("%1: timed from %2 to %3")
+                       .arg(placed.lane->label, timelineTime(span.from), timelineTime(span.to)));
+    }
+}
+
+void LaneDrawing::drawLateness(const PlacedRow &row, const PlacedLane &placed)
+{
+    for (const PlacedEvent &late : placed.events) {
+        if (!row.isLate(late.event))
+            continue;
+        const qint64 due = *late.event.due();
+        const double from = row.axis.x(due);
+        m_svg.rectangle(from, placed.top + Metrics::barTop - 5, row.axis.x(late.event.time) - from,
+                        4, "late",
                         QStringLiteral("due at %1, published at %2")
-                            .arg(timelineTime(*event.due), timelineTime(event.time)));
+                            .arg(timelineTime(due), timelineTime(late.event.time)));
     }
 }
 
-void LaneDrawing::drawMarks(const PlacedLane &placed)
+void LaneDrawing::drawMarks(const PlacedRow &row)
 {
-    double lastRepeat = 0;
-    for (const TimelineMark &mark : placed.lane->marks) {
-        if (!m_axis.contains(mark.time))
-            continue;
-        const double x = m_axis.x(mark.time);
-        if (mark.kind == MarkKind::Repeat && x - lastRepeat < minRepeatDistance)
-            continue;
-        if (!m_canvas->mayMark())
-            break;
-        drawMark(placed, mark);
-        if (mark.kind == MarkKind::Repeat)
-            lastRepeat = x;
+    for (const PlacedLane &placed : row.lanes) {
+        double lastRepeat = 0;
+        for (const TimelineMark &mark : placed.lane->marks) {
+            if (!row.axis.contains(mark.time))
+                continue;
+            const double x = row.axis.x(mark.time);
+            if (mark.kind == MarkKind::Repeat && x - lastRepeat < minRepeatDistance)
+                continue;
+            drawMark(placed, mark, x);
+            if (mark.kind == MarkKind::Repeat)
+                lastRepeat = x;
+        }
+        drawLeaders(placed);
     }
-    drawLeaders(placed);
 }
 
-void LaneDrawing::drawMark(const PlacedLane &placed, const TimelineMark &mark)
+void LaneDrawing::drawMark(const PlacedLane &placed, const TimelineMark &mark, double x)
 {
-    const double x = m_axis.x(mark.time);
     const double top = placed.top + Metrics::barTop;
     const double middle = placed.top + Metrics::barMiddle;
+    const QString title = markTitle(*placed.lane, mark);
     switch (mark.kind) {
     case MarkKind::Repeat:
-        m_svg.line(x, top + 3, x, top + Metrics::barHeight - 3, "repeat", mark.title);
+        m_svg.line(x, top + 3, x, top + Metrics::barHeight - 3, "repeat", title);
         break;
     case MarkKind::Due:
-        m_svg.line(x, top - 7, x, top + Metrics::barHeight + 5, "due", mark.title);
-        m_canvas->symbol(x, top - 3, Symbols::due, mark.title);
+        m_svg.line(x, top - 7, x, top + Metrics::barHeight + 5, "due", title);
+        m_canvas->symbol(x, top - 3, Symbols::due, title);
         break;
     case MarkKind::Withdrawn:
-        m_canvas->symbol(x, middle, Symbols::withdrawn, mark.title);
+        m_canvas->symbol(x, middle, Symbols::withdrawn, title);
+        break;
+    case MarkKind::Forgotten:
+        m_canvas->symbol(x, middle, Symbols::forgotten, title);
         break;
     case MarkKind::Dropped:
-        m_canvas->symbol(x, middle, Symbols::dropped, mark.title);
+        m_canvas->symbol(x, middle, Symbols::dropped, title);
         break;
     }
 }
 
 void LaneDrawing::drawLeaders(const PlacedLane &placed)
 {
-    // Leaders have a limit of their own: they must not use up the room for the events they lead to.
-    for (int i = 0; i < placed.events.size() && m_leaders < maxTimelineMarks; ++i) {
-        ++m_leaders;
-        const PlacedLabel &label = placed.labels.at(i);
-        const bool isLongPress = placed.events.at(i).state == InputEvent::KeyLongPress;
+    for (const PlacedEvent &event : placed.events) {
+        const bool isLongPress = event.event.state == InputEvent::KeyLongPress;
         const double top = placed.top + (isLongPress ? Metrics::barTop - 3 : Metrics::barBottom);
-        const double bottom = placed.top + Metrics::eventTop + label.row * Metrics::labelRow + 8;
-        m_svg.line(label.x, top, label.x, bottom, isLongPress ? "leader-long-press" : "leader");
+        const int row = event.label.text.isEmpty() ? 0 : event.label.row;
+        const double bottom =
+            placed.top + Metrics::eventMiddle + row * Metrics::labelRow + (row > 0 ? 2 : 0);
+        m_svg.line(event.label.x, top, event.label.x, bottom,
+                   isLongPress ? "leader-long-press" : "leader");
     }
 }
 
-void LaneDrawing::drawEvents(const PlacedLane &placed)
+void LaneDrawing::drawEvents(const PlacedRow &row)
 {
-    for (int i = 0; i < placed.events.size(); ++i) {
-        if (!m_canvas->mayMark())
-            continue;
-        const TimelineEvent &event = placed.events.at(i);
-        const PlacedLabel &label = placed.labels.at(i);
-        const double y = placed.top + Metrics::eventTop + label.row * Metrics::labelRow + 8;
-        m_canvas->symbol(label.x, y, symbolOf(event.state), event.title);
-        if (label.isShown)
-            m_svg.text(label.isLeft ? label.x - 8 : label.x + 8, y + 4, event.label, "event",
-                       label.isLeft ? Anchor::End : Anchor::Start, event.title);
+    for (const PlacedLane &placed : row.lanes) {
+        for (const PlacedEvent &event : placed.events)
+            drawEvent(placed, event);
     }
 }
 
-void LaneDrawing::drawLinks()
+void LaneDrawing::drawEvent(const PlacedLane &placed, const PlacedEvent &event)
+{
+    const PlacedLabel &label = event.label;
+    const double y = placed.top + Metrics::eventMiddle;
+    const QString title = eventTitle(*placed.lane, event.event);
+    m_canvas->symbol(label.x, y,
+                     event.half == PlacedEvent::Half::Press         ? Symbols::clickPress
+                         : event.half == PlacedEvent::Half::Release ? Symbols::clickRelease
+                                                                    : symbolOf(event.event.state),
+                     title);
+    if (label.text.isEmpty())
+        return;
+    const double gap = label.row == 0 ? 8 : 4;
+    m_svg.text(label.isLeft ? label.x - gap : label.x + gap, y + 4 + label.row * Metrics::labelRow,
+               label.text, "event", label.isLeft ? Anchor::End : Anchor::Start, title);
+}
+
+void LaneDrawing::drawLinks(const PlacedRow &row)
 {
     for (const TimelineLink &link : m_canvas->model.links) {
-        if (!m_axis.contains(link.time))
+        if (!row.axis.contains(link.time))
             continue;
         // Lanes that are not shown, or had to be left out, have no end.
         QVector<double> ends;
-        for (const PlacedLane &placed : m_layout.lanes) {
+        for (const PlacedLane &placed : row.lanes) {
             if (link.lanes.contains(placed.index))
                 ends.append(placed.top + Metrics::barMiddle);
         }
-        if (ends.size() < 2 || !m_canvas->mayMark())
+        if (ends.size() < 2)
             continue;
-        const double x = m_axis.x(link.time);
+        const double x = row.axis.x(link.time);
         m_svg.line(x, ends.first(), x, ends.last(), "link", link.title);
         for (const double end : qAsConst(ends))
             m_canvas->symbol(x, end, Symbols::linkEnd, link.title);

@@ -13,27 +13,26 @@ public:
     /// @param canvas must live longer
     explicit LaneDrawing(TimelineCanvas *canvas);
 
-    /// The lane's name, its bars, and what is beside or behind them.
-    void drawBars(const PlacedLane &placed);
+    void drawHeadings(const PlacedRow &row);
+    /// The lanes' names, their bars, and what is beside or behind them.
+    void drawBars(const PlacedRow &row);
     /// Connects the lanes of chords with those of their keys.
-    void drawLinks();
+    void drawLinks(const PlacedRow &row);
     /// The marks on the bars, and lines from the bars to the events.
-    void drawMarks(const PlacedLane &placed);
-    void drawEvents(const PlacedLane &placed);
+    void drawMarks(const PlacedRow &row);
+    void drawEvents(const PlacedRow &row);
 
 private:
     void drawName(const PlacedLane &placed);
-    void drawBar(const PlacedLane &placed, const TimelineBar &bar);
-    void drawTicks(const PlacedLane &placed);
-    void drawLateness(const PlacedLane &placed);
-    void drawMark(const PlacedLane &placed, const TimelineMark &mark);
+    void drawBar(const PlacedRow &row, const PlacedLane &placed, const TimelineBar &bar);
+    void drawTimed(const PlacedRow &row, const PlacedLane &placed);
+    void drawLateness(const PlacedRow &row, const PlacedLane &placed);
+    void drawMark(const PlacedLane &placed, const TimelineMark &mark, double x);
     void drawLeaders(const PlacedLane &placed);
+    void drawEvent(const PlacedLane &placed, const PlacedEvent &event);
 
     TimelineCanvas *const m_canvas;
     TimelineSvg &m_svg;
-    const TimelineLayout &m_layout;
-    const TimelineAxis &m_axis;
-    int m_leaders = 0;
 };
 
 } // namespace Vorn::Workbench

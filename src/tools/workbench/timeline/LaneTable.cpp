@@ -30,7 +30,8 @@ TimelineLane *LaneTable::lane(const QString &device, int type, QVector<int> code
     const QVector<int> &sorted = key.second.second;
     if (m_lanes.size() >= maxTimelineLanes) {
         // A set, because a lane that is left out may be asked for any number of times.
-        m_leftOut.insert(device + joinedNames(type, sorted));
+        if (m_leftOut.size() < maxCountedLanes)
+            m_leftOut.insert(device + joinedNames(type, sorted));
         return nullptr;
     }
     m_indexes.insert(key, m_lanes.size());
@@ -52,7 +53,8 @@ void LaneTable::describe(TimelineLane *lane) const
 {
     // A session that was cut may lack the entry that announced the device.
     const QString node = lane->device.section(QLatin1Char('/'), -1);
-    lane->deviceName = m_deviceNames.value(lane->device, node);
+    lane->deviceName = lane->device.isEmpty() ? QStringLiteral("unknown cause")
+                                              : m_deviceNames.value(lane->device, node);
     lane->label = joinedNames(lane->type, lane->codes);
     if (lane->codes.isEmpty())
         lane->label = QStringLiteral("events");
@@ -64,36 +66,46 @@ void LaneTable::describe(TimelineLane *lane) const
         lane->kind = TimelineLane::Kind::Switch;
 }
 
-void LaneTable::mark(const QString &device, int code, TimelineMark::Kind kind, qint64 time,
-                     const QString &text)
+TimelineLane *LaneTable::find(const QString &device, int type, const QVector<int> &codes)
 {
-    if (TimelineLane *lane = keyLane(device, code))
-        lane->marks.append(
-            {kind, time, QStringLiteral("%1: %2 %3").arg(timelineTime(time), lane->label, text)});
+    const int index = indexOf(device, type, codes);
+    return index < 0 ? nullptr : &m_lanes[index];
 }
 
 QVector<int> LaneTable::drawingOrder() const
 {
     QVector<int> order;
+    QSet<QString> done;
+    for (const TimelineLane &lane : m_lanes) {
+        if (done.contains(lane.device))
+            continue;
+        done.insert(lane.device);
+        order += orderOf(lane.device);
+    }
+    return order;
+}
+
+QVector<int> LaneTable::orderOf(const QString &device) const
+{
+    QVector<int> order;
+    QVector<int> chords;
     for (int i = 0; i < m_lanes.size(); ++i) {
-        if (m_lanes.at(i).kind != TimelineLane::Kind::Chord)
-            order.append(i);
+        if (m_lanes.at(i).device == device)
+            (m_lanes.at(i).kind == TimelineLane::Kind::Chord ? chords : order).append(i);
     }
     // Chords are inserted last: a key's lane may have been created after the chord's.
-    for (int i = 0; i < m_lanes.size(); ++i) {
-        const TimelineLane &chord = m_lanes.at(i);
-        if (chord.kind != TimelineLane::Kind::Chord)
-            continue;
+    for (const int index : qAsConst(chords)) {
+        const TimelineLane &chord = m_lanes.at(index);
         int place = 0;
         for (int at = 0; at < order.size(); ++at) {
             const TimelineLane &other = m_lanes.at(order.at(at));
-            const bool isOfChord = other.device == chord.device && other.type == chord.type
+            const bool isOfChord = other.type == chord.type
                 && std::any_of(other.codes.begin(), other.codes.end(),
                                [&](int code) { return chord.codes.contains(code); });
             if (isOfChord)
                 place = at + 1;
         }
-        order.insert(place, i);
+        order.insert(place, index);
     }
     return order;
 }

@@ -13,6 +13,8 @@ namespace Vorn::Workbench {
 
 /// More lanes than that are neither readable nor quick to draw.
 constexpr int maxTimelineLanes = 200;
+/// Of lanes that are left out.
+constexpr int maxCountedLanes = 10'000;
 
 /// The lanes of a session while it is being read, by device, type and codes.
 class LaneTable
@@ -26,12 +28,12 @@ public:
     TimelineLane *lane(const QString &device, int type, QVector<int> codes);
     TimelineLane *keyLane(const QString &device, int code);
 
-    /// Adds a mark to a key's lane.
-    void mark(const QString &device, int code, TimelineMark::Kind kind, qint64 time,
-              const QString &text);
+    /// Null if it was never created.
+    TimelineLane *find(const QString &device, int type, const QVector<int> &codes);
 
     QVector<TimelineLane> &lanes() { return m_lanes; }
-    /// Indexes of lanes() from top to bottom: in order of creation, but a chord under its keys.
+    /// Indexes of lanes() from top to bottom: in order of creation, but those of a device together,
+    /// and a chord under its keys.
     QVector<int> drawingOrder() const;
     /// Index in lanes(); -1 if there is no such lane.
     int indexOf(const QString &device, int type, QVector<int> codes) const;
@@ -42,6 +44,7 @@ private:
 
     static Key keyOf(const QString &device, int type, QVector<int> codes);
     void describe(TimelineLane *lane) const;
+    QVector<int> orderOf(const QString &device) const;
 
     QVector<TimelineLane> m_lanes;
     QMap<Key, int> m_indexes;

@@ -29,22 +29,29 @@ void drawSample(TimelineCanvas *canvas, const PlacedLegend &legend)
         bar("bar-withdrawn");
         canvas->symbol(middle, y, Symbols::withdrawn);
         break;
+    case LegendItem::Forgotten:
+        bar("bar-withdrawn");
+        canvas->symbol(middle, y, Symbols::forgotten);
+        break;
     case LegendItem::Chord:
         bar("bar-chord");
         break;
     case LegendItem::Dropped:
         canvas->symbol(middle, y, Symbols::dropped);
         break;
-    case LegendItem::Timer:
-        for (int i = 0; i < 4; ++i)
-            canvas->svg.line(x + i * 6, y - 3, x + i * 6, y + 3, "timer");
+    case LegendItem::Timed:
+        canvas->svg.line(x, y, x + 18, y, "timed");
         break;
     case LegendItem::Due:
         canvas->svg.line(middle - 4, y - 7, middle - 4, y + 7, "due");
         canvas->symbol(middle - 4, y + 1, Symbols::due);
         break;
     case LegendItem::Late:
-        bar("late");
+        canvas->svg.rectangle(x, y - 2, 18, 4, "late");
+        break;
+    case LegendItem::Click:
+        canvas->symbol(middle, y, Symbols::clickPress);
+        canvas->symbol(middle, y, Symbols::clickRelease);
         break;
     case LegendItem::Press:
         canvas->symbol(middle, y, Symbols::press);

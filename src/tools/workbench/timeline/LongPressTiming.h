@@ -3,49 +3,49 @@
 
 #include <QMap>
 #include <QPair>
-#include <QSet>
 #include <QString>
 
-#include <optional>
+#include <functional>
 
 namespace Vorn::Workbench {
 
-class LaneTable;
-
-/// Follows the long-press detectors of a session and adds what they do to the lanes of the keys:
-/// the spans during which a key is timed, and a mark where its long press is due.
+/// Follows what a session states about the timing of keys: the spans during which a key is timed,
+/// and the moments at which a long press was due.
 class LongPressTiming
 {
 public:
-    /// @param lanes must live longer
-    explicit LongPressTiming(LaneTable *lanes);
+    struct Receiver
+    {
+        /// A key was timed. Called when the span ends.
+        std::function<void(const QString &device, int code, qint64 from, qint64 to)> timed;
+        /// The due time of a key was reached. Called at the next statement about the key.
+        std::function<void(const QString &device, int code, qint64 due)> due;
+    };
+
+    explicit LongPressTiming(Receiver receiver);
 
     /// A key is timed at @p now, for a long press due at @p due.
     void start(const QString &device, int code, qint64 now, qint64 due);
-    /// The detector no longer times the key; a long press that is not due by now never will be.
-    void cancel(const QString &device, int code, qint64 now);
-    /// The key's device was removed.
-    void stop(const QString &device, int code, qint64 now);
-    /// The session ends, and with it all spans. Long presses due by then are marked.
+    /// The key is no longer timed; a long press that is not due by now never will be.
+    void end(const QString &device, int code, qint64 now);
+    /// The same for all keys of a device that is gone.
+    void endAll(const QString &device, qint64 now);
+    /// The session ends, and with it all spans. Long presses due by then are reported.
     void finish(qint64 end);
 
 private:
-    /// The timer of a device's detector, which all its keys share.
-    struct Timer
+    struct Timed
     {
-        qint64 start = 0;
-        qint64 lastStop = 0;
-        QSet<int> keys;
+        qint64 from = 0;
+        qint64 due = 0;
+        bool isReported = false; ///< the due time
     };
+    using Key = QPair<QString, int>;
 
-    void startSpan(const QString &device, int code, qint64 now);
-    void endSpan(const QString &device, int code, qint64 end);
-    void setDue(const QString &device, int code, qint64 now, std::optional<qint64> due);
-    void markDue(const QString &device, int code, qint64 due);
+    void reach(const Key &key, Timed *timed, qint64 now) const;
 
-    LaneTable *const m_lanes;
-    QMap<QString, Timer> m_timers;
-    QMap<QPair<QString, int>, qint64> m_due; ///< of long presses not yet marked
+    const Receiver m_receiver;
+    QMap<Key, Timed> m_timed;
 };
 
 } // namespace Vorn::Workbench

@@ -3,23 +3,12 @@
 #include "LabelRows.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace Vorn::Workbench {
 
 namespace {
 
 constexpr qint64 second = 1'000'000;
-/// A longer stretch without activity is left out.
-constexpr qint64 longestIdle = 2 * second;
-/// Still shown on either side of a break.
-constexpr qint64 margin = second / 4;
-constexpr double minWidth = 720;
-constexpr double maxWidth = 1200;
-constexpr double widthPerSecond = 260;
-constexpr double breakWidth = 58;
-/// Many breaks get narrower rather than take more than this share of the width.
-constexpr double breakShare = 0.4;
 constexpr double tickDistance = 64;
 
 /// The smallest of 1, 2 or 5 times a power of ten that keeps ticks tickDistance apart.
@@ -48,41 +37,31 @@ QString tickLabel(qint64 time, qint64 step)
 
 } // namespace
 
-TimelineAxis::TimelineAxis(qint64 from, qint64 to, const QVector<qint64> &activity, double left)
-    : m_left(left)
+TimelineAxis::TimelineAxis(const QVector<Segment> &segments, double scale, double breakWidth,
+                           Edges edges, bool isLast)
+    : m_segments(segments)
+    , m_scale(scale)
+    , m_breakWidth(breakWidth)
+    , m_edges(edges)
+    , m_isLast(isLast)
 {
-    // A session of a single moment has to have a width, too.
-    to = std::max(to, from + second / 2);
-    m_segments.append({from, from, 0});
-    const auto extendTo = [this](qint64 time) {
-        if (time - m_segments.last().to <= longestIdle) {
-            m_segments.last().to = time;
-            return;
-        }
-        m_segments.last().to += margin;
-        m_segments.append({time - margin, time, 0});
-    };
-    for (const qint64 time : activity) {
-        if (time >= from && time <= to)
-            extendTo(time);
+    double x = m_edges.left;
+    for (const Segment &segment : m_segments) {
+        x += segment.idleBefore > 0 ? m_breakWidth : 0;
+        m_starts.append(x);
+        x += static_cast<double>(segment.to - segment.from) * m_scale;
     }
-    extendTo(to);
+}
 
-    for (const Segment &segment : qAsConst(m_segments))
-        m_shownTime += segment.to - segment.from;
-    const double breakCount = m_segments.size() - 1;
-    const double wanted = static_cast<double>(m_shownTime) / second * widthPerSecond;
-    const double width = std::clamp(wanted + breakCount * breakWidth, minWidth, maxWidth);
-    const double perBreak =
-        breakCount > 0 ? std::min(breakWidth, width * breakShare / breakCount) : 0;
-    m_scale = (width - breakCount * perBreak) / static_cast<double>(m_shownTime);
-    m_right = m_left + width;
+bool TimelineAxis::contains(qint64 time) const
+{
+    return time >= from() && (m_isLast ? time <= to() : time < to());
+}
 
-    double x = m_left;
-    for (Segment &segment : m_segments) {
-        segment.x = x;
-        x += static_cast<double>(segment.to - segment.from) * m_scale + perBreak;
-    }
+bool TimelineAxis::intersects(qint64 from, qint64 to) const
+{
+    const bool endsBefore = from == to ? to < this->from() : to <= this->from();
+    return contains(from) || (from < this->from() && !endsBefore);
 }
 
 double TimelineAxis::x(qint64 time) const
@@ -91,18 +70,11 @@ double TimelineAxis::x(qint64 time) const
         std::upper_bound(m_segments.begin(), m_segments.end(), time,
                          [](qint64 value, const Segment &segment) { return value < segment.from; });
     if (next == m_segments.begin())
-        return m_left;
+        return m_edges.left;
     const Segment &segment = *(next - 1);
     const qint64 within = std::min(time, segment.to) - segment.from;
-    return segment.x + static_cast<double>(within) * m_scale;
-}
-
-qint64 TimelineAxis::firstShown(qint64 time) const
-{
-    const Segment *segment =
-        std::find_if(m_segments.begin(), m_segments.end(),
-                     [time](const Segment &candidate) { return time <= candidate.to; });
-    return segment == m_segments.end() ? time : std::max(time, segment->from);
+    const double start = m_starts.at(static_cast<int>(next - 1 - m_segments.begin()));
+    return start + static_cast<double>(within) * m_scale;
 }
 
 QVector<TimelineAxis::Tick> TimelineAxis::ticks() const
@@ -111,11 +83,11 @@ QVector<TimelineAxis::Tick> TimelineAxis::ticks() const
     QVector<Tick> ticks;
     double free = 0;
     for (const Segment &segment : m_segments) {
-        const bool isFirst = segment.from == from();
         const bool isLast = segment.to == to();
-        const double end = isLast ? m_right + tickDistance : x(segment.to);
+        const double end = isLast ? m_edges.right + tickDistance : x(segment.to);
         // The label of a break needs the space before the segment.
-        free = isFirst ? free : std::max(free, segment.x - 2);
+        if (segment.idleBefore > 0)
+            free = std::max(free, x(segment.from) - 2);
         qint64 time = segment.from / step * step;
         for (; time <= segment.to; time += step) {
             if (time < segment.from)
@@ -135,10 +107,11 @@ QVector<TimelineAxis::Tick> TimelineAxis::ticks() const
 QVector<TimelineAxis::Break> TimelineAxis::breaks() const
 {
     QVector<Break> breaks;
-    for (int i = 1; i < m_segments.size(); ++i) {
-        const Segment &before = m_segments.at(i - 1);
-        const Segment &after = m_segments.at(i);
-        breaks.append({x(before.to), after.x, after.from - before.to});
+    for (int i = 0; i < m_segments.size(); ++i) {
+        const qint64 idle = m_segments.at(i).idleBefore;
+        const double to = m_starts.at(i);
+        if (idle > 0)
+            breaks.append({to - m_breakWidth, to, idle});
     }
     return breaks;
 }

@@ -10,25 +10,17 @@
 
 namespace Vorn::Workbench {
 
-/// More elements than that neither make a useful picture nor are quick to show.
-constexpr int maxTimelineMarks = 20'000;
-
 /// What all parts of a timeline are drawn from and to.
 struct TimelineCanvas
 {
     const TimelineModel &model;
     const TimelineLayout &layout;
     TimelineSvg &svg;
-    int marks = 0;
-    int marksLeftOut = 0;
 
-    const TimelineAxis &axis() const { return layout.axis; }
-
-    /// Whether there is room for one more element, which is then counted; counts those left out,
-    /// too.
-    bool mayMark();
-
-    void symbol(double x, double y, const TimelineSymbol &symbol, const QString &title = QString());
+    void symbol(double x, double y, const TimelineSymbol &symbol, const QString &title = QString())
+    {
+        svg.shape(x, y, symbol.path, symbol.cssClass, title);
+    }
 };
 
 } // namespace Vorn::Workbench

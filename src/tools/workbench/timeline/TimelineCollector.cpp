@@ -1,13 +1,9 @@
 #include "TimelineCollector.h"
 
 #include "BusNames.h"
-#include "CommandNames.h"
-#include "EventNames.h"
-#include "LaneTable.h"
-#include "LongPressTiming.h"
+#include "Quoting.h"
+#include "TimelineSvg.h"
 #include "TimelineText.h"
-
-#include <QPair>
 
 #include <linux/input.h>
 
@@ -17,28 +13,14 @@ namespace Vorn::Workbench {
 
 namespace {
 
-QString stateLabel(InputEvent::State state)
-{
-    switch (state) {
-    case InputEvent::KeyPressed:
-        return QStringLiteral("press");
-    case InputEvent::KeyReleased:
-        return QStringLiteral("release");
-    case InputEvent::KeyLongPress:
-        return QStringLiteral("long press");
-    case InputEvent::SwitchEnabled:
-        return QStringLiteral("on");
-    case InputEvent::SwitchDisabled:
-        return QStringLiteral("off");
-    case InputEvent::NoState:
-        break;
-    }
-    return stateName(state);
-}
+/// Of a text in a session, which may be megabytes long.
+constexpr int maxTextLength = 1000;
+/// Marks that may still be added to a picture that is full.
+constexpr int lateMarks = maxTimelineLanes;
 
-void startBar(TimelineLane *lane, qint64 time)
+QString bounded(const QString &text)
 {
-    lane->bars.append({time, time, true, std::nullopt});
+    return TimelineSvg::shortened(printable(text), maxTextLength);
 }
 
 TimelineBar *openBar(TimelineLane *lane)
@@ -47,13 +29,14 @@ TimelineBar *openBar(TimelineLane *lane)
     return isOpen ? &lane->bars.last() : nullptr;
 }
 
-void endBar(TimelineLane *lane, qint64 time)
+template <typename Timed>
+void sortByTime(QVector<Timed> *list)
 {
-    if (TimelineBar *bar = openBar(lane)) {
-        bar->to = time;
-        bar->isOpen = false;
-    }
+    std::stable_sort(list->begin(), list->end(),
+                     [](const Timed &a, const Timed &b) { return a.time < b.time; });
 }
+
+} // namespace
 
 /*
  *  The lane of a key that is held, then pressed again as the first key of a chord:
@@ -70,42 +53,111 @@ void endBar(TimelineLane *lane, qint64 time)
  *  so does the end of the session, which leaves the bar open.
  */
 
-class TimelineCollector
-{
-public:
-    void add(const SessionEntry &entry);
-    TimelineModel finished();
-
-private:
-    void take(const SessionStart &start);
-    void take(const DeviceChange &change);
-    void take(const RecordRead &record);
-    void take(const DetectorStep &step);
-    void take(const EventPublished &event);
-    void take(const RecordOutcome &) { }
-    void take(const KeyStates &) { }
-    void take(const IdentifierSelected &selected);
-    void take(const ExpectationChecked &expectation);
-    void take(const Remark &remark);
-
-    void withdraw(const DetectorStep &step);
-    void takeChord(const DetectorStep &step);
-    void forget(const DetectorStep &step);
-    void finishLanes(qint64 end);
-    TimelineLink linkOf(qint64 time, const DetectorStep &chord, const QVector<int> &order) const;
-
-    TimelineModel m_model;
-    LaneTable m_lanes;
-    LongPressTiming m_timing{&m_lanes};
-    QVector<QPair<qint64, DetectorStep>> m_chords;
-    qint64 m_time = 0;
-};
+TimelineCollector::TimelineCollector(TimelineSpan wanted)
+    : m_wanted(wanted)
+    , m_timing({[this](const QString &device, int code, qint64 from, qint64 to) {
+                    addSpan(device, code, {from, to});
+                },
+                [this](const QString &device, int code, qint64 due) {
+                    addMark(device, code, TimelineMark::Kind::Due, due);
+                }})
+{ }
 
 void TimelineCollector::add(const SessionEntry &entry)
 {
     m_time = entry.time;
-    m_model.activity.append(entry.time);
+    if (!m_session)
+        m_session = TimelineSpan{m_time, m_time};
+    m_session = TimelineSpan{std::min(m_session->from, m_time), std::max(m_session->to, m_time)};
+    if (isWanted(m_time) && !m_cut) {
+        if (m_kept >= maxTimelineMarks)
+            m_cut = m_time;
+        // A break is drawn between stretches of activity, so it counts as well.
+        m_kept += m_activity.isNew(m_time) ? 1 : 0;
+        m_activity.add(m_time);
+    }
     std::visit([this](const auto &what) { take(what); }, entry.what);
+}
+
+void TimelineCollector::extendTo(qint64 end)
+{
+    if (!m_session)
+        m_session = TimelineSpan();
+    m_session->to = std::max(m_session->to, end);
+}
+
+bool TimelineCollector::isWanted(qint64 time) const
+{
+    return time >= m_wanted.from && time <= m_wanted.to;
+}
+
+/// Whether there is room for one more element, which is then counted; counts those left out, too.
+bool TimelineCollector::mayKeep(qint64 time)
+{
+    if (!isWanted(time))
+        return false;
+    // That a long press was due is known only later.
+    const bool isBeforeCut = m_cut && time < *m_cut && m_kept < maxTimelineMarks + lateMarks;
+    if (!m_cut || isBeforeCut) {
+        ++m_kept;
+        return true;
+    }
+    ++m_model.marksLeftOut;
+    return false;
+}
+
+/// Whether nothing that begins now is in the picture.
+bool TimelineCollector::isOver() const
+{
+    return m_cut || m_time > m_wanted.to;
+}
+
+/// Null also for a lane that would come too late for the picture.
+TimelineLane *TimelineCollector::laneAt(const QString &device, int type, const QVector<int> &codes)
+{
+    return isOver() ? m_lanes.find(device, type, codes) : m_lanes.lane(device, type, codes);
+}
+
+void TimelineCollector::startBar(TimelineLane *lane, qint64 time, bool wasOpen)
+{
+    // A bar from before the picture may reach into it.
+    if (time < m_wanted.from || mayKeep(time))
+        lane->bars.append({time, time, true, wasOpen, std::nullopt});
+}
+
+void TimelineCollector::endBar(TimelineLane *lane, qint64 time)
+{
+    TimelineBar *bar = openBar(lane);
+    if (!bar)
+        return;
+    bar->to = time;
+    bar->isOpen = false;
+    if (time < m_wanted.from)
+        lane->bars.removeLast();
+}
+
+void TimelineCollector::addMark(const QString &device, int code, TimelineMark::Kind kind,
+                                qint64 time, int value)
+{
+    TimelineLane *lane = laneAt(device, EV_KEY, {code});
+    if ((lane || m_cut) && mayKeep(time))
+        lane->marks.append({kind, time, value});
+}
+
+void TimelineCollector::addSpan(const QString &device, int code, TimelineSpan span)
+{
+    if (span.to < m_wanted.from || span.from > m_wanted.to || (m_cut && span.from >= *m_cut))
+        return;
+    ++m_kept;
+    if (TimelineLane *lane = laneAt(device, EV_KEY, {code}))
+        lane->timed.append(span);
+}
+
+void TimelineCollector::addFlag(TimelineFlag::Kind kind, const QString &label, const QString &title)
+{
+    if (mayKeep(m_time))
+        m_model.flags.append(
+            {kind, m_time, bounded(label), timelineTime(m_time) + QStringLiteral(": ") + title});
 }
 
 void TimelineCollector::take(const SessionStart &start)
@@ -118,13 +170,14 @@ void TimelineCollector::take(const SessionStart &start)
 
 void TimelineCollector::take(const DeviceChange &change)
 {
-    m_lanes.setDeviceName(change.device, change.name);
-    const QString title = QStringLiteral("%1: %2 %3 (%4)")
-                              .arg(timelineTime(m_time), change.device, change.name,
-                                   change.added ? busName(change.bus) : QStringLiteral("removed"));
+    const QString name = bounded(change.name);
+    m_lanes.setDeviceName(change.device, name);
+    const QString detail = change.added ? busName(change.bus) : QStringLiteral("removed");
     const QChar sign = change.added ? QLatin1Char('+') : QChar(0x2212);
-    m_model.flags.append({change.added ? TimelineFlag::Kind::Added : TimelineFlag::Kind::Removed,
-                          m_time, sign + QLatin1Char(' ') + change.name, title});
+    addFlag(change.added ? TimelineFlag::Kind::Added : TimelineFlag::Kind::Removed,
+            sign + QLatin1Char(' ') + name,
+            QStringLiteral("%1 %2 (%3)").arg(bounded(change.device), name, detail));
+    m_added.insert(change.device, m_time);
     if (change.added)
         return;
     // No release will follow from a device that is gone.
@@ -132,29 +185,43 @@ void TimelineCollector::take(const DeviceChange &change)
         if (lane.device != change.device)
             continue;
         endBar(&lane, m_time);
-        if (lane.kind == TimelineLane::Kind::Key)
-            m_timing.stop(lane.device, lane.codes.first(), m_time);
+        m_knownSwitches.remove({lane.device, lane.codes.value(0)});
     }
+    m_timing.endAll(change.device, m_time);
 }
 
 void TimelineCollector::take(const RecordRead &record)
 {
     if (record.type != EV_KEY && record.type != EV_SW)
         return;
-    TimelineLane *lane = m_lanes.lane(record.device, record.type, {record.code});
-    if (!lane)
+    TimelineLane *lane = laneAt(record.device, record.type, {record.code});
+    if (!lane) {
+        if (m_cut && record.value != 0)
+            static_cast<void>(mayKeep(m_time));
         return;
+    }
+    if (record.type == EV_SW)
+        takeSwitch(record, lane);
     if (record.value == 0) {
         endBar(lane, m_time);
     } else if (!openBar(lane)) {
         // Even if it is an auto-repeat: the session may have begun while the key was down.
         startBar(lane, m_time);
-    } else {
-        lane->marks.append(
-            {TimelineMark::Kind::Repeat, m_time,
-             QStringLiteral("%1: %2 %3")
-                 .arg(timelineTime(m_time), lane->label, valueName(record.type, record.value))});
+    } else if (mayKeep(m_time)) {
+        lane->marks.append({TimelineMark::Kind::Repeat, m_time, record.value});
     }
+}
+
+void TimelineCollector::takeSwitch(const RecordRead &record, TimelineLane *lane)
+{
+    const Codes codes(record.device, record.code);
+    if (m_knownSwitches.contains(codes))
+        return;
+    m_knownSwitches.insert(codes);
+    // The kernel reports changes only, so a switch that goes off was on. A record without a stamp
+    // is not the kernel's: the library asked for the position.
+    if (record.value == 0 && record.stamp != 0)
+        startBar(lane, m_added.value(record.device, session().from), true);
 }
 
 void TimelineCollector::take(const DetectorStep &step)
@@ -167,10 +234,10 @@ void TimelineCollector::take(const DetectorStep &step)
         m_timing.start(step.device, code, m_time, step.due);
         break;
     case DetectorStep::What::LongPressEnded:
-        m_timing.cancel(step.device, code, m_time);
+        m_timing.end(step.device, code, m_time);
         break;
     case DetectorStep::What::FirstKeyWithdrawn:
-        withdraw(step);
+        withdraw(step, TimelineMark::Kind::Withdrawn);
         break;
     case DetectorStep::What::ChordFound:
     case DetectorStep::What::ChordReleased:
@@ -180,19 +247,18 @@ void TimelineCollector::take(const DetectorStep &step)
         forget(step);
         break;
     case DetectorStep::What::Dropped:
-        m_lanes.mark(step.device, code, TimelineMark::Kind::Dropped, m_time,
-                     QStringLiteral("record dropped"));
+        addMark(step.device, code, TimelineMark::Kind::Dropped, m_time);
         break;
     }
 }
 
-void TimelineCollector::withdraw(const DetectorStep &step)
+void TimelineCollector::withdraw(const DetectorStep &step, TimelineMark::Kind kind)
 {
     const int code = step.keys.first();
-    m_lanes.mark(step.device, code, TimelineMark::Kind::Withdrawn, m_time,
-                 QStringLiteral("withdrawn for a chord"));
-    TimelineLane *lane = m_lanes.keyLane(step.device, code);
-    if (TimelineBar *bar = lane ? openBar(lane) : nullptr)
+    addMark(step.device, code, kind, m_time);
+    TimelineLane *lane = laneAt(step.device, EV_KEY, {code});
+    TimelineBar *bar = lane ? openBar(lane) : nullptr;
+    if (bar && !bar->withdrawn)
         bar->withdrawn = m_time;
 }
 
@@ -200,82 +266,73 @@ void TimelineCollector::takeChord(const DetectorStep &step)
 {
     // The keys' lanes first, so that there is something for the chord's lane to be under.
     for (const int code : step.keys)
-        m_lanes.keyLane(step.device, code);
-    TimelineLane *chord = m_lanes.lane(step.device, EV_KEY, step.keys);
-    if (!chord || chord->kind != TimelineLane::Kind::Chord)
+        laneAt(step.device, EV_KEY, {code});
+    const bool isFound = step.what == DetectorStep::What::ChordFound;
+    TimelineLane *chord = laneAt(step.device, EV_KEY, step.keys);
+    if (!chord || chord->kind != TimelineLane::Kind::Chord) {
+        if (m_cut && isFound)
+            static_cast<void>(mayKeep(m_time));
         return;
+    }
     endBar(chord, m_time);
-    if (step.what == DetectorStep::What::ChordReleased)
+    if (!isFound)
         return;
     chord->mapped = step.mapped;
     startBar(chord, m_time);
-    m_chords.append({m_time, step});
+    if (mayKeep(m_time))
+        m_chords.append({m_time, step});
 }
 
-// A chord has ended; a key on its own is still down, and its release will tell.
+// A chord has ended; a key on its own is still down, but its release will do nothing.
 void TimelineCollector::forget(const DetectorStep &step)
 {
-    if (TimelineLane *chord =
-            step.keys.size() > 1 ? m_lanes.lane(step.device, EV_KEY, step.keys) : nullptr)
+    if (step.keys.size() == 1) {
+        withdraw(step, TimelineMark::Kind::Forgotten);
+    } else if (TimelineLane *chord = laneAt(step.device, EV_KEY, step.keys)) {
         endBar(chord, m_time);
+    }
 }
 
 void TimelineCollector::take(const EventPublished &event)
 {
     // Events whose cause is unknown share one lane.
-    TimelineLane *lane = event.codes.isEmpty()
-        ? m_lanes.lane({}, 0, {})
-        : m_lanes.lane(event.device, event.type, event.codes);
-    if (!lane)
+    TimelineLane *lane =
+        event.codes.isEmpty() ? laneAt({}, 0, {}) : laneAt(event.device, event.type, event.codes);
+    if ((lane || m_cut) && mayKeep(m_time))
+        lane->events.append({m_time, event.command, event.state, event.bus, event.latency});
+    const Codes codes(event.device, event.codes.value(0));
+    if (!lane || lane->kind != TimelineLane::Kind::Switch || m_knownSwitches.contains(codes))
         return;
-    const InputEvent published(event.command, event.state, event.bus);
-    QString title = timelineTime(m_time) + QStringLiteral(": ") + published.toString();
-    if (!event.codes.isEmpty())
-        title += QLatin1Char(' ') + lane->label;
-    if (event.latency)
-        title += QStringLiteral(", %1 ms late")
-                     .arg(static_cast<double>(*event.latency) / 1000, 0, 'f', 1);
-    lane->events.append({m_time, event.state,
-                         published.cmdToString() + QLatin1Char(' ') + stateLabel(event.state),
-                         title, std::nullopt});
+    // Its position was queried when the device was added.
+    m_knownSwitches.insert(codes);
+    if (event.state == InputEvent::SwitchEnabled && !openBar(lane))
+        startBar(lane, m_time);
 }
 
 void TimelineCollector::take(const IdentifierSelected &selected)
 {
-    m_model.identifiers.append({m_time, selected.identifier});
+    // The one selected before the picture begins is still selected in it.
+    if (m_time < m_wanted.from)
+        m_model.identifiers = {{m_time, bounded(selected.identifier)}};
+    else if (mayKeep(m_time))
+        m_model.identifiers.append({m_time, bounded(selected.identifier)});
 }
 
 void TimelineCollector::take(const ExpectationChecked &expectation)
 {
     if (expectation.met)
         return;
-    QString title = QStringLiteral("%1: %2:%3: failed: %4")
-                        .arg(timelineTime(m_time), expectation.file,
-                             QString::number(expectation.line), expectation.text);
+    QString title = QStringLiteral("%1:%2: failed: %3")
+                        .arg(bounded(expectation.file), QString::number(expectation.line),
+                             bounded(expectation.text));
     if (!expectation.found.isEmpty())
-        title += QStringLiteral(", but found ") + expectation.found;
-    m_model.flags.append(
-        {TimelineFlag::Kind::Failure, m_time, QStringLiteral("✗ ") + expectation.text, title});
+        title += QStringLiteral(", but found ") + bounded(expectation.found);
+    addFlag(TimelineFlag::Kind::Failure, QStringLiteral("✗ ") + expectation.text, title);
 }
 
 void TimelineCollector::take(const Remark &remark)
 {
-    m_model.flags.append({TimelineFlag::Kind::Remark, m_time, remark.text,
-                          timelineTime(m_time) + QStringLiteral(": ") + remark.text});
-}
-
-/// Gives each long press the last moment before it at which one was due.
-void setDueTimes(TimelineLane *lane)
-{
-    const TimelineMark *mark = lane->marks.cbegin();
-    for (TimelineEvent &event : lane->events) {
-        if (event.state != InputEvent::KeyLongPress)
-            continue;
-        for (; mark != lane->marks.cend() && mark->time <= event.time; ++mark) {
-            if (mark->kind == TimelineMark::Kind::Due)
-                event.due = mark->time;
-        }
-    }
+    addFlag(TimelineFlag::Kind::Remark, remark.text, bounded(remark.text));
 }
 
 void TimelineCollector::finishLanes(qint64 end)
@@ -283,13 +340,12 @@ void TimelineCollector::finishLanes(qint64 end)
     m_timing.finish(end);
     for (TimelineLane &lane : m_lanes.lanes()) {
         // A due mark is added when it is known to have been reached, which is after its time.
-        std::stable_sort(
-            lane.marks.begin(), lane.marks.end(),
-            [](const TimelineMark &a, const TimelineMark &b) { return a.time < b.time; });
-        setDueTimes(&lane);
+        sortByTime(&lane.marks);
+        sortByTime(&lane.events);
         for (TimelineBar &bar : lane.bars)
             bar.to = bar.isOpen ? end : bar.to;
     }
+    sortByTime(&m_model.flags);
 }
 
 TimelineLink TimelineCollector::linkOf(qint64 time, const DetectorStep &chord,
@@ -313,8 +369,13 @@ TimelineLink TimelineCollector::linkOf(qint64 time, const DetectorStep &chord,
 
 TimelineModel TimelineCollector::finished()
 {
-    std::sort(m_model.activity.begin(), m_model.activity.end());
-    finishLanes(m_model.activity.isEmpty() ? 0 : m_model.activity.last());
+    m_model.session = session();
+    m_model.shown = {std::max(m_wanted.from, m_model.session.from),
+                     std::min(m_wanted.to, m_model.session.to)};
+    if (m_cut && m_model.marksLeftOut > 0)
+        m_model.shown.to = std::min(m_model.shown.to, *m_cut);
+    finishLanes(m_model.session.to);
+    m_model.activity = m_activity.spans();
 
     const QVector<int> order = m_lanes.drawingOrder();
     for (const int index : order)
@@ -323,16 +384,6 @@ TimelineModel TimelineCollector::finished()
         m_model.links.append(linkOf(time, step, order));
     m_model.lanesLeftOut = m_lanes.leftOutCount();
     return m_model;
-}
-
-} // namespace
-
-TimelineModel timelineModel(const QVector<SessionEntry> &entries)
-{
-    TimelineCollector collector;
-    for (const SessionEntry &entry : entries)
-        collector.add(entry);
-    return collector.finished();
 }
 
 } // namespace Vorn::Workbench

@@ -1,8 +1,8 @@
 #include "TimelineLayout.h"
 
-#include "LabelRows.h"
-#include "LibraryFacts.h"
+#include "AxisRows.h"
 #include "TimelineSvg.h"
+#include "TimelineText.h"
 
 #include <algorithm>
 
@@ -12,44 +12,40 @@ namespace {
 
 using LegendItem = PlacedLegend::Item;
 using MarkKind = TimelineMark::Kind;
+using Half = PlacedEvent::Half;
 
-/// µs. In longer pictures the detectors' ticks would be too close together.
-constexpr qint64 longestWithTicks = 5'000'000;
 constexpr int maxEventRows = 5;
 constexpr int maxFlagRows = 4;
-constexpr double minLaneHeight = 42;
+constexpr double minLaneHeight = 32;
+constexpr double headingHeight = 24;
+/// Between rows of lanes.
+constexpr double rowDistance = 26;
+/// To the right of the lanes, for labels that begin near their end.
+constexpr double rightRoom = 110;
 /// Flags closer together than this share a label.
 constexpr double flagDistance = 4;
 /// Nobody reads a tool tip with more lines than this.
 constexpr int maxMergedTitles = 20;
-constexpr double symbolWidth = 8;
+constexpr double symbolHalf = 5;
+/// Between a symbol's middle and the label beside it.
+constexpr double symbolGap = 8;
 
-TimelineAxis axisOf(const TimelineModel &model, const TimelineOptions &options)
+QString nodeOf(const TimelineLane &lane)
 {
-    // The names of codes are capitals, in a bold font.
-    constexpr double labelCharacter = 9.2;
-    int length = 10;
-    for (const TimelineLane &lane : model.lanes)
-        length = std::max({length, lane.label.size(), lane.deviceName.size() * 3 / 4});
-    length = std::min(length, Metrics::laneLabelLength);
-    const double left = Metrics::margin * 2 + length * labelCharacter;
-    const qint64 end = model.activity.isEmpty() ? 0 : model.activity.last();
-    return {options.from, options.to >= 0 ? options.to : end, model.activity, left};
+    const QString node = lane.device.section(QLatin1Char('/'), -1);
+    return node == lane.deviceName ? QString() : node;
 }
 
-/// To the right of its point, unless it would cross the edge of the picture there.
-PlacedLabel placeLabel(LabelRows *rows, double x, const QString &text, double right)
+double leftOf(const TimelineModel &model)
 {
-    const double width = LabelRows::width(text) + symbolWidth;
-    PlacedLabel label;
-    label.x = x;
-    label.isLeft = x + width > right;
-    const double from = label.isLeft ? x - width : x - symbolWidth;
-    const double to = label.isLeft ? x + symbolWidth : x + width;
-    const std::optional<int> row = rows->place(from, to);
-    label.isShown = row.has_value();
-    label.row = row.value_or(0);
-    return label;
+    // The names of codes are capitals, in a bold font.
+    constexpr double capital = 9.2;
+    constexpr double letter = 7.4;
+    double length = 10 * capital;
+    for (const TimelineLane &lane : model.lanes)
+        length = std::max({length, lane.label.size() * capital,
+                           (lane.deviceName.size() + nodeOf(lane).size() + 1) * letter});
+    return Metrics::margin * 2 + std::min(length, Metrics::laneLabelLength * capital);
 }
 
 /// Several devices that are added at once share one label.
@@ -57,128 +53,218 @@ void merge(TimelineFlag *flag, const TimelineFlag &next, int count)
 {
     if (count <= maxMergedTitles)
         flag->title += QLatin1Char('\n') + next.title;
-    flag->label = QStringLiteral("%1 (%2 in all)")
-                      .arg(flag->label.section(QStringLiteral(" ("), 0, 0), QString::number(count));
+    flag->label =
+        flag->label.section(QStringLiteral(" ("), 0, 0) + QStringLiteral(" (%1 in all)").arg(count);
+}
+
+bool isShown(const TimelineLane &lane, const TimelineAxis &axis)
+{
+    const auto isInside = [&axis](const auto &what) { return axis.contains(what.time); };
+    return std::any_of(lane.events.begin(), lane.events.end(), isInside)
+        || std::any_of(lane.marks.begin(), lane.marks.end(), isInside)
+        || std::any_of(lane.bars.begin(), lane.bars.end(), [&axis](const TimelineBar &bar) {
+               return axis.intersects(bar.from, bar.to);
+           });
+}
+
+/// Labels a press and the release that follows it as one, unless both labels have room.
+void labelEvents(QVector<PlacedEvent> *events)
+{
+    for (int i = 0; i < events->size(); ++i) {
+        PlacedEvent &placed = (*events)[i];
+        placed.label.text = eventLabel(placed.event);
+        if (i + 1 == events->size() || placed.event.state != InputEvent::KeyPressed)
+            continue;
+        PlacedEvent &next = (*events)[i + 1];
+        const double distance = next.label.x - placed.label.x;
+        const bool isClick = next.event.state == InputEvent::KeyReleased
+            && next.event.command == placed.event.command && next.event.bus == placed.event.bus
+            && distance < LabelRows::width(placed.label.text) + 2 * symbolGap;
+        if (!isClick)
+            continue;
+        placed.label.text = clickLabel(placed.event);
+        if (distance < 1) {
+            placed.half = Half::Press;
+            next.half = Half::Release;
+        }
+        ++i;
+    }
 }
 
 } // namespace
 
-TimelineLayout::TimelineLayout(const TimelineModel &model, const TimelineOptions &options)
-    : axis(axisOf(model, options))
+bool PlacedRow::isLate(const TimelineEvent &event) const
 {
-    width = axis.right() + Metrics::margin * 2;
-    hasTicks = axis.shownTime() < longestWithTicks;
+    const std::optional<qint64> due = event.due();
+    return due && axis.x(event.time) - axis.x(*due) >= 1;
+}
+
+TimelineLayout::TimelineLayout(const TimelineModel &model)
+    : m_model(model)
+{
     hasIdentifiers = std::any_of(
         model.identifiers.begin(), model.identifiers.end(),
         [](const TimelineIdentifier &selected) { return !selected.identifier.isEmpty(); });
-
-    identifierTop = Metrics::margin + 48;
-    flagTop = identifierTop + (hasIdentifiers ? 26 : 0);
-    placeFlags(model);
-    placeLanes(model);
+    const QVector<TimelineAxis> axes = axisRows(model.shown, model.activity, leftOf(model));
+    double top = Metrics::margin + 48;
+    for (const TimelineAxis &axis : axes) {
+        width = std::max(width, axis.right() + rightRoom);
+        PlacedRow row{axis};
+        placeRow(&row, top);
+        top = row.lanesBottom + rowDistance;
+        rows.append(row);
+    }
     placeLegend();
 }
 
-bool TimelineLayout::isLate(const TimelineEvent &event) const
+void TimelineLayout::placeRow(PlacedRow *row, double top)
 {
-    return event.due && axis.contains(*event.due) && axis.x(event.time) - axis.x(*event.due) >= 1;
+    row->top = top;
+    row->flagTop = top + (hasIdentifiers ? Metrics::identifierHeight + 8 : 0);
+    placeFlags(row);
+    placeLanes(row);
 }
 
-void TimelineLayout::placeFlags(const TimelineModel &model)
+void TimelineLayout::placeFlags(PlacedRow *row) const
 {
     QVector<int> counts;
-    for (const TimelineFlag &flag : model.flags) {
-        if (!axis.contains(flag.time))
+    for (const TimelineFlag &flag : m_model.flags) {
+        if (!row->axis.contains(flag.time))
             continue;
-        const double x = axis.x(flag.time);
-        const bool isNear = !flags.isEmpty() && flags.last().flag.kind == flag.kind
-            && x - flags.last().label.x < flagDistance;
+        const double x = row->axis.x(flag.time);
+        const bool isNear = !row->flags.isEmpty() && row->flags.last().flag.kind == flag.kind
+            && x - row->flags.last().label.x < flagDistance;
         if (isNear) {
-            merge(&flags.last().flag, flag, ++counts.last());
+            merge(&row->flags.last().flag, flag, ++counts.last());
             continue;
         }
-        PlacedFlag placed{flag, {}};
-        placed.label.x = x;
-        flags.append(placed);
+        row->flags.append({flag, {x}});
         counts.append(1);
     }
 
-    LabelRows rows(maxFlagRows);
-    for (PlacedFlag &placed : flags) {
-        placed.flag.label = TimelineSvg::shortened(placed.flag.label, Metrics::flagLabelLength);
-        placed.label = placeLabel(&rows, placed.label.x, placed.flag.label, width);
+    LabelRows labels(maxFlagRows, LabelRows::Lines::Below, {0, row->axis.right() + rightRoom});
+    for (PlacedFlag &placed : row->flags) {
+        const QString text = TimelineSvg::shortened(placed.flag.label, Metrics::flagLabelLength);
+        const std::optional<LabelPlace> place = labels.place(placed.label.x, text, 4);
+        if (place)
+            placed.label = {placed.label.x, text, place->row, place->isLeft};
     }
-    axisTop = flagTop + rows.count() * Metrics::labelRow + 4;
-    lanesTop = axisTop + 20;
+    for (PlacedFlag &placed : row->flags)
+        placed.label.row = placed.label.text.isEmpty() ? labels.count() : placed.label.row;
+    row->axisTop = row->flagTop + labels.count() * Metrics::labelRow + 4;
+    row->lanesTop = row->axisTop + 20;
 }
 
-bool TimelineLayout::isShown(const TimelineLane &lane) const
+void TimelineLayout::placeLanes(PlacedRow *row) const
 {
-    const auto isInside = [this](const auto &what) { return axis.contains(what.time); };
-    return std::any_of(lane.events.begin(), lane.events.end(), isInside)
-        || std::any_of(lane.marks.begin(), lane.marks.end(), isInside)
-        || std::any_of(lane.bars.begin(), lane.bars.end(), [this](const TimelineBar &bar) {
-               return bar.to >= axis.from() && bar.from <= axis.to();
-           });
-}
-
-void TimelineLayout::placeLanes(const TimelineModel &model)
-{
-    double top = lanesTop;
-    for (int i = 0; i < model.lanes.size(); ++i) {
-        const TimelineLane &lane = model.lanes.at(i);
-        if (!isShown(lane))
+    double top = row->lanesTop;
+    for (int i = 0; i < m_model.lanes.size(); ++i) {
+        const TimelineLane &lane = m_model.lanes.at(i);
+        if (!isShown(lane, row->axis))
             continue;
+        if (row->lanes.isEmpty() || row->lanes.last().lane->device != lane.device)
+            placeHeading(row, lane, &top);
         PlacedLane placed;
         placed.lane = &lane;
         placed.index = i;
         placed.top = top;
-        LabelRows rows(maxEventRows);
-        bool isAnyHidden = false;
-        for (const TimelineEvent &event : lane.events) {
-            if (!axis.contains(event.time))
-                continue;
-            placed.events.append(event);
-            placed.labels.append(placeLabel(&rows, axis.x(event.time), event.label, width));
-            isAnyHidden |= !placed.labels.last().isShown;
-        }
-        for (PlacedLabel &label : placed.labels)
-            label.row = label.isShown ? label.row : rows.count();
-        const int rowCount = rows.count() + (isAnyHidden ? 1 : 0);
-        placed.height =
-            std::max(minLaneHeight, Metrics::eventTop + rowCount * Metrics::labelRow + 4);
+        placeEvents(*row, &placed);
         top += placed.height;
-        lanes.append(placed);
+        row->lanes.append(placed);
     }
-    lanesBottom = lanes.isEmpty() ? top + minLaneHeight : top;
+    row->lanesBottom = row->lanes.isEmpty() ? top + minLaneHeight : top;
+}
+
+void TimelineLayout::placeHeading(PlacedRow *row, const TimelineLane &lane, double *top) const
+{
+    row->headings.append({lane.deviceName, nodeOf(lane), *top});
+    *top += headingHeight;
+}
+
+/// Lines that run through the labels of a lane.
+QVector<double> TimelineLayout::linesThrough(const PlacedRow &row, int lane) const
+{
+    QVector<double> lines;
+    for (const PlacedFlag &placed : row.flags)
+        lines.append(placed.label.x);
+    for (const TimelineLink &link : m_model.links) {
+        if (row.axis.contains(link.time) && !link.lanes.isEmpty() && lane >= link.lanes.first()
+            && lane < link.lanes.last())
+            lines.append(row.axis.x(link.time));
+    }
+    return lines;
+}
+
+void TimelineLayout::placeEvents(const PlacedRow &row, PlacedLane *placed) const
+{
+    LabelRows labels(maxEventRows, LabelRows::Lines::FromAbove,
+                     {row.axis.left(), row.axis.right() + rightRoom});
+    for (const TimelineEvent &event : placed->lane->events) {
+        if (!row.axis.contains(event.time))
+            continue;
+        const double x = row.axis.x(event.time);
+        placed->events.append({event, {x}});
+        labels.addSymbol(x, symbolHalf);
+    }
+    const QVector<double> lines = linesThrough(row, placed->index);
+    for (const double x : lines)
+        labels.addLine(x);
+    labelEvents(&placed->events);
+    for (int i = placed->events.size() - 1; i >= 0; --i) {
+        PlacedLabel &label = placed->events[i].label;
+        if (label.text.isEmpty())
+            continue;
+        const std::optional<LabelPlace> place = labels.place(label.x, label.text, symbolGap);
+        if (place)
+            label = {label.x, label.text, place->row, place->isLeft};
+        else
+            label.text.clear();
+    }
+    placed->height = minLaneHeight;
+    if (!placed->events.isEmpty())
+        placed->height =
+            Metrics::eventMiddle + 10 + std::max(0, labels.count() - 1) * Metrics::labelRow;
 }
 
 // Only what occurs: a legend of everything would be larger than most pictures.
 QVector<PlacedLegend> TimelineLayout::neededLegend() const
 {
-    const auto hasMark = [this](MarkKind kind) {
-        return std::any_of(lanes.begin(), lanes.end(), [&](const PlacedLane &placed) {
+    const auto anyLane = [this](const auto &isTrue) {
+        return std::any_of(rows.begin(), rows.end(), [&](const PlacedRow &row) {
+            return std::any_of(row.lanes.begin(), row.lanes.end(),
+                               [&](const PlacedLane &placed) { return isTrue(row, placed); });
+        });
+    };
+    const auto hasMark = [&](MarkKind kind) {
+        return anyLane([kind](const PlacedRow &row, const PlacedLane &placed) {
             const auto &marks = placed.lane->marks;
             return std::any_of(marks.begin(), marks.end(), [&](const TimelineMark &mark) {
-                return mark.kind == kind && axis.contains(mark.time);
+                return mark.kind == kind && row.axis.contains(mark.time);
             });
         });
     };
-    const auto hasState = [this](InputEvent::State state) {
-        return std::any_of(lanes.begin(), lanes.end(), [&](const PlacedLane &placed) {
+    const auto hasEvent = [&](const auto &isTrue) {
+        return anyLane([&isTrue](const PlacedRow &row, const PlacedLane &placed) {
             return std::any_of(placed.events.begin(), placed.events.end(),
-                               [&](const TimelineEvent &event) { return event.state == state; });
+                               [&](const PlacedEvent &event) { return isTrue(row, event); });
         });
     };
-    const auto hasLane = [this](TimelineLane::Kind kind) {
-        return std::any_of(lanes.begin(), lanes.end(),
-                           [&](const PlacedLane &placed) { return placed.lane->kind == kind; });
+    const auto hasState = [&](InputEvent::State state) {
+        return hasEvent([state](const PlacedRow &, const PlacedEvent &placed) {
+            return placed.half == Half::None && placed.event.state == state;
+        });
     };
-    const bool hasLate = std::any_of(lanes.begin(), lanes.end(), [this](const PlacedLane &placed) {
-        return std::any_of(placed.events.begin(), placed.events.end(),
-                           [this](const TimelineEvent &event) { return isLate(event); });
+    const auto hasLane = [&](TimelineLane::Kind kind) {
+        return anyLane([kind](const PlacedRow &, const PlacedLane &placed) {
+            return placed.lane->kind == kind;
+        });
+    };
+    const bool hasTimed = anyLane([](const PlacedRow &row, const PlacedLane &placed) {
+        const auto &timed = placed.lane->timed;
+        return std::any_of(timed.begin(), timed.end(), [&](const TimelineSpan &span) {
+            return row.axis.intersects(span.from, span.to);
+        });
     });
-    const bool hasDue = hasMark(MarkKind::Due);
     QVector<PlacedLegend> needed;
     const auto add = [&needed](bool isNeeded, LegendItem item, const QString &text) {
         if (isNeeded)
@@ -188,11 +274,19 @@ QVector<PlacedLegend> TimelineLayout::neededLegend() const
     add(hasMark(MarkKind::Repeat), LegendItem::Repeat, QStringLiteral("auto-repeat"));
     add(hasMark(MarkKind::Withdrawn), LegendItem::Withdrawn,
         QStringLiteral("withdrawn for a chord"));
+    add(hasMark(MarkKind::Forgotten), LegendItem::Forgotten,
+        QStringLiteral("forgotten in a reset"));
     add(hasLane(TimelineLane::Kind::Chord), LegendItem::Chord, QStringLiteral("chord"));
     add(hasMark(MarkKind::Dropped), LegendItem::Dropped, QStringLiteral("record dropped"));
-    add(hasDue && hasTicks, LegendItem::Timer, QStringLiteral("%1 ms ticks").arg(tickMs));
-    add(hasDue, LegendItem::Due, QStringLiteral("long press due"));
-    add(hasLate, LegendItem::Late, QStringLiteral("waiting for the next tick"));
+    add(hasTimed, LegendItem::Timed, QStringLiteral("timed for a long press"));
+    add(hasMark(MarkKind::Due), LegendItem::Due, QStringLiteral("long press due"));
+    add(hasEvent([](const PlacedRow &row, const PlacedEvent &placed) {
+            return row.isLate(placed.event);
+        }),
+        LegendItem::Late, QStringLiteral("due, not yet published"));
+    add(hasEvent(
+            [](const PlacedRow &, const PlacedEvent &placed) { return placed.half != Half::None; }),
+        LegendItem::Click, QStringLiteral("press and release published at once"));
     add(hasState(InputEvent::KeyPressed), LegendItem::Press, QStringLiteral("press published"));
     add(hasState(InputEvent::KeyLongPress), LegendItem::LongPress,
         QStringLiteral("long press published"));
@@ -206,8 +300,9 @@ QVector<PlacedLegend> TimelineLayout::neededLegend() const
 void TimelineLayout::placeLegend()
 {
     legend = neededLegend();
+    const TimelineAxis &axis = rows.first().axis;
     double x = axis.left();
-    double y = lanesBottom + 22;
+    double y = rows.last().lanesBottom + 22;
     for (PlacedLegend &placed : legend) {
         const double itemWidth = 26 + LabelRows::width(placed.text) + 12;
         if (x + itemWidth > axis.right() && x > axis.left()) {
@@ -218,7 +313,7 @@ void TimelineLayout::placeLegend()
         placed.y = y;
         x += itemWidth;
     }
-    height = (legend.isEmpty() ? lanesBottom : y) + 36;
+    height = (legend.isEmpty() ? rows.last().lanesBottom : y) + 36;
 }
 
 } // namespace Vorn::Workbench

@@ -1,7 +1,7 @@
 #ifndef VORN_WORKBENCH_TIMELINELAYOUT_H
 #define VORN_WORKBENCH_TIMELINELAYOUT_H
 
-#include "Timeline.h"
+#include "LabelRows.h"
 #include "TimelineAxis.h"
 #include "TimelineModel.h"
 
@@ -15,9 +15,18 @@ namespace Vorn::Workbench {
 struct PlacedLabel
 {
     double x = 0;
+    QString text = QString(); ///< empty if there is none, or no room for it
     int row = 0;
-    bool isShown = true; ///< false if there is no room; `row` is then below all other labels
-    bool isLeft = false; ///< left of the point, which is near the right edge of the picture
+    bool isLeft = false; ///< of the point
+};
+
+struct PlacedEvent
+{
+    enum class Half { None, Press, Release };
+
+    TimelineEvent event;
+    PlacedLabel label;
+    Half half = Half::None; ///< of a click whose press and release were published at once
 };
 
 struct PlacedLane
@@ -26,8 +35,15 @@ struct PlacedLane
     int index = 0; ///< in the model
     double top = 0;
     double height = 0;
-    QVector<TimelineEvent> events; ///< those within the picture's time range
-    QVector<PlacedLabel> labels; ///< of the events
+    QVector<PlacedEvent> events; ///< those within the row
+};
+
+/// The name of a device, above its lanes.
+struct PlacedHeading
+{
+    QString name;
+    QString node;
+    double top = 0;
 };
 
 /// A flag, or several that coincide.
@@ -37,15 +53,34 @@ struct PlacedFlag
     PlacedLabel label;
 };
 
+/// A part of the session, from edge to edge.
+struct PlacedRow
+{
+    TimelineAxis axis;
+    QVector<PlacedHeading> headings = {};
+    QVector<PlacedLane> lanes = {};
+    QVector<PlacedFlag> flags = {};
+    double top = 0;
+    double flagTop = 0;
+    double axisTop = 0;
+    double lanesTop = 0;
+    double lanesBottom = 0;
+
+    /// Whether a long press was published so long after it was due that the delay is visible.
+    bool isLate(const TimelineEvent &event) const;
+};
+
 struct PlacedLegend
 {
     enum class Item {
         Down,
         Repeat,
         Withdrawn,
-        Timer,
+        Forgotten,
+        Timed,
         Due,
         Late,
+        Click,
         Press,
         LongPress,
         Release,
@@ -63,13 +98,15 @@ struct PlacedLegend
 
 namespace Metrics {
 constexpr double margin = 16;
-constexpr double labelRow = 15;
+constexpr double labelRow = 14;
+constexpr double identifierHeight = 18;
 /// Within a lane, from its top.
-constexpr double barTop = 13;
+constexpr double barTop = 10;
 constexpr double barHeight = 14;
 constexpr double barMiddle = barTop + barHeight / 2;
 constexpr double barBottom = barTop + barHeight;
-constexpr double eventTop = barBottom + 6;
+constexpr double timedBottom = barBottom + 3;
+constexpr double eventMiddle = barBottom + 12;
 constexpr int laneLabelLength = 30;
 constexpr int flagLabelLength = 60;
 } // namespace Metrics
@@ -78,31 +115,25 @@ class TimelineLayout
 {
 public:
     /// @param model must live longer
-    TimelineLayout(const TimelineModel &model, const TimelineOptions &options);
+    explicit TimelineLayout(const TimelineModel &model);
 
-    /// Whether a long press was published so long after it was due that the delay is visible.
-    bool isLate(const TimelineEvent &event) const;
-
-    TimelineAxis axis;
-    QVector<PlacedLane> lanes;
-    QVector<PlacedFlag> flags;
+    QVector<PlacedRow> rows;
     QVector<PlacedLegend> legend;
     bool hasIdentifiers = false;
-    bool hasTicks = false; ///< whether the detectors' ticks are far enough apart to be shown
-    double identifierTop = 0;
-    double flagTop = 0;
-    double axisTop = 0;
-    double lanesTop = 0;
-    double lanesBottom = 0;
     double width = 0;
     double height = 0;
 
 private:
-    void placeFlags(const TimelineModel &model);
-    void placeLanes(const TimelineModel &model);
+    void placeRow(PlacedRow *row, double top);
+    void placeFlags(PlacedRow *row) const;
+    void placeLanes(PlacedRow *row) const;
+    void placeHeading(PlacedRow *row, const TimelineLane &lane, double *top) const;
+    void placeEvents(const PlacedRow &row, PlacedLane *placed) const;
+    QVector<double> linesThrough(const PlacedRow &row, int lane) const;
     QVector<PlacedLegend> neededLegend() const;
     void placeLegend();
-    bool isShown(const TimelineLane &lane) const;
+
+    const TimelineModel &m_model;
 };
 
 } // namespace Vorn::Workbench

@@ -11,40 +11,51 @@
 /// What a timeline shows, independent of how it is drawn. Times are µs of the session.
 namespace Vorn::Workbench {
 
+/// More than that neither makes a useful picture nor is quick to show.
+constexpr int maxTimelineMarks = 20'000;
+
+/// A stretch of time.
+struct TimelineSpan
+{
+    qint64 from = 0;
+    qint64 to = 0;
+};
+
 /// The time during which a key was down, a switch was on, or a chord was held.
 struct TimelineBar
 {
     qint64 from = 0;
     qint64 to = 0;
     bool isOpen = false; ///< it did not end within the session
-    std::optional<qint64> withdrawn; ///< when the detector took the key back for a chord
-};
-
-/// The time during which the long-press detector timed a key.
-struct TimelineTimedSpan
-{
-    qint64 from = 0;
-    qint64 to = 0;
-    qint64 timerStart = 0; ///< the detector ticks at fixed intervals from here
+    bool wasOpen = false; ///< it began before the session, or before its device was added
+    /// When the detector took the key back for a chord, or a reset made it forget the key.
+    std::optional<qint64> withdrawn;
 };
 
 struct TimelineMark
 {
-    enum class Kind { Repeat, Due, Withdrawn, Dropped };
+    enum class Kind { Repeat, Due, Withdrawn, Forgotten, Dropped };
 
     Kind kind = Kind::Repeat;
     qint64 time = 0;
-    QString title;
+    int value = 0; ///< the record's; Repeat
 };
 
 struct TimelineEvent
 {
     qint64 time = 0;
+    InputEvent::Command command = InputEvent::None;
     InputEvent::State state = InputEvent::NoState;
-    QString label;
-    QString title;
-    /// When it should have been published; known for long presses whose due time was recorded.
-    std::optional<qint64> due;
+    InputEvent::Bus bus = InputEvent::Bus::NoBus;
+    std::optional<qint64> latency;
+
+    /// When a long press should have been published.
+    std::optional<qint64> due() const
+    {
+        if (state != InputEvent::KeyLongPress || !latency)
+            return std::nullopt;
+        return time - *latency;
+    }
 };
 
 struct TimelineLane
@@ -59,7 +70,7 @@ struct TimelineLane
     QString label;
     QString deviceName;
     QVector<TimelineBar> bars;
-    QVector<TimelineTimedSpan> timed;
+    QVector<TimelineSpan> timed; ///< while the long-press detector timed the key
     QVector<TimelineMark> marks;
     QVector<TimelineEvent> events;
 };
@@ -93,12 +104,15 @@ struct TimelineModel
 {
     SessionStart start;
     bool hasStart = false;
-    QVector<TimelineLane> lanes;
+    TimelineSpan session; ///< from its first entry to its end
+    TimelineSpan shown; ///< the part that the picture is about
+    QVector<TimelineLane> lanes; ///< those of a device are together
     QVector<TimelineLink> links;
     QVector<TimelineFlag> flags;
     QVector<TimelineIdentifier> identifiers;
-    QVector<qint64> activity; ///< when anything happened, ascending
+    QVector<TimelineSpan> activity; ///< when anything happened, ascending, with idle times between
     int lanesLeftOut = 0; ///< for want of room in the picture
+    qint64 marksLeftOut = 0; ///< for want of room: those after `shown`
 };
 
 } // namespace Vorn::Workbench

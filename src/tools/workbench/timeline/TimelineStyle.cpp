@@ -11,10 +11,11 @@ namespace {
 const char *const styleSheet = R"(
 text { font-family: system-ui, "Segoe UI", "Noto Sans", "Liberation Sans", Arial, sans-serif; font-size: 11px; fill: #1f2328 }
 text.title { font-size: 16px; font-weight: 600 }
+text.device-name { font-size: 12px; font-weight: 600; fill: #59636e }
 text.lane { font-size: 12px; font-weight: 600 }
-text.muted { fill: #59636e }
+text.muted, text.flag-label { fill: #59636e }
 text.tick { fill: #59636e }
-text.event, text.tick { stroke: #ffffff; stroke-width: 3px; stroke-linejoin: round; paint-order: stroke }
+text.event, text.tick, text.flag-label, text.failure-label { stroke: #ffffff; stroke-width: 3px; stroke-linejoin: round; paint-order: stroke }
 text.failure-label { fill: #b3121f; font-weight: 600 }
 text.identifier-label { fill: #0a4a8f }
 .paper { fill: #ffffff }
@@ -28,11 +29,12 @@ text.identifier-label { fill: #0a4a8f }
 .bar-chord-unmapped { fill: none; stroke: #8457d9; stroke-dasharray: 3 2 }
 .repeat { stroke: #ffffff; stroke-width: 1.5 }
 .open { fill: #ffffff; fill-opacity: 0.75 }
-.timer { stroke: #bc4c00; stroke-opacity: 0.8 }
+.timed { stroke: #bc4c00; stroke-width: 2; stroke-opacity: 0.6 }
 .due { stroke: #bc4c00; stroke-width: 1.5; stroke-dasharray: 3 2; fill: #bc4c00 }
 .flag { fill: #bc4c00 }
 .late { fill: #fbc38b }
 .withdrawn { stroke: #1f2328; stroke-width: 2.5; fill: none }
+.forgotten { stroke: #cf222e; stroke-width: 2.5; fill: none }
 .dropped { stroke: #cf222e; stroke-width: 2; fill: #ffffff }
 .leader { stroke: #8a939d }
 .leader-long-press { stroke: #bc4c00; stroke-width: 1.5 }
@@ -51,9 +53,10 @@ text.identifier-label { fill: #0a4a8f }
 .break-edge { stroke: #8a939d; stroke-dasharray: 2 3 }
 @media (prefers-color-scheme: dark) {
 text { fill: #e6edf3 }
-text.muted { fill: #9aa4af }
+text.device-name { fill: #9aa4af }
+text.muted, text.flag-label { fill: #9aa4af }
 text.tick { fill: #9aa4af }
-text.event, text.tick { stroke: #0d1117 }
+text.event, text.tick, text.flag-label, text.failure-label { stroke: #0d1117 }
 text.failure-label { fill: #ff8b83 }
 text.identifier-label { fill: #a9d1ff }
 .paper { fill: #0d1117 }
@@ -67,11 +70,12 @@ text.identifier-label { fill: #a9d1ff }
 .bar-chord-unmapped { fill: none; stroke: #9b74ef }
 .repeat { stroke: #0d1117 }
 .open { fill: #0d1117 }
-.timer { stroke: #f0883e }
+.timed { stroke: #f0883e }
 .due { stroke: #f0883e; fill: #f0883e }
 .flag { fill: #f0883e }
 .late { fill: #8a4b1c }
 .withdrawn { stroke: #e6edf3 }
+.forgotten { stroke: #f85149 }
 .dropped { stroke: #f85149; fill: #0d1117 }
 .leader { stroke: #6b7580 }
 .leader-long-press { stroke: #f0883e }

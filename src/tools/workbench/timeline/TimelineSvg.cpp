@@ -3,6 +3,8 @@
 #include "Quoting.h"
 #include "TimelineStyle.h"
 
+#include <QStringList>
+
 namespace Vorn::Workbench {
 
 namespace {
@@ -74,17 +76,21 @@ void TimelineSvg::shape(double x, double y, const char *path, const char *cssCla
 void TimelineSvg::text(double x, double y, const QString &text, const char *cssClass, Anchor anchor,
                        const QString &title)
 {
+    // Some viewers show a title within a text as part of it, so it is in a group around it.
+    if (!title.isEmpty()) {
+        m_writer.writeStartElement(QStringLiteral("g"));
+        writeTitle(title);
+    }
     start("text", cssClass);
     attribute("x", x);
     attribute("y", y);
     if (anchor != Anchor::Start)
         m_writer.writeAttribute(QStringLiteral("text-anchor"),
                                 QString::fromLatin1(anchor == Anchor::Middle ? "middle" : "end"));
-    // The title first: the white space that formatting adds after it would end up in the text.
-    if (!title.isEmpty())
-        m_writer.writeTextElement(QStringLiteral("title"), printable(title));
     m_writer.writeCharacters(printable(text));
     m_writer.writeEndElement();
+    if (!title.isEmpty())
+        m_writer.writeEndElement();
 }
 
 QByteArray TimelineSvg::finished()
@@ -95,7 +101,11 @@ QByteArray TimelineSvg::finished()
 
 QString TimelineSvg::shortened(const QString &text, int length)
 {
-    return text.size() <= length ? text : text.left(length - 1) + QChar(0x2026);
+    if (text.size() <= length)
+        return text;
+    // Half of a character beyond the basic plane is none.
+    const bool isSplit = length > 1 && text.at(length - 2).isHighSurrogate();
+    return text.left(isSplit ? length - 2 : length - 1) + QChar(0x2026);
 }
 
 void TimelineSvg::start(const char *element, const char *cssClass)
@@ -107,8 +117,17 @@ void TimelineSvg::start(const char *element, const char *cssClass)
 void TimelineSvg::end(const QString &title)
 {
     if (!title.isEmpty())
-        m_writer.writeTextElement(QStringLiteral("title"), printable(title));
+        writeTitle(title);
     m_writer.writeEndElement();
+}
+
+void TimelineSvg::writeTitle(const QString &title)
+{
+    // Titles of things that coincide are joined by line feeds, which tool tips show as such.
+    QStringList lines = title.split(QLatin1Char('\n'));
+    for (QString &line : lines)
+        line = printable(line);
+    m_writer.writeTextElement(QStringLiteral("title"), lines.join(QLatin1Char('\n')));
 }
 
 void TimelineSvg::attribute(const char *name, double value)

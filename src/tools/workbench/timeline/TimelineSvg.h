@@ -40,6 +40,7 @@ public:
 private:
     void start(const char *element, const char *cssClass);
     void end(const QString &title);
+    void writeTitle(const QString &title);
     void attribute(const char *name, double value);
 
     QByteArray m_svg;

@@ -1,10 +1,56 @@
 #include "TimelineText.h"
 
+#include "CommandNames.h"
 #include "EventNames.h"
 
 #include <QStringList>
 
 namespace Vorn::Workbench {
+
+namespace {
+
+QString stateLabel(InputEvent::State state)
+{
+    switch (state) {
+    case InputEvent::KeyPressed:
+        return QStringLiteral("press");
+    case InputEvent::KeyReleased:
+        return QStringLiteral("release");
+    case InputEvent::KeyLongPress:
+        return QStringLiteral("long press");
+    case InputEvent::SwitchEnabled:
+        return QStringLiteral("on");
+    case InputEvent::SwitchDisabled:
+        return QStringLiteral("off");
+    case InputEvent::NoState:
+        break;
+    }
+    return stateName(state);
+}
+
+QString commandLabel(const TimelineEvent &event)
+{
+    return InputEvent(event.command, event.state, event.bus).cmdToString() + QLatin1Char(' ');
+}
+
+QString markText(const TimelineLane &lane, const TimelineMark &mark)
+{
+    switch (mark.kind) {
+    case TimelineMark::Kind::Repeat:
+        return valueName(lane.type, mark.value);
+    case TimelineMark::Kind::Due:
+        return QStringLiteral("long press due");
+    case TimelineMark::Kind::Withdrawn:
+        return QStringLiteral("withdrawn for a chord");
+    case TimelineMark::Kind::Forgotten:
+        return QStringLiteral("forgotten in a reset");
+    case TimelineMark::Kind::Dropped:
+        break;
+    }
+    return QStringLiteral("record dropped");
+}
+
+} // namespace
 
 QString timelineTime(qint64 time)
 {
@@ -24,9 +70,9 @@ QString timelineDuration(qint64 duration)
     return QStringLiteral("%1 d").arg(seconds / 86'400, 0, 'f', 0);
 }
 
-QString counted(int count, const char *noun)
+QString counted(qint64 count, const char *noun)
 {
-    const QString text = QStringLiteral("%1 %2").arg(count).arg(QLatin1String(noun));
+    const QString text = QString::number(count) + QLatin1Char(' ') + QLatin1String(noun);
     return count == 1 ? text : text + QLatin1Char('s');
 }
 
@@ -36,6 +82,34 @@ QString joinedNames(int type, const QVector<int> &codes)
     for (const int code : codes)
         names += eventCodeName(type, code);
     return names.join(QStringLiteral(" + "));
+}
+
+QString eventLabel(const TimelineEvent &event)
+{
+    return commandLabel(event) + stateLabel(event.state);
+}
+
+QString clickLabel(const TimelineEvent &event)
+{
+    return commandLabel(event) + QStringLiteral("click");
+}
+
+QString eventTitle(const TimelineLane &lane, const TimelineEvent &event)
+{
+    QString title = timelineTime(event.time) + QStringLiteral(": ")
+        + InputEvent(event.command, event.state, event.bus).toString();
+    if (!lane.codes.isEmpty())
+        title += QLatin1Char(' ') + lane.label;
+    if (event.latency)
+        title += QStringLiteral(", %1 ms late")
+                     .arg(static_cast<double>(*event.latency) / 1000, 0, 'f', 1);
+    return title;
+}
+
+QString markTitle(const TimelineLane &lane, const TimelineMark &mark)
+{
+    return QStringLiteral("%1: %2 %3")
+        .arg(timelineTime(mark.time), lane.label, markText(lane, mark));
 }
 
 } // namespace Vorn::Workbench

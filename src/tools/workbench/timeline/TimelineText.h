@@ -1,6 +1,8 @@
 #ifndef VORN_WORKBENCH_TIMELINETEXT_H
 #define VORN_WORKBENCH_TIMELINETEXT_H
 
+#include "TimelineModel.h"
+
 #include <QString>
 #include <QVector>
 
@@ -14,10 +16,19 @@ QString timelineTime(qint64 time);
 QString timelineDuration(qint64 duration);
 
 /// "1 lane", "2 lanes".
-QString counted(int count, const char *noun);
+QString counted(qint64 count, const char *noun);
 
 /// "KEY_STOP + KEY_PLAY".
 QString joinedNames(int type, const QVector<int> &codes);
+
+/// "Info press".
+QString eventLabel(const TimelineEvent &event);
+/// "Info click": the label that an event shares with its release.
+QString clickLabel(const TimelineEvent &event);
+
+/// Tool tips.
+QString eventTitle(const TimelineLane &lane, const TimelineEvent &event);
+QString markTitle(const TimelineLane &lane, const TimelineMark &mark);
 
 } // namespace Vorn::Workbench
 

@@ -19,18 +19,6 @@ using testing::Not;
 using testing::SizeIs;
 using What = DetectorStep::What;
 
-/// Where the timer's ticks are in the first lane that has any; the legend has some, too.
-QVector<double> ticksOfFirstLane(const Picture &picture)
-{
-    QVector<double> found;
-    const QVector<Element> ticks = picture.ofClass("timer");
-    for (const Element &tick : ticks) {
-        if (tick.number("y1") == ticks.first().number("y1"))
-            found.append(tick.number("x1"));
-    }
-    return found;
-}
-
 } // namespace
 
 TEST(LaneDrawing, DrawsBarsInProportionToTheTimeThatKeysWereDown)
@@ -79,7 +67,8 @@ TEST(LaneDrawing, ShowsHowLateALongPressWasNoticed)
     EXPECT_NEAR(late.first().number("width"), bar.number("width") * 40 / 2000, 0.2);
     EXPECT_THAT(picture.titles("due"), Contains("1.210 s: KEY_INFO long press due"));
     EXPECT_THAT(picture.titles("long-press"),
-                Contains("1.250 s: [cmd=Info, state=KeyLongPress, bus=LocalUI] KEY_INFO"));
+                Contains("1.250 s: [cmd=Info, state=KeyLongPress, bus=LocalUI] KEY_INFO, "
+                         "40.0 ms late"));
 }
 
 TEST(LaneDrawing, TellsTheLatencyOfAnEvent)
@@ -95,52 +84,63 @@ TEST(LaneDrawing, TellsTheLatencyOfAnEvent)
                 Contains("0.000 s: [cmd=Info, state=KeyPressed] KEY_INFO, 12.3 ms late"));
 }
 
-TEST(LaneDrawing, ShowsTheTimersTicksWhileAKeyIsTimed)
+TEST(LaneDrawing, ShowsWhileAKeyIsTimed)
 {
     const Picture picture = draw(longPress());
-    const QVector<double> ticks = ticksOfFirstLane(picture);
-    ASSERT_THAT(ticks, SizeIs(41));
+    EXPECT_THAT(picture.titles("timed"), Contains("KEY_INFO: timed from 0.200 s to 2.200 s"));
+    const Element line = picture.ofClass("timed").first();
     const Element bar = picture.ofClass("bar").first();
-    EXPECT_NEAR(ticks.first(), bar.number("x"), 0.2);
-    EXPECT_NEAR(ticks.last(), bar.number("x") + bar.number("width"), 0.2);
+    EXPECT_NEAR(line.number("x1"), bar.number("x"), 0.2);
+    EXPECT_NEAR(line.number("x2"), bar.number("x") + bar.number("width"), 0.2);
+    EXPECT_THAT(picture.ofClass("timer"), IsEmpty()) << "ticks are not in the session";
 }
 
-TEST(LaneDrawing, ShowsThatTheTimerOfADeviceServesAllItsKeys)
+TEST(LaneDrawing, ShowsThatALongPressOfAChordWasLate)
 {
-    const Picture picture =
-        draw({start(), key(0, KEY_1, 1), detector(0, What::LongPressDue, {KEY_1}, 900 * ms),
-              key(130 * ms, KEY_2, 1), detector(130 * ms, What::LongPressDue, {KEY_2}, 900 * ms),
-              remark(600 * ms)});
-    QMap<double, QVector<double>> lanes;
-    for (const Element &tick : picture.ofClass("timer"))
-        lanes[tick.number("y1")].append(tick.number("x1"));
-    ASSERT_THAT(lanes, SizeIs(2));
-    const QVector<double> first = lanes.first();
-    const QVector<double> second = lanes.last();
-    ASSERT_THAT(first, SizeIs(13)); // 0 to 600 ms
-    ASSERT_THAT(second, SizeIs(10)); // 150 to 600 ms
-    EXPECT_EQ(first.mid(3), second);
+    const Picture picture = draw({start(),
+                                  key(0, KEY_STOP, 1),
+                                  {1550 * ms,
+                                   EventPublished{InputEvent::FactoryReset,
+                                                  InputEvent::KeyLongPress,
+                                                  InputEvent::Bus::LocalUI,
+                                                  front,
+                                                  EV_KEY,
+                                                  {KEY_STOP, KEY_PLAY},
+                                                  550 * ms}}});
+    EXPECT_THAT(picture.titles("late"), Contains("due at 1.000 s, published at 1.550 s"));
 }
 
-TEST(LaneDrawing, ShowsTicksOnBothSidesOfATimeThatIsLeftOut)
+TEST(LaneDrawing, ShowsAClickAsOneThing)
 {
     const Picture picture =
-        draw({start(), key(0, KEY_1, 1), detector(0, What::LongPressDue, {KEY_1}, 90'000 * ms),
-              remark(20'000 * ms), remark(90'000 * ms)});
-    const QVector<Element> breaks = picture.ofClass("break");
-    ASSERT_THAT(breaks, SizeIs(2));
-    int before = 0;
-    int between = 0;
-    int after = 0;
-    for (const double x : ticksOfFirstLane(picture)) {
-        before += x <= breaks.at(0).number("x") + 0.1;
-        between += x >= breaks.at(0).number("x") + breaks.at(0).number("width") - 0.1
-            && x <= breaks.at(1).number("x") + 0.1;
-        after += x >= breaks.at(1).number("x") + breaks.at(1).number("width") - 0.1;
-    }
-    EXPECT_EQ(before, 6); // 0 to 250 ms
-    EXPECT_EQ(between, 11); // 19.75 s to 20.25 s
-    EXPECT_EQ(after, 6); // 89.75 s to 90 s
+        draw({start(), key(0, KEY_INFO, 1), key(80 * ms, KEY_INFO, 0),
+              event(80 * ms, InputEvent::Info, InputEvent::KeyPressed),
+              event(80 * ms, InputEvent::Info, InputEvent::KeyReleased), remark(1000 * ms)});
+    EXPECT_THAT(picture.texts("event"), ElementsAre("Info click"));
+    EXPECT_THAT(picture.texts("muted"), Contains("press and release published at once"));
+    EXPECT_THAT(picture.titles("press"),
+                Contains("0.080 s: [cmd=Info, state=KeyPressed, bus=LocalUI] KEY_INFO"));
+    EXPECT_THAT(picture.titles("release"),
+                Contains("0.080 s: [cmd=Info, state=KeyReleased, bus=LocalUI] KEY_INFO"));
+}
+
+TEST(LaneDrawing, LabelsAPressAndAReleaseThatAreFarApart)
+{
+    const Picture picture = draw({start(), event(0, InputEvent::Info, InputEvent::KeyPressed),
+                                  event(1000 * ms, InputEvent::Info, InputEvent::KeyReleased),
+                                  event(2000 * ms, InputEvent::Info, InputEvent::KeyPressed),
+                                  event(2000 * ms, InputEvent::Stop, InputEvent::KeyReleased)});
+    EXPECT_THAT(picture.texts("event"),
+                ElementsAre("Info press", "Info release", "Info press", "Stop release"));
+}
+
+TEST(LaneDrawing, ShowsThatASwitchWasOnBefore)
+{
+    const Picture picture = draw({start(), plugged(0), lineIn(900 * ms, 0)});
+    EXPECT_THAT(picture.titles("bar-switch"),
+                ElementsAre("SW_LINEIN_INSERT: 0.000 s to 0.900 s (0.900 s), active before that "
+                            "already"));
+    EXPECT_THAT(picture.ofClass("open"), Not(IsEmpty()));
 }
 
 TEST(LaneDrawing, ShowsNoLongPressThatWasCalledOffBeforeItWasDue)

@@ -35,6 +35,9 @@ TEST(LaneTable, KnowsLanesByDeviceTypeAndCodes)
     EXPECT_THAT(table.lanes(), SizeIs(4));
     EXPECT_EQ(table.indexOf(keyboard, EV_KEY, {KEY_A}), 3);
     EXPECT_EQ(table.indexOf(keyboard, EV_KEY, {KEY_B}), -1);
+    EXPECT_EQ(table.find(keyboard, EV_KEY, {KEY_B}), nullptr);
+    ASSERT_NE(table.find(keyboard, EV_KEY, {KEY_A}), nullptr);
+    EXPECT_EQ(table.find(keyboard, EV_KEY, {KEY_A})->device.toStdString(), keyboard);
 }
 
 TEST(LaneTable, UsesTheNodeUntilTheDeviceHasAName)
@@ -54,6 +57,16 @@ TEST(LaneTable, OrdersChordsBelowTheirKeys)
     table.keyLane(front, KEY_PLAY);
     table.keyLane(keyboard, KEY_PLAY);
     EXPECT_THAT(table.drawingOrder(), ElementsAre(0, 2, 3, 1, 4));
+}
+
+TEST(LaneTable, KeepsTheLanesOfADeviceTogether)
+{
+    LaneTable table;
+    table.keyLane(front, KEY_STOP);
+    table.keyLane(keyboard, KEY_A);
+    table.keyLane(front, KEY_PLAY);
+    table.keyLane(keyboard, KEY_B);
+    EXPECT_THAT(table.drawingOrder(), ElementsAre(0, 2, 1, 3));
 }
 
 TEST(LaneTable, CountsEachLaneThatIsLeftOutOnce)

@@ -20,9 +20,9 @@ using testing::SizeIs;
 TEST(LegendDrawing, ExplainsWhatIsInThePicture)
 {
     EXPECT_THAT(draw(longPress()).texts("muted"),
-                AllOf(Contains("key down"), Contains("50 ms ticks"), Contains("long press due"),
-                      Contains("waiting for the next tick"), Contains("long press published"),
-                      Contains("release published")));
+                AllOf(Contains("key down"), Contains("timed for a long press"),
+                      Contains("long press due"), Contains("due, not yet published"),
+                      Contains("long press published"), Contains("release published")));
     EXPECT_THAT(draw(chord()).texts("muted"),
                 AllOf(Contains("chord"), Contains("withdrawn for a chord"),
                       Contains("record dropped"), Contains("press published")));

@@ -1,7 +1,5 @@
 #include "LongPressTiming.h"
 
-#include "LaneTable.h"
-#include "LibraryFacts.h"
 #include "SessionEntries.h"
 
 #include <gmock/gmock.h>
@@ -13,51 +11,48 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::SizeIs;
-
-constexpr qint64 tick = tickMs * ms;
+using testing::Pair;
 
 class LongPressTimingTest : public testing::Test
 {
 protected:
-    const TimelineTimedSpan &span(int code) { return m_lanes.keyLane(front, code)->timed.last(); }
-
-    /// Of a key's due marks.
-    std::vector<qint64> dueTimes(int code)
-    {
-        std::vector<qint64> times;
-        for (const TimelineMark &mark : m_lanes.keyLane(front, code)->marks) {
-            EXPECT_EQ(mark.kind, TimelineMark::Kind::Due);
-            times.push_back(mark.time);
-        }
-        return times;
-    }
-
-    LaneTable m_lanes;
-    LongPressTiming m_timing{&m_lanes};
+    std::vector<std::pair<int, qint64>> m_due; ///< code and time
+    std::vector<std::pair<qint64, qint64>> m_timed;
+    LongPressTiming m_timing{
+        {[this](const QString &, int, qint64 from, qint64 to) { m_timed.emplace_back(from, to); },
+         [this](const QString &, int code, qint64 due) { m_due.emplace_back(code, due); }}};
 };
 
 } // namespace
 
-TEST_F(LongPressTimingTest, MarksALongPressThatWasReached)
+TEST_F(LongPressTimingTest, ReportsALongPressThatWasReached)
 {
     m_timing.start(front, KEY_A, 0, 1000 * ms);
-    m_timing.cancel(front, KEY_A, 1000 * ms);
-    EXPECT_THAT(dueTimes(KEY_A), ElementsAre(1000 * ms));
-    EXPECT_EQ(span(KEY_A).from, 0);
-    EXPECT_EQ(span(KEY_A).to, 1000 * ms);
+    m_timing.end(front, KEY_A, 1000 * ms);
+    EXPECT_THAT(m_due, ElementsAre(Pair(KEY_A, 1000 * ms)));
+    EXPECT_THAT(m_timed, ElementsAre(Pair(0, 1000 * ms)));
 }
 
-TEST_F(LongPressTimingTest, MarksNoneThatWasCalledOffOrPutOff)
+TEST_F(LongPressTimingTest, ReportsNoneThatWasCalledOffOrPutOff)
 {
     m_timing.start(front, KEY_A, 0, 1000 * ms);
-    m_timing.cancel(front, KEY_A, 999 * ms);
+    m_timing.end(front, KEY_A, 999 * ms);
     m_timing.start(front, KEY_B, 1000 * ms, 1500 * ms);
     m_timing.start(front, KEY_B, 1200 * ms, 1700 * ms);
     m_timing.finish(5000 * ms);
-    EXPECT_THAT(dueTimes(KEY_A), IsEmpty());
-    EXPECT_THAT(dueTimes(KEY_B), ElementsAre(1700 * ms));
-    EXPECT_THAT(m_lanes.keyLane(front, KEY_B)->timed, SizeIs(1)) << "the key stayed timed";
+    EXPECT_THAT(m_due, ElementsAre(Pair(KEY_B, 1700 * ms)));
+    EXPECT_THAT(m_timed, ElementsAre(Pair(0, 999 * ms), Pair(1000 * ms, 5000 * ms)))
+        << "the key stayed timed";
+}
+
+TEST_F(LongPressTimingTest, ReportsEachOfARepeatingLongPressOnce)
+{
+    m_timing.start(front, KEY_A, 0, 700 * ms);
+    m_timing.start(front, KEY_A, 720 * ms, 1300 * ms);
+    m_timing.start(front, KEY_A, 1320 * ms, 1300 * ms);
+    m_timing.end(front, KEY_A, 1400 * ms);
+    EXPECT_THAT(m_due, ElementsAre(Pair(KEY_A, 700 * ms), Pair(KEY_A, 1300 * ms)));
+    EXPECT_THAT(m_timed, ElementsAre(Pair(0, 1400 * ms)));
 }
 
 TEST_F(LongPressTimingTest, EndsWithTheSession)
@@ -65,35 +60,22 @@ TEST_F(LongPressTimingTest, EndsWithTheSession)
     m_timing.start(front, KEY_A, 0, 1000 * ms);
     m_timing.start(front, KEY_B, 0, 1001 * ms);
     m_timing.finish(1000 * ms);
-    EXPECT_THAT(dueTimes(KEY_A), ElementsAre(1000 * ms));
-    EXPECT_THAT(dueTimes(KEY_B), IsEmpty());
-    EXPECT_EQ(span(KEY_A).to, 1000 * ms);
+    EXPECT_THAT(m_due, ElementsAre(Pair(KEY_A, 1000 * ms)));
+    EXPECT_THAT(m_timed, ElementsAre(Pair(0, 1000 * ms), Pair(0, 1000 * ms)));
+}
+
+TEST_F(LongPressTimingTest, EndsWithTheDevice)
+{
+    m_timing.start(front, KEY_A, 0, 1000 * ms);
+    m_timing.start(keyboard, KEY_A, 0, 1000 * ms);
+    m_timing.endAll(front, 400 * ms);
+    EXPECT_THAT(m_timed, ElementsAre(Pair(0, 400 * ms)));
 }
 
 TEST_F(LongPressTimingTest, IgnoresTheEndOfAKeyThatIsNotTimed)
 {
-    m_timing.stop(front, KEY_A, 100 * ms);
-    m_timing.cancel(front, KEY_A, 200 * ms);
+    m_timing.end(front, KEY_A, 200 * ms);
     m_timing.finish(300 * ms);
-    EXPECT_THAT(m_lanes.lanes(), IsEmpty());
-}
-
-TEST_F(LongPressTimingTest, SharesTheTimerOfADevice)
-{
-    m_timing.start(front, KEY_A, 110 * ms, 9000 * ms);
-    m_timing.start(front, KEY_B, 130 * ms, 9000 * ms);
-    m_timing.start(keyboard, KEY_A, 130 * ms, 9000 * ms);
-    EXPECT_EQ(span(KEY_B).timerStart, 110 * ms);
-    EXPECT_EQ(m_lanes.keyLane(keyboard, KEY_A)->timed.last().timerStart, 130 * ms);
-}
-
-TEST_F(LongPressTimingTest, KeepsTheTimerRunningUntilTheTickAfterTheLastKey)
-{
-    m_timing.start(front, KEY_A, 0, 9000 * ms);
-    m_timing.cancel(front, KEY_A, 2 * tick + 1);
-    m_timing.start(front, KEY_A, 3 * tick, 9000 * ms);
-    EXPECT_EQ(span(KEY_A).timerStart, 0);
-    m_timing.cancel(front, KEY_A, 3 * tick + 1);
-    m_timing.start(front, KEY_A, 4 * tick + 1, 9000 * ms);
-    EXPECT_EQ(span(KEY_A).timerStart, 4 * tick + 1);
+    EXPECT_THAT(m_timed, IsEmpty());
+    EXPECT_THAT(m_due, IsEmpty());
 }

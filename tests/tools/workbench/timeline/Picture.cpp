@@ -19,6 +19,9 @@ Picture::Picture(const QByteArray &svg)
                 element.attributes.insert(attribute.name().toString(),
                                           attribute.value().toString());
             element.cssClass = element.attributes.value("class");
+            // The title of a text is that of the group around it.
+            if (element.name == "text" && m_elements.at(open.last()).name == "g")
+                element.title = m_elements.at(open.last()).title;
             open.append(m_elements.size());
             m_elements.append(element);
         } else if (reader.isEndElement()) {

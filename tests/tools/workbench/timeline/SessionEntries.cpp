@@ -50,7 +50,14 @@ QVector<SessionEntry> longPress()
             plugged(0),
             key(200 * ms, KEY_INFO, 1),
             detector(200 * ms, What::LongPressDue, {KEY_INFO}, 1210 * ms),
-            event(1250 * ms, InputEvent::Info, InputEvent::KeyLongPress),
+            {1250 * ms,
+             EventPublished{InputEvent::Info,
+                            InputEvent::KeyLongPress,
+                            InputEvent::Bus::LocalUI,
+                            front,
+                            EV_KEY,
+                            {KEY_INFO},
+                            40 * ms}},
             key(2200 * ms, KEY_INFO, 0),
             detector(2200 * ms, What::LongPressEnded, {KEY_INFO}),
             event(2200 * ms, InputEvent::Info, InputEvent::KeyReleased)};
@@ -73,6 +80,31 @@ QVector<SessionEntry> chord()
             key(1100 * ms, KEY_PLAY, 0),
             detector(1100 * ms, What::ChordReleased, pair),
             event(1100 * ms, InputEvent::FactoryReset, InputEvent::KeyReleased, pair)};
+}
+
+SessionEntry lineIn(qint64 time, int value, qint64 stamp)
+{
+    return {time, RecordRead{front, EV_SW, SW_LINEIN_INSERT, value, stamp}};
+}
+
+SessionEntry lineInEvent(qint64 time, InputEvent::State state)
+{
+    return {time,
+            EventPublished{InputEvent::SWLineIn,
+                           state,
+                           InputEvent::Bus::LocalUI,
+                           front,
+                           EV_SW,
+                           {SW_LINEIN_INSERT},
+                           std::nullopt}};
+}
+
+TimelineModel collected(const QVector<SessionEntry> &entries, TimelineSpan wanted)
+{
+    TimelineCollector collector(wanted);
+    for (const SessionEntry &entry : entries)
+        collector.add(entry);
+    return collector.finished();
 }
 
 Picture draw(const QVector<SessionEntry> &entries, const TimelineOptions &options)

@@ -4,6 +4,7 @@
 #include "Picture.h"
 #include "Session.h"
 #include "Timeline.h"
+#include "TimelineCollector.h"
 
 #include <QVector>
 
@@ -28,13 +29,20 @@ Workbench::SessionEntry event(qint64 time, InputEvent::Command command, InputEve
                               const QVector<int> &codes = {KEY_INFO});
 Workbench::SessionEntry remark(qint64 time);
 
-/// Info is held from 200 ms to 2200 ms. Its long press is due at 1210 ms, and a tick notices it at
-/// 1250 ms.
+/// Info is held from 200 ms to 2200 ms. Its long press is due at 1210 ms, and published at 1250 ms.
 QVector<Workbench::SessionEntry> longPress();
 
 /// Stop, then Play: a chord from 500 ms to 1100 ms, during which the record of a third key is
 /// dropped.
 QVector<Workbench::SessionEntry> chord();
+
+/// A position of a switch; without a stamp it was queried.
+Workbench::SessionEntry lineIn(qint64 time, int value, qint64 stamp = 1);
+Workbench::SessionEntry lineInEvent(qint64 time, InputEvent::State state);
+
+/// What a picture of all entries, or of a part of them, shows.
+Workbench::TimelineModel collected(const QVector<Workbench::SessionEntry> &entries,
+                                   Workbench::TimelineSpan wanted = Workbench::wholeSession);
 
 Picture draw(const QVector<Workbench::SessionEntry> &entries,
              const Workbench::TimelineOptions &options = {});

@@ -35,7 +35,7 @@ TimelineBar onlyBar(const TimelineLane &lane)
 
 TEST(TimelineCollector, CollectsTheLaneOfAHeldKey)
 {
-    const TimelineModel model = timelineModel(longPress());
+    const TimelineModel model = collected(longPress());
     const TimelineLane &info = lane(model, "KEY_INFO");
     const TimelineBar bar = onlyBar(info);
     EXPECT_EQ(bar.from, 200 * ms);
@@ -46,13 +46,16 @@ TEST(TimelineCollector, CollectsTheLaneOfAHeldKey)
     EXPECT_EQ(info.timed.first().from, 200 * ms);
     EXPECT_EQ(info.timed.first().to, 2200 * ms);
     ASSERT_THAT(info.events, SizeIs(2));
-    EXPECT_EQ(info.events.first().due, 1210 * ms);
-    EXPECT_EQ(info.events.last().due, std::nullopt);
+    EXPECT_EQ(info.events.first().due(), 1210 * ms);
+    EXPECT_EQ(info.events.last().due(), std::nullopt);
+    ASSERT_THAT(info.marks, SizeIs(1));
+    EXPECT_EQ(info.marks.first().kind, TimelineMark::Kind::Due);
+    EXPECT_EQ(info.marks.first().time, 1210 * ms);
 }
 
 TEST(TimelineCollector, KeepsTheBarOfAWithdrawnKeyOpenUntilItsRelease)
 {
-    const TimelineModel model = timelineModel(chord());
+    const TimelineModel model = collected(chord());
     const TimelineBar bar = onlyBar(lane(model, "KEY_STOP"));
     EXPECT_EQ(bar.withdrawn, 500 * ms);
     EXPECT_EQ(bar.to, 1000 * ms);
@@ -62,14 +65,14 @@ TEST(TimelineCollector, KeepsTheBarOfAWithdrawnKeyOpenUntilItsRelease)
 TEST(TimelineCollector, HasNoWithdrawnPartOfAKeyThatIsUp)
 {
     const TimelineModel model =
-        timelineModel({key(0, KEY_STOP, 1), key(100 * ms, KEY_STOP, 0),
-                       detector(200 * ms, What::FirstKeyWithdrawn, {KEY_STOP})});
+        collected({key(0, KEY_STOP, 1), key(100 * ms, KEY_STOP, 0),
+                   detector(200 * ms, What::FirstKeyWithdrawn, {KEY_STOP})});
     EXPECT_EQ(onlyBar(lane(model, "KEY_STOP")).withdrawn, std::nullopt);
 }
 
 TEST(TimelineCollector, ExtendsWhatHasNoEndToTheEndOfTheSession)
 {
-    const TimelineModel model = timelineModel(
+    const TimelineModel model = collected(
         {key(0, KEY_A, 1), detector(0, What::LongPressDue, {KEY_A}, 5000 * ms), remark(900 * ms)});
     const TimelineLane &a = lane(model, "KEY_A");
     EXPECT_TRUE(onlyBar(a).isOpen);
@@ -81,8 +84,8 @@ TEST(TimelineCollector, ExtendsWhatHasNoEndToTheEndOfTheSession)
 TEST(TimelineCollector, EndsBarAndTimingWhenTheDeviceIsRemoved)
 {
     const TimelineModel model =
-        timelineModel({key(0, KEY_A, 1), detector(0, What::LongPressDue, {KEY_A}, 5000 * ms),
-                       key(0, KEY_A, 1, keyboard), unplugged(400 * ms), remark(900 * ms)});
+        collected({key(0, KEY_A, 1), detector(0, What::LongPressDue, {KEY_A}, 5000 * ms),
+                   key(0, KEY_A, 1, keyboard), unplugged(400 * ms), remark(900 * ms)});
     const TimelineLane &a = model.lanes.at(0);
     EXPECT_FALSE(onlyBar(a).isOpen);
     EXPECT_EQ(onlyBar(a).to, 400 * ms);
@@ -92,7 +95,7 @@ TEST(TimelineCollector, EndsBarAndTimingWhenTheDeviceIsRemoved)
 
 TEST(TimelineCollector, TakesARepeatWithoutAPressAsThePress)
 {
-    const TimelineModel model = timelineModel({key(0, KEY_A, 2), key(100 * ms, KEY_A, 2)});
+    const TimelineModel model = collected({key(0, KEY_A, 2), key(100 * ms, KEY_A, 2)});
     const TimelineLane &a = lane(model, "KEY_A");
     EXPECT_EQ(onlyBar(a).from, 0);
     ASSERT_THAT(a.marks, SizeIs(1));
@@ -102,7 +105,7 @@ TEST(TimelineCollector, TakesARepeatWithoutAPressAsThePress)
 
 TEST(TimelineCollector, LinksAChordToItsKeys)
 {
-    const TimelineModel model = timelineModel(chord());
+    const TimelineModel model = collected(chord());
     ASSERT_THAT(model.links, SizeIs(1));
     EXPECT_EQ(model.links.first().time, 500 * ms);
     EXPECT_THAT(model.links.first().lanes, ElementsAre(0, 1, 2));
@@ -112,9 +115,9 @@ TEST(TimelineCollector, SortsMarksByTime)
 {
     // That the long press was due is known only once the key is released.
     const TimelineModel model =
-        timelineModel({key(0, KEY_A, 1), detector(0, What::LongPressDue, {KEY_A}, 300 * ms),
-                       key(400 * ms, KEY_A, 2), key(500 * ms, KEY_A, 0),
-                       detector(500 * ms, What::LongPressEnded, {KEY_A})});
+        collected({key(0, KEY_A, 1), detector(0, What::LongPressDue, {KEY_A}, 300 * ms),
+                   key(400 * ms, KEY_A, 2), key(500 * ms, KEY_A, 0),
+                   detector(500 * ms, What::LongPressEnded, {KEY_A})});
     const auto &marks = lane(model, "KEY_A").marks;
     ASSERT_THAT(marks, SizeIs(2));
     EXPECT_EQ(marks.first().kind, TimelineMark::Kind::Due);
@@ -123,7 +126,110 @@ TEST(TimelineCollector, SortsMarksByTime)
 
 TEST(TimelineCollector, KeepsTheFirstStartOnly)
 {
-    const TimelineModel model = timelineModel({start(), {5, SessionStart{"other", {}, 0}}});
+    const TimelineModel model = collected({start(), {5, SessionStart{"other", {}, 0}}});
     EXPECT_TRUE(model.hasStart);
     EXPECT_EQ(model.start.source.toStdString(), "a.scenario");
+}
+
+TEST(TimelineCollector, KnowsThatASwitchThatGoesOffWasOn)
+{
+    const TimelineModel model =
+        collected({start(), plugged(100 * ms), lineIn(700 * ms, 0), lineIn(900 * ms, 0)});
+    const TimelineBar bar = onlyBar(lane(model, "SW_LINEIN_INSERT"));
+    EXPECT_TRUE(bar.wasOpen);
+    EXPECT_EQ(bar.from, 100 * ms);
+    EXPECT_EQ(bar.to, 700 * ms);
+}
+
+TEST(TimelineCollector, KnowsNothingOfASwitchBeforeItsPositionIsQueried)
+{
+    const TimelineModel model = collected({start(), plugged(100 * ms), lineIn(100 * ms, 0, 0),
+                                           lineIn(500 * ms, 1), lineIn(700 * ms, 0)});
+    const TimelineBar bar = onlyBar(lane(model, "SW_LINEIN_INSERT"));
+    EXPECT_FALSE(bar.wasOpen);
+    EXPECT_EQ(bar.from, 500 * ms);
+}
+
+TEST(TimelineCollector, BelievesThePositionsThatArePublishedAtTheStart)
+{
+    using State = InputEvent::State;
+    const TimelineModel on =
+        collected({start(), plugged(100 * ms), lineInEvent(100 * ms, State::SwitchEnabled),
+                   lineIn(700 * ms, 0)});
+    EXPECT_EQ(onlyBar(lane(on, "SW_LINEIN_INSERT")).from, 100 * ms);
+    EXPECT_EQ(onlyBar(lane(on, "SW_LINEIN_INSERT")).to, 700 * ms);
+    const TimelineModel off =
+        collected({start(), plugged(100 * ms), lineInEvent(100 * ms, State::SwitchDisabled),
+                   lineIn(700 * ms, 0)});
+    EXPECT_THAT(lane(off, "SW_LINEIN_INSERT").bars, IsEmpty());
+}
+
+TEST(TimelineCollector, ForgetsThePositionsOfADeviceThatGoes)
+{
+    const TimelineModel model =
+        collected({start(), plugged(0), lineIn(100 * ms, 1), unplugged(300 * ms), plugged(500 * ms),
+                   lineIn(700 * ms, 0)});
+    const auto &bars = lane(model, "SW_LINEIN_INSERT").bars;
+    ASSERT_THAT(bars, SizeIs(2));
+    EXPECT_EQ(bars.at(1).from, 500 * ms);
+    EXPECT_TRUE(bars.at(1).wasOpen);
+}
+
+TEST(TimelineCollector, ShowsTheKeyThatAResetMadeTheDetectorForget)
+{
+    const TimelineModel model = collected(
+        {key(0, KEY_A, 1), detector(300 * ms, What::Forgotten, {KEY_A}), key(500 * ms, KEY_A, 0)});
+    EXPECT_EQ(onlyBar(lane(model, "KEY_A")).withdrawn, 300 * ms);
+    ASSERT_THAT(lane(model, "KEY_A").marks, SizeIs(1));
+    EXPECT_EQ(lane(model, "KEY_A").marks.first().kind, TimelineMark::Kind::Forgotten);
+}
+
+TEST(TimelineCollector, CollectsThePartThatIsWanted)
+{
+    const TimelineModel model =
+        collected({start(),
+                   {0, IdentifierSelected{"a"}},
+                   {1, IdentifierSelected{"b"}},
+                   key(0, KEY_A, 1),
+                   key(100 * ms, KEY_A, 0),
+                   key(200 * ms, KEY_A, 1),
+                   event(900 * ms, InputEvent::Info, InputEvent::KeyPressed),
+                   key(1500 * ms, KEY_A, 0),
+                   key(3000 * ms, KEY_A, 1),
+                   event(3000 * ms, InputEvent::Info, InputEvent::KeyPressed),
+                   remark(4000 * ms)},
+                  {500 * ms, 2000 * ms});
+    EXPECT_EQ(model.shown.from, 500 * ms);
+    EXPECT_EQ(model.shown.to, 2000 * ms);
+    EXPECT_EQ(model.session.to, 4000 * ms);
+    const TimelineBar bar = onlyBar(lane(model, "KEY_A"));
+    EXPECT_EQ(bar.from, 200 * ms);
+    EXPECT_EQ(bar.to, 1500 * ms);
+    EXPECT_THAT(lane(model, "KEY_INFO").events, SizeIs(1));
+    EXPECT_THAT(model.flags, IsEmpty());
+    ASSERT_THAT(model.identifiers, SizeIs(1));
+    EXPECT_EQ(model.identifiers.first().identifier.toStdString(), "b");
+    EXPECT_EQ(model.marksLeftOut, 0);
+}
+
+TEST(TimelineCollector, EndsWhereThePictureIsFullAndCountsTheRest)
+{
+    TimelineCollector collector(wholeSession);
+    constexpr qint64 clicks = 15'000;
+    for (qint64 i = 0; i < clicks; ++i) {
+        collector.add(key(i * 100 * ms, KEY_A, 1));
+        collector.add(event(i * 100 * ms, InputEvent::Info, InputEvent::KeyPressed, {KEY_A}));
+        collector.add(key((i * 100 + 50) * ms, KEY_A, 0));
+    }
+    for (int code = KEY_B; code < KEY_B + 5; ++code)
+        collector.add(key(clicks * 100 * ms, code, 1));
+    const TimelineModel model = collector.finished();
+    ASSERT_THAT(model.lanes, SizeIs(1)) << "no room for those at the end";
+    const TimelineLane &a = model.lanes.first();
+    const qint64 kept = a.bars.size() + a.events.size();
+    EXPECT_NEAR(static_cast<double>(kept), maxTimelineMarks, 5);
+    EXPECT_EQ(model.marksLeftOut, 2 * clicks + 5 - kept);
+    EXPECT_NEAR(static_cast<double>(model.shown.to), maxTimelineMarks / 2 * 100.0 * ms, 200 * ms);
+    EXPECT_EQ(model.session.to, clicks * 100 * ms);
+    EXPECT_FALSE(a.bars.last().isOpen) << "its end is known";
 }

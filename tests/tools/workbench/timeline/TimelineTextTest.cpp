@@ -35,3 +35,14 @@ TEST(TimelineText, JoinsTheNamesOfCodes)
     EXPECT_EQ(joinedNames(EV_KEY, {KEY_STOP, KEY_PLAY}).toStdString(), "KEY_STOP + KEY_PLAY");
     EXPECT_EQ(joinedNames(EV_KEY, {}).toStdString(), "");
 }
+
+TEST(TimelineText, LabelsEventsByTheirCommand)
+{
+    TimelineEvent event;
+    event.command = InputEvent::StartPlay;
+    event.state = InputEvent::KeyLongPress;
+    EXPECT_EQ(eventLabel(event).toStdString(), "StartPlay long press");
+    EXPECT_EQ(clickLabel(event).toStdString(), "StartPlay click");
+    event.state = InputEvent::SwitchDisabled;
+    EXPECT_EQ(eventLabel(event).toStdString(), "StartPlay off");
+}

@@ -1,0 +1,133 @@
+#include "AxisRows.h"
+
+#include "LabelRows.h"
+
+#include <gmock/gmock.h>
+
+#include <limits>
+
+using namespace Vorn::Workbench;
+
+namespace {
+
+using testing::SizeIs;
+
+constexpr qint64 ms = 1000;
+
+QVector<TimelineAxis> rowsOf(const QVector<qint64> &times, double left = 100)
+{
+    ActivitySpans activity;
+    for (const qint64 time : times)
+        activity.add(time);
+    return axisRows({times.first(), times.last()}, activity.spans(), left);
+}
+
+std::vector<std::pair<qint64, qint64>> pairs(const ActivitySpans &activity)
+{
+    std::vector<std::pair<qint64, qint64>> pairs;
+    for (const TimelineSpan &span : activity.spans())
+        pairs.emplace_back(span.from / ms, span.to / ms);
+    return pairs;
+}
+
+} // namespace
+
+TEST(ActivitySpans, JoinsTimesThatAreCloseInAnyOrder)
+{
+    using testing::ElementsAre;
+    using testing::Pair;
+    ActivitySpans activity;
+    for (const qint64 time : {0, 1500, 9000, 5000, 3000, 20'000, 7000})
+        activity.add(time * ms);
+    EXPECT_THAT(pairs(activity), ElementsAre(Pair(0, 9000), Pair(20'000, 20'000)));
+    EXPECT_FALSE(activity.isNew(22'000 * ms));
+    EXPECT_FALSE(activity.isNew(18'000 * ms));
+    EXPECT_FALSE(activity.isNew(4'000 * ms));
+    EXPECT_TRUE(activity.isNew(15'000 * ms));
+    EXPECT_TRUE(activity.isNew(-3000 * ms));
+}
+
+TEST(AxisRows, KeepTheOrderOfTimes)
+{
+    const auto axes = rowsOf({0, 1000 * ms, 9000 * ms, 9500 * ms, 500'000 * ms});
+    ASSERT_THAT(axes, SizeIs(1));
+    const TimelineAxis &axis = axes.first();
+    EXPECT_THAT(axis.breaks(), SizeIs(2));
+    double last = axis.left() - 1;
+    for (const qint64 time : {qint64(0), 500 * ms, 1000 * ms, 9000 * ms, 9500 * ms, 500'000 * ms}) {
+        EXPECT_GT(axis.x(time), last);
+        last = axis.x(time);
+    }
+    EXPECT_NEAR(last, axis.right(), 0.1);
+    EXPECT_NEAR(axis.x(-5 * ms), axis.left(), 0.1);
+    EXPECT_NEAR(axis.x(std::numeric_limits<qint64>::max()), axis.right(), 0.1);
+}
+
+TEST(AxisRows, LabelNoTwoTicksOnTopOfEachOther)
+{
+    QVector<qint64> activity;
+    for (qint64 i = 0; i < 30; ++i)
+        activity.append(i * i * 500 * ms);
+    for (const TimelineAxis &axis : rowsOf(activity, 50)) {
+        double free = 0;
+        for (const TimelineAxis::Tick &tick : axis.ticks()) {
+            if (tick.label.isEmpty())
+                continue;
+            const double half = LabelRows::width(tick.label) / 2;
+            EXPECT_GE(tick.x - half, free);
+            free = tick.x + half;
+        }
+        EXPECT_GT(free, 0);
+    }
+}
+
+TEST(AxisRows, ShowEachMomentOfALongSessionInOneRow)
+{
+    QVector<qint64> activity;
+    for (qint64 time = 0; time <= 60'000; time += 300)
+        activity.append(time * ms);
+    const auto axes = rowsOf(activity);
+    ASSERT_THAT(axes, SizeIs(6));
+    for (const qint64 time : activity) {
+        int rows = 0;
+        for (const TimelineAxis &axis : axes) {
+            rows += axis.contains(time) ? 1 : 0;
+            EXPECT_LE(axis.x(time), axis.right() + 1);
+        }
+        EXPECT_EQ(rows, 1) << time;
+    }
+    for (int i = 1; i < axes.size(); ++i)
+        EXPECT_EQ(axes.at(i).from(), axes.at(i - 1).to());
+    // 300 ms, the pace of someone who presses a key again and again, can be told apart.
+    EXPECT_GT(axes.first().x(600 * ms) - axes.first().x(300 * ms), 30);
+}
+
+TEST(AxisRows, AreNotTooMany)
+{
+    QVector<qint64> sparse;
+    for (qint64 i = 0; i < 20'000; ++i)
+        sparse.append(i * 3000 * ms);
+    const auto axes = rowsOf(sparse);
+    EXPECT_LE(axes.size(), 25);
+    int breaks = 0;
+    for (const TimelineAxis &axis : axes) {
+        breaks += axis.breaks().size();
+        EXPECT_LE(axis.x(axis.to()), axis.right() + 1);
+    }
+    EXPECT_EQ(breaks, 19'999) << "each is in one of the rows";
+}
+
+TEST(AxisRows, ShowABarInEveryRowThatItReaches)
+{
+    QVector<qint64> activity;
+    for (qint64 time = 0; time <= 30'000; time += 500)
+        activity.append(time * ms);
+    const auto axes = rowsOf(activity);
+    ASSERT_GE(axes.size(), 2);
+    const qint64 edge = axes.first().to();
+    EXPECT_TRUE(axes.at(0).intersects(0, edge));
+    EXPECT_FALSE(axes.at(1).intersects(0, edge));
+    EXPECT_TRUE(axes.at(1).intersects(0, edge + 1));
+    EXPECT_FALSE(axes.at(0).intersects(edge, edge + 1));
+    EXPECT_TRUE(axes.at(1).intersects(edge, edge));
+}
