@@ -96,7 +96,7 @@ private:
         show(result, ended.diagnostics);
         // A failed expectation is what a picture is for; a broken scenario gives half a picture.
         if (!m_options.timeline.isEmpty() && statusOf(result.outcome) != Failure)
-            draw(report);
+            draw(&report, ended.duration);
         return result;
     }
 
@@ -115,10 +115,12 @@ private:
             printLine(stdout, summary(result));
     }
 
-    void draw(const SimulationReport &report)
+    void draw(SimulationReport *report, qint64 duration)
     {
-        const QString reason = writeFile(
-            m_options.timeline, timelineSvg(report.entries(), TimelineOptions()), picture());
+        // A wait at the end has no entry.
+        report->picture().extendTo(duration * 1000);
+        const QString reason =
+            writeFile(m_options.timeline, report->picture().svg(), picture());
         if (!reason.isEmpty())
             m_hasWritten = refuse(reason);
     }

@@ -74,7 +74,7 @@ SimulationReport::SimulationReport(const SimulateOptions &options)
 void SimulationReport::add(const SessionEntry &entry)
 {
     if (!m_options.timeline.isEmpty())
-        m_entries.append(entry);
+        m_picture.add(entry);
     if (m_options.json)
         print(stdout, toJsonLine(entry));
     if (const auto *checked = std::get_if<ExpectationChecked>(&entry.what)) {

@@ -4,10 +4,10 @@
 #include "Session.h"
 #include "SessionPrinter.h"
 #include "SimulateCommand.h"
+#include "Timeline.h"
 
 #include <QString>
 #include <QStringList>
-#include <QVector>
 
 #include <optional>
 
@@ -28,8 +28,8 @@ public:
     /// The lines of what happened before the failure, and its time.
     QStringList context() const;
 
-    /// All entries, kept only if a picture is to be drawn.
-    const QVector<Workbench::SessionEntry> &entries() const { return m_entries; }
+    /// Empty unless a picture is to be drawn.
+    Workbench::Timeline &picture() { return m_picture; }
 
 private:
     const SimulateOptions &m_options;
@@ -37,7 +37,7 @@ private:
     Workbench::SessionPrinter m_contextText;
     QStringList m_context; ///< the last lines, with records and detectors, shown or not
     Workbench::SessionEntry m_failure;
-    QVector<Workbench::SessionEntry> m_entries;
+    Workbench::Timeline m_picture;
 };
 
 /// What was expected, what came instead, and where, in one line.
