@@ -44,7 +44,7 @@ _vorn_input() {
         ;;
     monitor:--id | monitor:--duration) ;;
     learn:--commands | learn:-c | learn:--patience) ;;
-    timeline:--title | timeline:--from | timeline:--to) ;;
+    timeline:--title | timeline:--from | timeline:--to | timeline:--session) ;;
     *) false ;;
     esac && return
 
@@ -55,7 +55,7 @@ _vorn_input() {
     learn) options='--output --commands --yes --force --patience' ;;
     check) options='--json --strict' ;;
     simulate) options='--profile --expectations --json --raw --quiet --timeline --junit --force' ;;
-    timeline) options='--output --force --title --from --to' ;;
+    timeline) options='--output --force --session --title --from --to' ;;
     explain) options='--profile --json --silent' ;;
     help) options='' ;;
     *)

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <limits>
 #include <vector>
 
 namespace Vorn::Tools {
@@ -79,13 +80,21 @@ void addFiles(CLI::App *command, QStringList *files, const std::string &descript
 }
 
 void addSeconds(CLI::App *command, const std::string &name, double *value,
-                const std::string &description)
+                const std::string &description, double shortest)
 {
     constexpr double longest = 7 * 24 * 60 * 60;
     // The range would be part of the help, where it is of no use.
     command->add_option(name, *value, description)
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.001, longest).description(""));
+        ->check(CLI::Range(shortest, longest).description(""));
+}
+
+void addNumber(CLI::App *command, const std::string &name, int *value,
+               const std::string &description)
+{
+    command->add_option(name, *value, description)
+        ->type_name("NUMBER")
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()).description(""));
 }
 
 } // namespace Vorn::Tools

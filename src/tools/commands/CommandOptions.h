@@ -44,9 +44,13 @@ void addCommaList(CLI::App *command, const std::string &name, QStringList *value
 /// One or more arguments without a dash.
 void addFiles(CLI::App *command, QStringList *files, const std::string &description);
 
-/// From a millisecond to a week.
+/// From @p shortest to a week.
 void addSeconds(CLI::App *command, const std::string &name, double *value,
-                const std::string &description);
+                const std::string &description, double shortest = 0.001);
+
+/// A number from 1.
+void addNumber(CLI::App *command, const std::string &name, int *value,
+               const std::string &description);
 
 } // namespace Vorn::Tools
 

@@ -5,27 +5,120 @@
 #include "ExitStatus.h"
 #include "Output.h"
 #include "OutputFile.h"
+#include "Progress.h"
 #include "SessionReader.h"
 #include "TextFile.h"
 #include "Timeline.h"
 
+#include <QDateTime>
+#include <QFile>
+#include <QStringList>
+
+#include <algorithm>
 #include <cmath>
 
 namespace Vorn::Tools {
 
 namespace {
 
+using namespace Workbench;
+
+/// A file with more sessions lists only the first ones.
+constexpr int maxListed = 40;
+
+/// What a file contains.
+struct Contents
+{
+    int sessions = 0;
+    QStringList list; ///< a line for each of the first sessions
+};
+
 int fail(const QString &message)
 {
-    Workbench::printLine(stderr, message);
+    printLine(stderr, message);
     return Failure;
 }
 
-/// Clamped to what the time of a session can be; µs.
-qint64 microseconds(double seconds)
+std::optional<qint64> microseconds(double seconds)
 {
-    constexpr double longest = 4e9;
-    return std::llround(std::fmin(std::fmax(seconds, 0), longest) * 1e6);
+    if (seconds < 0)
+        return std::nullopt;
+    return std::llround(seconds * 1e6);
+}
+
+QString secondsOf(qint64 time)
+{
+    return QString::number(static_cast<double>(time) / 1e6, 'f', 3) + QStringLiteral(" s");
+}
+
+QString listed(int number, const SessionStart *start)
+{
+    const QString place = QStringLiteral("  %1  ").arg(number);
+    if (!start)
+        return place + QStringLiteral("without its beginning");
+    QString text = place
+        + QDateTime::fromMSecsSinceEpoch(start->wallClock / 1000, Qt::UTC)
+              .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss 'UTC'  "))
+        + start->source;
+    if (!start->profile.isEmpty())
+        text += QStringLiteral(", profile ") + start->profile;
+    return text;
+}
+
+/// Adds session number @p wanted to the picture. The others are read as well, to find out how many
+/// there are and whether their lines are valid.
+Contents readSessions(SessionReader *reader, qint64 fileSize, int wanted,
+                      Workbench::Timeline *picture)
+{
+    Contents contents;
+    Progress progress;
+    while (const std::optional<SessionEntry> entry = reader->next()) {
+        const auto *start = std::get_if<SessionStart>(&entry->what);
+        if (start || contents.sessions == 0) {
+            ++contents.sessions;
+            if (contents.list.size() < maxListed)
+                contents.list += listed(contents.sessions, start);
+        }
+        if (contents.sessions == wanted)
+            picture->add(*entry);
+        if (progress.isDue())
+            progress.show(sessionProgress(entry->time, reader->bytesRead(), fileSize));
+    }
+    return contents;
+}
+
+QString contradictionIn(const TimelineOptions &options)
+{
+    if (std::isnan(options.from) || std::isnan(options.to))
+        return QStringLiteral("--from and --to are numbers of seconds");
+    if (options.from >= 0 && options.to >= 0 && options.from >= options.to)
+        return QStringLiteral("--from %1 is not before --to %2; there is nothing to draw")
+            .arg(secondsOf(*microseconds(options.from)), secondsOf(*microseconds(options.to)));
+    return {};
+}
+
+/// Why there is nothing to draw.
+QString problemOf(const TimelineOptions &options, const Contents &contents, TimelineSpan session)
+{
+    if (contents.sessions == 0)
+        return QStringLiteral("contains no session; to get one, use 'vorn-input monitor --json' or "
+                              "'vorn-input simulate --json'");
+    if (contents.sessions > 1 && options.session == 0)
+        return QStringLiteral("contains %1 sessions; choose one with --session")
+            .arg(contents.sessions);
+    if (options.session > contents.sessions)
+        return QStringLiteral("has no session %1; it contains %2")
+            .arg(options.session)
+            .arg(contents.sessions);
+    const QString covered =
+        QStringLiteral("it is from %1 to %2").arg(secondsOf(session.from), secondsOf(session.to));
+    const std::optional<qint64> from = microseconds(options.from);
+    const std::optional<qint64> to = microseconds(options.to);
+    if (from && *from >= session.to && *from > session.from)
+        return QStringLiteral("--from %1 is after the session; ").arg(secondsOf(*from)) + covered;
+    if (to && *to <= session.from)
+        return QStringLiteral("--to %1 is before the session; ").arg(secondsOf(*to)) + covered;
+    return {};
 }
 
 } // namespace
@@ -47,36 +140,64 @@ CLI::App *addTimeline(CLI::App *app, TimelineOptions *options)
             "Picture to write (SVG); - is the standard output", "FILE", Presence::Required);
     addFlag(command, "-f,--force", &options->force,
             "Replace a file that is no picture of this program");
+    addNumber(command, "--session", &options->session,
+              "Draw this session of a file that contains several");
     addText(command, "--title", &options->title, "Title of the picture", "TEXT");
-    addSeconds(command, "--from", &options->from, "Start at this second of the session");
+    addSeconds(command, "--from", &options->from, "Start at this second of the session", 0);
     addSeconds(command, "--to", &options->to, "End at this second of the session");
     return command;
 }
 
 int timeline(const TimelineOptions &options)
 {
-    Workbench::ParsedSession session;
-    const std::optional<QByteArray> text =
-        Workbench::readFile(options.file, Workbench::maxRecordingSize, &session.diagnostics);
-    if (text)
-        session = Workbench::parseSession(*text, options.file);
-    Workbench::printDiagnostics(session.diagnostics);
-    if (Workbench::hasErrors(session.diagnostics))
+    const QString contradiction = contradictionIn(options);
+    if (!contradiction.isEmpty())
+        return fail(QStringLiteral("error: ") + contradiction);
+    Diagnostics diagnostics;
+    QFile file;
+    if (!openSession(options.file, &file, &diagnostics)) {
+        printDiagnostics(diagnostics);
         return Failure;
-    if (session.entries.isEmpty())
-        return fail(QStringLiteral("%1: error: contains no session; to get one, use "
-                                   "'vorn-input monitor --json' or 'vorn-input simulate --json'")
-                        .arg(options.file));
+    }
+    Workbench::Timeline picture(
+        {options.title, microseconds(options.from), microseconds(options.to)});
+    SessionReader reader(&file, options.file);
+    const int wanted = std::max(options.session, 1);
+    const Contents contents =
+        readSessions(&reader, file.isSequential() ? 0 : file.size(), wanted, &picture);
+    printDiagnostics(reader.diagnostics());
+    if (hasErrors(reader.diagnostics()))
+        return Failure;
 
-    const Workbench::Overwrite overwrite{Workbench::timelineSignature(), options.force};
-    Workbench::TimelineOptions picture;
-    picture.title = options.title;
-    picture.from = microseconds(options.from);
-    if (options.to > 0)
-        picture.to = microseconds(options.to);
-    const QString error = Workbench::writeFile(
-        options.output, Workbench::timelineSvg(session.entries, picture), overwrite);
-    return error.isEmpty() ? Success : fail(QStringLiteral("error: ") + error);
+    const QString problem = problemOf(options, contents, picture.session());
+    const bool isChoice = contents.sessions > 1;
+    if (!problem.isEmpty()) {
+        printLine(stderr, options.file + QStringLiteral(": error: ") + problem);
+        for (const QString &line : isChoice ? contents.list : QStringList())
+            printLine(stderr, line);
+        if (contents.sessions > contents.list.size())
+            printLine(stderr, QStringLiteral("  …"));
+        return Failure;
+    }
+    const QString part = isChoice
+        ? QStringLiteral("session %1 of %2").arg(wanted).arg(contents.sessions)
+        : QString();
+    const QString error = writeFile(options.output, picture.svg(part),
+                                    {timelineSignature(), options.force});
+    if (!error.isEmpty())
+        return fail(QStringLiteral("error: ") + error);
+    // Not on the standard output, which may be the picture.
+    if (isChoice)
+        printLine(stderr, QStringLiteral("%1: %2 drawn").arg(options.file, part));
+    return Success;
+}
+
+QString sessionProgress(qint64 time, qint64 bytesRead, qint64 fileSize)
+{
+    const QString at = QStringLiteral("at ") + secondsOf(time);
+    if (fileSize <= 0)
+        return at;
+    return QStringLiteral("%1 %, ").arg(bytesRead * 100 / fileSize, 3) + at;
 }
 
 } // namespace Vorn::Tools
