@@ -145,8 +145,11 @@ void FrameDrawing::drawBreaks(const PlacedRow &row)
         const QString title = timelineTime(left.duration) + QStringLiteral(" without activity");
         const double top = row.lanesTop;
         m_svg.rectangle(left.from, top, left.to - left.from, row.lanesBottom - top, "break", title);
-        m_svg.line(left.from, top, left.from, row.lanesBottom, "break-edge");
-        m_svg.line(left.to, top, left.to, row.lanesBottom, "break-edge");
+        // Beside the bars only: labels reach across.
+        for (const PlacedLane &placed : row.lanes) {
+            for (const double x : {left.from, left.to})
+                m_svg.line(x, placed.top, x, placed.top + Metrics::timedBottom + 2, "break-edge");
+        }
         if (LabelRows::width(label) <= left.to - left.from)
             m_svg.text((left.from + left.to) / 2, row.axisTop + 12, label, "muted", Anchor::Middle,
                        title);

@@ -92,10 +92,9 @@ bool LabelRows::isFree(int row, double from, double to) const
 
 bool LabelRows::mayLead(double x, int row) const
 {
-    const int first = m_lineSide == Lines::FromAbove ? 0 : row + 1;
-    const int end = m_lineSide == Lines::FromAbove ? row : m_texts.size();
-    for (int passed = first; passed < end; ++passed) {
-        if (!isFreeIn(m_texts.at(passed), x - lineWidth / 2, x + lineWidth / 2))
+    const auto [first, end] = passed(row);
+    for (int passedRow = first; passedRow < end; ++passedRow) {
+        if (!isFreeIn(m_texts.at(passedRow), x - lineWidth / 2, x + lineWidth / 2))
             return false;
     }
     return true;
@@ -103,10 +102,17 @@ bool LabelRows::mayLead(double x, int row) const
 
 void LabelRows::lead(double x, int row)
 {
-    const int first = m_lineSide == Lines::FromAbove ? 0 : row;
-    const int end = m_lineSide == Lines::FromAbove ? row + 1 : m_texts.size();
-    for (int passed = first; passed < end; ++passed)
-        takeIn(&m_lines[passed], x - lineWidth / 2, x + lineWidth / 2);
+    const auto [first, end] = passed(row);
+    for (int passedRow = first; passedRow < end; ++passedRow)
+        takeIn(&m_lines[passedRow], x - lineWidth / 2, x + lineWidth / 2);
+}
+
+/// The first row that the line of a text passes, and the one after the last; its own is among them.
+QPair<int, int> LabelRows::passed(int row) const
+{
+    if (m_lineSide == Lines::FromAbove)
+        return {0, row + 1};
+    return {row, m_texts.size()};
 }
 
 } // namespace Vorn::Workbench

@@ -2,6 +2,7 @@
 #define VORN_WORKBENCH_LABELROWS_H
 
 #include <QMap>
+#include <QPair>
 #include <QString>
 #include <QVector>
 
@@ -50,6 +51,7 @@ private:
     bool isFree(int row, double from, double to) const;
     bool mayLead(double x, int row) const;
     void lead(double x, int row);
+    QPair<int, int> passed(int row) const;
 
     const Lines m_lineSide;
     const Edges m_edges;

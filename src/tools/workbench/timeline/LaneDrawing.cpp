@@ -15,6 +15,8 @@ using MarkKind = TimelineMark::Kind;
 
 /// px. Repeats closer together than this would merge into one.
 constexpr double minRepeatDistance = 1.5;
+/// px, more than most.
+constexpr double boldCharacter = 8;
 
 const char *barClassOf(const TimelineLane &lane)
 {
@@ -44,8 +46,7 @@ void LaneDrawing::drawHeadings(const PlacedRow &row)
         const QString name = TimelineSvg::shortened(heading.name, Metrics::flagLabelLength);
         m_svg.text(Metrics::margin, y, name, "device-name", Anchor::Start, heading.name);
         if (!heading.node.isEmpty())
-            m_svg.text(Metrics::margin + LabelRows::width(name) * 1.12 + 4, y, heading.node,
-                       "muted");
+            m_svg.text(Metrics::margin + name.size() * boldCharacter + 6, y, heading.node, "muted");
     }
 }
 

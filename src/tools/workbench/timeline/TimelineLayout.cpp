@@ -27,6 +27,8 @@ constexpr double flagDistance = 4;
 /// Nobody reads a tool tip with more lines than this.
 constexpr int maxMergedTitles = 20;
 constexpr double symbolHalf = 5;
+/// µs. A key that is down for longer was not clicked.
+constexpr qint64 longestClick = 250'000;
 /// Between a symbol's middle and the label beside it.
 constexpr double symbolGap = 8;
 
@@ -67,7 +69,7 @@ bool isShown(const TimelineLane &lane, const TimelineAxis &axis)
            });
 }
 
-/// Labels a press and the release that follows it as one, unless both labels have room.
+/// Labels a press and the release that follows it as a click, unless both labels have room.
 void labelEvents(QVector<PlacedEvent> *events)
 {
     for (int i = 0; i < events->size(); ++i) {
@@ -78,6 +80,7 @@ void labelEvents(QVector<PlacedEvent> *events)
         PlacedEvent &next = (*events)[i + 1];
         const double distance = next.label.x - placed.label.x;
         const bool isClick = next.event.state == InputEvent::KeyReleased
+            && next.event.time - placed.event.time <= longestClick
             && next.event.command == placed.event.command && next.event.bus == placed.event.bus
             && distance < LabelRows::width(placed.label.text) + 2 * symbolGap;
         if (!isClick)

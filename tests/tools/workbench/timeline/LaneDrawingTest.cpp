@@ -122,6 +122,11 @@ TEST(LaneDrawing, ShowsAClickAsOneThing)
                 Contains("0.080 s: [cmd=Info, state=KeyPressed, bus=LocalUI] KEY_INFO"));
     EXPECT_THAT(picture.titles("release"),
                 Contains("0.080 s: [cmd=Info, state=KeyReleased, bus=LocalUI] KEY_INFO"));
+    EXPECT_THAT(draw({start(), event(0, InputEvent::Info, InputEvent::KeyPressed),
+                      event(150 * ms, InputEvent::Info, InputEvent::KeyReleased), remark(1500 * ms),
+                      remark(3000 * ms)})
+                    .texts("event"),
+                ElementsAre("Info click"));
 }
 
 TEST(LaneDrawing, LabelsAPressAndAReleaseThatAreFarApart)
@@ -132,6 +137,12 @@ TEST(LaneDrawing, LabelsAPressAndAReleaseThatAreFarApart)
                                   event(2000 * ms, InputEvent::Stop, InputEvent::KeyReleased)});
     EXPECT_THAT(picture.texts("event"),
                 ElementsAre("Info press", "Info release", "Info press", "Stop release"));
+
+    const Picture held =
+        draw({start(), event(500 * ms, InputEvent::Info, InputEvent::KeyPressed),
+              event(751 * ms, InputEvent::Info, InputEvent::KeyReleased), remark(15'000 * ms)});
+    EXPECT_THAT(held.texts("event"), ElementsAre("Info press", "Info release"))
+        << "too long for a click";
 }
 
 TEST(LaneDrawing, ShowsThatASwitchWasOnBefore)

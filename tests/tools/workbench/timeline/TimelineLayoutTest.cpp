@@ -60,7 +60,7 @@ QVector<SessionEntry> manyPresses()
     using State = InputEvent::State;
     QVector<SessionEntry> entries{start(), plugged(0)};
     for (qint64 i = 0; i < 200; ++i) {
-        const qint64 time = i * 300 * ms + i * i % 7 * 20 * ms;
+        const qint64 time = i * 300 * ms + i * i % 7 * 20 * ms + i / 20 * 4000 * ms;
         const int code = i % 5 == 0 ? KEY_STOP : i % 3 == 0 ? KEY_PLAY : KEY_INFO;
         entries +=
             {key(time, code, 1), event(time, InputEvent::VolumeUp, State::KeyPressed, {code})};
@@ -92,7 +92,9 @@ TEST(TimelineLayout, LetsNoTextsOverlapAndNoLineCrossOne)
             EXPECT_FALSE(overlap(texts.at(i), texts.at(other)))
                 << texts.at(i).text << " and " << texts.at(other).text;
     }
-    for (const char *lines : {"leader", "leader-long-press", "device", "remark", "failure"}) {
+    for (const char *lines :
+         {"leader", "leader-long-press", "device", "remark", "failure", "break-edge"})
+    {
         for (const Element &line : picture.ofClass(lines)) {
             for (const Box &text : texts)
                 EXPECT_FALSE(crosses(line, text)) << lines << " through " << text.text;
