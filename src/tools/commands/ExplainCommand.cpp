@@ -5,6 +5,7 @@
 #include "EventNames.h"
 #include "ExitStatus.h"
 #include "Explainer.h"
+#include "InputFile.h"
 #include "Interruption.h"
 #include "LibraryFacts.h"
 #include "Output.h"
@@ -116,7 +117,7 @@ bool finish(Report *report)
 int explainSession(const ExplainOptions &options)
 {
     Diagnostics diagnostics;
-    QFile file;
+    InputFile file;
     Report report(options);
     if (openSession(options.file, &file, &diagnostics)) {
         const Interruption interruption;

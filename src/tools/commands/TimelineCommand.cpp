@@ -3,6 +3,7 @@
 #include "CommandOptions.h"
 #include "Diagnostic.h"
 #include "ExitStatus.h"
+#include "InputFile.h"
 #include "Output.h"
 #include "OutputFile.h"
 #include "Progress.h"
@@ -11,7 +12,6 @@
 #include "Timeline.h"
 
 #include <QDateTime>
-#include <QFile>
 #include <QStringList>
 
 #include <algorithm>
@@ -154,7 +154,7 @@ int timeline(const TimelineOptions &options)
     if (!contradiction.isEmpty())
         return fail(QStringLiteral("error: ") + contradiction);
     Diagnostics diagnostics;
-    QFile file;
+    InputFile file;
     if (!openSession(options.file, &file, &diagnostics)) {
         printDiagnostics(diagnostics);
         return Failure;
@@ -164,7 +164,7 @@ int timeline(const TimelineOptions &options)
     SessionReader reader(&file, options.file);
     const int wanted = std::max(options.session, 1);
     const Contents contents =
-        readSessions(&reader, file.isSequential() ? 0 : file.size(), wanted, &picture);
+        readSessions(&reader, file.size(), wanted, &picture);
     printDiagnostics(reader.diagnostics());
     if (hasErrors(reader.diagnostics()))
         return Failure;

@@ -7,17 +7,13 @@
 #include "Session.h"
 #include "SessionFormat.h"
 #include "SessionMembers.h"
-#include "TextFile.h"
 
 #include <QBuffer>
-#include <QFileDevice>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <linux/input.h>
 
-#include <cstdio>
 #include <limits>
 
 namespace Vorn::Workbench {
@@ -192,20 +188,13 @@ std::optional<SessionEntry> readEntry(SessionMembers &members)
 
 } // namespace
 
-bool openSession(const QString &path, QFile *file, Diagnostics *diagnostics)
+bool openSession(const QString &path, InputFile *file, Diagnostics *diagnostics)
 {
-    file->setFileName(path);
-    const bool isFolder = path != QLatin1String("-") && QFileInfo(path).isDir();
-    const bool isOpen = path == QLatin1String("-") ? file->open(stdin, QIODevice::ReadOnly)
-                                                   : !isFolder && file->open(QIODevice::ReadOnly);
-    if (isOpen)
-        noteRead(path);
-    else
+    const QString error = file->openForReading(path);
+    if (!error.isEmpty())
         diagnostics->append(
-            {Diagnostic::Severity::Error, path, 0, 0,
-             QStringLiteral("cannot be read: ")
-                 + (isFolder ? QStringLiteral("it is a folder") : file->errorString())});
-    return isOpen;
+            {Diagnostic::Severity::Error, path, 0, 0, QStringLiteral("cannot be read: ") + error});
+    return error.isEmpty();
 }
 
 SessionReader::SessionReader(QIODevice *device, const QString &file)
@@ -261,12 +250,14 @@ bool SessionReader::fill()
 {
     m_buffer.remove(0, m_begin);
     m_begin = 0;
-    const QByteArray part = m_device->read(chunkSize);
-    m_buffer += part;
-    const auto *file = qobject_cast<QFileDevice *>(m_device);
-    if (part.isEmpty() && file && file->error() != QFileDevice::NoError)
-        report(0, 0, QStringLiteral("cannot be read: ") + file->errorString());
-    return !part.isEmpty();
+    QByteArray part(chunkSize, Qt::Uninitialized);
+    const auto size = static_cast<int>(m_device->read(part.data(), chunkSize));
+    if (size < 0)
+        report(0, 0, QStringLiteral("cannot be read: ") + m_device->errorString());
+    if (size <= 0)
+        return false;
+    m_buffer.append(part.constData(), size);
+    return true;
 }
 
 std::optional<SessionEntry> SessionReader::parse(const QByteArray &line)

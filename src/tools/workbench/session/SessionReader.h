@@ -2,10 +2,10 @@
 #define VORN_WORKBENCH_SESSIONREADER_H
 
 #include "Diagnostic.h"
+#include "InputFile.h"
 #include "Session.h"
 
 #include <QByteArray>
-#include <QFile>
 #include <QIODevice>
 #include <QString>
 #include <QVector>
@@ -16,7 +16,7 @@ namespace Vorn::Workbench {
 
 /// Opens a session for reading; "-" is the standard input.
 /// @return false, with an error in @p diagnostics, if that is impossible
-bool openSession(const QString &path, QFile *file, Diagnostics *diagnostics);
+bool openSession(const QString &path, InputFile *file, Diagnostics *diagnostics);
 
 /// Reads what toJsonLine() wrote, entry by entry: the length of a session does not matter. Unknown
 /// kinds and members are skipped, so that files of a newer program can be read.

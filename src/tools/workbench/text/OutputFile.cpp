@@ -1,5 +1,6 @@
 #include "OutputFile.h"
 
+#include "InputFile.h"
 #include "TextFile.h"
 
 #include <QFile>

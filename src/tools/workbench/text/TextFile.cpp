@@ -1,22 +1,19 @@
 #include "TextFile.h"
 
 #include "Diagnostic.h"
+#include "InputFile.h"
 #include "WriteAll.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 
-#include <fcntl.h>
-#include <poll.h>
 #include <stdio_ext.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <set>
 
 namespace Vorn::Workbench {
 
@@ -27,100 +24,9 @@ Diagnostic cannotRead(const QString &path, const QString &reason)
     return {Diagnostic::Severity::Error, path, 0, 0, QStringLiteral("cannot be read: ") + reason};
 }
 
-QString systemError()
-{
-    return qt_error_string(errno);
-}
-
-/// A file that is being read, in a way that a signal ends.
-class Input
-{
-public:
-    Input(const QString &path, Pipes pipes);
-    ~Input()
-    {
-        if (m_fd > STDIN_FILENO)
-            ::close(m_fd);
-    }
-    Input(const Input &) = delete;
-    Input &operator=(const Input &) = delete;
-
-    /// Why it cannot be read; empty if it can be.
-    const QString &error() const { return m_error; }
-
-    /// As read(2), but it waits for a pipe.
-    ssize_t read(char *buffer, int size) const;
-
-private:
-    void checkKind(const struct stat &status, Pipes pipes);
-
-    int m_fd = -1;
-    bool m_isFile = false;
-    QString m_error;
-};
-
-Input::Input(const QString &path, Pipes pipes)
-{
-    struct stat status = {};
-    if (path == QLatin1String("-")) {
-        m_fd = STDIN_FILENO;
-        m_isFile = ::fstat(m_fd, &status) == 0 && S_ISREG(status.st_mode);
-        return;
-    }
-    const QByteArray name = QFile::encodeName(path);
-    // Asked first, because to open some devices is to start something.
-    if (::stat(name.constData(), &status) == 0)
-        checkKind(status, pipes);
-    if (!m_error.isEmpty())
-        return;
-    // To open a pipe would wait for somebody to write to it, and no signal could end that.
-    m_fd = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (m_fd < 0 || ::fstat(m_fd, &status) != 0)
-        m_error = systemError();
-    else
-        checkKind(status, pipes);
-}
-
-void Input::checkKind(const struct stat &status, Pipes pipes)
-{
-    m_isFile = S_ISREG(status.st_mode);
-    if (S_ISDIR(status.st_mode))
-        m_error = QStringLiteral("it is a folder");
-    else if (S_ISFIFO(status.st_mode) && pipes == Pipes::Refused)
-        m_error = QStringLiteral("it is a pipe; only files named on the command line can be");
-    else if (!m_isFile && !S_ISFIFO(status.st_mode))
-        m_error = QStringLiteral("it is neither a file nor a pipe");
-}
-
-ssize_t Input::read(char *buffer, int size) const
-{
-    for (;;) {
-        pollfd readable = {m_fd, POLLIN, 0};
-        if (!m_isFile && ::poll(&readable, 1, -1) < 0)
-            return -1;
-        const ssize_t result = ::read(m_fd, buffer, static_cast<std::size_t>(size));
-        if (result >= 0 || errno != EAGAIN)
-            return result;
-    }
-}
-
 QString cannotWrite(const QString &path, const QString &reason)
 {
     return QStringLiteral("%1 cannot be written: %2").arg(path, reason);
-}
-
-/// Names rather than inodes, which may belong to another file by the time of the question.
-std::set<QByteArray> &filesRead()
-{
-    static std::set<QByteArray> names;
-    return names;
-}
-
-bool areSame(const struct stat &one, const QByteArray &name)
-{
-    struct stat other = {};
-    return stat(name.constData(), &other) == 0 && other.st_dev == one.st_dev
-        && other.st_ino == one.st_ino;
 }
 
 QString writeStandardOutput(const QByteArray &content)
@@ -147,10 +53,10 @@ std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnost
         diagnostics->append(cannotRead(path, reason));
         return std::nullopt;
     };
-    const Input input(path, pipes);
-    if (!input.error().isEmpty())
-        return fail(input.error());
-    noteRead(path);
+    InputFile input;
+    const QString error = input.openForReading(path, pipes);
+    if (!error.isEmpty())
+        return fail(error);
     QByteArray content;
     // In parts: a pipe has no size, and may have no end.
     while (content.size() <= maxSize) {
@@ -158,7 +64,7 @@ std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnost
                         Qt::Uninitialized);
         const auto size = static_cast<int>(input.read(part.data(), part.size()));
         if (size < 0)
-            return fail(errno == EINTR ? QStringLiteral("interrupted") : systemError());
+            return fail(input.errorString());
         if (size == 0)
             break;
         content.append(part.constData(), size);
@@ -167,20 +73,6 @@ std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnost
         return fail(
             QStringLiteral("it is larger than %1 MiB").arg(maxSize / (qint64{1024} * 1024)));
     return content;
-}
-
-void noteRead(const QString &path)
-{
-    filesRead().insert(
-        QFile::encodeName(path == QLatin1String("-") ? QStringLiteral("/dev/stdin") : path));
-}
-
-bool wasRead(const QString &path)
-{
-    struct stat status = {};
-    return stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode)
-        && std::any_of(filesRead().begin(), filesRead().end(),
-                       [&](const QByteArray &name) { return areSame(status, name); });
 }
 
 QString writeFile(const QString &path, const QByteArray &content)

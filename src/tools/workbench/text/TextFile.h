@@ -2,6 +2,7 @@
 #define VORN_WORKBENCH_TEXTFILE_H
 
 #include "Diagnostic.h"
+#include "InputFile.h"
 
 #include <QByteArray>
 #include <QString>
@@ -15,21 +16,11 @@ constexpr qint64 maxTextSize = qint64{16} * 1024 * 1024;
 /// Limit for recordings.
 constexpr qint64 maxRecordingSize = qint64{512} * 1024 * 1024;
 
-/// Whether a name may be that of a pipe: only where a person gave it on the command line. A file
-/// that names a pipe would be waited for by surprise.
-enum class Pipes { Refused, Allowed };
-
 /// The content of a file; "-" is the standard input. A file that cannot be read (missing, a folder,
 /// a device, larger than @p maxSize) is one error in @p diagnostics. A signal that the process
 /// handles ends the wait for a pipe with an error.
 std::optional<QByteArray> readFile(const QString &path, qint64 maxSize, Diagnostics *diagnostics,
                                    Pipes pipes = Pipes::Allowed);
-
-/// Remembers a file that is read by other means than readFile(), for wasRead().
-void noteRead(const QString &path);
-
-/// Whether a file has been read in this process, under this or any other name.
-bool wasRead(const QString &path);
 
 /// Writes a file completely or not at all, by way of a temporary one beside it. "-" is the standard
 /// output.

@@ -306,9 +306,9 @@ TEST(SessionReader, EndsWhereTheInputHasNoEnd)
 TEST(SessionReader, TellsThatAFileCannotBeRead)
 {
     Diagnostics diagnostics;
-    QFile absent;
+    InputFile absent;
     EXPECT_FALSE(openSession("/absent.jsonl", &absent, &diagnostics));
-    QFile folder;
+    InputFile folder;
     EXPECT_FALSE(openSession("/", &folder, &diagnostics));
     ASSERT_THAT(diagnostics, SizeIs(2));
     EXPECT_THAT(diagnostics.first().toString().toStdString(),
@@ -317,7 +317,7 @@ TEST(SessionReader, TellsThatAFileCannotBeRead)
               "/: error: cannot be read: it is a folder");
 
     // Nothing is mapped at the address that this file begins with.
-    QFile memory;
+    InputFile memory;
     ASSERT_TRUE(openSession("/proc/self/mem", &memory, &diagnostics));
     SessionReader reader(&memory, "mem");
     EXPECT_FALSE(reader.next());
