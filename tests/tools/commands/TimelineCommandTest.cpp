@@ -111,6 +111,14 @@ TEST_F(TimelineCommand, DrawsTheSessionThatIsChosen)
                       HasSubstr("0.000 s to 2.000 s"), Not(HasSubstr("9.000"))));
 }
 
+TEST_F(TimelineCommand, ListsNamesThatCannotControlATerminal)
+{
+    EXPECT_EQ(run(session("\x1b[2J\xe2\x80\xae.scenario", ms) + session("%1 %n", ms)), Failure);
+    EXPECT_THAT(m_err,
+                AllOf(HasSubstr("  \\u001b[2J\\u202e.scenario, profile"),
+                      HasSubstr("  %1 %n, profile"), Not(HasSubstr("\x1b"))));
+}
+
 TEST_F(TimelineCommand, CountsASessionThatLacksItsBeginning)
 {
     const QByteArray remark = toJsonLine({5, Remark{"a"}});

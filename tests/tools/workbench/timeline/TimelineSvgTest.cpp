@@ -25,6 +25,20 @@ TEST(TimelineSvg, ReplacesWhatXmlCannotHold)
                 testing::HasSubstr(R"(\u0000\u001b\ud800\uffff)"));
 }
 
+TEST(TimelineSvg, LetsNoNameTurnOrHideAText)
+{
+    const QByteArray svg = timelineSvg({{0, SessionStart{"a", "p", 0}},
+                                        plugged(0, front, "pa\xe2\x80\xaenel\xc2\x9b"),
+                                        key(1, KEY_A, 1),
+                                        {2, IdentifierSelected{"i\xe2\x81\xa6"}},
+                                        {3, Remark{"two\nlines\xe2\x80\x8f"}}},
+                                       {});
+    for (const QChar character : QString::fromUtf8(svg))
+        EXPECT_TRUE(character == '\n' || character.isPrint()) << character.unicode();
+    EXPECT_THAT(Picture(svg).texts("device-name"), testing::ElementsAre(R"(pa\u202enel\u009b)"));
+    EXPECT_THAT(Picture(svg).texts("flag-label"), testing::Contains(R"(two\nlines\u200f)"));
+}
+
 TEST(TimelineSvg, KeepsCharactersBeyondTheBasicPlane)
 {
     TimelineSvg svg(10, 10, QString::fromUtf8("a 🎵 b"), {});
