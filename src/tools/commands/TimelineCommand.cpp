@@ -112,6 +112,7 @@ QString problemOf(const TimelineOptions &options, const Contents &contents, Time
             .arg(contents.sessions);
     const QString covered =
         QStringLiteral("it is from %1 to %2").arg(secondsOf(session.from), secondsOf(session.to));
+    // A session of one moment can be drawn from that moment.
     const std::optional<qint64> from = microseconds(options.from);
     const std::optional<qint64> to = microseconds(options.to);
     if (from && *from >= session.to && *from > session.from)
@@ -159,16 +160,21 @@ int timeline(const TimelineOptions &options)
         printDiagnostics(diagnostics);
         return Failure;
     }
+    // Before the work, which may take a while.
+    const Overwrite overwrite{timelineSignature(), options.force};
+    const QString obstacle = obstacleTo(options.output, overwrite);
+    if (!obstacle.isEmpty())
+        return fail(QStringLiteral("error: ") + obstacle);
     Workbench::Timeline picture(
         {options.title, microseconds(options.from), microseconds(options.to)});
     SessionReader reader(&file, options.file);
     const int wanted = std::max(options.session, 1);
-    const Contents contents =
-        readSessions(&reader, file.size(), wanted, &picture);
+    const Contents contents = readSessions(&reader, file.size(), wanted, &picture);
     printDiagnostics(reader.diagnostics());
     if (hasErrors(reader.diagnostics()))
         return Failure;
 
+    // Only now is it known how many sessions there are, and what the one to be drawn covers.
     const QString problem = problemOf(options, contents, picture.session());
     const bool isChoice = contents.sessions > 1;
     if (!problem.isEmpty()) {
@@ -182,8 +188,7 @@ int timeline(const TimelineOptions &options)
     const QString part = isChoice
         ? QStringLiteral("session %1 of %2").arg(wanted).arg(contents.sessions)
         : QString();
-    const QString error = writeFile(options.output, picture.svg(part),
-                                    {timelineSignature(), options.force});
+    const QString error = writeFile(options.output, picture.svg(part), overwrite);
     if (!error.isEmpty())
         return fail(QStringLiteral("error: ") + error);
     // Not on the standard output, which may be the picture.

@@ -168,6 +168,21 @@ TEST_F(TimelineCommand, RefusesAPartThatEndsBeforeItBegins)
                   "error: --from and --to are numbers of seconds\n");
 }
 
+TEST_F(TimelineCommand, NeverReplacesTheSession)
+{
+    m_options.file = m_folder.filePath("a.svg");
+    m_options.force = true;
+    const QByteArray text = session("a.scenario", ms);
+    QFile file(m_options.file);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(text);
+    file.close();
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(timeline(m_options), Failure);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("is one of the files that were"));
+    EXPECT_EQ(picture(), text.toStdString());
+}
+
 TEST_F(TimelineCommand, RefusesAFileWithoutASession)
 {
     const std::string none = "a.jsonl: error: contains no session; to get one, use "

@@ -248,6 +248,7 @@ std::optional<QByteArray> SessionReader::takeLine()
 
 bool SessionReader::fill()
 {
+    // Only once for each chunk: to remove every line would move the rest a thousand times.
     m_buffer.remove(0, m_begin);
     m_begin = 0;
     QByteArray part(chunkSize, Qt::Uninitialized);
@@ -275,6 +276,7 @@ std::optional<SessionEntry> SessionReader::parse(const QByteArray &line)
     }
     SessionMembers members(document.object());
     const std::optional<SessionEntry> entry = readEntry(members);
+    // Without an error and without an entry, the line is of a kind that is not known.
     if (members.error().isEmpty())
         return entry;
     report(m_line, 0, members.error());

@@ -84,6 +84,7 @@ void LaneDrawing::drawBar(const PlacedRow &row, const PlacedLane &placed, const 
         title += QStringLiteral(", active before that already");
     if (bar.isOpen)
         title += QStringLiteral(", still active at the end");
+    // A withdrawal may be in the row above, or in the one below.
     const double solidTo = bar.withdrawn ? row.axis.x(*bar.withdrawn) : to;
     if (solidTo > from)
         m_svg.rectangle(from, top, solidTo - from, Metrics::barHeight, barClassOf(lane), title);
@@ -118,6 +119,7 @@ void LaneDrawing::drawLateness(const PlacedRow &row, const PlacedLane &placed)
             continue;
         const qint64 due = *late.event.due();
         const double from = row.axis.x(due);
+        // Above the bar: a delay may be long, and the key's own story continues below it.
         m_svg.rectangle(from, placed.top + Metrics::barTop - 5, row.axis.x(late.event.time) - from,
                         4, "late",
                         QStringLiteral("due at %1, published at %2")
@@ -133,6 +135,7 @@ void LaneDrawing::drawMarks(const PlacedRow &row)
             if (!row.axis.contains(mark.time))
                 continue;
             const double x = row.axis.x(mark.time);
+            // Thinned, not merged: what remains still has its exact time as a title.
             if (mark.kind == MarkKind::Repeat && x - lastRepeat < minRepeatDistance)
                 continue;
             drawMark(placed, mark, x);

@@ -38,6 +38,7 @@ int countOfEvents(const TimelineModel &model)
 
 int countOfLanes(const TimelineLayout &layout)
 {
+    // A lane is in every row in which something happens in it.
     QSet<int> lanes;
     for (const PlacedRow &row : layout.rows) {
         for (const PlacedLane &lane : row.lanes)

@@ -60,6 +60,7 @@ bool TimelineAxis::contains(qint64 time) const
 
 bool TimelineAxis::intersects(qint64 from, qint64 to) const
 {
+    // What ends where the axis begins was drawn in the row above, unless it is a mere moment.
     const bool endsBefore = from == to ? to < this->from() : to <= this->from();
     return contains(from) || (from < this->from() && !endsBefore);
 }

@@ -109,6 +109,7 @@ TimelineLayout::TimelineLayout(const TimelineModel &model)
         model.identifiers.begin(), model.identifiers.end(),
         [](const TimelineIdentifier &selected) { return !selected.identifier.isEmpty(); });
     const QVector<TimelineAxis> axes = axisRows(model.shown, model.activity, leftOf(model));
+    // Below the title and the line under it.
     double top = Metrics::margin + 48;
     for (const TimelineAxis &axis : axes) {
         width = std::max(width, axis.right() + rightRoom);
@@ -152,6 +153,7 @@ void TimelineLayout::placeFlags(PlacedRow *row) const
         if (place)
             placed.label = {placed.label.x, text, place->row, place->isLeft};
     }
+    // A line without a label begins below those of the others.
     for (PlacedFlag &placed : row->flags)
         placed.label.row = placed.label.text.isEmpty() ? labels.count() : placed.label.row;
     row->axisTop = row->flagTop + labels.count() * Metrics::labelRow + 4;
@@ -213,6 +215,7 @@ void TimelineLayout::placeEvents(const PlacedRow &row, PlacedLane *placed) const
     for (const double x : lines)
         labels.addLine(x);
     labelEvents(&placed->events);
+    // From right to left, so that a line from above finds no label in its way.
     for (int i = placed->events.size() - 1; i >= 0; --i) {
         PlacedLabel &label = placed->events[i].label;
         if (label.text.isEmpty())
