@@ -5,6 +5,7 @@
 #include "TimelineText.h"
 
 #include <QDateTime>
+#include <QSet>
 #include <QStringList>
 
 #include <algorithm>
@@ -29,6 +30,39 @@ const char *lineClassOf(FlagKind kind)
         break;
     }
     return "device";
+}
+
+struct Gap
+{
+    double from = 0;
+    double to = 0;
+};
+
+/// Where a line from top to bottom gives way to texts, from top to bottom.
+QVector<Gap> gapsAt(double x, const PlacedRow &row, const QVector<TimelineAxis::Tick> &ticks)
+{
+    QVector<Gap> gaps;
+    const bool isTick = std::any_of(ticks.begin(), ticks.end(), [x](const auto &tick) {
+        return std::abs(tick.x - x) < LabelRows::width(tick.label) / 2;
+    });
+    if (isTick)
+        gaps.append({row.axisTop, row.lanesTop - 4});
+    for (const PlacedLane &lane : row.lanes) {
+        QSet<int> crossed;
+        for (const PlacedEvent &event : lane.events) {
+            const PlacedLabel &label = event.label;
+            const double distance = label.isLeft ? label.x - x : x - label.x;
+            if (!label.text.isEmpty() && distance > 2
+                && distance < LabelRows::width(label.text) + 8)
+                crossed.insert(label.row);
+        }
+        for (int labelRow = 0; labelRow < Metrics::maxEventRows; ++labelRow) {
+            const double middle = lane.top + Metrics::eventMiddle + labelRow * Metrics::labelRow;
+            if (crossed.contains(labelRow))
+                gaps.append({middle - 7, middle + 7});
+        }
+    }
+    return gaps;
 }
 
 } // namespace
@@ -118,14 +152,12 @@ void FrameDrawing::drawFlags(const PlacedRow &row)
         const PlacedLabel &label = placed.label;
         const double top = row.flagTop + label.row * Metrics::labelRow;
         const char *lineClass = lineClassOf(placed.flag.kind);
-        // The line gives way to the time that it would cross.
-        const bool isInterrupted = std::any_of(ticks.begin(), ticks.end(), [&](const auto &tick) {
-            return std::abs(tick.x - label.x) < LabelRows::width(tick.label) / 2;
-        });
-        const double from = isInterrupted ? row.lanesTop - 4 : top + 2;
-        if (isInterrupted)
-            m_svg.line(label.x, top + 2, label.x, row.axisTop, lineClass, placed.flag.title);
-        m_svg.line(label.x, from, label.x, row.lanesBottom, lineClass, placed.flag.title);
+        double y = top + 2;
+        for (const Gap &gap : gapsAt(label.x, row, ticks)) {
+            m_svg.line(label.x, y, label.x, gap.from, lineClass, placed.flag.title);
+            y = gap.to;
+        }
+        m_svg.line(label.x, y, label.x, row.lanesBottom, lineClass, placed.flag.title);
         // The line stays even without room for its label: the title says what it is.
         if (label.text.isEmpty())
             continue;

@@ -115,15 +115,15 @@ void LaneDrawing::drawTimed(const PlacedRow &row, const PlacedLane &placed)
 void LaneDrawing::drawLateness(const PlacedRow &row, const PlacedLane &placed)
 {
     for (const PlacedEvent &late : placed.events) {
-        if (!row.isLate(late.event))
+        const std::optional<qint64> since = row.lateSince(late.event);
+        if (!since)
             continue;
-        const qint64 due = *late.event.due();
-        const double from = row.axis.x(due);
+        const double from = row.axis.x(*since);
         // Above the bar: a delay may be long, and the key's own story continues below it.
         m_svg.rectangle(from, placed.top + Metrics::barTop - 5, row.axis.x(late.event.time) - from,
                         4, "late",
                         QStringLiteral("due at %1, published at %2")
-                            .arg(timelineTime(due), timelineTime(late.event.time)));
+                            .arg(timelineTime(*late.event.due()), timelineTime(late.event.time)));
     }
 }
 

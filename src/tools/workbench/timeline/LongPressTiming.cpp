@@ -26,12 +26,12 @@ void LongPressTiming::start(const QString &device, int code, qint64 now, qint64 
     const Key key(device, code);
     const auto known = m_timed.find(key);
     if (known == m_timed.end()) {
-        m_timed.insert(key, {now, due, false});
+        m_timed.insert(key, {now, due, now, false});
         return;
     }
     reach(key, &*known, now);
     if (due != known->due)
-        *known = {known->from, due, false};
+        *known = {known->from, due, now, false};
 }
 
 void LongPressTiming::end(const QString &device, int code, qint64 now)
@@ -43,6 +43,14 @@ void LongPressTiming::end(const QString &device, int code, qint64 now)
     reach(key, &*known, now);
     m_receiver.timed(device, code, known->from, now);
     m_timed.erase(known);
+}
+
+std::optional<qint64> LongPressTiming::stated(const QString &device, int code, qint64 due) const
+{
+    const auto known = m_timed.constFind(Key(device, code));
+    if (known == m_timed.constEnd() || known->due != due)
+        return std::nullopt;
+    return known->stated;
 }
 
 void LongPressTiming::endAll(const QString &device, qint64 now)

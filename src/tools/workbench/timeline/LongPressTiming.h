@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 namespace Vorn::Workbench {
 
@@ -28,6 +29,8 @@ public:
     void start(const QString &device, int code, qint64 now, qint64 due);
     /// The key is no longer timed; a long press that is not due by now never will be.
     void end(const QString &device, int code, qint64 now);
+    /// When it was stated that the key's next long press is due at @p due; nothing if it was not.
+    std::optional<qint64> stated(const QString &device, int code, qint64 due) const;
     /// The same for all keys of a device that is gone.
     void endAll(const QString &device, qint64 now);
     /// The session ends, and with it all spans. Long presses due by then are reported.
@@ -38,6 +41,7 @@ private:
     {
         qint64 from = 0;
         qint64 due = 0;
+        qint64 stated = 0; ///< when the due time was
         bool isReported = false; ///< the due time
     };
     using Key = QPair<QString, int>;

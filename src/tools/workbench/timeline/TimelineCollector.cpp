@@ -298,8 +298,15 @@ void TimelineCollector::take(const EventPublished &event)
     // Events whose cause is unknown share one lane.
     TimelineLane *lane =
         event.codes.isEmpty() ? laneAt({}, 0, {}) : laneAt(event.device, event.type, event.codes);
-    if ((lane || m_cut) && mayKeep(m_time))
-        lane->events.append({m_time, event.command, event.state, event.bus, event.latency});
+    if ((lane || m_cut) && mayKeep(m_time)) {
+        TimelineEvent taken{m_time, event.command, event.state, event.bus, event.latency};
+        // A chord is timed by one of its keys.
+        for (const int code : event.codes) {
+            if (taken.due() && !taken.stated)
+                taken.stated = m_timing.stated(event.device, code, *taken.due());
+        }
+        lane->events.append(taken);
+    }
     const Codes codes(event.device, event.codes.value(0));
     if (!lane || lane->kind != TimelineLane::Kind::Switch || m_knownSwitches.contains(codes))
         return;

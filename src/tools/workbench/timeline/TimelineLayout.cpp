@@ -14,14 +14,13 @@ using LegendItem = PlacedLegend::Item;
 using MarkKind = TimelineMark::Kind;
 using Half = PlacedEvent::Half;
 
-constexpr int maxEventRows = 5;
 constexpr int maxFlagRows = 4;
 constexpr double minLaneHeight = 32;
 constexpr double headingHeight = 24;
 /// Between rows of lanes.
 constexpr double rowDistance = 26;
 /// To the right of the lanes, for labels that begin near their end.
-constexpr double rightRoom = 110;
+constexpr double rightRoom = 130;
 /// Flags closer together than this share a label.
 constexpr double flagDistance = 4;
 /// Nobody reads a tool tip with more lines than this.
@@ -96,10 +95,15 @@ void labelEvents(QVector<PlacedEvent> *events)
 
 } // namespace
 
-bool PlacedRow::isLate(const TimelineEvent &event) const
+std::optional<qint64> PlacedRow::lateSince(const TimelineEvent &event) const
 {
     const std::optional<qint64> due = event.due();
-    return due && axis.x(event.time) - axis.x(*due) >= 1;
+    if (!due)
+        return std::nullopt;
+    const qint64 since = std::max(*due, event.stated.value_or(*due));
+    if (axis.x(event.time) - axis.x(since) < 1)
+        return std::nullopt;
+    return since;
 }
 
 TimelineLayout::TimelineLayout(const TimelineModel &model)
@@ -186,12 +190,10 @@ void TimelineLayout::placeHeading(PlacedRow *row, const TimelineLane &lane, doub
     *top += headingHeight;
 }
 
-/// Lines that run through the labels of a lane.
+/// Lines that labels of a lane keep away from. Those of flags give way to labels.
 QVector<double> TimelineLayout::linesThrough(const PlacedRow &row, int lane) const
 {
     QVector<double> lines;
-    for (const PlacedFlag &placed : row.flags)
-        lines.append(placed.label.x);
     for (const TimelineLink &link : m_model.links) {
         if (row.axis.contains(link.time) && !link.lanes.isEmpty() && lane >= link.lanes.first()
             && lane < link.lanes.last())
@@ -202,7 +204,7 @@ QVector<double> TimelineLayout::linesThrough(const PlacedRow &row, int lane) con
 
 void TimelineLayout::placeEvents(const PlacedRow &row, PlacedLane *placed) const
 {
-    LabelRows labels(maxEventRows, LabelRows::Lines::FromAbove,
+    LabelRows labels(Metrics::maxEventRows, LabelRows::Lines::FromAbove,
                      {row.axis.left(), row.axis.right() + rightRoom});
     for (const TimelineEvent &event : placed->lane->events) {
         if (!row.axis.contains(event.time))
@@ -287,7 +289,7 @@ QVector<PlacedLegend> TimelineLayout::neededLegend() const
     add(hasTimed, LegendItem::Timed, QStringLiteral("timed for a long press"));
     add(hasMark(MarkKind::Due), LegendItem::Due, QStringLiteral("long press due"));
     add(hasEvent([](const PlacedRow &row, const PlacedEvent &placed) {
-            return row.isLate(placed.event);
+            return row.lateSince(placed.event).has_value();
         }),
         LegendItem::Late, QStringLiteral("due, not yet published"));
     add(hasEvent(

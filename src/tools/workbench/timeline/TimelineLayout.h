@@ -8,6 +8,8 @@
 #include <QString>
 #include <QVector>
 
+#include <optional>
+
 /// Where everything is in the picture of a session. Coordinates and lengths are in px.
 namespace Vorn::Workbench {
 
@@ -66,8 +68,9 @@ struct PlacedRow
     double lanesTop = 0;
     double lanesBottom = 0;
 
-    /// Whether a long press was published so long after it was due that the delay is visible.
-    bool isLate(const TimelineEvent &event) const;
+    /// Since when a long press was due without being published, if that is visible. A time that was
+    /// due before anybody could know, after the clock was set for example, is not a delay.
+    std::optional<qint64> lateSince(const TimelineEvent &event) const;
 };
 
 struct PlacedLegend
@@ -107,6 +110,7 @@ constexpr double barMiddle = barTop + barHeight / 2;
 constexpr double barBottom = barTop + barHeight;
 constexpr double timedBottom = barBottom + 3;
 constexpr double eventMiddle = barBottom + 12;
+constexpr int maxEventRows = 5;
 constexpr int laneLabelLength = 30;
 constexpr int flagLabelLength = 60;
 } // namespace Metrics

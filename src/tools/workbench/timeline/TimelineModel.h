@@ -48,6 +48,8 @@ struct TimelineEvent
     InputEvent::State state = InputEvent::NoState;
     InputEvent::Bus bus = InputEvent::Bus::NoBus;
     std::optional<qint64> latency;
+    /// When the session stated the due time of a long press, if it did.
+    std::optional<qint64> stated = std::nullopt;
 
     /// When a long press should have been published.
     std::optional<qint64> due() const

@@ -48,6 +48,27 @@ TEST(FrameDrawing, ShowsDevicesThatComeAndGo)
                          "0.000 s: /dev/input/event3 USB Keyboard (LocalUI)"));
 }
 
+TEST(FrameDrawing, InterruptsTheLinesOfFlagsAtLabels)
+{
+    const Picture picture = draw({start(), event(0, InputEvent::Info, InputEvent::KeyLongPress),
+                                  remark(150 * ms), remark(1000 * ms)});
+    EXPECT_THAT(picture.texts("event"), ElementsAre("Info long press"));
+    const Element label = picture.ofClass("event").first();
+    const QVector<Element> lines = picture.ofClass("remark");
+    ASSERT_GT(lines.first().number("x1"), label.number("x"));
+    bool isAbove = false;
+    bool isBelow = false;
+    for (const Element &line : lines) {
+        if (line.number("x1") != lines.first().number("x1"))
+            continue;
+        isAbove |= line.number("y2") < label.number("y") - 8;
+        isBelow |= line.number("y1") > label.number("y");
+        EXPECT_FALSE(line.number("y1") < label.number("y") - 5
+                     && line.number("y2") > label.number("y") - 5);
+    }
+    EXPECT_TRUE(isAbove && isBelow);
+}
+
 TEST(FrameDrawing, ShowsExpectationsThatFailedOnly)
 {
     const Picture picture =

@@ -110,6 +110,29 @@ TEST(LaneDrawing, ShowsThatALongPressOfAChordWasLate)
     EXPECT_THAT(picture.titles("late"), Contains("due at 1.000 s, published at 1.550 s"));
 }
 
+TEST(LaneDrawing, ShowsNoDelayBeforeTheDueTimeWasKnown)
+{
+    const EventPublished published{InputEvent::Info,
+                                   InputEvent::KeyLongPress,
+                                   InputEvent::Bus::LocalUI,
+                                   front,
+                                   EV_KEY,
+                                   {KEY_INFO},
+                                   3'600'000 * ms};
+    const SessionEntry press = key(0, KEY_INFO, 1);
+    const auto due = [](qint64 time) {
+        return detector(time, What::LongPressDue, {KEY_INFO}, -3'599'000 * ms);
+    };
+    // The clock was set: only the tick that finds the long press due knows of it.
+    EXPECT_THAT(draw({start(), press, due(1000 * ms), {1000 * ms, published}}).ofClass("late"),
+                IsEmpty());
+    const Picture picture = draw({start(), press, due(800 * ms), {1000 * ms, published}});
+    const Element bar = picture.ofClass("bar").first();
+    ASSERT_THAT(picture.ofClass("late"), SizeIs(Ge(1)));
+    EXPECT_NEAR(picture.ofClass("late").first().number("width"), bar.number("width") / 5, 0.2);
+    EXPECT_THAT(picture.titles("late"), Contains("due at -3599.000 s, published at 1.000 s"));
+}
+
 TEST(LaneDrawing, ShowsAClickAsOneThing)
 {
     const Picture picture =
