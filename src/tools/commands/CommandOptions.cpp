@@ -22,7 +22,7 @@ CLI::Validator isNamed()
         return argument.empty() ? std::string("the name is empty") : std::string();
     };
     // It is not described, since it would be part of the help.
-    return CLI::Validator(complaint, "");
+    return {complaint, ""};
 }
 
 CLI::Option *addTexts(CLI::App *command, const std::string &name, QStringList *values,

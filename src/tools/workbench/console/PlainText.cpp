@@ -1,5 +1,7 @@
 #include "PlainText.h"
 
+#include <QVector>
+
 #include <langinfo.h>
 
 #include <cstring>
