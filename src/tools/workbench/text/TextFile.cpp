@@ -36,8 +36,7 @@ QString writeStandardOutput(const QByteArray &content)
     // Flushed here, since a full disk shows only then.
     if (std::fwrite(content.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0)
         return {};
-    QString error =
-        cannotWrite(QStringLiteral("the standard output"), qt_error_string(errno));
+    QString error = cannotWrite(QStringLiteral("the standard output"), qt_error_string(errno));
     // Told once: whoever flushes the stream later has nothing to add.
     __fpurge(stdout);
     std::clearerr(stdout);
