@@ -251,7 +251,9 @@ Q_DECLARE_METATYPE(InputEvent)
 ///
 /// **From inside a slot** an application may register, deregister and select handlers, and report
 /// further events. It must not delete a handler, a listener or the device manager there; use
-/// `deleteLater()`.
+/// `deleteLater()`. Nor should it run an event loop there: with Qt's GLib dispatcher that loop can
+/// read the records that the outer one is about to read, which then blocks until the next record,
+/// and it can find a device unplugged and delete the handler whose event this is.
 ///
 /// **Log**, logger "Input": DEBUG "Vorn::InputEvent(<command number>) <state word>", where the word
 /// is "press", "release", "long press", "switch enable", "switch disable" or "Unknown".

@@ -15,6 +15,8 @@
 
 #include <gmock/gmock.h>
 
+#include <poll.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -120,6 +122,7 @@ private:
     void plug(int number);
     void act();
     void onEvent();
+    bool isAnythingUnread() const;
     void changeRegistrations();
 
     std::vector<std::string> expectedSteps() const;
@@ -310,6 +313,23 @@ void RandomSession::changeRegistrations()
     }
 }
 
+/// An event loop in a slot may read what the loop around it is about to read, which then waits for
+/// ever: the library's reads block.
+bool RandomSession::isAnythingUnread() const
+{
+    for (int number = panelNumber; number <= jacksNumber; ++number) {
+        const QString path = QStringLiteral("/dev/input/event%1").arg(number);
+        for (const LinuxInputListener *listener : {InputProbe::keyListener(*m_product, path),
+                                                   InputProbe::switchListener(*m_product, path)})
+        {
+            pollfd node{listener ? InputProbe::descriptor(*listener) : -1, POLLIN, 0};
+            if (::poll(&node, 1, 0) > 0)
+                return true;
+        }
+    }
+    return false;
+}
+
 void RandomSession::onEvent()
 {
     if (m_depth >= 2)
@@ -323,7 +343,7 @@ void RandomSession::onEvent()
         act();
         break;
     case 2:
-        if (!m_isUnplugging) {
+        if (!m_isUnplugging && !isAnythingUnread()) {
             act();
             QEventLoop loop;
             QTimer::singleShot(below(300), Qt::PreciseTimer, &loop, &QEventLoop::quit);
