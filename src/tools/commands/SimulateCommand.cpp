@@ -119,8 +119,7 @@ private:
     {
         // A wait at the end has no entry.
         report->picture().extendTo(duration * 1000);
-        const QString reason =
-            writeFile(m_options.timeline, report->picture().svg(), picture());
+        const QString reason = writeFile(m_options.timeline, report->picture().svg(), picture());
         if (!reason.isEmpty())
             m_hasWritten = refuse(reason);
     }
