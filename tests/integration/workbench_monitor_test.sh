@@ -68,6 +68,10 @@ monitor=$!
 wait_for '"identifier"' "$folder/out"
 cp "$source/examples/profiles/player.toml" profile.toml
 wait_for "profile.toml reloaded" "$folder/out"
+mv profile.toml away.toml
+wait_for "profile.toml is gone; keeping the previous profile" "$folder/out"
+mv away.toml profile.toml
+wait_for "profile.toml is back" "$folder/out"
 wait "$monitor" || status=$?
 expect_status 0
 finish

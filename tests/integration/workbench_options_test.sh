@@ -100,6 +100,8 @@ refuse 'broken.evemu:1.*: error: ' simulate broken.evemu
 refuse 'broken.toml:1:[0-9]+: error: ' simulate --profile broken.toml wait.scenario
 refuse 'broken.toml:1:[0-9]+: error: ' monitor --profile broken.toml
 refuse 'missing.toml: error: cannot be read' monitor --profile missing.toml
+refuse "the profile has no identifier 'txt', did you mean 'text'\?" monitor -p "$player" --id txt
+refuse '^vorn-input monitor: --id selects' monitor --id text
 refuse 'duration' monitor --duration 0
 refuse 'duration' monitor --duration x
 for arguments in 'simulate --profile' 'simulate --expectations' 'simulate --timeline' \

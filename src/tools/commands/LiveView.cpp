@@ -18,6 +18,7 @@
 #include "vorn.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QTimer>
 
 #include <unistd.h>
@@ -33,7 +34,7 @@ void complain(const QString &text)
     printLine(stderr, QStringLiteral("vorn-input monitor: ") + text);
 }
 
-/// Below a session's line.
+/// Below a session's line, and no wider than one.
 void printIndented(const QString &text)
 {
     constexpr int indent = 15;
@@ -71,13 +72,8 @@ int LiveView::prepare()
             return Failure;
         m_profile = parsed.profile;
     }
-    if (!m_options.identifier.isNull())
-        m_profile.initial = m_options.identifier;
-    if (m_hasProfile && !m_profile.identifiers().contains(m_profile.initial)) {
-        complain(
-            QStringLiteral("the profile has no handler under '%1'%2")
-                .arg(m_profile.initial, suggestion(m_profile.initial, m_profile.identifiers())));
-    }
+    if (!m_options.identifier.isNull() && !selectFirst(m_options.identifier))
+        return Failure;
     if (!m_options.record.isEmpty()) {
         m_recorder = std::make_unique<Recorder>(
             m_options.record, m_hasProfile ? &m_profile : nullptr, m_options.showText);
@@ -88,6 +84,23 @@ int LiveView::prepare()
         }
     }
     return Success;
+}
+
+/// @return false, with a line on stderr, if there is no such identifier
+bool LiveView::selectFirst(const QString &identifier)
+{
+    if (!m_hasProfile) {
+        complain(QStringLiteral("--id selects one of a profile's identifiers; add --profile FILE"));
+        return false;
+    }
+    const QStringList known = m_profile.identifiers();
+    if (!known.contains(identifier)) {
+        complain(QStringLiteral("the profile has no identifier %1%2")
+                     .arg(quoted(identifier), suggestion(identifier, known)));
+        return false;
+    }
+    m_profile.initial = identifier;
+    return true;
 }
 
 void LiveView::onEntry(const SessionEntry &entry)
@@ -134,12 +147,9 @@ void LiveView::show(const SessionEntry &entry)
         if (!line.isEmpty())
             printColoured(stdout, line);
         const QString identifier = m_devices ? m_devices->identifier() : m_profile.initial;
-        const QStringList hints =
-            m_hints.add(entry, m_hasProfile ? &m_profile : nullptr, identifier);
-        if (m_hasProfile && !hints.isEmpty())
-            printIndented(QStringLiteral("// not in the profile under '%1':").arg(identifier));
-        for (const QString &hint : hints)
-            printIndented(hint);
+        const auto hint = m_hints.add(entry, m_hasProfile ? &m_profile : nullptr, identifier);
+        if (hint)
+            showHint(entry.time, *hint, identifier);
     }
     // A pipe's reader must see it live, too.
     if (!flush(stdout))
@@ -150,6 +160,24 @@ void LiveView::show(const SessionEntry &entry)
 void LiveView::end()
 {
     QTimer::singleShot(0, QCoreApplication::instance(), &QCoreApplication::quit);
+}
+
+// The code on lines of its own, so that it can be copied.
+void LiveView::showHint(qint64 time, const Hints::Hint &hint, const QString &identifier)
+{
+    constexpr int timeWidth = 9;
+    QString start =
+        QString::number(static_cast<double>(time / 1000) / 1000, 'f', 3).rightJustified(timeWidth)
+        + QStringLiteral("  ");
+    const QString place = m_hasProfile
+        ? QStringLiteral(", not in the profile under %1").arg(quoted(identifier))
+        : QString();
+    const QString text = QStringLiteral("register for %1%2:").arg(hint.device, place);
+    for (const QString &line : wrapped(printable(text), SessionPrinter::width - start.size())) {
+        printLine(stdout, start + line);
+        start.fill(QLatin1Char(' '));
+    }
+    printIndented(hint.registration);
 }
 
 /*
@@ -208,6 +236,13 @@ void LiveView::onProfileChanged(const ParsedProfile &parsed)
     useProfile(m_profile);
 }
 
+void LiveView::onProfilePresence(const QString &problem)
+{
+    m_log.add(Remark{problem.isEmpty() ? QStringLiteral("%1 is back").arg(m_options.profile)
+                                       : QStringLiteral("%1 %2; keeping the previous profile")
+                                             .arg(m_options.profile, problem)});
+}
+
 void LiveView::onKey(char key)
 {
     const QStringList identifiers = m_profile.identifiers();
@@ -254,9 +289,11 @@ int LiveView::run()
         showHelp();
     }
     std::unique_ptr<ProfileWatcher> watcher;
-    if (m_hasProfile) {
+    // A pipe has been read to its end, and does not change.
+    if (QFileInfo(m_options.profile).isFile()) {
         watcher = std::make_unique<ProfileWatcher>(
-            m_options.profile, [this](const ParsedProfile &parsed) { onProfileChanged(parsed); });
+            m_options.profile, [this](const ParsedProfile &parsed) { onProfileChanged(parsed); },
+            [this](const QString &problem) { onProfilePresence(problem); });
     }
     m_log.add(SessionStart{QStringLiteral("monitor"), m_options.profile, m_log.wallClockAtStart()});
     useProfile(m_profile);

@@ -30,12 +30,15 @@ public:
     int run();
 
 private:
+    bool selectFirst(const QString &identifier);
     void onEntry(const Workbench::SessionEntry &entry);
     void endWithTheRecording();
     static void end();
     void show(const Workbench::SessionEntry &entry);
+    void showHint(qint64 time, const Workbench::Hints::Hint &hint, const QString &identifier);
     void onKey(char key);
     void onProfileChanged(const Workbench::ParsedProfile &parsed);
+    void onProfilePresence(const QString &problem);
     void useProfile(const Workbench::Profile &profile);
     void showHelp();
     void complainOfNodes() const;

@@ -106,48 +106,64 @@ QString switchRegistration(int code)
         .arg(switchName(code), inputEvent(usualSwitchCommand(code)));
 }
 
-QStringList Hints::once(const QString &place, const QString &text)
+/// The text the first time, and an empty one from then on.
+QString Hints::once(const QString &place, const QString &text)
 {
     const QString key = place + text;
     if (m_shown.contains(key))
         return {};
     m_shown.insert(key);
-    return {text};
+    return text;
 }
 
-QStringList Hints::add(const SessionEntry &entry, const Profile *profile, const QString &identifier)
+std::optional<Hints::Hint> Hints::hintFor(const QString &device, const QString &registration) const
+{
+    if (registration.isEmpty())
+        return std::nullopt;
+    // Two devices may have one name.
+    const QString node = device.section(QLatin1Char('/'), -1);
+    const QString name = m_devices.value(device).name;
+    return Hint{name.isEmpty() ? node : QStringLiteral("%1 (%2)").arg(name, node), registration};
+}
+
+std::optional<Hints::Hint> Hints::add(const SessionEntry &entry, const Profile *profile,
+                                      const QString &identifier)
 {
     if (const auto *change = std::get_if<DeviceChange>(&entry.what)) {
         if (change->added)
             m_devices.insert(change->device, Device{change->name, change->bus});
         else
             m_devices.remove(change->device);
-        return {};
+    } else if (const auto *record = std::get_if<RecordRead>(&entry.what)) {
+        const Device device = m_devices.value(record->device);
+        const DeviceProfile *mapping =
+            profile ? profile->deviceFor(device.name, device.bus) : nullptr;
+        return hintFor(record->device, ofRecord(*record, mapping, identifier));
+    } else if (const auto *step = std::get_if<DetectorStep>(&entry.what)) {
+        return hintFor(step->device, ofChord(*step, profile));
     }
-    const auto mappingOf = [&](const QString &path) -> const DeviceProfile * {
-        const Device device = m_devices.value(path);
-        return profile ? profile->deviceFor(device.name, device.bus) : nullptr;
-    };
-    if (const auto *record = std::get_if<RecordRead>(&entry.what))
-        return ofRecord(*record, mappingOf(record->device), identifier);
-    const auto *step = std::get_if<DetectorStep>(&entry.what);
-    if (!step || step->what != DetectorStep::What::ChordFound || step->keys.size() != 2)
-        return {};
-    // Holding a chord is not meant as a long press of its keys.
-    for (const int code : step->keys)
-        m_pressed.remove(keyId(step->device, code));
-    // A profile has its chords; other keys that happen to be down together are not worth a line.
-    return profile ? QStringList()
-                   : once(step->device, chordRegistration(step->keys.first(), step->keys.last()));
+    return std::nullopt;
 }
 
-QStringList Hints::ofRecord(const RecordRead &record, const DeviceProfile *mapping,
-                            const QString &identifier)
+QString Hints::ofChord(const DetectorStep &step, const Profile *profile)
+{
+    if (step.what != DetectorStep::What::ChordFound || step.keys.size() != 2)
+        return {};
+    // Holding a chord is not meant as a long press of its keys.
+    for (const int code : step.keys)
+        m_pressed.remove(keyId(step.device, code));
+    // A profile has its chords; other keys that happen to be down together are not worth a line.
+    return profile ? QString()
+                   : once(step.device, chordRegistration(step.keys.first(), step.keys.last()));
+}
+
+QString Hints::ofRecord(const RecordRead &record, const DeviceProfile *mapping,
+                        const QString &identifier)
 {
     const QString place = record.device + QLatin1Char('/') + identifier;
     if (record.type == EV_SW) {
         return hasSwitch(mapping, identifier, record.code)
-            ? QStringList()
+            ? QString()
             : once(place, switchRegistration(record.code));
     }
     if (record.type != EV_KEY || hasKey(mapping, identifier, record.code))

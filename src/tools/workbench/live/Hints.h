@@ -35,9 +35,16 @@ constexpr int usualRepeatMs = 600;
 class Hints
 {
 public:
-    /// The lines to show with an entry; none for most entries.
+    struct Hint
+    {
+        QString device; ///< "front-panel (event0)"
+        QString registration; ///< a line of code
+    };
+
+    /// What to show with an entry; nothing with most entries.
     /// @param profile null without one: then nothing is registered
-    QStringList add(const SessionEntry &entry, const Profile *profile, const QString &identifier);
+    std::optional<Hint> add(const SessionEntry &entry, const Profile *profile,
+                            const QString &identifier);
 
 private:
     struct Device
@@ -45,9 +52,11 @@ private:
         QString name;
         InputEvent::Bus bus = InputEvent::Bus::NoBus;
     };
-    QStringList ofRecord(const RecordRead &record, const DeviceProfile *mapping,
-                         const QString &identifier);
-    QStringList once(const QString &place, const QString &text);
+    QString ofChord(const DetectorStep &step, const Profile *profile);
+    QString ofRecord(const RecordRead &record, const DeviceProfile *mapping,
+                     const QString &identifier);
+    QString once(const QString &place, const QString &text);
+    std::optional<Hint> hintFor(const QString &device, const QString &registration) const;
 
     QHash<QString, Device> m_devices;
     QHash<QString, qint64> m_pressed; ///< stamp of the press in µs, by device and code

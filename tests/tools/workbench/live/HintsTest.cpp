@@ -29,14 +29,17 @@ protected:
         SessionEntry entry{0, what};
         if (auto *record = std::get_if<RecordRead>(&entry.what))
             record->stamp = 1'700'000'000'000'000 + stamp;
-        std::vector<std::string> lines;
-        for (const QString &line : m_hints.add(entry, profile, identifier))
-            lines.push_back(line.toStdString());
-        return lines;
+        const auto hint = m_hints.add(entry, profile, identifier);
+        m_device = hint ? hint->device.toStdString() : std::string();
+        return hint ? std::vector{hint->registration.toStdString()} : std::vector<std::string>();
     }
+
+    /// Of the latest hint.
+    const std::string &device() const { return m_device; }
 
 private:
     Hints m_hints;
+    std::string m_device;
 };
 
 RecordRead key(int code, int value)
@@ -122,4 +125,16 @@ TEST_F(HintsTest, SayNothingOfOtherRecords)
     EXPECT_THAT(add(0, RecordRead{panel, EV_MSC, MSC_SCAN, 7, 1}), IsEmpty());
     EXPECT_THAT(add(0, RecordRead{panel, EV_SYN, SYN_REPORT, 0, 1}), IsEmpty());
     EXPECT_THAT(add(0, IdentifierSelected{"text"}), IsEmpty());
+}
+
+TEST_F(HintsTest, NameTheDevice)
+{
+    add(0, key(KEY_INFO, 1));
+    EXPECT_EQ(device(), "front-panel (event0)");
+    const QString twin = QStringLiteral("/dev/input/event1");
+    add(0, DeviceChange{twin, "front-panel", InputEvent::Bus::LocalUI, true});
+    EXPECT_EQ(add(0, RecordRead{twin, EV_KEY, KEY_INFO, 1, 1}).size(), 1U);
+    EXPECT_EQ(device(), "front-panel (event1)");
+    add(0, RecordRead{"/dev/input/event2", EV_KEY, KEY_INFO, 1, 1});
+    EXPECT_EQ(device(), "event2");
 }
