@@ -5,6 +5,7 @@
 #include "CommandNames.h"
 #include "ProfileWarnings.h"
 #include "Quoting.h"
+#include "Suggestion.h"
 #include "TableReader.h"
 #include "TextFile.h"
 
@@ -291,7 +292,7 @@ std::optional<SelectRule> ProfileReader::readRule(const TomlValue &value)
             m_findings->error(stateValue->position,
                               QStringLiteral("unknown state %1%2")
                                   .arg(quoted(stateValue->string),
-                                       m_codes.suggest(stateValue->string, stateNames())));
+                                       suggestionOrList(stateValue->string, stateNames())));
         }
     }
     if (!hasCommand || !hasIdentifier || !command)

@@ -176,9 +176,13 @@ void ScenarioLine::error(const QString &message)
 void ScenarioLine::unknown(int column, const QString &what, const QString &text,
                            const QStringList &known)
 {
+    constexpr int shortList = 6;
+    const QString start = text.left(longestName);
     error(column,
           QStringLiteral("unknown %1 %2%3")
-              .arg(what, quoted(text), suggestion(text.left(longestName), known)));
+              .arg(what, quoted(text),
+                   known.size() <= shortList ? suggestionOrList(start, known)
+                                             : suggestion(start, known)));
 }
 
 } // namespace Vorn::Workbench

@@ -42,6 +42,23 @@ QString withoutPrefix(const QString &name)
     return name;
 }
 
+/// The one name that contains a text; empty if there are several.
+QString onlyOneWith(const QString &part, const QStringList &known)
+{
+    constexpr int shortest = 4;
+    if (part.size() < shortest)
+        return {};
+    QString found;
+    for (const QString &candidate : known) {
+        if (!candidate.contains(part, Qt::CaseInsensitive))
+            continue;
+        if (!found.isEmpty())
+            return {};
+        found = candidate;
+    }
+    return found;
+}
+
 } // namespace
 
 QString closest(const QString &unknown, const QStringList &known)
@@ -63,7 +80,16 @@ QString closest(const QString &unknown, const QStringList &known)
             best = candidate;
         }
     }
-    return best;
+    return best.isEmpty() ? onlyOneWith(wanted, known) : best;
+}
+
+QString suggestionOrList(const QString &unknown, const QStringList &known)
+{
+    const QString meant = suggestion(unknown, known);
+    if (!meant.isEmpty() || known.isEmpty())
+        return meant;
+    return (known.size() == 1 ? QStringLiteral("; write ") : QStringLiteral("; write one of "))
+        + known.join(QStringLiteral(", "));
 }
 
 QString suggestion(const QString &unknown, const QStringList &known)

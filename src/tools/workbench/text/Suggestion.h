@@ -13,6 +13,9 @@ QString closest(const QString &unknown, const QStringList &known);
 /// ", did you mean 'VolumeUp'?" or nothing: the end of a message about an unknown name.
 QString suggestion(const QString &unknown, const QStringList &known);
 
+/// The same, or if none is close: "; write one of KeyPressed, KeyReleased". For short lists.
+QString suggestionOrList(const QString &unknown, const QStringList &known);
+
 } // namespace Vorn::Workbench
 
 #endif

@@ -49,3 +49,12 @@ TEST(ExpectSteps, ATimeEndsAfterItBegins)
 {
     EXPECT_THAT(mistakeOf("expect Info KeyPressed after 2s..1s"), HasSubstr("before it begins"));
 }
+
+TEST(ExpectSteps, NameTheStateThatWasMeantOrAll)
+{
+    EXPECT_EQ(mistakeOf("expect Info KeyPresed"),
+              "dir/a.scenario:2:13: error: unknown state 'KeyPresed', did you mean 'KeyPressed'?");
+    EXPECT_EQ(mistakeOf("expect Info press"),
+              "dir/a.scenario:2:13: error: unknown state 'press'; write one of KeyPressed, "
+              "KeyReleased, KeyLongPress, SwitchEnabled, SwitchDisabled");
+}

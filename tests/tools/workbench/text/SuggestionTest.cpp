@@ -37,3 +37,21 @@ TEST(Suggestion, IsLeftOutWhereNothingIsClose)
     EXPECT_EQ(suggestion("Xyzzy", commandNames()).toStdString(), "");
     EXPECT_EQ(suggestion("VolumUp", commandNames()).toStdString(), ", did you mean 'VolumeUp'?");
 }
+
+TEST(Suggestion, IsTheOnlyNameThatContainsIt)
+{
+    const QStringList states{"KeyPressed", "KeyReleased", "KeyLongPress"};
+    EXPECT_EQ(closest("pressed", states).toStdString(), "KeyPressed");
+    EXPECT_EQ(closest("press", states).toStdString(), "");
+    EXPECT_EQ(closest("key", {"KeyPressed"}).toStdString(), "");
+}
+
+TEST(Suggestion, IsAShortListIfNoneIsClose)
+{
+    EXPECT_EQ(suggestionOrList("KeyPresed", {"KeyPressed", "KeyReleased"}).toStdString(),
+              ", did you mean 'KeyPressed'?");
+    EXPECT_EQ(suggestionOrList("down", {"KeyPressed", "KeyReleased"}).toStdString(),
+              "; write one of KeyPressed, KeyReleased");
+    EXPECT_EQ(suggestionOrList("down", {"panel"}).toStdString(), "; write panel");
+    EXPECT_EQ(suggestionOrList("down", {}).toStdString(), "");
+}
