@@ -107,7 +107,7 @@ KEY_INFO = { command = "Info", immediate = true, long-press = [700, 600], repeat
 SW_LINEIN_INSERT = "SWLineIn"
 )",
                                               "p");
-    ASSERT_THAT(parsed.diagnostics, SizeIs(0));
+    ASSERT_FALSE(hasErrors(parsed.diagnostics));
     const Profile &profile = parsed.profile;
     EXPECT_EQ(profile.initial.toStdString(), "a");
     ASSERT_THAT(profile.select, SizeIs(1));
@@ -200,6 +200,7 @@ bus = "I2C"
     const HandlerProfile handler = handlerIn(R"(
 [[device]]
 [device.handler]
+keys = [ { key = "KEY_STOP", command = "Stop" }, { key = 207, command = "StartPlay" } ]
 chords = [ { keys = ["KEY_STOP", 207], command = "FactoryReset" } ]
 switches = [ { switch = 13, command = "SWLineIn" } ]
 )");

@@ -48,7 +48,7 @@ TEST(ProfileWarnings, NameChordsThatNeverHappen)
                 ElementsAre(warning("3:16",
                                     "with 'None' this is not a chord: its second key is reported "
                                     "as if it had been pressed alone")));
-    EXPECT_THAT(problemsInHandler(R"(chords."1+0" = "Info")"),
+    EXPECT_THAT(problemsInHandler("chords.\"1+0\" = \"Info\"\nkeys.1 = \"None\""),
                 ElementsAre(warning("3:8", "0 is KEY_RESERVED, which no device has")));
 }
 
@@ -100,7 +100,9 @@ TEST(ProfileWarnings, NameASecondCommandForAChordInEitherOrder)
     EXPECT_THAT(problemsInHandler("[device.handler.chords]\n"
                                   "\"103+108\" = \"Info\"\n"
                                   "\"108+103\" = \"Stop\"\n"
-                                  "\"108+105\" = \"Stop\""),
+                                  "\"108+105\" = \"Stop\"\n"
+                                  "[device.handler.keys]\n"
+                                  "103 = \"Info\"\n105 = \"Info\"\n108 = \"Info\""),
                 ElementsAre(warning("5:1",
                                     "the chord of KEY_DOWN and KEY_UP already has a command, in "
                                     "line 4; this one wins")));
@@ -134,6 +136,10 @@ TEST(ProfileWarnings, AreAboutTimeouts)
     EXPECT_THAT(problems("[50, 49, 0], repeat = true"),
                 ElementsAre(warning("3:48", tooShort), warning("3:52", tooShort)));
     EXPECT_THAT(problems("49"), ElementsAre(warning("3:43", tooShort)));
+    EXPECT_THAT(problems("[700, 620], repeat = true"),
+                ElementsAre(warning("3:49",
+                                    "timeouts are checked every 50 ms, so this one is noticed "
+                                    "later, at the next check; write 600 or 650")));
     EXPECT_THAT(
         problems("[700, 600]"),
         ElementsAre(warning("3:43", "only the first timeout is used without 'repeat = true'")));
@@ -227,7 +233,7 @@ TEST(ProfileWarnings, NameWhatIsEmpty)
 TEST(ProfileWarnings, NameIdentifiersInTwoHandlers)
 {
     const QByteArray key = "keys.1 = \"Info\"";
-    const QByteArray chord = "chords.\"1+2\" = \"Info\"";
+    const QByteArray chord = "keys.2 = \"Stop\"\nchords.\"1+2\" = \"Info\"";
     const QByteArray switchOf = "switches.1 = \"SWLineIn\"";
     const auto problems = [](const QByteArray &first, const QByteArray &second) {
         return problemsIn("initial = \"a\"\n[[device]]\n"
@@ -273,7 +279,8 @@ TEST(ProfileWarnings, NameRulesThatNothingTriggers)
 [device.handler]
 keys.1 = { command = "Info", long-press = 700 }
 keys.2 = "Stop"
-chords."1+2" = "FactoryReset"
+keys.3 = "Next"
+chords."2+3" = "FactoryReset"
 switches.1 = "SWLineIn"
 )");
     };
