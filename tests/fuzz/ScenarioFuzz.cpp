@@ -40,7 +40,10 @@ void check(const ParsedScenario &parsed)
         }
     }
     for (const Diagnostic &diagnostic : parsed.diagnostics) {
-        if (diagnostic.line < 1 || diagnostic.column < 1 || diagnostic.message.isEmpty())
+        // A file that is no scenario at all has no line to name.
+        const bool isOfFile = diagnostic.line == 0 && diagnostic.column == 0;
+        const bool isOfLine = diagnostic.line > 0 && diagnostic.column > 0;
+        if ((!isOfFile && !isOfLine) || diagnostic.message.isEmpty())
             std::abort();
     }
 }
