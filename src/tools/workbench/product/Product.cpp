@@ -224,10 +224,12 @@ QString Product::unmappedReason(const QString &path, int side, int code) const
     const auto mapsSwitch = [code](const BasicSwInputHandler &handler) {
         return InputProbe::switches(handler).contains(code);
     };
+    const ObservedDevice seen = m_devices.value(path).seen;
     return Workbench::unmappedReason(m_identifier,
                                      side == EV_KEY
                                          ? InputProbe::keyIdentifiers(*this, path, mapsKey)
-                                         : InputProbe::switchIdentifiers(*this, path, mapsSwitch));
+                                         : InputProbe::switchIdentifiers(*this, path, mapsSwitch))
+        + otherEntryHint(m_profile, seen.name, seen.bus);
 }
 
 void Product::lookForLostReleases()

@@ -70,6 +70,17 @@ QString noEntryReason(const Profile &profile, const QString &name, InputEvent::B
     return reason;
 }
 
+QString otherEntryHint(const Profile &profile, const QString &name, InputEvent::Bus bus)
+{
+    const DeviceProfile *entry = profile.deviceFor(name, bus);
+    const DeviceProfile *meant = closestEntry(profile, name);
+    if (!entry || entry->name || !meant)
+        return {};
+    return QStringLiteral("; the device, '%1' (%2), fits only the entry for any device; did you "
+                          "mean %3?")
+        .arg(name, busName(bus), entryText(*meant));
+}
+
 QString noHandlerReason(const QString &kind, const QString &identifier, const QStringList &others)
 {
     const QString reason =

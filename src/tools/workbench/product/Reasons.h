@@ -19,6 +19,10 @@ QString joinedKeys(const QVector<int> &codes);
 /// No entry of the profile fits a device: which one was probably meant.
 QString noEntryReason(const Profile &profile, const QString &name, InputEvent::Bus bus);
 
+/// "; the device, … did you mean …?" for a device that only an entry for any device fits, and whose
+/// name is almost that of another entry; else nothing.
+QString otherEntryHint(const Profile &profile, const QString &name, InputEvent::Bus bus);
+
 /// A device has an entry, but no handler of a kind under an identifier.
 /// @param kind "keys" or "switches"
 /// @param others the identifiers under which it has one

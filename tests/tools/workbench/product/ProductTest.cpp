@@ -151,6 +151,24 @@ TEST_F(ProductTest, SaysWhyNothingTakesARecord)
     EXPECT_THAT(takeOutcomes(), ElementsAre("REL_X 3 the library takes EV_KEY and EV_SW only"));
 }
 
+TEST_F(ProductTest, SuggestsTheEntryOfASimilarName)
+{
+    Profile profile = panelProfile();
+    DeviceProfile any;
+    HandlerProfile handler;
+    handler.keys = {keyOf(KEY_A, InputEvent::CharA, true)};
+    any.handlers = {handler};
+    profile.devices += any;
+    start(profile);
+    InputNode &panel = plug(0, DeviceDescription::keyboard("front-panle", BUS_HOST, {KEY_STOP}));
+    take();
+    panel.press(KEY_STOP);
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre("KEY_STOP press not mapped under identifier ''; the device, "
+                            "'front-panle' (LocalUI), fits only the entry for any device; did you "
+                            "mean 'front-panel'?"));
+}
+
 TEST_F(ProductTest, LeavesTheListenerOfUnreadRecordsWithoutAReceiver)
 {
     start(panelProfile());
