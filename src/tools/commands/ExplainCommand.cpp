@@ -14,6 +14,7 @@
 #include "ScenarioLoader.h"
 #include "SessionFormat.h"
 #include "SessionReader.h"
+#include "SessionTime.h"
 #include "SessionWriter.h"
 #include "Simulation.h"
 
@@ -55,8 +56,7 @@ QString outcomeText(const Explanation &explanation)
 
 QString line(const Explanation &explanation)
 {
-    const QString time =
-        QString::number(static_cast<double>(explanation.time / 1000) / 1000, 'f', 3);
+    const QString time = sessionSeconds(explanation.time);
     const QString device =
         explanation.deviceName.isEmpty() ? explanation.device : explanation.deviceName;
     return time.rightJustified(9) + QStringLiteral("  ") + printable(device) + QStringLiteral("  ")
@@ -77,9 +77,8 @@ public:
         const auto *remark = std::get_if<Remark>(&entry.what);
         if (remark && !m_options.json)
             printLine(stdout,
-                      QString::number(static_cast<double>(entry.time / 1000) / 1000, 'f', 3)
-                              .rightJustified(9)
-                          + QStringLiteral("  ") + printable(remark->text));
+                      sessionSeconds(entry.time).rightJustified(9) + QStringLiteral("  ")
+                          + printable(remark->text));
     }
 
     /// @return whether every record had an explanation

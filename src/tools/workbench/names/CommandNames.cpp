@@ -62,6 +62,25 @@ QString stateName(InputEvent::State state)
                                          : QString::number(static_cast<int>(state));
 }
 
+QString stateWord(InputEvent::State state)
+{
+    switch (state) {
+    case InputEvent::KeyPressed:
+        return QStringLiteral("press");
+    case InputEvent::KeyReleased:
+        return QStringLiteral("release");
+    case InputEvent::KeyLongPress:
+        return QStringLiteral("long press");
+    case InputEvent::SwitchEnabled:
+        return QStringLiteral("on");
+    case InputEvent::SwitchDisabled:
+        return QStringLiteral("off");
+    case InputEvent::NoState:
+        break;
+    }
+    return stateName(state);
+}
+
 QStringList stateNames()
 {
     QStringList list;

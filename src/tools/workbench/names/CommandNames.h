@@ -22,6 +22,8 @@ bool isCharacter(InputEvent::Command command);
 std::optional<InputEvent::State> state(const QString &name);
 QString stateName(InputEvent::State state);
 QStringList stateNames();
+/// The same for people: "press", "release", "long press", "on" or "off".
+QString stateWord(InputEvent::State state);
 
 } // namespace Vorn::Workbench
 

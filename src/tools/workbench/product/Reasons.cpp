@@ -2,6 +2,7 @@
 
 #include "BusNames.h"
 #include "EventNames.h"
+#include "SessionTime.h"
 #include "Suggestion.h"
 
 namespace Vorn::Workbench {
@@ -48,7 +49,7 @@ const DeviceProfile *closestEntry(const Profile &profile, const QString &name)
 
 QString timeText(qint64 time)
 {
-    return QString::number(static_cast<double>(time / 1000) / 1000, 'f', 3) + QStringLiteral(" s");
+    return sessionSeconds(time) + QStringLiteral(" s");
 }
 
 QString joinedKeys(const QVector<int> &codes)

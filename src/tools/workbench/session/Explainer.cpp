@@ -4,6 +4,7 @@
 #include "EventNames.h"
 #include "JsonLine.h"
 #include "SessionFormat.h"
+#include "SessionTime.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -19,11 +20,6 @@ namespace {
 
 /// A key that is held for hours must not keep everything after it.
 constexpr std::size_t maxPending = 1000;
-
-QString timeText(qint64 time)
-{
-    return QString::number(static_cast<double>(time / 1000) / 1000, 'f', 3) + QStringLiteral(" s");
-}
 
 bool isHeld(const Explanation &explanation)
 {
@@ -173,7 +169,7 @@ void Explainer::complete(Pending *pending, const QString &reason, bool isAnswere
     QString &text = pending->explanation.reason;
     if (!text.isEmpty())
         text += QStringLiteral("; ");
-    text += reason + timeText(m_time);
+    text += reason + sessionSeconds(m_time) + QStringLiteral(" s");
     pending->explanation.isAnswered = isAnswered;
     pending->isComplete = true;
 }

@@ -6,6 +6,7 @@
 #include "KnownDevices.h"
 #include "Quoting.h"
 #include "Session.h"
+#include "SessionTime.h"
 #include "TerminalText.h"
 
 #include <linux/input.h>
@@ -31,17 +32,6 @@ const char *const boldGreen = "\x1b[1;32m";
 const char *const boldYellow = "\x1b[1;33m";
 const char *const cyan = "\x1b[36m";
 
-/// Truncated rather than rounded: something 0.4 ms before 1.000 must not appear to be at 1.000.
-QString seconds(qint64 microseconds)
-{
-    const bool isNegative = microseconds < 0;
-    const qint64 milliseconds = qAbs(microseconds / 1000);
-    return QStringLiteral("%1%2.%3")
-        .arg(isNegative && milliseconds > 0 ? QStringLiteral("-") : QString())
-        .arg(milliseconds / 1000)
-        .arg(milliseconds % 1000, 3, 10, QLatin1Char('0'));
-}
-
 QString latencyText(qint64 microseconds)
 {
     const QString text = QString::number(static_cast<double>(microseconds) / 1000, 'f', 1);
@@ -61,7 +51,7 @@ QString stepText(const DetectorStep &step)
     const QString keys = names(EV_KEY, step.keys, " + ");
     switch (step.what) {
     case DetectorStep::What::LongPressDue:
-        return QStringLiteral("%1 timed, long press due at %2").arg(keys, seconds(step.due));
+        return QStringLiteral("%1 timed, long press due at %2").arg(keys, sessionSeconds(step.due));
     case DetectorStep::What::LongPressEnded:
         return QStringLiteral("%1 no longer timed").arg(keys);
     case DetectorStep::What::FirstKeyWithdrawn:
@@ -104,29 +94,10 @@ QString stateText(const KeyState &state)
         parts += QStringLiteral("held back");
     if (state.isCounting) {
         parts += state.due ? QStringLiteral("long press %1 due at %2")
-                                 .arg(QString::number(state.count), seconds(*state.due))
+                                 .arg(QString::number(state.count), sessionSeconds(*state.due))
                            : QStringLiteral("no further long press");
     }
     return eventCodeName(EV_KEY, state.code) + QLatin1Char(' ') + parts.join(QStringLiteral(", "));
-}
-
-QString stateText(InputEvent::State state)
-{
-    switch (state) {
-    case InputEvent::KeyPressed:
-        return QStringLiteral("press");
-    case InputEvent::KeyReleased:
-        return QStringLiteral("release");
-    case InputEvent::KeyLongPress:
-        return QStringLiteral("long press");
-    case InputEvent::SwitchEnabled:
-        return QStringLiteral("on");
-    case InputEvent::SwitchDisabled:
-        return QStringLiteral("off");
-    case InputEvent::NoState:
-        break;
-    }
-    return stateName(state);
 }
 
 const char *stateColour(InputEvent::State state)
@@ -272,7 +243,7 @@ private:
     QString eventText(const EventPublished &event) const
     {
         const QString text =
-            QStringLiteral("%1 %2").arg(commandName(event.command), stateText(event.state));
+            QStringLiteral("%1 %2").arg(commandName(event.command), stateWord(event.state));
         const InputEvent::Bus usual = m_devices.bus(event.device).value_or(InputEvent::Bus::NoBus);
         return event.bus == usual ? text : QStringLiteral("%1 (%2)").arg(text, busName(event.bus));
     }
@@ -356,7 +327,7 @@ QString SessionPrinter::line(const SessionEntry &entry)
     if (const auto *record = std::get_if<RecordRead>(&entry.what))
         m_lastRecord = *record;
 
-    const QString time = seconds(entry.time).rightJustified(timeWidth);
+    const QString time = sessionSeconds(entry.time).rightJustified(timeWidth);
     QString start = (QString(m_options.indent, QLatin1Char(' ')) + time + QLatin1Char(' '))
                         .leftJustified(m_options.indent + timeWidth + timeGap);
     if (m_options.records && content.isConsequence)

@@ -9,25 +9,6 @@ namespace Vorn::Workbench {
 
 namespace {
 
-QString stateLabel(InputEvent::State state)
-{
-    switch (state) {
-    case InputEvent::KeyPressed:
-        return QStringLiteral("press");
-    case InputEvent::KeyReleased:
-        return QStringLiteral("release");
-    case InputEvent::KeyLongPress:
-        return QStringLiteral("long press");
-    case InputEvent::SwitchEnabled:
-        return QStringLiteral("on");
-    case InputEvent::SwitchDisabled:
-        return QStringLiteral("off");
-    case InputEvent::NoState:
-        break;
-    }
-    return stateName(state);
-}
-
 QString commandLabel(const TimelineEvent &event)
 {
     return InputEvent(event.command, event.state, event.bus).cmdToString() + QLatin1Char(' ');
@@ -86,7 +67,7 @@ QString joinedNames(int type, const QVector<int> &codes)
 
 QString eventLabel(const TimelineEvent &event)
 {
-    return commandLabel(event) + stateLabel(event.state);
+    return commandLabel(event) + stateWord(event.state);
 }
 
 QString clickLabel(const TimelineEvent &event)

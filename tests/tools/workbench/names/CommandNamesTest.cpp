@@ -37,3 +37,13 @@ TEST(StateNames, AreReadBack)
     EXPECT_EQ(state("NoState"), std::nullopt);
     EXPECT_EQ(stateName(InputEvent::NoState).toStdString(), "NoState");
 }
+
+TEST(CommandNames, HaveAWordForEachState)
+{
+    EXPECT_EQ(stateWord(InputEvent::KeyPressed).toStdString(), "press");
+    EXPECT_EQ(stateWord(InputEvent::KeyReleased).toStdString(), "release");
+    EXPECT_EQ(stateWord(InputEvent::KeyLongPress).toStdString(), "long press");
+    EXPECT_EQ(stateWord(InputEvent::SwitchEnabled).toStdString(), "on");
+    EXPECT_EQ(stateWord(InputEvent::SwitchDisabled).toStdString(), "off");
+    EXPECT_EQ(stateWord(InputEvent::NoState), stateName(InputEvent::NoState));
+}
