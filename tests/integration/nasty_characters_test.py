@@ -80,6 +80,8 @@ def cases(folder, nasty):
     yield ["timeline", session, "-o", "-", "--title", nasty]
     broken = write(folder, "b.jsonl", '{"kind": "event", "time": 0, "command": %s}\n' % quoted)
     yield ["timeline", broken, "-o", "-"]
+    yield ["explain", session]
+    yield ["explain", broken]
     for nastier in nasty.encode("utf-8"), nasty.encode("utf-8") + BYTES:
         name = os.path.join(folder.encode(), b"missing" + nastier)
         for command in "check", "simulate":
@@ -93,7 +95,7 @@ def cases(folder, nasty):
         yield ["learn", "-o", "-", "-c", nastier]
         yield ["learn", "--patience", "0.01", "-o", write(folder, "exists", "x").encode() + b"/" + nastier]
         yield ["learn", "--patience", "0.01", "-o", os.path.join(name, b"x.toml")]
-        for command in "devices", "monitor", "learn", "check", "simulate", "timeline":
+        for command in "devices", "monitor", "learn", "check", "simulate", "timeline", "explain":
             yield [command, b"--" + nastier]
             yield [command, b"x" + nastier, b"y" + nastier]
         yield [nastier]

@@ -86,7 +86,15 @@ void addSeconds(CLI::App *command, const std::string &name, double *value,
     // The range would be part of the help, where it is of no use.
     command->add_option(name, *value, description)
         ->type_name("SECONDS")
-        ->check(CLI::Range(shortest, longest).description(""));
+        ->check(CLI::Range(shortest, longest).description(""))
+        // "nan" is in every range: it compares with nothing.
+        ->check(CLI::Validator(
+            [](const std::string &text) {
+                return text.find_first_of("nN") == std::string::npos
+                    ? std::string()
+                    : text + " is not a number of seconds";
+            },
+            ""));
 }
 
 void addNumber(CLI::App *command, const std::string &name, int *value,

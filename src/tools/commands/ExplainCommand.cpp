@@ -89,7 +89,7 @@ public:
     }
 
 private:
-    void print(const Explanation &explanation)
+    void print(const Explanation &explanation) const
     {
         if (m_options.silentOnly && explanation.isAnswered)
             return;

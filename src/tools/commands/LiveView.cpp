@@ -10,6 +10,7 @@
 #include "OutputWatch.h"
 #include "ProfileWatcher.h"
 #include "Quoting.h"
+#include "SessionTime.h"
 #include "SessionWriter.h"
 #include "SingleKeys.h"
 #include "Suggestion.h"
@@ -163,12 +164,10 @@ void LiveView::end()
 }
 
 // The code on lines of its own, so that it can be copied.
-void LiveView::showHint(qint64 time, const Hints::Hint &hint, const QString &identifier)
+void LiveView::showHint(qint64 time, const Hints::Hint &hint, const QString &identifier) const
 {
     constexpr int timeWidth = 9;
-    QString start =
-        QString::number(static_cast<double>(time / 1000) / 1000, 'f', 3).rightJustified(timeWidth)
-        + QStringLiteral("  ");
+    QString start = sessionSeconds(time).rightJustified(timeWidth) + QStringLiteral("  ");
     const QString place = m_hasProfile
         ? QStringLiteral(", not in the profile under %1").arg(quoted(identifier))
         : QString();

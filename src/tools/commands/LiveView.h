@@ -35,7 +35,7 @@ private:
     void endWithTheRecording();
     static void end();
     void show(const Workbench::SessionEntry &entry);
-    void showHint(qint64 time, const Workbench::Hints::Hint &hint, const QString &identifier);
+    void showHint(qint64 time, const Workbench::Hints::Hint &hint, const QString &identifier) const;
     void onKey(char key);
     void onProfileChanged(const Workbench::ParsedProfile &parsed);
     void onProfilePresence(const QString &problem);

@@ -199,7 +199,7 @@ int timeline(const TimelineOptions &options)
 
 QString sessionProgress(qint64 time, qint64 bytesRead, qint64 fileSize)
 {
-    const QString at = QStringLiteral("at ") + secondsOf(time);
+    QString at = QStringLiteral("at ") + secondsOf(time);
     if (fileSize <= 0)
         return at;
     return QStringLiteral("%1 %, ").arg(bytesRead * 100 / fileSize, 3) + at;

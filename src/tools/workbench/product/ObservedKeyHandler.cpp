@@ -329,7 +329,7 @@ QString ObservedKeyHandler::blockedReason() const
 
 QString ObservedKeyHandler::heldReason(int code) const
 {
-    const QString reason = QStringLiteral("held back until the release");
+    QString reason = QStringLiteral("held back until the release");
     const Stated stated = m_stated.value(code);
     if (!stated.due)
         return reason;

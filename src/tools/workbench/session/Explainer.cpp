@@ -164,7 +164,7 @@ Explainer::Pending *Explainer::heldPress(const QString &device, int code)
 }
 
 /// @param reason the time follows it
-void Explainer::complete(Pending *pending, const QString &reason, bool isAnswered)
+void Explainer::complete(Pending *pending, const QString &reason, bool isAnswered) const
 {
     QString &text = pending->explanation.reason;
     if (!text.isEmpty())

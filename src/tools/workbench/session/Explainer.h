@@ -71,7 +71,7 @@ private:
 
     /// The press of a key that is held back; null if there is none.
     Pending *heldPress(const QString &device, int code);
-    void complete(Pending *pending, const QString &reason, bool isAnswered);
+    void complete(Pending *pending, const QString &reason, bool isAnswered) const;
     void passOn();
 
     const Sink m_sink;

@@ -208,7 +208,7 @@ std::optional<SessionEntry> SessionReader::next()
         ++m_line;
         if (line->trimmed().isEmpty())
             continue;
-        if (const std::optional<SessionEntry> entry = parse(*line))
+        if (std::optional<SessionEntry> entry = parse(*line))
             return entry;
         if (m_diagnostics.size() == maxDiagnostics)
             giveUp(QStringLiteral("%1 lines are wrong; the rest is not read").arg(maxDiagnostics));
@@ -275,7 +275,7 @@ std::optional<SessionEntry> SessionReader::parse(const QByteArray &line)
         return std::nullopt;
     }
     SessionMembers members(document.object());
-    const std::optional<SessionEntry> entry = readEntry(members);
+    std::optional<SessionEntry> entry = readEntry(members);
     // Without an error and without an entry, the line is of a kind that is not known.
     if (members.error().isEmpty())
         return entry;

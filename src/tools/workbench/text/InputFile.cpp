@@ -59,7 +59,7 @@ QString InputFile::openForReading(const QString &path, Pipes pipes)
     if (path == QLatin1String("-")) {
         m_fd = STDIN_FILENO;
     } else {
-        const QString error = openNamed(path, pipes);
+        QString error = openNamed(path, pipes);
         if (!error.isEmpty())
             return error;
     }
@@ -78,7 +78,7 @@ QString InputFile::openNamed(const QString &path, Pipes pipes)
     const QByteArray name = QFile::encodeName(path);
     // Asked first, because to open some devices is to start something.
     if (::stat(name.constData(), &status) == 0) {
-        const QString error = refusal(status, pipes);
+        QString error = refusal(status, pipes);
         if (!error.isEmpty())
             return error;
     }

@@ -85,7 +85,7 @@ QString closest(const QString &unknown, const QStringList &known)
 
 QString suggestionOrList(const QString &unknown, const QStringList &known)
 {
-    const QString meant = suggestion(unknown, known);
+    QString meant = suggestion(unknown, known);
     if (!meant.isEmpty() || known.isEmpty())
         return meant;
     return (known.size() == 1 ? QStringLiteral("; write ") : QStringLiteral("; write one of "))

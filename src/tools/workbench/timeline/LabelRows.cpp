@@ -64,7 +64,7 @@ void LabelRows::addLine(double x)
 
 void LabelRows::addSymbol(double x, double halfWidth)
 {
-    takeIn(&m_lines[0], x - halfWidth, x + halfWidth);
+    takeIn(m_lines.data(), x - halfWidth, x + halfWidth);
 }
 
 std::optional<LabelPlace> LabelRows::place(double x, const QString &text, double gap)

@@ -125,7 +125,7 @@ void TimelineCollector::startBar(TimelineLane *lane, qint64 time, bool wasOpen)
         lane->bars.append({time, time, true, wasOpen, std::nullopt});
 }
 
-void TimelineCollector::endBar(TimelineLane *lane, qint64 time)
+void TimelineCollector::endBar(TimelineLane *lane, qint64 time) const
 {
     TimelineBar *bar = openBar(lane);
     if (!bar)

@@ -60,7 +60,7 @@ private:
     bool isOver() const;
     TimelineLane *laneAt(const QString &device, int type, const QVector<int> &codes);
     void startBar(TimelineLane *lane, qint64 time, bool wasOpen = false);
-    void endBar(TimelineLane *lane, qint64 time);
+    void endBar(TimelineLane *lane, qint64 time) const;
     void addMark(const QString &device, int code, TimelineMark::Kind kind, qint64 time,
                  int value = 0);
     void addSpan(const QString &device, int code, TimelineSpan span);

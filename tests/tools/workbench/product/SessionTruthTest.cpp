@@ -10,12 +10,11 @@
 #include "SessionLog.h"
 #include "VirtualClock.h"
 
+#include <QAbstractEventDispatcher>
 #include <QEventLoop>
 #include <QTimer>
 
 #include <gmock/gmock.h>
-
-#include <poll.h>
 
 #include <algorithm>
 #include <array>
@@ -101,6 +100,12 @@ QVector<int> codesOf(InputEvent::Command command)
     return {SW_LINEIN_INSERT};
 }
 
+std::string eventText(const std::string &device, const std::string &event)
+{
+    std::string text = "event of ";
+    return text.append(device).append(" ").append(event);
+}
+
 class RandomSession
 {
 public:
@@ -122,7 +127,6 @@ private:
     void plug(int number);
     void act();
     void onEvent();
-    bool isAnythingUnread() const;
     void changeRegistrations();
 
     std::vector<std::string> expectedSteps() const;
@@ -313,21 +317,12 @@ void RandomSession::changeRegistrations()
     }
 }
 
-/// An event loop in a slot may read what the loop around it is about to read, which then waits for
-/// ever: the library's reads block.
-bool RandomSession::isAnythingUnread() const
+/// With Qt's GLib dispatcher an event loop in a slot may read what the loop around it is about to
+/// read, which then waits for ever: the library's reads block. With QT_NO_GLIB it reads as well.
+QEventLoop::ProcessEventsFlags loopFlags()
 {
-    for (int number = panelNumber; number <= jacksNumber; ++number) {
-        const QString path = QStringLiteral("/dev/input/event%1").arg(number);
-        for (const LinuxInputListener *listener : {InputProbe::keyListener(*m_product, path),
-                                                   InputProbe::switchListener(*m_product, path)})
-        {
-            pollfd node{listener ? InputProbe::descriptor(*listener) : -1, POLLIN, 0};
-            if (::poll(&node, 1, 0) > 0)
-                return true;
-        }
-    }
-    return false;
+    const QByteArray dispatcher = QAbstractEventDispatcher::instance()->metaObject()->className();
+    return dispatcher.contains("Glib") ? QEventLoop::ExcludeSocketNotifiers : QEventLoop::AllEvents;
 }
 
 void RandomSession::onEvent()
@@ -343,13 +338,13 @@ void RandomSession::onEvent()
         act();
         break;
     case 2:
-        if (!m_isUnplugging && !isAnythingUnread()) {
+        if (!m_isUnplugging) {
             act();
             QEventLoop loop;
             QTimer::singleShot(below(300), Qt::PreciseTimer, &loop, &QEventLoop::quit);
             const qint64 begin = m_clock.elapsed().count() * 1000;
             ++m_loops;
-            loop.exec();
+            loop.exec(loopFlags());
             --m_loops;
             m_waits.emplace_back(begin, m_clock.elapsed().count() * 1000);
         }
@@ -430,11 +425,11 @@ std::vector<std::string> RandomSession::expectedSteps() const
         if (std::regex_match(text, first, stored))
             pairs.insert({first[1], first[2]});
         if (text == "Double key press detected and new press event received -> drop") {
-            steps.push_back("dropped third");
+            steps.emplace_back("dropped third");
         } else if (text == "Received release for non existing press -> drop") {
-            steps.push_back("dropped release");
+            steps.emplace_back("dropped release");
         } else if (std::regex_match(text, first, report)) {
-            steps.push_back("event of " + first[1].str() + " " + first[2].str());
+            steps.push_back(eventText(first[1].str(), first[2].str()));
         } else if (i > 0 && std::regex_match(text, first, key)) {
             const bool isPair = i + 1 < m_lines.size()
                 && std::regex_match(m_lines[i + 1].text, second, key)
@@ -464,8 +459,8 @@ std::vector<std::string> RandomSession::statedSteps() const
             names[change->device] = change->name;
         if (const auto *event = std::get_if<EventPublished>(&what)) {
             const InputEvent logged(event->command, event->state, InputEvent::Bus::NoBus);
-            steps.push_back("event of " + names[event->device].toStdString() + " "
-                            + logged.toString().toStdString());
+            steps.push_back(
+                eventText(names[event->device].toStdString(), logged.toString().toStdString()));
         }
         const auto *step = std::get_if<DetectorStep>(&what);
         if (!step)
@@ -484,7 +479,7 @@ std::vector<std::string> RandomSession::statedSteps() const
         const auto *outcome =
             i + 1 < m_entries.size() ? std::get_if<RecordOutcome>(&m_entries[i + 1].what) : nullptr;
         const bool isThird = outcome && outcome->reason.startsWith("dropped, since ");
-        steps.push_back(isThird ? "dropped third" : "dropped release");
+        steps.emplace_back(isThird ? "dropped third" : "dropped release");
     }
     return steps;
 }
@@ -543,7 +538,7 @@ void RandomSession::checkCauses()
             const bool isPublished = outcome->what == RecordOutcome::What::Published;
             if (isPublished == outcome->events.isEmpty()
                 || (!isPublished && outcome->reason.isEmpty()))
-                m_differences.push_back("an outcome without a reason");
+                m_differences.emplace_back("an outcome without a reason");
         }
         const auto *event = std::get_if<EventPublished>(&entry.what);
         if (!event)
@@ -551,7 +546,7 @@ void RandomSession::checkCauses()
         const bool isQueried = !event->latency;
         const bool isLongPress = event->state == InputEvent::KeyLongPress;
         if (isQueried && event->type != EV_SW)
-            m_differences.push_back("an event of a key without latency");
+            m_differences.emplace_back("an event of a key without latency");
         expected += isQueried || isLongPress ? 0 : 1;
         QVector<int> codes = event->codes;
         QVector<int> owners = codesOf(event->command);
@@ -606,7 +601,7 @@ void RandomSession::checkLongPresses()
                 found = it;
         }
         if (found == due.end())
-            m_differences.push_back("a long press that was not due");
+            m_differences.emplace_back("a long press that was not due");
         else
             due.erase(found);
     }
