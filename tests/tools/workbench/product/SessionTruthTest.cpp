@@ -25,6 +25,7 @@
 #include <random>
 #include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -403,8 +404,9 @@ void RandomSession::compare(const std::string &what, const std::vector<std::stri
         const std::string was = i < happened.size() ? happened[i] : "nothing";
         if (said == was)
             continue;
-        m_differences.push_back(what + " " + std::to_string(i) + ": stated " + said
-                                + ", but happened " + was);
+        std::ostringstream difference;
+        difference << what << " " << i << ": stated " << said << ", but happened " << was;
+        m_differences.push_back(difference.str());
         return;
     }
 }
