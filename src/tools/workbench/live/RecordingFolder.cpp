@@ -91,7 +91,7 @@ void RecordingFolder::append(QFile *file, const QByteArray &text)
     if (error == 0)
         return;
     // Half a line would make a file unreadable that is good up to there; a device has no size.
-    const int truncated = ftruncate(file->handle(), size);
+    const int truncated = ftruncate(file->handle(), static_cast<off_t>(size));
     Q_UNUSED(truncated)
     fail(file->fileName(), qt_error_string(error));
 }
