@@ -27,6 +27,13 @@ void require(bool condition)
         std::abort();
 }
 
+/// A text that is too long goes on in the next line; nothing else may control a terminal.
+void requireHarmless(const QString &text)
+{
+    for (const QChar character : text)
+        require(character == QLatin1Char('\n') || character.category() != QChar::Other_Control);
+}
+
 /// Every image viewer must be able to read the picture.
 void requireWellFormed(const QByteArray &xml)
 {
@@ -60,10 +67,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     SessionPrinter::Options options;
     options.records = true;
     options.detectors = true;
+    options.outcomes = true;
     options.latency = true;
     SessionPrinter lines(options);
     for (const SessionEntry &entry : session.entries)
-        require(!lines.line(entry).contains(QLatin1Char('\n')));
+        requireHarmless(lines.line(entry));
 
     requireWellFormed(timelineSvg(session.entries, {}));
     TimelineOptions part;
