@@ -197,6 +197,25 @@ TEST_F(ProductTest, TellsALostReleaseByWhatTheDeviceSays)
                                        "keys of the device are dropped until"))));
 }
 
+TEST_F(ProductTest, LogsStatesOnlyWhereTheyHaveChanged)
+{
+    start(panelProfile());
+    InputNode &panel = plugPanel();
+    plug(1, DeviceDescription::keyboard("other", BUS_USB, {KEY_A}));
+    devices().logChangedStates();
+    take();
+    devices().logChangedStates();
+    EXPECT_THAT(take(), testing::IsEmpty());
+    panel.press(KEY_STOP);
+    take();
+    devices().logChangedStates();
+    EXPECT_THAT(take(), ElementsAre("state of /dev/input/event0: KEY_STOP"));
+    panel.release(KEY_STOP);
+    take();
+    devices().logChangedStates();
+    EXPECT_THAT(take(), ElementsAre("state of /dev/input/event0: "));
+}
+
 TEST_F(ProductTest, LeavesEachLineOfTheLibraryAlone)
 {
     start(panelProfile());
