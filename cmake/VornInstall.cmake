@@ -7,6 +7,9 @@ set(VORN_TARGETS vorn_input)
 if(NOT VORN_INPUT_API_LIBRARY)
     list(APPEND VORN_TARGETS vorn_api)
 endif()
+if(TARGET vorn_profile)
+    list(APPEND VORN_TARGETS vorn_profile)
+endif()
 if(TARGET vorn_sim)
     list(APPEND VORN_TARGETS vorn_sim)
 endif()
@@ -29,6 +32,14 @@ install(FILES
     "${PROJECT_SOURCE_DIR}/src/lib/input/LinuxInputListener.h"
     "${PROJECT_BINARY_DIR}/src/lib/vorn_input_export.h"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/input")
+if(TARGET vorn_profile)
+    install(FILES
+        "${PROJECT_SOURCE_DIR}/src/profile/ProfileReader.h"
+        "${PROJECT_SOURCE_DIR}/src/profile/handler/Profile.h"
+        "${PROJECT_SOURCE_DIR}/src/profile/text/Diagnostic.h"
+        "${PROJECT_BINARY_DIR}/src/profile/vorn_profile_export.h"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/profile")
+endif()
 if(TARGET vorn_sim)
     install(FILES
         "${PROJECT_SOURCE_DIR}/src/sim/DeviceDescription.h"

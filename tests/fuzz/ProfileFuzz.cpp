@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 
 // Qt's parser leaks a list or object whose member name occurs again in the same object.

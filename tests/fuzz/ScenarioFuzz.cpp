@@ -6,6 +6,7 @@
 
 namespace {
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 
 std::optional<QByteArray> readInclude(const QString &path, QString *error)

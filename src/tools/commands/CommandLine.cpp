@@ -24,8 +24,6 @@ using Workbench::flush;
 using Workbench::outputError;
 using Workbench::printLine;
 using Workbench::printText;
-using Workbench::quoted;
-using Workbench::suggestion;
 
 QStringList texts(const std::vector<std::string> &arguments)
 {
@@ -96,7 +94,7 @@ CommandLine::CommandLine(const std::string &version)
     // So that common options are understood after the sub-command, where people put them.
     m_app->fallthrough();
     m_app->failure_message([](const CLI::App *failed, const CLI::Error &error) {
-        return "vorn-input: " + Workbench::printable(refusal(*failed, error)).toStdString()
+        return "vorn-input: " + printable(refusal(*failed, error)).toStdString()
             + " (see --help)\n";
     });
     m_app->footer("Options and examples of a command: vorn-input COMMAND --help\n"

@@ -27,7 +27,7 @@ public:
     {
         std::ostringstream line;
         PatternLayout::formatAndAppend(line, event);
-        output << Workbench::printable(QString::fromStdString(line.str())).toStdString() << '\n';
+        output << printable(QString::fromStdString(line.str())).toStdString() << '\n';
     }
 };
 

@@ -8,6 +8,7 @@
 #include "NodeInfo.h"
 #include "Output.h"
 #include "OutputWatch.h"
+#include "ProfileFile.h"
 #include "ProfileWatcher.h"
 #include "Quoting.h"
 #include "SessionTime.h"
@@ -67,7 +68,7 @@ LiveView::LiveView(const MonitorOptions &options)
 int LiveView::prepare()
 {
     if (m_hasProfile) {
-        const ParsedProfile parsed = loadProfile(m_options.profile);
+        const ParsedProfile parsed = openProfile(m_options.profile);
         printDiagnostics(parsed.diagnostics);
         if (hasErrors(parsed.diagnostics))
             return Failure;

@@ -37,15 +37,15 @@ private:
     void show(const Workbench::SessionEntry &entry);
     void showHint(qint64 time, const Workbench::Hints::Hint &hint, const QString &identifier) const;
     void onKey(char key);
-    void onProfileChanged(const Workbench::ParsedProfile &parsed);
+    void onProfileChanged(const ParsedProfile &parsed);
     void onProfilePresence(const QString &problem);
-    void useProfile(const Workbench::Profile &profile);
+    void useProfile(const Profile &profile);
     void showHelp();
     void complainOfNodes() const;
 
     const MonitorOptions m_options;
     const bool m_hasProfile;
-    Workbench::Profile m_profile;
+    Profile m_profile;
     Workbench::SessionPrinter m_text;
     Workbench::Hints m_hints;
     std::unique_ptr<Workbench::Recorder> m_recorder;

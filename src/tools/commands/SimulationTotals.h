@@ -38,7 +38,7 @@ FileResult resultOf(const QString &file, const Workbench::Scenario &scenario,
                     const Workbench::SimulationResult &result);
 
 /// Of a file that could not be loaded.
-FileResult resultOf(const QString &file, const Workbench::Diagnostics &diagnostics);
+FileResult resultOf(const QString &file, const Diagnostics &diagnostics);
 
 int statusOf(FileResult::Outcome outcome);
 

@@ -7,6 +7,7 @@
 #include <string>
 
 using namespace Vorn::Tools;
+using namespace Vorn;
 using namespace Vorn::Workbench;
 
 namespace {

@@ -1,7 +1,7 @@
 #include "ScenarioLoader.h"
 
 #include "Diagnostic.h"
-#include "ProfileReader.h"
+#include "ProfileFile.h"
 #include "Quoting.h"
 #include "Recording.h"
 #include "RecordingLoader.h"
@@ -85,7 +85,7 @@ void loadProfileOf(LoadedScenario *loaded, const QString &override)
     }
     // Warnings of the profile are those of `check`: here they would come with every run.
     const ParsedProfile parsed =
-        loadProfile(loaded->profileFile, override.isEmpty() ? Pipes::Refused : Pipes::Allowed);
+        openProfile(loaded->profileFile, override.isEmpty() ? Pipes::Refused : Pipes::Allowed);
     if (hasErrors(parsed.diagnostics) && override.isEmpty())
         loaded->diagnostics.append(diagnosticAt(
             scenario.profileNamedIn, scenario.profileLine,

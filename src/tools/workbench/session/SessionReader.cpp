@@ -7,6 +7,7 @@
 #include "Session.h"
 #include "SessionFormat.h"
 #include "SessionMembers.h"
+#include "TextPosition.h"
 
 #include <QBuffer>
 #include <QJsonDocument>

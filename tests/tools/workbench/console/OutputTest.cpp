@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 
 namespace {

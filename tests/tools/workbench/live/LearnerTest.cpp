@@ -7,6 +7,7 @@
 
 #include <linux/input.h>
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 
 namespace {

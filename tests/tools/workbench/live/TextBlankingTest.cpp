@@ -2,6 +2,7 @@
 #include "RecorderFixture.h"
 
 using namespace Vorn::Sim;
+using namespace Vorn;
 using namespace Vorn::Workbench;
 using testing::ElementsAre;
 using testing::HasSubstr;

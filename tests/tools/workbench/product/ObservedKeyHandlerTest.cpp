@@ -2,6 +2,7 @@
 #include "ProductFixture.h"
 
 using namespace Vorn::Sim;
+using namespace Vorn;
 using namespace Vorn::Workbench;
 using testing::Contains;
 using testing::ElementsAre;

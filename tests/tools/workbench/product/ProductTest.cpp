@@ -6,6 +6,7 @@
 #include <algorithm>
 
 using namespace Vorn::Sim;
+using namespace Vorn;
 using namespace Vorn::Workbench;
 using testing::Contains;
 using testing::ElementsAre;

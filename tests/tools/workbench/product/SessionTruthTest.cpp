@@ -32,6 +32,7 @@
 
 using Vorn::InputProbe;
 using namespace Vorn::Sim;
+using namespace Vorn;
 using namespace Vorn::Workbench;
 
 /*

@@ -12,6 +12,7 @@
 
 #include <linux/input-event-codes.h>
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 
 namespace {

@@ -12,6 +12,7 @@
 
 #include <string>
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -39,7 +39,7 @@ KEY_INFO = { command = "Info", long-press = 700 }
                                       const Vorn::Workbench::LoadOptions &options = {}) const
     {
         std::vector<std::string> list;
-        for (const Vorn::Workbench::Diagnostic &diagnostic :
+        for (const Vorn::Diagnostic &diagnostic :
              Vorn::Workbench::loadScenario(file, options).diagnostics)
             list.push_back(diagnostic.toString()
                                .replace(m_folder.path() + QLatin1Char('/'), QString())

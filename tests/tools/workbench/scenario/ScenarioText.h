@@ -13,6 +13,7 @@
 /// Short ways to parse a scenario and to say what came of it.
 namespace ScenarioText {
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 
 /// Parses "dir/a.scenario"; includes are answered from a map.

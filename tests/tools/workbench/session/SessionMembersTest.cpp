@@ -10,6 +10,7 @@
 
 #include <limits>
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 
 namespace {

@@ -11,6 +11,7 @@
 
 #include <linux/input.h>
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 
 namespace {

@@ -9,6 +9,7 @@
 
 #include <linux/input.h>
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 
 namespace {

@@ -25,6 +25,7 @@
 
 namespace {
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 using Outcome = SimulationResult::Outcome;
 using testing::ElementsAre;

@@ -10,6 +10,7 @@
 
 #include <unistd.h>
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 using testing::HasSubstr;
 

@@ -20,6 +20,7 @@
 #include <cstdlib>
 #include <thread>
 
+using namespace Vorn;
 using namespace Vorn::Workbench;
 
 namespace {
