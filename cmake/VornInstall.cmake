@@ -36,6 +36,7 @@ if(TARGET vorn_profile)
     install(FILES
         "${PROJECT_SOURCE_DIR}/src/profile/ProfileReader.h"
         "${PROJECT_SOURCE_DIR}/src/profile/handler/Profile.h"
+        "${PROJECT_SOURCE_DIR}/src/profile/handler/ProfileInputHandler.h"
         "${PROJECT_SOURCE_DIR}/src/profile/text/Diagnostic.h"
         "${PROJECT_BINARY_DIR}/src/profile/vorn_profile_export.h"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/profile")

@@ -89,6 +89,19 @@ struct VORN_PROFILE_EXPORT Profile
     QStringList identifiers() const;
 };
 
+/// @name Equality
+/// Two that are equal register the same.
+/// @{
+VORN_PROFILE_EXPORT bool operator==(const LongPress &one, const LongPress &other);
+VORN_PROFILE_EXPORT bool operator==(const KeyMapping &one, const KeyMapping &other);
+VORN_PROFILE_EXPORT bool operator==(const ChordMapping &one, const ChordMapping &other);
+VORN_PROFILE_EXPORT bool operator==(const SwitchMapping &one, const SwitchMapping &other);
+VORN_PROFILE_EXPORT bool operator==(const HandlerProfile &one, const HandlerProfile &other);
+VORN_PROFILE_EXPORT bool operator==(const DeviceProfile &one, const DeviceProfile &other);
+VORN_PROFILE_EXPORT bool operator==(const SelectRule &one, const SelectRule &other);
+VORN_PROFILE_EXPORT bool operator==(const Profile &one, const Profile &other);
+/// @}
+
 } // namespace Vorn
 
 #endif

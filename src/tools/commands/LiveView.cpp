@@ -248,7 +248,7 @@ void LiveView::onKey(char key)
     const QStringList identifiers = m_profile.identifiers();
     const int index = key - '1';
     if (index >= 0 && index < identifiers.size() && key <= '9') {
-        m_devices->select(identifiers.at(index));
+        m_devices->selectHandler(identifiers.at(index));
     } else if (key == 'r') {
         m_text.setRecords(!m_text.records());
     } else if (key == 's') {

@@ -63,28 +63,6 @@ ObservedKeyHandler::ObservedKeyHandler(const ObservedDevice &seen, Observation *
         });
 }
 
-void ObservedKeyHandler::registerAll(const HandlerProfile &handlers)
-{
-    for (const KeyMapping &key : handlers.keys) {
-        if (key.bus)
-            registerKey(key.code, *key.bus, key.command, key.immediate);
-        else
-            registerKey(key.code, key.command, key.immediate);
-        if (!key.longPress)
-            continue;
-        if (key.bus)
-            enableLongPress(key.code, *key.bus, key.longPress->repeat, key.longPress->timeouts);
-        else
-            enableLongPress(key.code, key.longPress->repeat, key.longPress->timeouts);
-    }
-    for (const ChordMapping &chord : handlers.chords) {
-        if (chord.bus)
-            registerDoubleKey(chord.first, chord.second, *chord.bus, chord.command);
-        else
-            registerDoubleKey(chord.first, chord.second, chord.command);
-    }
-}
-
 void ObservedKeyHandler::invalidate()
 {
     const SessionHold hold(m_observation->log());

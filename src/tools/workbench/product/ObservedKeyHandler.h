@@ -4,7 +4,6 @@
 #include "BasicInputHandler.h"
 #include "InputProbe.h"
 #include "Observation.h"
-#include "Profile.h"
 #include "Session.h"
 
 #include <QHash>
@@ -28,9 +27,6 @@ public:
     using Unmapped = std::function<QString(int code)>;
 
     ObservedKeyHandler(const ObservedDevice &seen, Observation *observation, Unmapped unmapped);
-
-    /// Registers what a profile says. A listener must be attached.
-    void registerAll(const HandlerProfile &handlers);
 
     void invalidate() override;
     void processEvent(const QList<input_event> &events) override;

@@ -12,12 +12,6 @@ ObservedSwitchHandler::ObservedSwitchHandler(const ObservedDevice &seen, Observa
     , m_unmapped(std::move(unmapped))
 { }
 
-void ObservedSwitchHandler::registerAll(const HandlerProfile &handlers)
-{
-    for (const SwitchMapping &mapping : handlers.switches)
-        registerSwitch(mapping.code, mapping.command);
-}
-
 // One record at a time, so that each event is logged after the record it comes from.
 void ObservedSwitchHandler::processEvent(const QList<input_event> &events)
 {

@@ -3,7 +3,6 @@
 
 #include "BasicInputHandler.h"
 #include "Observation.h"
-#include "Profile.h"
 
 #include <functional>
 
@@ -20,9 +19,6 @@ public:
     using Unmapped = std::function<QString(int code)>;
 
     ObservedSwitchHandler(const ObservedDevice &seen, Observation *observation, Unmapped unmapped);
-
-    /// Registers what a profile says.
-    void registerAll(const HandlerProfile &handlers);
 
     void processEvent(const QList<input_event> &events) override;
 

@@ -35,7 +35,7 @@ bool hasUnreadRecords(const LinuxInputListener &listener)
 } // namespace
 
 Product::Product(const Profile &profile, SessionLog *log)
-    : m_profile(profile)
+    : ProfileInputHandler(profile, Rules::AreLeftToDerived)
     , m_log(log)
     , m_observation(log)
 {
@@ -44,7 +44,7 @@ Product::Product(const Profile &profile, SessionLog *log)
     Vorn::connect(&m_lookForLostReleases, &QTimer::timeout, this,
                   [this] { lookForLostReleases(); });
     Vorn::connect(Input::instance(), &Input::inputEvent, this, &Product::onInputEvent);
-    select(profile.initial);
+    m_log->add(IdentifierSelected{profile.initial});
 }
 
 Product::~Product()
@@ -71,37 +71,30 @@ void Product::addDevice(const QString &path, const QString &name)
     observeUnread(keys, device.unreadKeys);
     observeUnread(switches, device.unreadSwitches);
 
-    Device &added = *m_devices.insert(path, device);
-    if (const DeviceProfile *profile = m_profile.deviceFor(name, device.seen.bus)) {
-        for (const HandlerProfile &handlers : profile->handlers)
-            addHandlers(handlers, &added);
-    }
+    m_devices.insert(path, device);
+    ProfileInputHandler::addDevice(path, name);
     Q_EMIT deviceAdded(path, name);
 }
 
-void Product::addHandlers(const HandlerProfile &handlers, Device *device)
+BasicKeyInputHandler *Product::createKeyHandler(const QString &path, const QString &name)
 {
-    const QString path = device->seen.path;
-    const auto unmapped = [this, path](int side) {
-        return [this, path, side](int code) { return unmappedReason(path, side, code); };
-    };
-    if (!handlers.keys.isEmpty() || !handlers.chords.isEmpty()) {
-        auto *handler = new ObservedKeyHandler(device->seen, &m_observation, unmapped(EV_KEY));
-        Vorn::connect(handler, &ObservedKeyHandler::otherKeysMattered, this,
-                      [this] { m_lookForLostReleases.start(); });
-        device->keyHandlers += handler;
-        for (const QString &identifier : handlers.identifiers)
-            addKeyHandler(path, handler, identifier);
-        handler->registerAll(handlers);
-    }
-    if (!handlers.switches.isEmpty()) {
-        auto *handler = new ObservedSwitchHandler(device->seen, &m_observation, unmapped(EV_SW));
-        handler->registerAll(handlers);
-        for (const QString &identifier : handlers.identifiers)
-            addSwitchHandler(path, handler, identifier);
-        if (handlers.positionsAtStart)
-            handler->getInputStatus();
-    }
+    Q_UNUSED(name)
+    Device &device = m_devices[path];
+    auto *handler = new ObservedKeyHandler(device.seen, &m_observation, [this, path](int code) {
+        return unmappedReason(path, EV_KEY, code);
+    });
+    Vorn::connect(handler, &ObservedKeyHandler::otherKeysMattered, this,
+                  [this] { m_lookForLostReleases.start(); });
+    device.keyHandlers += handler;
+    return handler;
+}
+
+BasicSwInputHandler *Product::createSwitchHandler(const QString &path, const QString &name)
+{
+    Q_UNUSED(name)
+    return new ObservedSwitchHandler(
+        m_devices.value(path).seen, &m_observation,
+        [this, path](int code) { return unmappedReason(path, EV_SW, code); });
 }
 
 // Only while it reads: to the library the listener has no receiver, which is what a selection may
@@ -128,18 +121,17 @@ void Product::removeDevice(const QString &path)
     const Device device = m_devices.take(path);
     for (ObservedKeyHandler *handler : device.keyHandlers)
         handler->endTiming();
-    BasicInputHandler::removeDevice(path);
+    ProfileInputHandler::removeDevice(path);
     deleteUnread(device);
     m_log->add(DeviceChange{path, device.seen.name, device.seen.bus, false});
     Q_EMIT deviceRemoved(path);
 }
 
-void Product::select(const QString &identifier)
+void Product::selectHandler(const QString &identifier)
 {
     const SessionHold hold(m_log);
-    m_identifier = identifier;
     m_log->add(IdentifierSelected{identifier});
-    selectHandler(identifier);
+    ProfileInputHandler::selectHandler(identifier);
 }
 
 QMap<QString, QString> Product::devices() const
@@ -196,22 +188,17 @@ void Product::onInputEvent(const InputEvent &event)
 {
     const SessionHold hold(m_log);
     m_observation.publish(event);
-    for (const SelectRule &rule : m_profile.select) {
-        if (rule.command == event.command() && rule.state == event.state()) {
-            select(rule.identifier);
-            break;
-        }
-    }
+    followRules(event);
 }
 
 QString Product::unreadReason(const ObservedDevice &device, int side) const
 {
-    if (!m_profile.deviceFor(device.name, device.bus))
-        return noEntryReason(m_profile, device.name, device.bus);
+    if (!profile().deviceFor(device.name, device.bus))
+        return noEntryReason(profile(), device.name, device.bus);
     const auto any = [](const auto &) { return true; };
     const bool isKey = side == EV_KEY;
     return noHandlerReason(isKey ? QStringLiteral("keys") : QStringLiteral("switches"),
-                           m_identifier,
+                           identifier(),
                            isKey ? InputProbe::keyIdentifiers(*this, device.path, any)
                                  : InputProbe::switchIdentifiers(*this, device.path, any));
 }
@@ -225,11 +212,11 @@ QString Product::unmappedReason(const QString &path, int side, int code) const
         return InputProbe::switches(handler).contains(code);
     };
     const ObservedDevice seen = m_devices.value(path).seen;
-    return Workbench::unmappedReason(m_identifier,
+    return Workbench::unmappedReason(identifier(),
                                      side == EV_KEY
                                          ? InputProbe::keyIdentifiers(*this, path, mapsKey)
                                          : InputProbe::switchIdentifiers(*this, path, mapsSwitch))
-        + otherEntryHint(m_profile, seen.name, seen.bus);
+        + otherEntryHint(profile(), seen.name, seen.bus);
 }
 
 void Product::lookForLostReleases()

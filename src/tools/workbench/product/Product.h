@@ -1,11 +1,11 @@
 #ifndef VORN_WORKBENCH_PRODUCT_H
 #define VORN_WORKBENCH_PRODUCT_H
 
-#include "BasicInputHandler.h"
 #include "Observation.h"
 #include "ObservedKeyHandler.h"
 #include "ObservedSwitchHandler.h"
 #include "Profile.h"
+#include "ProfileInputHandler.h"
 #include "SessionLog.h"
 #include "UnreadRecords.h"
 
@@ -17,16 +17,15 @@
 
 namespace Vorn::Workbench {
 
-/// The library's device manager with the registrations of a profile, as a product would make them.
-/// It logs everything that happens: devices, records, what the detectors do, published events,
-/// selections.
+/// The device manager of a profile that products use, with handlers that are observed. It logs
+/// everything that happens: devices, records, what the detectors do, published events, selections.
 ///
 /// Nothing is read twice and nothing is imitated: handlers see the batches on their way to the
 /// library, and state what its own detectors do. The records of a listener without a receiver are
 /// logged as well; the library drops them, and so does the product.
 ///
 /// **Thread**: that of the event loop. Only one at a time, because all publish on the same bus.
-class Product : public BasicInputHandler
+class Product : public ProfileInputHandler
 {
     Q_OBJECT
 
@@ -39,11 +38,8 @@ public:
     void addDevice(const QString &path, const QString &name) override;
     void removeDevice(const QString &path) override;
 
-    /// Selects an identifier, as a product does, and logs it.
-    void select(const QString &identifier);
-    QString identifier() const { return m_identifier; }
-
-    const Profile &profile() const { return m_profile; }
+    /// Logs the selection, too.
+    void selectHandler(const QString &identifier) override;
 
     /// Paths and kernel names of the devices that are present.
     QMap<QString, QString> devices() const;
@@ -58,6 +54,10 @@ Q_SIGNALS:
     /// Emitted when it has been logged.
     void deviceAdded(const QString &device, const QString &name);
     void deviceRemoved(const QString &device);
+
+protected:
+    BasicKeyInputHandler *createKeyHandler(const QString &path, const QString &name) override;
+    BasicSwInputHandler *createSwitchHandler(const QString &path, const QString &name) override;
 
 private:
     struct Device
@@ -74,7 +74,6 @@ private:
     };
 
     void onInputEvent(const InputEvent &event);
-    void addHandlers(const HandlerProfile &handlers, Device *device);
     void observeUnread(LinuxInputListener *listener, UnreadRecords *unread);
     QString unreadReason(const ObservedDevice &device, int side) const;
     QString unmappedReason(const QString &path, int side, int code) const;
@@ -84,9 +83,7 @@ private:
     void lookForLostReleases(Device *device, const ObservedKeyHandler &handler);
     static void deleteUnread(const Device &device);
 
-    const Profile m_profile;
     SessionLog *const m_log;
-    QString m_identifier;
     QMap<QString, Device> m_devices;
     Observation m_observation;
     QTimer m_lookForLostReleases;

@@ -228,7 +228,7 @@ void Run::operator()(const Step::StepClock &step)
 
 void Run::operator()(const Step::Select &step)
 {
-    m_library->select(step.identifier);
+    m_library->selectHandler(step.identifier);
 }
 
 void Run::operator()(const Step::InputDirectory &step)

@@ -194,10 +194,10 @@ TEST_F(ObservedKeyHandlerTest, SaysWhenAResetStopsTheTimerAndWhenItRunsAgain)
     InputNode &panel = plugPanel();
     panel.press(KEY_VOLUMEUP);
     take();
-    devices().select("text");
+    devices().selectHandler("text");
     EXPECT_THAT(take(),
                 ElementsAre("select text", "[forgotten KEY_VOLUMEUP]", "[ended KEY_VOLUMEUP]"));
-    devices().select("");
+    devices().selectHandler("");
     wait(2000);
     take();
     const std::string due =
@@ -272,10 +272,10 @@ TEST_F(ObservedKeyHandlerTest, SaysWhatBecameOfEachRecord)
                             "KEY_PLAY release FactoryReset KeyReleased"));
     panel.release(KEY_INFO);
     clock().settle();
-    devices().select("text");
+    devices().selectHandler("text");
     panel.press(KEY_STOP);
     clock().settle();
-    devices().select("");
+    devices().selectHandler("");
     panel.release(KEY_STOP);
     EXPECT_THAT(takeOutcomes(),
                 ElementsAre("KEY_INFO release dropped: a release without a press",
@@ -299,8 +299,8 @@ TEST_F(ObservedKeyHandlerTest, SaysWhenASelectionEndedAPress)
     InputNode &panel = plugPanel();
     panel.press(KEY_STOP);
     clock().settle();
-    devices().select("text");
-    devices().select("");
+    devices().selectHandler("text");
+    devices().selectHandler("");
     take();
     panel.release(KEY_STOP);
     EXPECT_THAT(takeOutcomes(),

@@ -45,10 +45,10 @@ TEST_F(ProductTest, LogsTheRecordsUnderAnIdentifierWithoutHandlers)
 {
     start(panelProfile());
     InputNode &panel = plugPanel();
-    devices().select("text");
+    devices().selectHandler("text");
     panel.press(KEY_STOP);
     EXPECT_THAT(take(), ElementsAre("select text", "KEY_STOP press"));
-    devices().select("");
+    devices().selectHandler("");
     take();
     panel.release(KEY_STOP);
     // The release of a key that was pressed under another identifier.
@@ -143,7 +143,7 @@ TEST_F(ProductTest, SaysWhyNothingTakesARecord)
     EXPECT_THAT(takeOutcomes(),
                 ElementsAre("KEY_STOP press the device, 'desk-panel' (USB), fits no entry of the "
                             "profile; did you mean 'desk-panel' (SPI)?"));
-    devices().select("text");
+    devices().selectHandler("text");
     wheel.press(KEY_STOP);
     EXPECT_THAT(takeOutcomes(),
                 ElementsAre("KEY_STOP press the listener has no receiver: no keys of the device "

@@ -251,7 +251,7 @@ void RandomSession::act()
         }
         break;
     case 1:
-        m_product->select(identifiers[below(3)]);
+        m_product->selectHandler(identifiers[below(3)]);
         break;
     case 2:
         if (m_nodes[jacksNumber]->isPlugged())
@@ -334,7 +334,7 @@ void RandomSession::onEvent()
     ++m_depth;
     switch (below(12)) {
     case 0:
-        m_product->select(identifiers[below(3)]);
+        m_product->selectHandler(identifiers[below(3)]);
         break;
     case 1:
         act();

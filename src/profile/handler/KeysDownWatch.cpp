@@ -1,0 +1,85 @@
+#include "KeysDownWatch.h"
+
+#include "vorn.h"
+
+#include <QFile>
+
+#include <linux/input.h>
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace Vorn {
+
+namespace {
+
+// Half of what a person needs for the shortest click.
+constexpr int intervalMs = 50;
+
+/// Not the descriptors that the library reads: the request drops the records that wait in them.
+bool isAnyKeyDown(int descriptor)
+{
+    unsigned char keys[KEY_CNT / 8] = {};
+    if (::ioctl(descriptor, EVIOCGKEY(sizeof keys), keys) < 0)
+        return false;
+    return std::any_of(std::begin(keys), std::end(keys), [](unsigned char byte) { return byte; });
+}
+
+} // namespace
+
+KeysDownWatch::KeysDownWatch(std::function<void()> onAllUp)
+    : m_onAllUp(std::move(onAllUp))
+{
+    m_timer.setSingleShot(true);
+    Vorn::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { look(); });
+}
+
+KeysDownWatch::~KeysDownWatch()
+{
+    stop();
+}
+
+void KeysDownWatch::start(const QStringList &nodes)
+{
+    stop();
+    for (const QString &node : nodes) {
+        const int descriptor =
+            ::open(QFile::encodeName(node).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        if (descriptor >= 0)
+            m_descriptors.push_back(descriptor);
+    }
+    m_wereUp = false;
+    m_timer.start(0);
+}
+
+void KeysDownWatch::stop()
+{
+    m_timer.stop();
+    for (const int descriptor : std::exchange(m_descriptors, {}))
+        ::close(descriptor);
+}
+
+// Two looks, with a turn of the event loop in between: keys that are up may have come up a moment
+// ago, and their releases are unread until the loop has passed.
+void KeysDownWatch::look()
+{
+    const bool areUp = !isAnyDown();
+    if (!areUp || !std::exchange(m_wereUp, areUp)) {
+        m_wereUp = areUp;
+        m_timer.start(areUp ? 0 : intervalMs);
+        return;
+    }
+    stop();
+    m_onAllUp();
+}
+
+bool KeysDownWatch::isAnyDown()
+{
+    return std::any_of(m_descriptors.begin(), m_descriptors.end(), isAnyKeyDown);
+}
+
+} // namespace Vorn
