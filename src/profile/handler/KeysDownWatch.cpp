@@ -52,7 +52,7 @@ void KeysDownWatch::start(const QStringList &nodes)
         if (descriptor >= 0)
             m_descriptors.push_back(descriptor);
     }
-    m_wereUp = false;
+    m_looksAtNone = 0;
     m_timer.start(0);
 }
 
@@ -67,10 +67,9 @@ void KeysDownWatch::stop()
 // ago, and their releases are unread until the loop has passed.
 void KeysDownWatch::look()
 {
-    const bool areUp = !isAnyDown();
-    if (!areUp || !std::exchange(m_wereUp, areUp)) {
-        m_wereUp = areUp;
-        m_timer.start(areUp ? 0 : intervalMs);
+    m_looksAtNone = isAnyDown() ? 0 : m_looksAtNone + 1;
+    if (m_looksAtNone < 2) {
+        m_timer.start(m_looksAtNone == 0 ? intervalMs : 0);
         return;
     }
     stop();

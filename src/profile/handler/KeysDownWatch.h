@@ -32,7 +32,7 @@ private:
     const std::function<void()> m_onAllUp;
     QTimer m_timer;
     std::vector<int> m_descriptors;
-    bool m_wereUp = false;
+    int m_looksAtNone = 0; ///< in a row
 };
 
 } // namespace Vorn

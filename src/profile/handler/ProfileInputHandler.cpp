@@ -169,7 +169,7 @@ void ProfileInputHandler::Private::reload()
 void ProfileInputHandler::Private::registerProfile(const QString &path)
 {
     Device &device = devices.at(path);
-    std::vector<Registered> before = std::exchange(device.registered, {});
+    const std::vector<Registered> before = std::exchange(device.registered, {});
     const InputEvent::Bus bus = busOf(path, &device);
     if (const DeviceProfile *entry = profile.deviceFor(device.name, bus)) {
         for (const HandlerProfile &handler : entry->handlers) {
@@ -181,7 +181,6 @@ void ProfileInputHandler::Private::registerProfile(const QString &path)
                 continue;
             }
             device.registered.push_back(*same);
-            before.erase(same);
         }
     }
     correctReceivers(path, &device);
