@@ -28,10 +28,10 @@ esac
 . "$(dirname "${BASH_SOURCE[0]}")/lib/debian-packages.sh"
 
 # What the programs need at run time, with all dependencies.
-runtime_packages='evemu-tools libc6-dev libevdev2 liblog4cplus-2.0.5 libqt5core5a libqt5test5'
+runtime_packages='evemu-tools libc6-dev libevdev2 liblog4cplus-2.0.5 libqt5core5a libqt5test5 zlib1g'
 # What building them needs, without the graphics libraries that Qt's package depends on.
 development_packages='busybox-static libcli11-dev libevdev-dev libgmock-dev libgtest-dev
-    liblog4cplus-dev libtomlplusplus-dev qt5-qmake qtbase5-dev'
+    liblog4cplus-dev libtomlplusplus-dev qt5-qmake qtbase5-dev zlib1g-dev'
 
 fill() {
     local sysroot=$1
