@@ -1,0 +1,27 @@
+#ifndef VORN_WORKBENCH_ELFFILE_H
+#define VORN_WORKBENCH_ELFFILE_H
+
+#include <QString>
+
+namespace Vorn::Workbench {
+
+/// What the headers of a program's file say.
+struct ElfFile
+{
+    enum class Kind { NotElf, Damaged, Foreign, Other, Program };
+
+    Kind kind = Kind::NotElf; ///< Foreign: for another machine. Other: not to be run
+    QString error; ///< what is damaged
+    QString machine; ///< "64-bit x86"
+    QString loader; ///< the file that loads it; empty if it is linked statically
+};
+
+/// @param path a regular file. One that cannot be opened is Damaged.
+ElfFile readElfFile(const QString &path);
+
+/// The machine that this process is for.
+QString ownMachine();
+
+} // namespace Vorn::Workbench
+
+#endif
