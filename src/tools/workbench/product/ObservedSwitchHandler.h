@@ -3,8 +3,7 @@
 
 #include "BasicInputHandler.h"
 #include "Observation.h"
-
-#include <functional>
+#include "SwitchObserver.h"
 
 namespace Vorn::Workbench {
 
@@ -15,17 +14,14 @@ class ObservedSwitchHandler : public BasicSwInputHandler
     Q_OBJECT
 
 public:
-    /// Why a code has no command now.
-    using Unmapped = std::function<QString(int code)>;
+    using Unmapped = SwitchObserver::Unmapped;
 
     ObservedSwitchHandler(const ObservedDevice &seen, Observation *observation, Unmapped unmapped);
 
     void processEvent(const QList<input_event> &events) override;
 
 private:
-    const ObservedDevice m_device;
-    Observation *const m_observation;
-    const Unmapped m_unmapped;
+    SwitchObserver m_observer;
 };
 
 } // namespace Vorn::Workbench

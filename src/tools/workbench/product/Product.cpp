@@ -4,6 +4,7 @@
 #include "EventNames.h"
 #include "InputProbe.h"
 #include "NodeInfo.h"
+#include "ProfileReasons.h"
 #include "Reasons.h"
 #include "Session.h"
 #include "SessionLog.h"
@@ -68,8 +69,8 @@ void Product::addDevice(const QString &path, const QString &name)
     };
     device.unreadKeys = new UnreadRecords(device.seen, EV_KEY, m_log, reason(EV_KEY));
     device.unreadSwitches = new UnreadRecords(device.seen, EV_SW, m_log, reason(EV_SW));
-    observeUnread(keys, device.unreadKeys);
-    observeUnread(switches, device.unreadSwitches);
+    device.unreadKeys->observe(keys);
+    device.unreadSwitches->observe(switches);
 
     m_devices.insert(path, device);
     ProfileInputHandler::addDevice(path, name);
@@ -95,24 +96,6 @@ BasicSwInputHandler *Product::createSwitchHandler(const QString &path, const QSt
     return new ObservedSwitchHandler(
         m_devices.value(path).seen, &m_observation,
         [this, path](int code) { return unmappedReason(path, EV_SW, code); });
-}
-
-// Only while it reads: to the library the listener has no receiver, which is what a selection may
-// find and change at any other time.
-void Product::observeUnread(LinuxInputListener *listener, UnreadRecords *unread)
-{
-    if (!listener)
-        return;
-    InputProbe::surroundReads(
-        listener,
-        [listener, unread] {
-            if (!InputProbe::receiver(*listener))
-                listener->setHandler(unread);
-        },
-        [listener, unread] {
-            if (InputProbe::receiver(*listener) == unread)
-                listener->setHandler(nullptr);
-        });
 }
 
 void Product::removeDevice(const QString &path)

@@ -74,7 +74,6 @@ private:
     };
 
     void onInputEvent(const InputEvent &event);
-    void observeUnread(LinuxInputListener *listener, UnreadRecords *unread);
     QString unreadReason(const ObservedDevice &device, int side) const;
     QString unmappedReason(const QString &path, int side, int code) const;
     KeyStates statesOf(const Device &device) const;

@@ -1,8 +1,6 @@
 #ifndef VORN_WORKBENCH_REASONS_H
 #define VORN_WORKBENCH_REASONS_H
 
-#include "Profile.h"
-
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -15,13 +13,6 @@ QString timeText(qint64 time);
 
 /// "KEY_STOP + KEY_PLAY"
 QString joinedKeys(const QVector<int> &codes);
-
-/// No entry of the profile fits a device: which one was probably meant.
-QString noEntryReason(const Profile &profile, const QString &name, InputEvent::Bus bus);
-
-/// "; the device, … did you mean …?" for a device that only an entry for any device fits, and whose
-/// name is almost that of another entry; else nothing.
-QString otherEntryHint(const Profile &profile, const QString &name, InputEvent::Bus bus);
 
 /// A device has an entry, but no handler of a kind under an identifier.
 /// @param kind "keys" or "switches"

@@ -1,5 +1,7 @@
 #include "UnreadRecords.h"
 
+#include "InputProbe.h"
+
 #include <utility>
 
 namespace Vorn::Workbench {
@@ -10,6 +12,24 @@ UnreadRecords::UnreadRecords(const ObservedDevice &device, int side, SessionLog 
     , m_log(log)
     , m_reason(std::move(reason))
 { }
+
+// Only while it reads: to the library the listener has no receiver, which is what a selection may
+// find and change at any other time.
+void UnreadRecords::observe(LinuxInputListener *listener)
+{
+    if (!listener)
+        return;
+    InputProbe::surroundReads(
+        listener,
+        [this, listener] {
+            if (!InputProbe::receiver(*listener))
+                listener->setHandler(this);
+        },
+        [this, listener] {
+            if (InputProbe::receiver(*listener) == this)
+                listener->setHandler(nullptr);
+        });
+}
 
 void UnreadRecords::processEvent(const QList<input_event> &events)
 {

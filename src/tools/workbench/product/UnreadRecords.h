@@ -19,6 +19,9 @@ public:
     /// @param reason why nothing takes the records now
     UnreadRecords(const ObservedDevice &device, int side, SessionLog *log, Reason reason);
 
+    /// Takes the records of @p listener, which may be null and must go before this does.
+    void observe(LinuxInputListener *listener);
+
     void setId(const QString &) override { }
     void invalidate() override { }
     void processEvent(const QList<input_event> &events) override;
