@@ -6,12 +6,14 @@
 #include "LinuxInputListener.h"
 #include "vorn.h"
 
+#include <QFileSystemWatcher>
 #include <QHash>
 #include <QMap>
 #include <QPair>
 #include <QSet>
 #include <QSocketNotifier>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 
 #include <optional>
@@ -79,6 +81,20 @@ public:
     /// The keys that are down with a long press, by code. While the timer is stopped they wait.
     static QMap<int, Timing> timings(const BasicKeyInputHandler &handler);
 
+    /// The paths of the devices that have arrived, some of them perhaps without handlers.
+    static QStringList devices(const BasicInputHandler &manager)
+    {
+        return manager.keyListeners.keys();
+    }
+
+    static QString currentIdentifier(const BasicInputHandler &manager) { return manager.currentId; }
+
+    /// Whether it has looked for devices.
+    static bool hasLooked(const BasicInputHandler &manager)
+    {
+        return !manager.inputWatcher->directories().isEmpty();
+    }
+
     /// Null for a device that the manager does not know.
     static LinuxInputListener *keyListener(const BasicInputHandler &manager, const QString &path);
     static LinuxInputListener *switchListener(const BasicInputHandler &manager,
@@ -142,6 +158,15 @@ public:
             return;
         surround(listener->m_notifier, &QSocketNotifier::activated, listener,
                  &LinuxInputListener::readData, listener, before, after);
+    }
+
+    /// The same for each time a manager looks for devices, but the first, with the folder that has
+    /// changed.
+    template <typename Before, typename After>
+    static void surroundScans(BasicInputHandler *manager, Before before, After after)
+    {
+        surround(manager->inputWatcher, &QFileSystemWatcher::directoryChanged, manager,
+                 &BasicInputHandler::on_inputWatcher_changed, manager, before, after);
     }
 
 private:

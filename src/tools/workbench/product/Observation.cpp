@@ -2,9 +2,22 @@
 
 #include "CommandNames.h"
 #include "EventNames.h"
+#include "InputProbe.h"
 #include "Session.h"
 
 namespace Vorn::Workbench {
+
+namespace {
+
+/// A listener that does not read its node does not know the bus.
+InputEvent::Bus busOf(const LinuxInputListener *keys, const LinuxInputListener *switches)
+{
+    if (keys && keys->bus() != InputEvent::Bus::NoBus)
+        return keys->bus();
+    return switches ? switches->bus() : InputEvent::Bus::NoBus;
+}
+
+} // namespace
 
 QStringList Observation::end()
 {
@@ -35,6 +48,15 @@ void Observation::publish(const InputEvent &event)
             commandName(event.command()) + QLatin1Char(' ') + stateName(event.state());
     }
     m_log->add(published);
+}
+
+ObservedDevice observedDevice(const BasicInputHandler &manager, const QString &path,
+                              const QString &name)
+{
+    const LinuxInputListener *keys = InputProbe::keyListener(manager, path);
+    const LinuxInputListener *switches = InputProbe::switchListener(manager, path);
+    return {path, name, busOf(keys, switches), InputProbe::isReading(keys),
+            InputProbe::isReading(switches)};
 }
 
 qint64 stampOf(const input_event &event)

@@ -1,6 +1,7 @@
 #ifndef VORN_WORKBENCH_OBSERVATION_H
 #define VORN_WORKBENCH_OBSERVATION_H
 
+#include "BasicInputHandler.h"
 #include "Input.h"
 #include "SessionLog.h"
 
@@ -76,6 +77,11 @@ struct ObservedDevice
     /// Both listeners of a node read all its records, and one of them is enough to log these.
     bool isLoggedBy(int side) const { return side == (readsKeys ? EV_KEY : EV_SW); }
 };
+
+/// A device that has arrived at a manager.
+/// @param name the kernel's
+ObservedDevice observedDevice(const BasicInputHandler &manager, const QString &path,
+                              const QString &name);
 
 /// The time stamp of a record, µs since the epoch.
 qint64 stampOf(const input_event &event);

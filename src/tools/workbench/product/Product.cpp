@@ -19,14 +19,6 @@ namespace {
 // A release may be on its way; it is lost if it has not come by then.
 constexpr int lostReleaseMs = 100;
 
-/// A listener that does not read its node does not know the bus.
-InputEvent::Bus busOf(const LinuxInputListener *keys, const LinuxInputListener *switches)
-{
-    if (keys && keys->bus() != InputEvent::Bus::NoBus)
-        return keys->bus();
-    return switches ? switches->bus() : InputEvent::Bus::NoBus;
-}
-
 bool hasUnreadRecords(const LinuxInputListener &listener)
 {
     pollfd node{InputProbe::descriptor(listener), POLLIN, 0};
@@ -60,8 +52,7 @@ void Product::addDevice(const QString &path, const QString &name)
     LinuxInputListener *keys = InputProbe::keyListener(*this, path);
     LinuxInputListener *switches = InputProbe::switchListener(*this, path);
     Device device;
-    device.seen = {path, name, busOf(keys, switches), InputProbe::isReading(keys),
-                   InputProbe::isReading(switches)};
+    device.seen = observedDevice(*this, path, name);
     m_log->add(DeviceChange{path, name, device.seen.bus, true});
 
     const auto reason = [this, seen = device.seen](int side) {

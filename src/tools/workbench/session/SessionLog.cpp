@@ -4,8 +4,9 @@
 
 namespace Vorn::Workbench {
 
-SessionLog::SessionLog(Sink sink)
+SessionLog::SessionLog(Sink sink, Holding holding)
     : m_sink(std::move(sink))
+    , m_isHolding(holding == Holding::Yes)
     , m_start(std::chrono::steady_clock::now())
     , m_wallClockAtStart(wallClock())
 { }
@@ -19,7 +20,7 @@ qint64 SessionLog::now() const
 
 void SessionLog::release()
 {
-    if (--m_holds == 0)
+    if (m_isHolding && --m_holds == 0)
         passOn();
 }
 

@@ -17,8 +17,11 @@ class SessionLog
 public:
     using Sink = std::function<void(const SessionEntry &)>;
 
+    /// Whether hold() has an effect.
+    enum class Holding { Yes, No };
+
     /// Starts the session now.
-    explicit SessionLog(Sink sink);
+    explicit SessionLog(Sink sink, Holding holding = Holding::Yes);
 
     /// Adds an entry for something that happens now.
     template <typename What>
@@ -31,7 +34,7 @@ public:
 
     /// Keeps entries back until the matching release(). Holds nest: a slot of the product may run
     /// an event loop.
-    void hold() { ++m_holds; }
+    void hold() { m_holds += m_isHolding ? 1 : 0; }
     void release();
 
     /// µs since the start.
@@ -47,6 +50,7 @@ private:
     void passOn();
 
     const Sink m_sink;
+    const bool m_isHolding;
     QVector<SessionEntry> m_held;
     int m_holds = 0;
     const std::chrono::steady_clock::time_point m_start;

@@ -2,6 +2,8 @@
 
 #include "Recording.h"
 
+#include <linux/input.h>
+
 #include <algorithm>
 
 namespace Vorn::Workbench {
@@ -30,8 +32,8 @@ qint64 playbackDuration(const QVector<RecordedEvent> &events)
     return latest;
 }
 
-Playback::Playback(Sim::InputSubsystem *subsystem)
-    : m_subsystem(subsystem)
+Playback::Playback(Bench *bench)
+    : m_bench(bench)
 { }
 
 void Playback::add(int node, const QVector<RecordedEvent> &events, qint64 start)
@@ -72,18 +74,18 @@ void Playback::sendNext()
                          [](const Stream &a, const Stream &b) { return a.due < b.due; });
     if (next == m_streams.end())
         return;
-    QList<input_event> packet;
+    QVector<RecordedEvent> packet;
     bool isComplete = false;
     while (!isComplete && next->next < next->events.size()) {
         const RecordedEvent &event = next->events[next->next];
         // A packet without a SYN_REPORT ends where the time changes.
         if (!packet.isEmpty() && next->start + toMilliseconds(event.time) > next->due)
             break;
-        packet.append(Sim::InputNode::record(event.type, event.code, event.value));
+        packet.append(event);
         isComplete = endsPacket(event);
         ++next->next;
     }
-    m_subsystem->node(next->node).send(packet);
+    m_bench->send(next->node, packet, 0);
     // Virtual time cannot go back, so events with an earlier time follow at once.
     if (next->next < next->events.size())
         next->due =

@@ -1,7 +1,7 @@
 #ifndef VORN_WORKBENCH_PLAYBACK_H
 #define VORN_WORKBENCH_PLAYBACK_H
 
-#include "InputSubsystem.h"
+#include "Bench.h"
 #include "Recording.h"
 
 #include <QVector>
@@ -13,13 +13,13 @@ namespace Vorn::Workbench {
 /// When the last packet of @p events is due, in ms of the recording; 0 without any.
 qint64 playbackDuration(const QVector<RecordedEvent> &events);
 
-/// Delivers recordings to simulated nodes, packet by packet, each at its time to the millisecond.
-/// Moving time is left to the caller, who can ask when the next packet is due.
+/// Delivers recordings to the nodes of a bench, packet by packet, each at its time to the
+/// millisecond. Moving time is left to the caller, who can ask when the next packet is due.
 class Playback
 {
 public:
-    /// @param subsystem must outlive this
-    explicit Playback(Sim::InputSubsystem *subsystem);
+    /// @param bench must outlive this
+    explicit Playback(Bench *bench);
 
     /// Plays @p events on a node; time 0 of the recording is @p start (ms).
     void add(int node, const QVector<RecordedEvent> &events, qint64 start);
@@ -45,7 +45,7 @@ private:
         qint64 end = 0; ///< when the last packet is due
     };
 
-    Sim::InputSubsystem *const m_subsystem;
+    Bench *const m_bench;
     QVector<Stream> m_streams; ///< with packets left
 };
 

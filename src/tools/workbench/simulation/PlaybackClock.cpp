@@ -11,16 +11,15 @@ constexpr qint64 longestPiece = 10LL * 60 * 1000;
 
 } // namespace
 
-PlaybackClock::PlaybackClock(Sim::VirtualClock *clock, Playback *playback,
-                             const Condition &isInterrupted)
-    : m_clock(clock)
+PlaybackClock::PlaybackClock(Bench *bench, Playback *playback, const Condition &isInterrupted)
+    : m_bench(bench)
     , m_playback(playback)
     , m_isInterrupted(isInterrupted)
 { }
 
 void PlaybackClock::settle()
 {
-    m_clock->settle();
+    m_bench->settle();
     playDue();
 }
 
@@ -28,7 +27,7 @@ void PlaybackClock::runUntil(qint64 end)
 {
     settle();
     while (now() < end && !m_isInterrupted()) {
-        m_clock->advance(std::chrono::milliseconds(nextStop(end) - now()));
+        m_bench->runUntil(nextStop(end));
         playDue();
     }
 }
@@ -37,7 +36,7 @@ void PlaybackClock::runUntil(qint64 end, const Condition &condition)
 {
     settle();
     while (!condition() && now() < end && !m_isInterrupted()) {
-        m_clock->waitUntil(condition, std::chrono::milliseconds(nextStop(end) - now()));
+        m_bench->runUntil(nextStop(end), condition);
         // Packets due by now have to wait if it holds: the caller acts first.
         if (!condition())
             playDue();
@@ -55,7 +54,7 @@ void PlaybackClock::playDue()
     while (m_playback->nextDue().value_or(now() + 1) <= now() && !m_isInterrupted()) {
         m_playback->sendNext();
         // Packet by packet, as the library would read them on a real system.
-        m_clock->settle();
+        m_bench->settle();
     }
 }
 

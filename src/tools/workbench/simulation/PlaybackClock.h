@@ -1,26 +1,24 @@
 #ifndef VORN_WORKBENCH_PLAYBACKCLOCK_H
 #define VORN_WORKBENCH_PLAYBACKCLOCK_H
 
+#include "Bench.h"
 #include "Playback.h"
-#include "VirtualClock.h"
-
-#include <functional>
 
 namespace Vorn::Workbench {
 
-/// Moves virtual time forward while recordings play: stops at each packet that is due on the way,
+/// Moves time forward while recordings play: stops at each packet that is due on the way,
 /// and delivers it.
 class PlaybackClock
 {
 public:
-    using Condition = std::function<bool()>;
+    using Condition = Bench::Condition;
 
     /// @param isInterrupted asked often; time does not move on once it holds
     /// Both pointers must outlive this.
-    PlaybackClock(Sim::VirtualClock *clock, Playback *playback, const Condition &isInterrupted);
+    PlaybackClock(Bench *bench, Playback *playback, const Condition &isInterrupted);
 
-    /// ms since the start.
-    qint64 now() const { return m_clock->elapsed().count(); }
+    /// ms of the session.
+    qint64 now() const { return m_bench->now(); }
 
     /// Runs what is ready and plays what is due, without moving time.
     void settle();
@@ -35,7 +33,7 @@ private:
     qint64 nextStop(qint64 end) const;
     void playDue();
 
-    Sim::VirtualClock *const m_clock;
+    Bench *const m_bench;
     Playback *const m_playback;
     const Condition m_isInterrupted;
 };

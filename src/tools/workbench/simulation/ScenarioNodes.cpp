@@ -73,9 +73,9 @@ Sim::DeviceDescription describe(const RecordedDevice &device)
     return result;
 }
 
-ScenarioNodes::ScenarioNodes(const LoadedScenario &loaded, Sim::InputSubsystem *subsystem)
+ScenarioNodes::ScenarioNodes(const LoadedScenario &loaded, Bench *bench)
     : m_loaded(loaded)
-    , m_subsystem(subsystem)
+    , m_bench(bench)
     , m_readable(loaded.scenario.devices.size(), true)
 { }
 
@@ -122,25 +122,19 @@ Sim::DeviceDescription ScenarioNodes::describe(int device) const
 
 void ScenarioNodes::plug(int device)
 {
-    m_subsystem->plug(m_loaded.deviceNodes[device], describe(device));
+    plug(number(device), describe(device));
 }
 
-void ScenarioNodes::releaseKeys(int device)
+void ScenarioNodes::plug(int node, const Sim::DeviceDescription &description)
 {
-    Sim::InputNode &keys = node(device);
-    // One packet with a single SYN_REPORT.
-    for (int code = 0; code <= maxKeyCode; ++code) {
-        if (keys.isKeyDown(code))
-            keys.report(EV_KEY, code, 0);
-    }
-    keys.sync();
+    m_plugged.insert(node);
+    m_bench->plug(node, description);
 }
 
 void ScenarioNodes::unplug(int device, bool losingRecords)
 {
-    m_subsystem->unplug(m_loaded.deviceNodes[device],
-                        losingRecords ? Sim::InputSubsystem::Unread::Lost
-                                      : Sim::InputSubsystem::Unread::Delivered);
+    m_plugged.remove(number(device));
+    m_bench->unplug(number(device), losingRecords);
 }
 
 void ScenarioNodes::replace(const Step::Replace &step)
@@ -152,13 +146,13 @@ void ScenarioNodes::replace(const Step::Replace &step)
     const ScenarioDevice &declared = m_loaded.scenario.devices[step.device];
     // The profile may map other keys for its name.
     addMapped(m_loaded.profile, &other, !declared.keys, !declared.switches);
-    m_subsystem->replace(m_loaded.deviceNodes[step.device], other);
+    m_bench->replace(number(step.device), other);
 }
 
 void ScenarioNodes::permit(int device, bool readable)
 {
     m_readable[device] = readable;
-    m_subsystem->setPermissions(m_loaded.deviceNodes[device], readable ? readableMode : 0);
+    m_bench->setMode(number(device), readable ? readableMode : 0);
 }
 
 void ScenarioNodes::plugRecorded(const QString &recording)
@@ -166,7 +160,7 @@ void ScenarioNodes::plugRecorded(const QString &recording)
     const QVector<RecordedNode> &nodes = m_loaded.recordings[recording].nodes;
     const QVector<int> numbers = m_loaded.recordingNodes[recording];
     for (int i = 0; i < nodes.size(); ++i) {
-        if (m_subsystem->node(numbers[i]).isPlugged())
+        if (m_plugged.contains(numbers[i]))
             continue;
         Sim::DeviceDescription description;
         if (nodes[i].device) {
@@ -176,13 +170,8 @@ void ScenarioNodes::plugRecorded(const QString &recording)
             description.name = "device";
             addUsed(nodes[i].events, &description, true, true);
         }
-        m_subsystem->plug(numbers[i], description);
+        plug(numbers[i], description);
     }
-}
-
-Sim::InputNode &ScenarioNodes::node(int device)
-{
-    return m_subsystem->node(m_loaded.deviceNodes[device]);
 }
 
 } // namespace Vorn::Workbench

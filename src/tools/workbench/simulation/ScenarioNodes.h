@@ -1,23 +1,25 @@
 #ifndef VORN_WORKBENCH_SCENARIONODES_H
 #define VORN_WORKBENCH_SCENARIONODES_H
 
-#include "InputSubsystem.h"
+#include "Bench.h"
+#include "DeviceDescription.h"
 #include "RecordedDevice.h"
 #include "ScenarioLoader.h"
 
+#include <QSet>
+#include <QVector>
+
 namespace Vorn::Workbench {
 
-/// The devices of a scenario in the simulated input subsystem.
+/// The devices of a scenario on its bench.
 class ScenarioNodes
 {
 public:
     /// Both must outlive this.
-    ScenarioNodes(const LoadedScenario &loaded, Sim::InputSubsystem *subsystem);
+    ScenarioNodes(const LoadedScenario &loaded, Bench *bench);
 
     /// Devices are indices into Scenario::devices.
     void plug(int device);
-    /// Releases the keys that are down, as the kernel does when a device is unplugged.
-    void releaseKeys(int device);
     void unplug(int device, bool losingRecords);
     /// Puts another device in its place. The next plug() brings the declared one back.
     void replace(const Step::Replace &step);
@@ -27,14 +29,17 @@ public:
     /// Plugs in the devices that a recording brings, unless an earlier step did.
     void plugRecorded(const QString &recording);
 
-    Sim::InputNode &node(int device);
+    /// N of /dev/input/eventN.
+    int number(int device) const { return m_loaded.deviceNodes[device]; }
 
 private:
     Sim::DeviceDescription describe(int device) const;
+    void plug(int node, const Sim::DeviceDescription &description);
 
     const LoadedScenario &m_loaded;
-    Sim::InputSubsystem *const m_subsystem;
+    Bench *const m_bench;
     QVector<bool> m_readable;
+    QSet<int> m_plugged; ///< nodes with a device
 };
 
 /// How a recorded device is simulated.

@@ -1,0 +1,125 @@
+#include "LoopWatch.h"
+
+#include "RealCalls.h"
+
+#include <algorithm>
+
+#include <dlfcn.h>
+
+namespace Vorn::Drive {
+
+namespace {
+
+constexpr qint64 second = 1'000'000'000;
+// Qt waits a millisecond longer than for the next timer, which the virtual clock takes off again.
+constexpr qint64 qtRounding = 1'000'000;
+
+qint64 toNanoseconds(const timespec &time)
+{
+    return static_cast<qint64>(time.tv_sec) * second + time.tv_nsec;
+}
+
+timespec toTimespec(qint64 nanoseconds)
+{
+    timespec time = {};
+    time.tv_sec = static_cast<time_t>(nanoseconds / second);
+    time.tv_nsec = static_cast<decltype(time.tv_nsec)>(nanoseconds % second);
+    return time;
+}
+
+int pollNow(const Sim::ClockCalls::Poll &call)
+{
+    const timespec noWait = {};
+    return Sim::Real::ppoll(call.fds, call.count, &noWait, call.mask);
+}
+
+int realClock(clockid_t clock, timespec *result)
+{
+    using Function = int(clockid_t, timespec *);
+    static auto *const function = reinterpret_cast<Function *>(dlsym(RTLD_NEXT, "clock_gettime"));
+    return function(clock, result);
+}
+
+} // namespace
+
+LoopWatch::LoopWatch(int descriptor, Listener *listener)
+    : m_descriptor(descriptor)
+    , m_listener(listener)
+    , m_virtual(Sim::clockCalls())
+    , m_thread(pthread_self())
+{
+    Sim::serveClocks(this);
+}
+
+void LoopWatch::abandon()
+{
+    Sim::serveClocks(nullptr);
+}
+
+void LoopWatch::stepWallClock(qint64 milliseconds)
+{
+    m_wallOffset += milliseconds * 1'000'000;
+}
+
+bool LoopWatch::get(clockid_t clock, timespec &result)
+{
+    if (m_virtual)
+        return m_virtual->get(clock, result);
+    const qint64 offset = m_wallOffset;
+    if (offset == 0 || (clock != CLOCK_REALTIME && clock != CLOCK_REALTIME_COARSE))
+        return false;
+    if (realClock(clock, &result) != 0)
+        return false;
+    result = toTimespec(toNanoseconds(result) + offset);
+    return true;
+}
+
+bool LoopWatch::isOfLoop(const Poll &call) const
+{
+    return pthread_equal(pthread_self(), m_thread)
+        && std::any_of(call.fds, call.fds + call.count,
+                       [this](const pollfd &entry) { return entry.fd == m_descriptor; });
+}
+
+// What becomes of a poll of the program's event loop:
+//
+//   something ready, or timeout 0 ──> return at once
+//   nothing ready: the loop is idle, and the listener hears of it
+//   ├── virtual time, held ─────────> really wait for the driver, or whatever else is ready
+//   ├── virtual time ───────────────> time jumps to the next timer, but not beyond the limit
+//   └── real time ──────────────────> really wait for the next timer, but not beyond the limit
+bool LoopWatch::poll(const Poll &call, int &result)
+{
+    if (!isOfLoop(call))
+        return m_virtual && m_virtual->poll(call, result);
+    result = pollNow(call);
+    const bool isWait = !call.timeout || toNanoseconds(*call.timeout) != 0;
+    if (result == 0 && isWait)
+        result = pollIdle(call);
+    else
+        m_listener->onPoll();
+    return true;
+}
+
+int LoopWatch::pollIdle(const Poll &call)
+{
+    const qint64 timeout = call.timeout ? toNanoseconds(*call.timeout) : -1;
+    m_listener->onIdle();
+    if (m_virtual && m_listener->isTimeHeld())
+        return Sim::Real::ppoll(call.fds, call.count, nullptr, call.mask);
+    qint64 limit = m_listener->limit();
+    if (m_virtual && limit > 0)
+        limit += qtRounding;
+    qint64 wait = timeout;
+    if (limit >= 0 && (timeout < 0 || limit < timeout))
+        wait = limit;
+    const timespec limited = toTimespec(std::max<qint64>(wait, 0));
+    Poll shorter = call;
+    shorter.timeout = wait < 0 ? nullptr : &limited;
+    int result = 0;
+    if (!m_virtual || !m_virtual->poll(shorter, result))
+        result = Sim::Real::ppoll(shorter.fds, shorter.count, shorter.timeout, shorter.mask);
+    return result;
+}
+
+} // namespace Vorn::Drive
