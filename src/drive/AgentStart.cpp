@@ -7,7 +7,6 @@
 
 #include <cstdlib>
 
-#include <dlfcn.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -17,22 +16,15 @@ namespace {
 
 int socketDescriptor = -1;
 
-/// Takes this library out of a list of libraries to preload.
-void removeFromPreload()
+/// What was preloaded before this library was.
+void restorePreload()
 {
-    constexpr char variable[] = "LD_PRELOAD";
-    Dl_info info = {};
-    if (dladdr(reinterpret_cast<void *>(&removeFromPreload), &info) == 0)
-        return;
-    QByteArrayList others;
-    for (const QByteArray &library : qgetenv(variable).replace(' ', ':').split(':')) {
-        if (!library.isEmpty() && library != info.dli_fname)
-            others += library;
-    }
-    if (others.isEmpty())
-        qunsetenv(variable);
+    const QByteArray former = qgetenv(formerPreloadVariable);
+    qunsetenv(formerPreloadVariable);
+    if (former.isEmpty())
+        qunsetenv("LD_PRELOAD");
     else
-        qputenv(variable, others.join(':'));
+        qputenv("LD_PRELOAD", former);
 }
 
 void abandonChild()
@@ -50,7 +42,7 @@ __attribute__((constructor)) void takeEnvironment()
         return;
     socketDescriptor = descriptor;
     qunsetenv(socketVariable);
-    removeFromPreload();
+    restorePreload();
 }
 
 } // namespace

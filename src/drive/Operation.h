@@ -19,6 +19,8 @@ namespace Vorn::Drive {
 
 /// The environment variable with the number of the agent's end of the socket.
 constexpr char socketVariable[] = "VORN_DRIVE_SOCKET";
+/// The one with what was preloaded without the agent.
+constexpr char formerPreloadVariable[] = "VORN_DRIVE_PRELOAD";
 
 /// Each operation lists its members once, for reading and for writing. Nodes are N of
 /// /dev/input/eventN, times are ms.

@@ -1,6 +1,7 @@
 #include "CheckCommand.h"
 #include "CommandLine.h"
 #include "DevicesCommand.h"
+#include "DriveCommand.h"
 #include "ExitStatus.h"
 #include "ExplainCommand.h"
 #include "LearnCommand.h"
@@ -34,6 +35,7 @@ int run(int argc, char *argv[])
     LearnOptions learnOptions;
     CheckOptions checkOptions;
     SimulateOptions simulateOptions;
+    DriveOptions driveOptions;
     TimelineOptions timelineOptions;
     ExplainOptions explainOptions;
 
@@ -57,6 +59,9 @@ int run(int argc, char *argv[])
     add(addLearn(app, &learnOptions), &learnOptions, learn);
     addColoured(addCheck(app, &checkOptions), &checkOptions, check);
     addColoured(addSimulate(app, &simulateOptions), &simulateOptions, simulate);
+    CLI::App *driveCommand = addDrive(app, &driveOptions);
+    commandLine.setTrailing(driveCommand, &driveOptions.command);
+    addColoured(driveCommand, &driveOptions, drive);
     add(addTimeline(app, &timelineOptions), &timelineOptions, timeline);
     add(addExplain(app, &explainOptions), &explainOptions, explain);
     return commandLine.parse(argc, argv);

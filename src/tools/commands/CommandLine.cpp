@@ -123,6 +123,32 @@ void CommandLine::setAction(CLI::App *command, std::function<int()> run)
     command->final_callback([this, run = std::move(run)] { m_status = run(); });
 }
 
+void CommandLine::setTrailing(const CLI::App *command, QStringList *arguments)
+{
+    m_trailing[command->get_name()] = arguments;
+}
+
+/// @return how many arguments are left
+int CommandLine::takeTrailing(int argc, const char *const *argv)
+{
+    QStringList *trailing = nullptr;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (trailing && argument == "--") {
+            for (int j = i + 1; j < argc; ++j)
+                *trailing += QString::fromLocal8Bit(argv[j]);
+            return i;
+        }
+        if (!trailing && commandNames(*m_app).contains(QString::fromLocal8Bit(argv[i]))) {
+            const auto found = m_trailing.find(argument);
+            if (found == m_trailing.end())
+                return argc;
+            trailing = found->second;
+        }
+    }
+    return argc;
+}
+
 void CommandLine::addHelp()
 {
     CLI::App *help = m_app->add_subcommand("help", "Print help for the program or a command");
@@ -157,7 +183,7 @@ int CommandLine::parse(int argc, const char *const *argv)
 {
     addHelp();
     try {
-        m_app->parse(argc, argv);
+        m_app->parse(takeTrailing(argc, argv), argv);
     } catch (const CLI::ParseError &error) {
         // --help and --version end up here, too.
         std::ostringstream out;

@@ -5,8 +5,10 @@
 #include "Terminal.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -32,6 +34,9 @@ public:
     /// @param run called by parse() if @p command is the one given; returns the exit status
     void setAction(CLI::App *command, std::function<int()> run);
 
+    /// What comes behind `--` after @p command is not parsed, but goes to @p arguments.
+    void setTrailing(const CLI::App *command, QStringList *arguments);
+
     /// Adds `help`, parses the arguments and runs the sub-command that they name.
     /// @return the exit status of the process
     int parse(int argc, const char *const *argv);
@@ -43,11 +48,13 @@ public:
 private:
     void addHelp();
     int explain(const QString &name) const;
+    int takeTrailing(int argc, const char *const *argv);
 
     const std::unique_ptr<CLI::App> m_app;
     std::string m_logLevel = "error";
     Workbench::Colour m_colour = Workbench::Colour::Auto;
     std::string m_helpedCommand;
+    std::map<std::string, QStringList *> m_trailing; ///< by the name of the command
     int m_status = Success;
 };
 

@@ -178,6 +178,7 @@ int explainSimulation(const ExplainOptions &options)
                                 "(see: vorn-input simulate)"));
         return Found;
     case SimulationResult::Outcome::Malformed:
+    case SimulationResult::Outcome::ProgramFailed:
     case SimulationResult::Outcome::Interrupted:
         break;
     }

@@ -14,7 +14,10 @@ namespace {
 
 using Outcome = FileResult::Outcome;
 
-constexpr char suiteName[] = "vorn-input simulate";
+QString suiteName(const QString &command)
+{
+    return QStringLiteral("vorn-input ") + command;
+}
 
 /// What JUnit calls it; nothing for success.
 const char *elementOf(Outcome outcome)
@@ -24,6 +27,7 @@ const char *elementOf(Outcome outcome)
     case Outcome::NothingToCheck:
         return nullptr;
     case Outcome::Failed:
+    case Outcome::ProgramFailed:
         return "failure";
     case Outcome::NotRun:
         return "skipped";
@@ -50,10 +54,10 @@ void attribute(QXmlStreamWriter *xml, const char *name, const QString &value)
     xml->writeAttribute(QLatin1String(name), printable(value));
 }
 
-void writeCase(QXmlStreamWriter *xml, const FileResult &result)
+void writeCase(QXmlStreamWriter *xml, const FileResult &result, const QString &command)
 {
     xml->writeStartElement(QStringLiteral("testcase"));
-    attribute(xml, "classname", QStringLiteral("vorn-input.simulate"));
+    attribute(xml, "classname", QStringLiteral("vorn-input.") + command);
     attribute(xml, "name", result.file);
     attribute(xml, "file", result.file);
     attribute(xml, "assertions", QString::number(result.met + result.failed));
@@ -67,13 +71,16 @@ void writeCase(QXmlStreamWriter *xml, const FileResult &result)
         xml->writeCharacters(lines.join(QLatin1Char('\n')));
         xml->writeEndElement();
     }
-    xml->writeTextElement(QStringLiteral("system-out"), printable(summary(result)));
+    QStringList output = QStringList{summary(result)} + result.output;
+    for (QString &line : output)
+        line = printable(line);
+    xml->writeTextElement(QStringLiteral("system-out"), output.join(QLatin1Char('\n')));
     xml->writeEndElement();
 }
 
 } // namespace
 
-QByteArray toJUnit(const QVector<FileResult> &results)
+QByteArray toJUnit(const QVector<FileResult> &results, const QString &command)
 {
     qint64 duration = 0;
     for (const FileResult &result : results)
@@ -84,22 +91,22 @@ QByteArray toJUnit(const QVector<FileResult> &results)
     xml.setAutoFormattingIndent(2);
     xml.writeStartDocument();
     xml.writeStartElement(QStringLiteral("testsuite"));
-    attribute(&xml, "name", QString::fromLatin1(suiteName));
+    attribute(&xml, "name", suiteName(command));
     attribute(&xml, "tests", QString::number(results.size()));
     attribute(&xml, "failures", count(results, "failure"));
     attribute(&xml, "errors", count(results, "error"));
     attribute(&xml, "skipped", count(results, "skipped"));
     attribute(&xml, "time", secondsText(duration));
     for (const FileResult &result : results)
-        writeCase(&xml, result);
+        writeCase(&xml, result, command);
     xml.writeEndElement();
     xml.writeEndDocument();
     return text;
 }
 
-QByteArray junitSignature()
+QByteArray junitSignature(const QString &command)
 {
-    return QByteArray("<testsuite name=\"") + suiteName + '"';
+    return QByteArray("<testsuite name=\"") + suiteName(command).toUtf8() + '"';
 }
 
 } // namespace Vorn::Tools

@@ -9,11 +9,12 @@
 namespace Vorn::Tools {
 
 /// The results as JUnit XML, which CI systems read: one suite with a test case for each file. Times
-/// are seconds of virtual time, so that equal results give equal bytes.
-QByteArray toJUnit(const QVector<FileResult> &results);
+/// are seconds of the sessions; with virtual time, equal results give equal bytes.
+/// @param command that ran them: "simulate"
+QByteArray toJUnit(const QVector<FileResult> &results, const QString &command);
 
-/// What every such file has near its start.
-QByteArray junitSignature();
+/// What every such file of @p command has near its start.
+QByteArray junitSignature(const QString &command);
 
 } // namespace Vorn::Tools
 

@@ -1,10 +1,7 @@
 #ifndef VORN_TOOLS_SIMULATECOMMAND_H
 #define VORN_TOOLS_SIMULATECOMMAND_H
 
-#include "Terminal.h"
-
-#include <QString>
-#include <QStringList>
+#include "ScenarioBatch.h"
 
 namespace CLI {
 class App;
@@ -12,19 +9,8 @@ class App;
 
 namespace Vorn::Tools {
 
-struct SimulateOptions
-{
-    QString profile; ///< empty: the one that the scenario names
-    QStringList files;
-    QString expectations; ///< file for a recording; empty: the one beside it
-    bool json = false;
-    bool raw = false;
-    bool quiet = false; ///< only failures
-    QString timeline; ///< picture to write; empty: none
-    QString junit; ///< file for the results as JUnit XML; empty: none
-    bool force = false; ///< whatever exists is replaced
-    Workbench::Colour colour = Workbench::Colour::Auto;
-};
+struct SimulateOptions : ScenarioOptions
+{ };
 
 CLI::App *addSimulate(CLI::App *app, SimulateOptions *options);
 

@@ -18,7 +18,7 @@ namespace {
 // A failure is explained by what happened before it, and that fits on a screen.
 constexpr int contextLines = 12;
 
-SessionPrinter::Options shownText(const SimulateOptions &options)
+SessionPrinter::Options shownText(const ScenarioOptions &options)
 {
     SessionPrinter::Options result;
     result.records = options.raw;
@@ -65,7 +65,7 @@ QStringList indented(const QString &text)
 
 } // namespace
 
-SimulationReport::SimulationReport(const SimulateOptions &options)
+SimulationReport::SimulationReport(const ScenarioOptions &options)
     : m_options(options)
     , m_text(shownText(options))
     , m_contextText(contextText())
@@ -103,10 +103,15 @@ std::optional<ExpectationChecked> SimulationReport::failure() const
 
 QStringList SimulationReport::context() const
 {
-    const QString time = secondsText(m_failure.time / 1000).rightJustified(9);
+    return contextAt(m_failure.time);
+}
+
+QStringList SimulationReport::contextAt(qint64 time) const
+{
+    const QString here = secondsText(time / 1000).rightJustified(9);
     const QString entries = m_context.join(QLatin1Char('\n'));
     return (entries.isEmpty() ? QStringList() : entries.split(QLatin1Char('\n')))
-        + QStringList{QStringLiteral("> %1  here").arg(time)};
+        + QStringList{QStringLiteral("> %1  here").arg(here)};
 }
 
 QString failureMessage(const ExpectationChecked &failure)

@@ -1,9 +1,9 @@
 #ifndef VORN_TOOLS_SIMULATIONREPORT_H
 #define VORN_TOOLS_SIMULATIONREPORT_H
 
+#include "ScenarioBatch.h"
 #include "Session.h"
 #include "SessionPrinter.h"
-#include "SimulateCommand.h"
 #include "Timeline.h"
 
 #include <QString>
@@ -18,7 +18,7 @@ class SimulationReport
 {
 public:
     /// @param options must live longer
-    explicit SimulationReport(const SimulateOptions &options);
+    explicit SimulationReport(const ScenarioOptions &options);
 
     void add(const Workbench::SessionEntry &entry);
 
@@ -27,12 +27,14 @@ public:
 
     /// The lines of what happened before the failure, and its time.
     QStringList context() const;
+    /// The same for a failure at @p time (µs of the session) that is no expectation's.
+    QStringList contextAt(qint64 time) const;
 
     /// Empty unless a picture is to be drawn.
     Workbench::Timeline &picture() { return m_picture; }
 
 private:
-    const SimulateOptions &m_options;
+    const ScenarioOptions &m_options;
     Workbench::SessionPrinter m_text;
     Workbench::SessionPrinter m_contextText;
     QStringList m_context; ///< the last lines, with records and detectors, shown or not

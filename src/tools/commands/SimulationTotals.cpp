@@ -24,6 +24,8 @@ Outcome outcomeOf(const Scenario &scenario, const SimulationResult &result)
         return Outcome::Failed;
     case SimulationResult::Outcome::Malformed:
         return Outcome::StepCannotBeRun;
+    case SimulationResult::Outcome::ProgramFailed:
+        return Outcome::ProgramFailed;
     case SimulationResult::Outcome::Interrupted:
         break;
     }
@@ -91,6 +93,7 @@ int statusOf(FileResult::Outcome outcome)
     case Outcome::NothingToCheck:
         return Success;
     case Outcome::Failed:
+    case Outcome::ProgramFailed:
         return Found;
     case Outcome::CannotBeRun:
     case Outcome::StepCannotBeRun:
@@ -112,6 +115,9 @@ QString summary(const FileResult &result)
         return QStringLiteral("%1: done, no expectations to check, %2").arg(file, time);
     case Outcome::Failed:
         return QStringLiteral("%1: FAILED at %2; %3").arg(file, time, expectations(result));
+    case Outcome::ProgramFailed:
+        return QStringLiteral("%1: the program FAILED at %2; %3")
+            .arg(file, time, expectations(result));
     case Outcome::CannotBeRun:
         return QStringLiteral("%1: could not be run").arg(file);
     case Outcome::StepCannotBeRun:
@@ -131,6 +137,7 @@ QStringList totals(const QVector<FileResult> &results)
         {Outcome::Passed, "passed"},
         {Outcome::NothingToCheck, "without expectations"},
         {Outcome::Failed, "failed"},
+        {Outcome::ProgramFailed, "with a failed program"},
         {Outcome::CannotBeRun, "could not be run"},
         {Outcome::StepCannotBeRun, "with an impossible step"},
         {Outcome::Interrupted, "interrupted"},

@@ -3,7 +3,7 @@
 
 #include "Diagnostic.h"
 #include "Scenario.h"
-#include "Simulation.h"
+#include "ScenarioRun.h"
 
 #include <QString>
 #include <QStringList>
@@ -18,6 +18,7 @@ struct FileResult
         Passed,
         NothingToCheck, ///< run to its end, but it expects nothing
         Failed, ///< an expectation was not met
+        ProgramFailed, ///< the program that was driven ended or got stuck
         CannotBeRun, ///< it has errors
         StepCannotBeRun, ///< one of its steps is impossible
         Interrupted,
@@ -29,9 +30,10 @@ struct FileResult
     int met = 0; ///< expectations
     int failed = 0;
     int notChecked = 0; ///< since the run ended before them
-    qint64 duration = 0; ///< ms of virtual time
+    qint64 duration = 0; ///< ms of the session
     QString message; ///< what is wrong, and where, in one line
     QStringList details; ///< all that was printed about it, in lines
+    QStringList output; ///< of the program that was driven
 };
 
 FileResult resultOf(const QString &file, const Workbench::Scenario &scenario,
