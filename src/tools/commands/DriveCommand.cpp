@@ -102,10 +102,11 @@ int drive(const DriveOptions &options)
     settings.passesOutput = !options.quiet;
     settings.tolerance = *tolerance;
     settings.timeout = *timeout;
-    return runBatch(options, QStringLiteral("drive"),
-                    [&settings](const LoadedScenario &loaded, const SessionLog::Sink &sink) {
-                        return outcomeOf(driveScenario(loaded, settings, sink));
-                    });
+    return runBatch(options,
+                    {QStringLiteral("drive"), false,
+                     [&settings](const LoadedScenario &loaded, const SessionLog::Sink &sink) {
+                         return outcomeOf(driveScenario(loaded, settings, sink));
+                     }});
 }
 
 } // namespace Vorn::Tools

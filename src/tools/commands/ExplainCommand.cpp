@@ -154,7 +154,8 @@ void noteNodes(const LoadedScenario &loaded)
 
 int explainSimulation(const ExplainOptions &options)
 {
-    const LoadedScenario loaded = loadScenario(options.file, LoadOptions{options.profile, {}});
+    const LoadedScenario loaded =
+        loadScenario(options.file, LoadOptions{options.profile, {}, true});
     printDiagnostics(loaded.diagnostics);
     if (hasErrors(loaded.diagnostics))
         return Failure;

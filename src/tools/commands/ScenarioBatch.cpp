@@ -33,9 +33,9 @@ bool refuse(const QString &message)
 class FileRunner
 {
 public:
-    FileRunner(const ScenarioOptions &options, const RunScenario &run)
+    FileRunner(const ScenarioOptions &options, const ScenarioRunner &runner)
         : m_options(options)
-        , m_run(run)
+        , m_runner(runner)
         // Lines that appear one by one on the same terminal are progress enough.
         , m_showsProgress(options.quiet || !isTerminal(STDOUT_FILENO))
     { }
@@ -50,8 +50,8 @@ public:
             result.file = file;
             return result;
         }
-        const LoadedScenario loaded =
-            loadScenario(file, LoadOptions{m_options.profile, m_options.expectations});
+        const LoadedScenario loaded = loadScenario(
+            file, LoadOptions{m_options.profile, m_options.expectations, m_runner.needsProfile});
         m_progress.clear();
         printDiagnostics(loaded.diagnostics);
         if (hasErrors(loaded.diagnostics))
@@ -78,7 +78,7 @@ private:
             : QStringLiteral("%1 of %2: ").arg(index + 1).arg(m_options.files.size());
         const qint64 planned = plannedDuration(loaded);
         SimulationReport report(m_options);
-        const ScenarioOutcome outcome = m_run(loaded, [&](const SessionEntry &entry) {
+        const ScenarioOutcome outcome = m_runner.run(loaded, [&](const SessionEntry &entry) {
             report.add(entry);
             // Nobody reads the rest, which may be hours of virtual time.
             if (isOutputLost())
@@ -139,7 +139,7 @@ private:
     Overwrite picture() const { return {timelineSignature(), m_options.force}; }
 
     const ScenarioOptions &m_options;
-    const RunScenario &m_run;
+    const ScenarioRunner &m_runner;
     const bool m_showsProgress;
     Progress m_progress;
     bool m_hasWritten = true;
@@ -191,17 +191,17 @@ void addScenarioOptions(CLI::App *command, ScenarioOptions *options)
             "Let --timeline and --junit replace files that are not of this program");
 }
 
-int runBatch(const ScenarioOptions &options, const QString &name, const RunScenario &run)
+int runBatch(const ScenarioOptions &options, const ScenarioRunner &runner)
 {
-    if (!areUsable(options, name))
+    if (!areUsable(options, runner.command))
         return Failure;
 
     const Interruption interruption;
-    FileRunner runner(options, run);
+    FileRunner fileRunner(options, runner);
     QVector<FileResult> files;
     int status = Success;
     for (int i = 0; i < options.files.size(); ++i) {
-        files.append(runner.run(i));
+        files.append(fileRunner.run(i));
         // The statuses are in order of severity.
         status = qMax(status, statusOf(files.last().outcome));
         if (!flush(stdout))
@@ -211,11 +211,12 @@ int runBatch(const ScenarioOptions &options, const QString &name, const RunScena
         for (const QString &line : totals(files))
             printLine(options.json ? stderr : stdout, line);
     }
-    if (!runner.hasWritten())
+    if (!fileRunner.hasWritten())
         status = Failure;
     if (options.junit.isEmpty())
         return status;
-    const QString reason = writeFile(options.junit, toJUnit(files, name), results(options, name));
+    const QString reason =
+        writeFile(options.junit, toJUnit(files, runner.command), results(options, runner.command));
     return reason.isEmpty() || refuse(reason) ? status : Failure;
 }
 

@@ -41,16 +41,22 @@ struct ScenarioOutcome
     QStringList output; ///< what a program printed last
 };
 
-using RunScenario = std::function<ScenarioOutcome(const Workbench::LoadedScenario &,
-                                                  const Workbench::SessionLog::Sink &)>;
+/// How a command runs scenarios.
+struct ScenarioRunner
+{
+    QString command;
+    bool needsProfile = true;
+    std::function<ScenarioOutcome(const Workbench::LoadedScenario &,
+                                  const Workbench::SessionLog::Sink &)>
+        run;
+};
 
 /// Adds the arguments and options to a command.
 void addScenarioOptions(CLI::App *command, ScenarioOptions *options);
 
 /// Loads the files, runs each, and prints, draws and writes what was asked for.
-/// @param name of the command
 /// @return the exit status, the worst of all files
-int runBatch(const ScenarioOptions &options, const QString &name, const RunScenario &run);
+int runBatch(const ScenarioOptions &options, const ScenarioRunner &runner);
 
 } // namespace Vorn::Tools
 

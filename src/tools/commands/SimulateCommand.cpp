@@ -27,10 +27,11 @@ CLI::App *addSimulate(CLI::App *app, SimulateOptions *options)
 int simulate(const SimulateOptions &options)
 {
     return runBatch(
-        options, QStringLiteral("simulate"),
-        [](const Workbench::LoadedScenario &loaded, const Workbench::SessionLog::Sink &sink) {
-            return ScenarioOutcome{Workbench::simulate(loaded, sink), {}, {}, {}};
-        });
+        options,
+        {QStringLiteral("simulate"), true,
+         [](const Workbench::LoadedScenario &loaded, const Workbench::SessionLog::Sink &sink) {
+             return ScenarioOutcome{Workbench::simulate(loaded, sink), {}, {}, {}};
+         }});
 }
 
 } // namespace Vorn::Tools

@@ -52,7 +52,8 @@ TEST(JUnitReport, HasATestCaseForEachFile)
     broken.message = QStringLiteral("c.scenario:1: error: what");
     broken.details = QStringList{broken.message};
     EXPECT_EQ(toJUnit({passed, failed, broken, file("d.scenario", Outcome::Interrupted),
-                       file("e.scenario", Outcome::NotRun)})
+                       file("e.scenario", Outcome::NotRun)},
+                      QStringLiteral("simulate"))
                   .toStdString(),
               R"(<?xml version="1.0" encoding="UTF-8"?>
 <testsuite name="vorn-input simulate" tests="5" failures="1" errors="2" skipped="1" time="2.000">
@@ -94,7 +95,7 @@ TEST(JUnitReport, IsValidXmlWhateverTheTexts)
     failed.file = odd;
     failed.message = odd;
     failed.details = QStringList{QStringLiteral("first"), odd};
-    const QStringList failures = elements(toJUnit({failed}), "failure");
+    const QStringList failures = elements(toJUnit({failed}, QStringLiteral("simulate")), "failure");
     ASSERT_EQ(failures.size(), 1);
     EXPECT_TRUE(failures[0].startsWith(QStringLiteral("first\n")));
     EXPECT_TRUE(failures[0].contains(QStringLiteral("<=>?@ABC"))) << failures[0].toStdString();

@@ -128,7 +128,7 @@ void ScenarioChecks::checkDevice(const ScenarioDevice &device)
 // it is only a warning, but more often it is a typo.
 void ScenarioChecks::checkIdentifier(const QString &identifier)
 {
-    if (!m_identifiers.contains(identifier))
+    if (!m_loaded.profileFile.isEmpty() && !m_identifiers.contains(identifier))
         add(Severity::Warning,
             QStringLiteral("the profile has no identifier %1%2")
                 .arg(quoted(identifier), suggestion(identifier, m_identifiers)));

@@ -72,10 +72,13 @@ QString expectationsBeside(const QString &recording)
     return QFileInfo::exists(path) ? path : QString();
 }
 
-void loadProfileOf(LoadedScenario *loaded, const QString &override)
+void loadProfileOf(LoadedScenario *loaded, const LoadOptions &options)
 {
+    const QString &override = options.profile;
     const Scenario &scenario = loaded->scenario;
     loaded->profileFile = override.isEmpty() ? scenario.profile : override;
+    if (loaded->profileFile.isEmpty() && !options.needsProfile)
+        return;
     if (loaded->profileFile.isEmpty()) {
         loaded->diagnostics.append(
             diagnosticAt(loaded->source, 0,
@@ -221,7 +224,7 @@ LoadedScenario loadScenario(const QString &path, const LoadOptions &options)
     // A scenario with errors may name the wrong files; their errors would only distract.
     if (hasErrors(loaded.diagnostics))
         return loaded;
-    loadProfileOf(&loaded, options.profile);
+    loadProfileOf(&loaded, options);
     loadRecordings(&loaded);
     if (loaded.scenario.steps.isEmpty())
         loaded.diagnostics.append(

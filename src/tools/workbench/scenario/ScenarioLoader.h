@@ -29,6 +29,8 @@ struct LoadOptions
 {
     QString profile; ///< overrides the one that the scenario names
     QString expectations; ///< for a recording; empty: the file next to it, if any
+    /// A program has a key map of its own; devices without a profile have the keys of the steps.
+    bool needsProfile = true;
 };
 
 /// Loads a scenario. A recording ("*.evemu", "*.umockdev") is loaded as a scenario that plays it

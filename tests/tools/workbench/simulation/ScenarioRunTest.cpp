@@ -1,0 +1,152 @@
+#include "ScenarioRun.h"
+
+#include "ScenarioFiles.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <limits>
+
+using namespace Vorn::Workbench;
+using Outcome = SimulationResult::Outcome;
+
+namespace {
+
+/// A bench whose events come when a test says, and which can break.
+class ScriptedBench : public Bench
+{
+public:
+    explicit ScriptedBench(PendingEvents *pending)
+        : m_pending(pending)
+    { }
+
+    /// An event at a time of the session.
+    void publishAt(qint64 time) { m_events += time; }
+    void breakAt(qint64 time) { m_breaksAt = time; }
+
+    QString failure() const override
+    {
+        return m_now >= m_breaksAt ? QStringLiteral("the program was killed") : QString();
+    }
+    qint64 now() const override { return m_now; }
+    void settle() override { moveTo(m_now); }
+    void runUntil(qint64 end) override { moveTo(end); }
+    void runUntil(qint64 end, const Condition &condition) override
+    {
+        while (m_now < end && !condition())
+            moveTo(m_now + 1);
+    }
+    void log(const Remark &) override { }
+    void log(const ExpectationChecked &checked) override { m_checked = checked; }
+    void plug(int, const Vorn::Sim::DeviceDescription &) override { }
+    void unplug(int, bool) override { }
+    void replace(int, const Vorn::Sim::DeviceDescription &) override { }
+    void setMode(int, mode_t) override { }
+    void setInputDirectory(bool) override { }
+    std::optional<int> changeKeys(int, const QVector<int> &codes, int) override
+    {
+        // What a bench says that is broken means nothing.
+        return failure().isEmpty() ? std::nullopt : std::make_optional(codes.first());
+    }
+    void releaseKeys(int) override { }
+    bool setSwitch(int, int, bool) override { return failure().isEmpty(); }
+    void send(int, const QVector<RecordedEvent> &, qint64) override { }
+    void stepWallClock(qint64) override { }
+    void select(const QString &) override { }
+    QString identifier() override { return {}; }
+
+    const ExpectationChecked &checked() const { return m_checked; }
+
+private:
+    void moveTo(qint64 time)
+    {
+        m_now = std::max(m_now, time);
+        while (!m_events.isEmpty() && m_events.first() <= m_now) {
+            EventPublished event;
+            event.command = InputEvent::Info;
+            event.state = InputEvent::KeyLongPress;
+            m_pending->add(SessionEntry{m_events.takeFirst() * 1000, event});
+        }
+    }
+
+    PendingEvents *const m_pending;
+    QVector<qint64> m_events;
+    qint64 m_now = 0;
+    qint64 m_breaksAt = std::numeric_limits<qint64>::max();
+    ExpectationChecked m_checked;
+};
+
+class ScenarioRunTest : public ScenarioFiles
+{
+protected:
+    SimulationResult run(const char *text, qint64 tolerance)
+    {
+        write("a.scenario", QByteArray("device panel keys=KEY_INFO\n") + text);
+        const LoadedScenario loaded = loadScenario(path("a.scenario"), {{}, {}, false});
+        EXPECT_FALSE(hasErrors(loaded.diagnostics));
+        return runScenario(loaded, &m_bench, &m_pending, tolerance);
+    }
+
+    PendingEvents m_pending{{0}};
+    ScriptedBench m_bench{&m_pending};
+};
+
+} // namespace
+
+TEST_F(ScenarioRunTest, AllowsForTheTolerance)
+{
+    m_bench.publishAt(820);
+    EXPECT_EQ(
+        run("panel press KEY_INFO\nexpect Info KeyLongPress after 700ms..755ms\n", 100).outcome,
+        Outcome::Passed);
+}
+
+TEST_F(ScenarioRunTest, AllowsForTheToleranceBeforeTheTime)
+{
+    m_bench.publishAt(610);
+    EXPECT_EQ(
+        run("panel press KEY_INFO\nexpect Info KeyLongPress after 700ms..755ms\n", 100).outcome,
+        Outcome::Passed);
+}
+
+TEST_F(ScenarioRunTest, FailsBeyondTheTolerance)
+{
+    m_bench.publishAt(860);
+    EXPECT_EQ(
+        run("panel press KEY_INFO\nexpect Info KeyLongPress after 700ms..755ms\n", 100).outcome,
+        Outcome::Failed);
+    EXPECT_EQ(m_bench.checked().found, "nothing");
+}
+
+TEST_F(ScenarioRunTest, HasNoToleranceUnlessAsked)
+{
+    m_bench.publishAt(756);
+    EXPECT_EQ(run("panel press KEY_INFO\nexpect Info KeyLongPress after 700ms..755ms\n", 0).outcome,
+              Outcome::Failed);
+}
+
+TEST_F(ScenarioRunTest, WaitsAsLongAsTheToleranceForAnEventOfNow)
+{
+    m_bench.publishAt(90);
+    EXPECT_EQ(run("panel press KEY_INFO\nexpect Info KeyLongPress\n", 100).outcome,
+              Outcome::Passed);
+}
+
+TEST_F(ScenarioRunTest, TellsTheStepInWhichTheProgramEnded)
+{
+    m_bench.breakAt(1500);
+    const SimulationResult result =
+        run("wait 1s\nwait 1s\npanel press KEY_INFO\nexpect nothing\n", 0);
+    EXPECT_EQ(result.outcome, Outcome::ProgramFailed);
+    ASSERT_EQ(result.diagnostics.size(), 1);
+    EXPECT_EQ(result.diagnostics.first().line, 3);
+    EXPECT_EQ(result.diagnostics.first().message, "the program was killed");
+}
+
+TEST_F(ScenarioRunTest, TellsThatTheProgramEndedInTheLastStep)
+{
+    m_bench.breakAt(0);
+    const SimulationResult result = run("panel press KEY_INFO\n", 0);
+    EXPECT_EQ(result.outcome, Outcome::ProgramFailed);
+    EXPECT_EQ(result.diagnostics.size(), 1);
+}
