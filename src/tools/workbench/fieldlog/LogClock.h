@@ -9,21 +9,26 @@
 
 namespace Vorn::Workbench {
 
-/// Makes times that never go back of the times of one process's lines.
+/// Makes times that never go back of the times that one process's lines state. Where these go back,
+/// the clock was set, and time stands still; where they leap, it may have been.
 class LogClock
 {
 public:
     struct Reading
     {
-        qint64 time = 0; ///< in microseconds since the process's first line; never less than before
+        qint64 time = 0; ///< in microseconds since the process's first line
         /// What is odd about the clock at this line, for people; empty if nothing is.
         QString remark;
     };
 
+    /// Lines are expected in the order of the log.
     Reading at(const LogLine &line);
 
 private:
-    std::optional<qint64> m_wall;
+    void advance(const LogLine &line, QString *remark);
+
+    std::optional<qint64> m_stated;
+    bool m_hasDate = false;
     std::optional<qint64> m_uptime;
     qint64 m_time = 0;
 };

@@ -39,10 +39,8 @@ QString LogFile::open(const QString &path)
 
 bool LogFile::next()
 {
-    if (m_isTooLong || !m_kept.empty()) {
-        m_kept.clear();
-        m_isTooLong = false;
-    }
+    m_kept.clear();
+    m_isTooLong = false;
     for (;;) {
         if (m_rest.empty() && !fill()) {
             // The last line may lack its end.
@@ -133,7 +131,6 @@ void LogFile::startUnpacking()
     m_packed = QByteArray(m_rest.data(), static_cast<int>(m_rest.size()));
     m_stream->next_in = reinterpret_cast<Bytef *>(m_packed.data());
     m_stream->avail_in = static_cast<uInt>(m_packed.size());
-    m_packed.reserve(bufferSize);
 }
 
 bool LogFile::readPacked()

@@ -60,7 +60,6 @@ private:
     InputFile m_file;
     std::unique_ptr<z_stream_s, EndStream> m_stream;
     QByteArray m_packed;
-    qint64 m_packedSize = 0;
     bool m_isStarted = false;
     bool m_isBetweenMembers = false;
 

@@ -66,7 +66,8 @@ void LogLineMaker::countStarts(const LogFields &fields, LogLine *line)
         m_starts.clear();
     Start &start = m_starts[line->process];
     constexpr qint64 tolerance = 100'000; // for threads that log at the same time
-    if (*fields.sinceStart < std::min(start.last / 2, start.last - tolerance))
+    if (*fields.sinceStart >= 0
+        && *fields.sinceStart < std::min(start.last / 2, start.last - tolerance))
         ++start.number;
     start.last = *fields.sinceStart;
     if (start.number > 1)

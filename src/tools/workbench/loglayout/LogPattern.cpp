@@ -25,13 +25,15 @@ bool isDigit(char character)
 
 std::optional<qint64> numberIn(std::string_view digits)
 {
+    const bool isNegative = !digits.empty() && digits.front() == '-';
+    digits.remove_prefix(isNegative ? 1 : 0);
     constexpr std::size_t maxDigits = 15; // in microseconds, it still fits
     if (digits.empty() || digits.size() > maxDigits)
         return std::nullopt;
     qint64 number = 0;
     for (const char digit : digits)
         number = number * 10 + (digit - '0');
-    return number;
+    return isNegative ? -number : number;
 }
 
 std::string_view withoutPadding(std::string_view text, bool isLeftAligned)
@@ -133,10 +135,13 @@ bool LogPattern::Matcher::matchNumber(std::size_t index, std::string_view rest)
     const Part &part = m_parts[index];
     if (!part.isLeftAligned && part.minWidth > 0)
         rest = withoutPadding(rest, false);
-    std::size_t size = 0;
+    // The time since the start is negative once the clock has been set back to before it.
+    const bool isNegative = part.conversion == 'r' && !rest.empty() && rest.front() == '-';
+    const std::size_t begin = isNegative ? 1 : 0;
+    std::size_t size = begin;
     while (size < rest.size() && isDigit(rest[size]))
         ++size;
-    return size > 0 && store(part, rest.substr(0, size)) && matchPadded(index, size, rest);
+    return size > begin && store(part, rest.substr(0, size)) && matchPadded(index, size, rest);
 }
 
 /// Goes on behind a value at the front that the layout may have filled up with blanks.
@@ -222,6 +227,9 @@ bool LogPattern::Matcher::store(const Part &part, std::string_view value)
         return milliseconds.has_value();
     }
     case 'T':
+        if (m_fields->thread.empty())
+            m_fields->thread = value;
+        return true;
     case 't':
         m_fields->thread = value;
         return true;

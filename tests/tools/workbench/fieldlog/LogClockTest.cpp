@@ -1,0 +1,102 @@
+#include "LogClock.h"
+
+#include <gmock/gmock.h>
+
+using namespace Vorn::Workbench;
+using testing::HasSubstr;
+
+namespace {
+
+constexpr qint64 second = 1'000'000;
+
+Vorn::Workbench::LogLine lineAt(qint64 time, std::optional<qint64> uptime = std::nullopt)
+{
+    Vorn::Workbench::LogLine line;
+    line.time = time;
+    line.hasDate = true;
+    line.uptime = uptime;
+    return line;
+}
+
+std::string remark(const LogClock::Reading &reading)
+{
+    return reading.remark.toStdString();
+}
+
+} // namespace
+
+TEST(LogClock, CountsFromTheFirstLine)
+{
+    LogClock clock;
+    EXPECT_EQ(clock.at(lineAt(100 * second)).time, 0);
+    const LogClock::Reading reading = clock.at(lineAt(101 * second));
+    EXPECT_EQ(reading.time, second);
+    EXPECT_EQ(remark(reading), "");
+}
+
+TEST(LogClock, StandsStillWhereTheClockIsSetBackAndSaysSo)
+{
+    LogClock clock;
+    clock.at(lineAt(7300 * second));
+    LogClock::Reading reading = clock.at(lineAt(100 * second));
+    EXPECT_EQ(reading.time, 0);
+    EXPECT_EQ(remark(reading), "the clock was set back by 2 h, or the lines are out of order");
+    reading = clock.at(lineAt(103 * second));
+    EXPECT_EQ(reading.time, 3 * second);
+    EXPECT_EQ(remark(reading), "");
+}
+
+TEST(LogClock, IgnoresThreadsThatGetIntoEachOthersWay)
+{
+    LogClock clock;
+    clock.at(lineAt(second));
+    EXPECT_EQ(remark(clock.at(lineAt(second - 5000))), "");
+    EXPECT_EQ(clock.at(lineAt(second + 1000)).time, 1000) << "not the way back as well";
+}
+
+TEST(LogClock, TellsALeapWithoutAnOpinion)
+{
+    LogClock clock;
+    clock.at(lineAt(0));
+    const LogClock::Reading reading = clock.at(lineAt(50 * 3600 * second));
+    EXPECT_EQ(reading.time, 50 * 3600 * second);
+    EXPECT_EQ(remark(reading),
+              "the time leaps by 2 d 2 h: nothing was logged, or the clock was set");
+}
+
+TEST(LogClock, KnowsFromTheUptimeHowMuchTimeHasPassed)
+{
+    LogClock clock;
+    clock.at(lineAt(0, 10 * second));
+    const LogClock::Reading reading = clock.at(lineAt(3600 * second, 12 * second));
+    EXPECT_EQ(reading.time, 2 * second);
+    EXPECT_EQ(remark(reading), "the clock was set forward by 59 min 58 s");
+    EXPECT_EQ(remark(clock.at(lineAt(3500 * second, 13 * second))),
+              "the clock was set back by 1 min 41 s");
+    EXPECT_EQ(remark(clock.at(lineAt(3510 * second, 2 * second))), "")
+        << "the system started again";
+}
+
+TEST(LogClock, DoesNotMixTimesWithAndWithoutADate)
+{
+    LogClock clock;
+    clock.at(lineAt(1'000'000 * second));
+    auto line = lineAt(3600 * second);
+    line.hasDate = false;
+    LogClock::Reading reading = clock.at(line);
+    EXPECT_EQ(reading.time, 0);
+    EXPECT_THAT(remark(reading), HasSubstr("cannot be compared"));
+    line.time = 3601 * second;
+    reading = clock.at(line);
+    EXPECT_EQ(reading.time, second);
+    EXPECT_EQ(remark(reading), "");
+}
+
+TEST(LogClock, StandsStillWithoutTimes)
+{
+    LogClock clock;
+    EXPECT_EQ(clock.at({}).time, 0);
+    const LogClock::Reading reading = clock.at({});
+    EXPECT_EQ(reading.time, 0);
+    EXPECT_EQ(remark(reading), "");
+}
