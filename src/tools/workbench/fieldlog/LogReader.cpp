@@ -253,8 +253,17 @@ QString LogReader::Parts::layoutText() const
 {
     if (m_layouts.isEmpty())
         return QStringLiteral("unknown");
-    return m_layouts.texts().join(QStringLiteral("; "))
-        + (m_given ? QString() : QStringLiteral(" (guessed)"));
+    QStringList remarks;
+    if (!m_given)
+        remarks += QStringLiteral("guessed");
+    if (!m_layouts.haveTimes())
+        remarks += QStringLiteral("without times");
+    if (!m_layouts.haveLoggers())
+        remarks += QStringLiteral("without loggers");
+    const QString texts = m_layouts.texts().join(QStringLiteral("; "));
+    return remarks.isEmpty()
+        ? texts
+        : texts + QStringLiteral(" (%1)").arg(remarks.join(QStringLiteral(", ")));
 }
 
 LogReader::LogReader(const QStringList &files, const LogReaderOptions &options)

@@ -51,7 +51,7 @@ public:
     LogCounts counts() const;
     /// In the order of reading.
     QStringList files() const;
-    /// For people: "pattern '%-5p %c: %m%n' (guessed)".
+    /// For people: "pattern '%-5p %c: %m%n' (guessed, without times)".
     QString layoutText() const;
 
 private:

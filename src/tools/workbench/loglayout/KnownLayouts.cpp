@@ -1,5 +1,7 @@
 #include "KnownLayouts.h"
 
+#include <algorithm>
+
 namespace Vorn::Workbench {
 
 bool KnownLayouts::add(const LogLayout &layout)
@@ -35,6 +37,18 @@ QStringList KnownLayouts::texts() const
     for (const LogLayout &layout : m_layouts)
         texts += layout.text();
     return texts;
+}
+
+bool KnownLayouts::haveTimes() const
+{
+    return std::any_of(m_layouts.begin(), m_layouts.end(),
+                       [](const LogLayout &layout) { return layout.hasTime(); });
+}
+
+bool KnownLayouts::haveLoggers() const
+{
+    return std::any_of(m_layouts.begin(), m_layouts.end(),
+                       [](const LogLayout &layout) { return layout.hasLogger(); });
 }
 
 } // namespace Vorn::Workbench

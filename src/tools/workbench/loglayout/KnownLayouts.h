@@ -25,6 +25,9 @@ public:
 
     const LogLayout &current() const { return m_layouts.at(m_current); }
     QStringList texts() const;
+    /// Whether any of them has times, or the names of loggers.
+    bool haveTimes() const;
+    bool haveLoggers() const;
 
 private:
     static constexpr std::size_t maxLayouts = 8;

@@ -83,7 +83,7 @@ TEST(LogReader, ReadsWhatALogOfTheProductHas)
                             "ready",
                             "2 LinuxInputListener:  type: 1 code:115 value:1",
                             "3 player.Playlist: 42 tracks"));
-    EXPECT_EQ(result.layout, "pattern '%-5p %c: %m%n' (guessed)");
+    EXPECT_EQ(result.layout, "pattern '%-5p %c: %m%n' (guessed, without times)");
     EXPECT_THAT(result.diagnostics, IsEmpty());
     EXPECT_EQ(result.counts.lines, 3);
     EXPECT_EQ(result.counts.files, 1);
@@ -232,7 +232,7 @@ TEST(LogReader, TakesTheGivenPattern)
     const Result result =
         resultOf(" type: 1 code:2 value:3 @LinuxInputListener@ DEBUG\nrubbish\n", options);
     EXPECT_THAT(result.texts, ElementsAre("1 LinuxInputListener:  type: 1 code:2 value:3"));
-    EXPECT_EQ(result.layout, "pattern '%m @%c@ %p%n'");
+    EXPECT_EQ(result.layout, "pattern '%m @%c@ %p%n' (without times)");
 
     options.pattern = "%p %y %m%n";
     EXPECT_THAT(resultOf("x\n", options).diagnostics,
@@ -300,7 +300,7 @@ TEST(LogReader, ReadsTheJournalsJson)
     EXPECT_EQ(result.lines[0].level, LogLevel::Debug);
     EXPECT_EQ(result.lines[0].time, 1'767'348'001'000'000);
     EXPECT_EQ(result.lines[1].message, "hello");
-    EXPECT_EQ(result.layout, "journal (JSON), in it the pattern '%-5p - %m%n' (guessed)");
+    EXPECT_EQ(result.layout, "journal (JSON), in it the pattern '%-5p - %m%n' (guessed, without loggers)");
 }
 
 TEST(LogReader, ReadsThePartsOfALogInOrder)
