@@ -27,8 +27,9 @@ void say(const QByteArray &text)
         pause();
 }
 
-void hangBefore(const QString &)
+void hangHere(const QString &)
 {
+    say("waiting");
     hang();
 }
 
@@ -119,9 +120,9 @@ void startThread(const QString &)
 const Behaviour behaviours[] = {
     {"plain", nullptr, nullptr, nullptr},
     {"crashes", nullptr, nullptr, crash},
-    {"hangs", nullptr, nullptr, hangBefore},
+    {"hangs", nullptr, nullptr, hangHere},
     {"never-starts", hang, nullptr, nullptr},
-    {"never-runs", nullptr, hangBefore, nullptr},
+    {"never-runs", nullptr, hangHere, nullptr},
     {"exits-at-start", nullptr, leaveAtOnce, nullptr},
     {"quits", nullptr, nullptr, quitWith},
     {"leaves", nullptr, nullptr, leaveAtOnce},
