@@ -116,15 +116,19 @@ void Agent::onIdle()
     m_observer->lookForDevices();
     if (!m_pending)
         return;
+    Answer given;
     if (std::holds_alternative<Operations::AwaitManager>(*m_pending)) {
-        if (!m_observer->hasLooked())
+        if (!m_observer->hasLooked() && !m_observer->hasForeignManager())
             return;
         m_isManaged = true;
+        if (!m_observer->hasLooked())
+            given.error = QStringLiteral("its device manager works in another thread than its "
+                                         "QCoreApplication");
     } else if (std::holds_alternative<Operations::Wait>(*m_pending) && !isWaitOver()) {
         return;
     }
     m_pending.reset();
-    answer();
+    answer(given);
 }
 
 void Agent::onPoll()
@@ -249,8 +253,7 @@ void Agent::operator()(const Operations::StepWallClock &operation)
 
 void Agent::operator()(const Operations::Select &operation)
 {
-    if (BasicInputHandler *manager = m_observer->manager())
-        manager->selectHandler(operation.identifier);
+    m_observer->select(operation.identifier);
     answer();
 }
 

@@ -81,6 +81,8 @@ void *makeManager(BasicInputHandler *manager)
     callLibrary(makeManager, VORN_MANAGER_MADE, manager);
     if (ProgramObserver *observer = ProgramObserver::instance())
         observer->onManagerMade(manager);
+    else
+        ProgramObserver::onForeignManagerMade();
     return manager;
 }
 
@@ -89,6 +91,8 @@ void *makeManagerBase(BasicInputHandler *manager)
     callLibrary(makeManagerBase, VORN_MANAGER_BASE_MADE, manager);
     if (ProgramObserver *observer = ProgramObserver::instance())
         observer->onManagerMade(manager);
+    else
+        ProgramObserver::onForeignManagerMade();
     return manager;
 }
 

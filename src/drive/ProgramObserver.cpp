@@ -2,17 +2,23 @@
 
 #include "Input.h"
 #include "InputProbe.h"
+#include "LostReleases.h"
 #include "Reasons.h"
 #include "Session.h"
 #include "vorn.h"
 
+#include <QThread>
+
+#include <iterator>
 #include <utility>
+
+#include <dlfcn.h>
 
 namespace Vorn::Drive {
 
 using namespace Workbench;
 
-ProgramObserver *ProgramObserver::s_instance = nullptr;
+std::atomic<ProgramObserver *> ProgramObserver::s_instance{nullptr};
 
 ProgramObserver::ProgramObserver(SessionLog *log, DeviceName deviceName)
     : m_log(log)
@@ -20,6 +26,10 @@ ProgramObserver::ProgramObserver(SessionLog *log, DeviceName deviceName)
     , m_observation(log)
 {
     s_instance = this;
+    m_lookForLostReleases.setSingleShot(true);
+    m_lookForLostReleases.setInterval(lostReleaseMs);
+    Vorn::connect(&m_lookForLostReleases, &QTimer::timeout, this,
+                  [this] { lookForLostReleases(); });
     // Before the program's own slots, so that what they do is logged after the event.
     Vorn::connect(Input::instance(), &Input::inputEvent, this, [this](const InputEvent &event) {
         ++m_events;
@@ -32,13 +42,36 @@ ProgramObserver::~ProgramObserver()
     s_instance = nullptr;
 }
 
+ProgramObserver *ProgramObserver::instance()
+{
+    ProgramObserver *observer = s_instance;
+    return observer && observer->thread() == QThread::currentThread() ? observer : nullptr;
+}
+
+void ProgramObserver::onForeignManagerMade()
+{
+    ProgramObserver *observer = s_instance;
+    if (!observer)
+        return;
+    observer->m_hasForeignManager = true;
+    // Who waits for a manager has to look again.
+    QMetaObject::invokeMethod(
+        observer, [] {}, Qt::QueuedConnection);
+}
+
 void ProgramObserver::onManagerMade(BasicInputHandler *manager)
 {
     m_managers += manager;
-    Vorn::connect(manager, &QObject::destroyed, this,
-                  [this, manager] { m_managers.removeAll(manager); });
+    Vorn::connect(manager, &QObject::destroyed, this, [this, manager] { onManagerGone(manager); });
     InputProbe::surroundScans(
         manager, [] {}, [this] { lookForDevices(); });
+}
+
+void ProgramObserver::onManagerGone(BasicInputHandler *manager)
+{
+    m_managers.removeAll(manager);
+    for (auto it = m_devices.begin(); it != m_devices.end();)
+        it = it->manager == manager ? m_devices.erase(it) : std::next(it);
 }
 
 bool ProgramObserver::hasLooked() const
@@ -92,7 +125,8 @@ void ProgramObserver::onKeyHandlerAdded(BasicInputHandler *manager, const QStrin
     Device &device = arrived(manager, path);
     device.keyHandlers += handler;
     const KeyObserver::Questions questions{
-        [this, path](int code) { return unmappedReason(path, EV_KEY, code); }, [] {}};
+        [this, path](int code) { return unmappedReason(path, EV_KEY, code); },
+        [this] { m_lookForLostReleases.start(); }};
     m_keys.insert(handler,
                   std::make_shared<KeyObserver>(handler, device.seen, &m_observation, questions));
     Vorn::connect(handler, &QObject::destroyed, this, [this, handler] { m_keys.remove(handler); });
@@ -163,6 +197,32 @@ void ProgramObserver::onSwitchRecords(BasicSwInputHandler *handler,
         observer->processEvent(events, library);
     else
         library(events);
+}
+
+void ProgramObserver::lookForLostReleases()
+{
+    for (Device &device : m_devices) {
+        const LinuxInputListener *listener =
+            InputProbe::keyListener(*device.manager, device.seen.path);
+        InputHandler *receiver = listener ? InputProbe::receiver(*listener) : nullptr;
+        if (const auto *handler = qobject_cast<BasicKeyInputHandler *>(receiver))
+            device.lostReleases =
+                tellLostReleases(m_log, device.seen, *handler, device.lostReleases);
+    }
+}
+
+void ProgramObserver::select(const QString &identifier)
+{
+    if (!manager())
+        return;
+    // The one with a profile remembers what was selected, and passes it on.
+    using Select = void(BasicInputHandler *, const QString &);
+    auto *const selectOfProfile = reinterpret_cast<Select *>(
+        dlsym(RTLD_DEFAULT, "_ZN19ProfileInputHandler13selectHandlerERK7QString"));
+    if (selectOfProfile && manager()->inherits("ProfileInputHandler"))
+        selectOfProfile(manager(), identifier);
+    else
+        manager()->selectHandler(identifier);
 }
 
 QString ProgramObserver::unreadReason(const QString &path, int side) const

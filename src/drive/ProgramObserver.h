@@ -11,9 +11,12 @@
 #include <QHash>
 #include <QMap>
 #include <QObject>
+#include <QSet>
 #include <QString>
+#include <QTimer>
 #include <QVector>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 
@@ -33,8 +36,12 @@ public:
     ProgramObserver(Workbench::SessionLog *log, DeviceName deviceName);
     ~ProgramObserver() override;
 
-    /// The one that is alive; null before a program is driven.
-    static ProgramObserver *instance() { return s_instance; }
+    /// The one that is alive; null before a program is driven, and on other threads, which are not
+    /// observed.
+    static ProgramObserver *instance();
+    /// A device manager was made on a thread that is not observed.
+    static void onForeignManagerMade();
+    bool hasForeignManager() const { return m_hasForeignManager; }
 
     /// @name What the program does
     /// A function that is passed does what the library does.
@@ -66,6 +73,8 @@ public:
     QString identifier() const;
     /// How many events were published.
     qint64 events() const { return m_events; }
+    /// Selects as the program would.
+    void select(const QString &identifier);
 
 private:
     struct Device
@@ -75,13 +84,16 @@ private:
         std::shared_ptr<Workbench::UnreadRecords> unreadKeys;
         std::shared_ptr<Workbench::UnreadRecords> unreadSwitches;
         QVector<BasicKeyInputHandler *> keyHandlers;
+        QSet<int> lostReleases; ///< keys that came up unheard, told once
     };
 
+    void onManagerGone(BasicInputHandler *manager);
     Device &arrived(BasicInputHandler *manager, const QString &path);
+    void lookForLostReleases();
     QString unreadReason(const QString &path, int side) const;
     QString unmappedReason(const QString &path, int side, int code) const;
 
-    static ProgramObserver *s_instance;
+    static std::atomic<ProgramObserver *> s_instance;
 
     Workbench::SessionLog *const m_log;
     const DeviceName m_deviceName;
@@ -92,6 +104,8 @@ private:
     QHash<BasicSwInputHandler *, std::shared_ptr<Workbench::SwitchObserver>> m_switches;
     qint64 m_events = 0;
     bool m_hasSelected = false;
+    std::atomic<bool> m_hasForeignManager{false};
+    QTimer m_lookForLostReleases;
 };
 
 } // namespace Vorn::Drive

@@ -3,29 +3,14 @@
 #include "CommandNames.h"
 #include "EventNames.h"
 #include "InputProbe.h"
-#include "NodeInfo.h"
+#include "LostReleases.h"
 #include "ProfileReasons.h"
 #include "Reasons.h"
 #include "Session.h"
 #include "SessionLog.h"
 #include "vorn.h"
 
-#include <poll.h>
-
 namespace Vorn::Workbench {
-
-namespace {
-
-// A release may be on its way; it is lost if it has not come by then.
-constexpr int lostReleaseMs = 100;
-
-bool hasUnreadRecords(const LinuxInputListener &listener)
-{
-    pollfd node{InputProbe::descriptor(listener), POLLIN, 0};
-    return ::poll(&node, 1, 0) > 0;
-}
-
-} // namespace
 
 Product::Product(const Profile &profile, SessionLog *log)
     : ProfileInputHandler(profile, Rules::AreLeftToDerived)
@@ -197,32 +182,9 @@ void Product::lookForLostReleases()
 {
     for (Device &device : m_devices) {
         if (const ObservedKeyHandler *handler = currentKeyHandler(device))
-            lookForLostReleases(&device, *handler);
+            device.lostReleases =
+                tellLostReleases(m_log, device.seen, *handler, device.lostReleases);
     }
-}
-
-// The kernel loses records when a reader is slow, and reads of other programs take none away: it
-// knows which keys are down.
-void Product::lookForLostReleases(Device *device, const ObservedKeyHandler &handler)
-{
-    const QList<input_event> stored = InputProbe::storedEvents(handler);
-    const LinuxInputListener *listener = InputProbe::keyListener(*this, device->seen.path);
-    QSet<int> lost;
-    if (!stored.isEmpty() && listener && !hasUnreadRecords(*listener)) {
-        const NodeInfo node = readNode(device->seen.path);
-        for (const input_event &event : stored) {
-            if (node.hasCodes && event.value != 0 && !node.device.keysDown.contains(event.code))
-                lost += event.code;
-        }
-    }
-    for (const input_event &event : stored) {
-        if (!lost.contains(event.code) || device->lostReleases.contains(event.code))
-            continue;
-        const qint64 since = stampOf(event) - SessionLog::wallClock() + m_log->now();
-        m_log->add(Remark{
-            lostReleaseText(device->seen.name, event.code, since, InputProbe::isChord(handler))});
-    }
-    device->lostReleases = lost;
 }
 
 } // namespace Vorn::Workbench

@@ -79,7 +79,6 @@ private:
     KeyStates statesOf(const Device &device) const;
     ObservedKeyHandler *currentKeyHandler(const Device &device) const;
     void lookForLostReleases();
-    void lookForLostReleases(Device *device, const ObservedKeyHandler &handler);
     static void deleteUnread(const Device &device);
 
     SessionLog *const m_log;
