@@ -186,8 +186,7 @@ std::optional<LogLine> LogReader::Parts::lineOf(const RawLine &raw)
         return std::nullopt;
     }
     m_isOfLibrary = m_isOfLibrary || isLibraryLogger(fields.logger)
-        || (!m_layouts.current().hasLogger() && isWhole
-            && beginsLikeLibraryMessage(fields.message));
+        || (isWhole && !m_layouts.current().hasLogger() && libraryMessageIn(fields.message) == 0U);
     LogLine line = m_maker.line(fields);
     line.file = raw.file;
     line.number = raw.number;

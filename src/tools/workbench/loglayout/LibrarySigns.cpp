@@ -47,11 +47,19 @@ bool isWordCharacter(char character)
         || (character >= 'A' && character <= 'Z') || character == '_';
 }
 
+/// As a word: "UserInput" is somebody else's.
 bool namesLogger(std::string_view header)
 {
     return std::any_of(loggers.begin(), loggers.end(), [header](std::string_view name) {
-        const std::size_t at = header.find(name);
-        return at != std::string_view::npos;
+        std::size_t at = header.find(name);
+        while (at != std::string_view::npos) {
+            const std::size_t end = at + name.size();
+            if ((at == 0 || !isWordCharacter(header[at - 1]))
+                && (end == header.size() || !isWordCharacter(header[end])))
+                return true;
+            at = header.find(name, end);
+        }
+        return false;
     });
 }
 

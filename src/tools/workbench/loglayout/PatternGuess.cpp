@@ -14,7 +14,7 @@ namespace {
 struct Choice
 {
     int level = 0; ///< index into levelConversions
-    bool wordsVary = false; ///< between lines: words that are nothing else
+    bool wordsVary = true; ///< between lines: words that are nothing else
     bool isDayFirst = false;
     bool isLoggerPadded = false; ///< a logger's name that was cut
 
@@ -28,7 +28,7 @@ std::vector<Choice> Choice::all()
     std::vector<Choice> choices;
     constexpr int count = 24;
     for (int i = 0; i < count; ++i)
-        choices.push_back({i % 3, (i / 3) % 2 == 1, (i / 6) % 2 == 1, i / 12 == 1});
+        choices.push_back({i % 3, (i / 3) % 2 == 0, (i / 6) % 2 == 1, i / 12 == 1});
     return choices;
 }
 

@@ -215,6 +215,17 @@ TEST(LogReader, FollowsAnUpdateThatChangesTheLayout)
     EXPECT_TRUE(result.lines.back().hasDate);
 }
 
+TEST(LogReader, DoesNotTakeAWordThatVariesForAnotherLayout)
+{
+    QByteArray log;
+    for (int i = 0; i < 300; ++i)
+        log += record("10:00:00 start DEBUG ", i % 2);
+    log += record("10:00:01 playing DEBUG ");
+    const Result result = resultOf(log);
+    EXPECT_THAT(result.lines, SizeIs(301));
+    EXPECT_THAT(result.diagnostics, IsEmpty());
+}
+
 TEST(LogReader, ReadsTwoLayoutsInOneFile)
 {
     QByteArray log;
