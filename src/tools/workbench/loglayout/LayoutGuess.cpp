@@ -17,7 +17,7 @@ constexpr std::size_t maxShowingLines = 20;
 /// How much a line speaks for the layout that has taken it apart.
 int weightOf(const LogFields &fields)
 {
-    int weight = 1;
+    int weight = 2;
     if (beginsLikeLibraryMessage(fields.message))
         weight += 20;
     if (isLibraryLogger(fields.logger))
@@ -26,6 +26,8 @@ int weightOf(const LogFields &fields)
         weight += 2;
     if (fields.stamp || fields.sinceStart)
         weight += 2;
+    if (fields.isUnevenlyFilled)
+        weight -= 1;
     return weight;
 }
 

@@ -25,6 +25,8 @@ struct LogFields
     std::string_view logger;
     std::string_view message;
     qint64 lost = 0;
+    /// Whether the line has other blanks beside a value than the layout writes.
+    bool isUnevenlyFilled = false;
 };
 
 } // namespace Vorn::Workbench

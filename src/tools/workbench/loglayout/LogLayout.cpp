@@ -41,6 +41,7 @@ void add(const LogFields &inner, LogFields *fields)
     fields->logger = inner.logger;
     fields->thread = inner.thread;
     fields->message = inner.message;
+    fields->isUnevenlyFilled = inner.isUnevenlyFilled;
 }
 
 } // namespace

@@ -98,11 +98,15 @@ bool LogPattern::Matcher::match(std::size_t index, std::string_view rest)
     }
 }
 
+/// Levels are filled up on the other side, too, and not at all: a sample of lines with levels of
+/// five letters does not show what a layout does with the others.
 bool LogPattern::Matcher::matchLevel(std::size_t index, std::string_view rest)
 {
     const Part &part = m_parts[index];
-    if (!part.isLeftAligned && part.minWidth > 0)
+    if (part.minWidth > 0 && !rest.empty() && rest.front() == ' ') {
         rest = withoutPadding(rest, false);
+        m_fields->isUnevenlyFilled = m_fields->isUnevenlyFilled || part.isLeftAligned;
+    }
     for (std::size_t i = 0; i < levelNames.size(); ++i) {
         // log4cplus cuts the front off.
         std::string_view name = levelNames[i];
@@ -154,6 +158,7 @@ bool LogPattern::Matcher::matchPadded(std::size_t index, std::size_t size, std::
             && padding.find_first_not_of(' ') == std::string_view::npos
             && match(index + 1, rest.substr(part.minWidth)))
             return true;
+        m_fields->isUnevenlyFilled = true;
     }
     return match(index + 1, rest.substr(size));
 }

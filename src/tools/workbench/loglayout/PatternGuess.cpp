@@ -16,20 +16,20 @@ struct Choice
     int level = 0; ///< index into levelConversions
     bool wordsVary = true; ///< between lines: words that are nothing else
     bool isDayFirst = false;
-    bool isLoggerPadded = false; ///< a logger's name that was cut
-
-    static std::vector<Choice> all();
+    bool isLoggerUnlikely = false; ///< which of two ways a logger may be filled up
 };
 
 constexpr std::array<const char *, 3> levelConversions = {"%-5p", "%p", "%5p"};
 
-std::vector<Choice> Choice::all()
+/// Whether a character stands right behind a value, blanks that fill it up included.
+bool closes(char character)
 {
-    std::vector<Choice> choices;
-    constexpr int count = 24;
-    for (int i = 0; i < count; ++i)
-        choices.push_back({i % 3, (i / 3) % 2 == 0, (i / 6) % 2 == 1, i / 12 == 1});
-    return choices;
+    return std::string_view(":])>|,;").find(character) != std::string_view::npos;
+}
+
+bool opens(char character)
+{
+    return std::string_view("[(<|").find(character) != std::string_view::npos;
 }
 
 QString literal(std::string_view text)
@@ -58,17 +58,18 @@ struct Conversion
 };
 
 /// "%-18c", if what is around the name shows that the layout fills it up.
-Conversion loggerConversion(std::string_view header, const HeaderWord &word)
+Conversion loggerConversion(std::string_view header, const HeaderWord &word, const Choice &choice)
 {
     const std::size_t end = word.begin + word.size;
     const std::size_t behind = blanksAt(header, end);
     const std::size_t before = blanksBefore(header, word.begin);
     const std::size_t next = end + behind;
-    const bool isClosed =
-        next < header.size() && std::string_view(":])>,;").find(header[next]) != std::string::npos;
+    const bool isClosed = next < header.size() && closes(header[next]);
     // Unless something closes the field at once, one of the blanks separates it from the next.
     const std::size_t filling = isClosed || behind == 0 ? behind : behind - 1;
-    if (filling > 0)
+    // "Input : " may just be written so.
+    const bool isLikely = filling > 1 || !isClosed;
+    if (filling > 0 && isLikely != choice.isLoggerUnlikely)
         return {QStringLiteral("%-%1c").arg(word.size + filling), 0, filling};
     if (before > 1 && word.begin > before)
         return {QStringLiteral("%%1c").arg(word.size + before - 1), before - 1, 0};
@@ -81,10 +82,17 @@ Conversion levelConversion(std::string_view header, const HeaderWord &word, cons
     const QString text =
         QString::fromLatin1(levelConversions.at(static_cast<std::size_t>(choice.level)));
     const std::size_t filling = width - std::min(width, word.size);
+    const std::size_t end = word.begin + word.size;
+    const std::size_t behind = blanksAt(header, end);
+    const std::size_t before = blanksBefore(header, word.begin);
+    // One blank separates the level from the word beside it.
+    const std::size_t next = end + behind;
+    const bool isClosed = next < header.size() && closes(header[next]);
     if (text == QStringLiteral("%-5p"))
-        return {text, 0, std::min(filling, blanksAt(header, word.begin + word.size))};
+        return {text, 0, std::min(filling, behind - (isClosed || behind == 0 ? 0 : 1))};
+    const bool isOpen = before == word.begin || opens(header[word.begin - before - 1]);
     if (text == QStringLiteral("%5p"))
-        return {text, std::min(filling, blanksBefore(header, word.begin)), 0};
+        return {text, std::min(filling, before - (isOpen || before == 0 ? 0 : 1)), 0};
     return {text};
 }
 
@@ -97,10 +105,10 @@ Conversion conversion(std::string_view header, const HeaderWord &word, const Cho
     case HeaderWord::Kind::Level:
         return levelConversion(header, word, choice);
     case HeaderWord::Kind::Logger:
-        return loggerConversion(header, word);
+        return loggerConversion(header, word, choice);
     case HeaderWord::Kind::CutLogger:
         return {
-            QString(choice.isLoggerPadded ? QStringLiteral("%-%1.%1c") : QStringLiteral("%.%1c"))
+            QString(choice.isLoggerUnlikely ? QStringLiteral("%-%1.%1c") : QStringLiteral("%.%1c"))
                 .arg(word.size)};
     case HeaderWord::Kind::Other:
         return {choice.wordsVary ? QStringLiteral("%x")
@@ -140,6 +148,35 @@ std::vector<HeaderWord> joined(const std::vector<HeaderWord> &words)
     return result;
 }
 
+/// Levels of four letters show how a layout fills them up; for the others the usual way is first.
+std::array<int, 3> likelyLevels(std::string_view header, const std::vector<HeaderWord> &words)
+{
+    for (const HeaderWord &word : words) {
+        constexpr std::size_t shortLevel = 4;
+        if (word.kind != HeaderWord::Kind::Level || word.size != shortLevel)
+            continue;
+        if (levelConversion(header, word, {0}).blanksBehind > 0)
+            break;
+        return levelConversion(header, word, {2}).blanksBefore > 0 ? std::array<int, 3>{2, 1, 0}
+                                                                   : std::array<int, 3>{1, 0, 2};
+    }
+    return {0, 1, 2};
+}
+
+std::vector<Choice> choices(const std::array<int, 3> &levels)
+{
+    std::vector<Choice> result;
+    for (const bool isLoggerUnlikely : {false, true}) {
+        for (const bool isDayFirst : {false, true}) {
+            for (const bool wordsVary : {true, false}) {
+                for (const int level : levels)
+                    result.push_back({level, wordsVary, isDayFirst, isLoggerUnlikely});
+            }
+        }
+    }
+    return result;
+}
+
 } // namespace
 
 QStringList patternsFor(std::string_view line, std::size_t message)
@@ -147,7 +184,7 @@ QStringList patternsFor(std::string_view line, std::size_t message)
     const std::string_view header = line.substr(0, message);
     const std::vector<HeaderWord> words = headerWords(header);
     QStringList patterns;
-    for (const Choice &choice : Choice::all())
+    for (const Choice &choice : choices(likelyLevels(header, words)))
         patterns += patternFor(header, choice.wordsVary ? joined(words) : words, choice);
     patterns.removeDuplicates();
     return patterns;

@@ -88,6 +88,12 @@ std::vector<Logged> logs()
         byPattern("%p %c: %m%n"),
         byPattern("%5p %c - %m%n"),
         byPattern("[%p] [%c] %m%n"),
+        byPattern("%p %c : %m%n"),
+        byPattern("%p %-20c : %m%n"),
+        byPattern("%p [ %c ] %m%n"),
+        byPattern("%c | %5p | %m%n"),
+        byPattern("%-20.20c| %p| %m%n"),
+        byPattern("%D{%H:%M:%S} (%t) %p [%x] %c: %m%n"),
         byPattern("[%-5p] %-20c: %m%n"),
         byPattern("[%5p] %20c %m%n"),
         byPattern("%d %-5p %c: %m%n"),
@@ -180,6 +186,43 @@ TEST(LayoutGuess, TellsThePatternThatWasUsed)
          {"%-5p %c: %m%n", "%p %c: %m%n", "%5p %c - %m%n", "%D{%Y-%m-%d %H:%M:%S,%q} %-5p %c: %m%n",
           "%r [%t] %p %c <%x> - %m%n", "%D{%H:%M:%S} [%-5p] %-20c: %m%n"})
         EXPECT_EQ(guessed(sampleBy(pattern)), "pattern '" + std::string(pattern) + "'");
+}
+
+TEST(LayoutGuess, ReadsLevelsThatTheSampleDoesNotHave)
+{
+    for (const std::string pattern :
+         {"%-5p %c: %m%n", "%p %c: %m%n", "%5p %c: %m%n", "%D [%-5p] %c: %m%n", "%D [%p] %c: %m%n",
+          "%D [%5p] %c: %m%n", "%D %-5p - %m%n", "%D %p - %m%n", "%D %5p - %m%n"})
+    {
+        for (const LogLevel seen : {LogLevel::Debug, LogLevel::Info}) {
+            const ProductMessage first = {"Input", seen, "Vorn::InputEvent(3) click", 0};
+            const std::string sample = withoutEnd(writtenBy(pattern, first));
+            std::optional<LogLayout> layout = guessLayout({sample});
+            ASSERT_TRUE(layout) << sample;
+            for (const LogLevel level : {LogLevel::Debug, LogLevel::Info, LogLevel::Warn}) {
+                const ProductMessage message = {"Input", level, "Vorn::InputEvent(4) click", 0};
+                const std::string line = withoutEnd(writtenBy(pattern, message));
+                SCOPED_TRACE(layout->text().toStdString() + " after '" + sample + "': " + line);
+                LogFields fields;
+                ASSERT_EQ(layout->parse(line, &fields), LogLayout::Fit::Whole);
+                EXPECT_EQ(fields.message, message.message);
+                EXPECT_EQ(fields.level, level);
+            }
+        }
+    }
+}
+
+TEST(LayoutGuess, KnowsLoggersThatTheLayoutCut)
+{
+    for (const std::string pattern : {"%-10.10c %p: %m%n", "%p %.10c: %m%n", "[%.12c] %m%n"}) {
+        const std::vector<std::string> sample = sampleBy(pattern);
+        std::optional<LogLayout> layout = guessLayout(sample);
+        ASSERT_TRUE(layout) << pattern;
+        LogFields fields;
+        ASSERT_EQ(layout->parse(sample[3], &fields), LogLayout::Fit::Whole) << pattern;
+        EXPECT_EQ(fields.logger, "LinuxInputListener") << layout->text().toStdString();
+        EXPECT_EQ(fields.message, keyPress()[3].message) << pattern;
+    }
 }
 
 TEST(LayoutGuess, KnowsTheDayFromTheMonthWhereItCan)
