@@ -15,7 +15,7 @@ _vorn_input_words() {
 
 _vorn_input() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands='devices monitor learn check simulate timeline explain help'
+    local commands='devices monitor learn check compile simulate timeline explain help'
     local common='--help --log --color'
     local command='' word
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
@@ -35,6 +35,9 @@ _vorn_input() {
         _vorn_input_files .toml
         ;;
     learn:--output | learn:-o) _vorn_input_files .toml ;;
+    compile:--output | compile:-o) _vorn_input_files .cpp ;;
+    compile:--header) _vorn_input_files .h ;;
+    compile:--name) ;;
     timeline:--output | timeline:-o | simulate:--timeline | simulate:-t) _vorn_input_files .svg ;;
     simulate:--expectations | simulate:-e) _vorn_input_files '' ;;
     simulate:--junit) _vorn_input_files .xml ;;
@@ -54,6 +57,7 @@ _vorn_input() {
     monitor) options='--profile --id --raw --state --json --record --show-text --duration' ;;
     learn) options='--output --commands --yes --force --patience' ;;
     check) options='--json --strict' ;;
+    compile) options='--output --header --name --strict --force' ;;
     simulate) options='--profile --expectations --json --raw --quiet --timeline --junit --force' ;;
     timeline) options='--output --force --session --title --from --to' ;;
     explain) options='--profile --json --silent' ;;
@@ -66,7 +70,7 @@ _vorn_input() {
     case $command:$current in
     *:-*) _vorn_input_words "$options $common" ;;
     help:*) _vorn_input_words "$commands" ;;
-    check:*) _vorn_input_files .toml ;;
+    check:* | compile:*) _vorn_input_files .toml ;;
     simulate:* | timeline:* | explain:*) _vorn_input_files '' ;;
     esac
 }

@@ -1,5 +1,6 @@
 #include "CheckCommand.h"
 #include "CommandLine.h"
+#include "CompileCommand.h"
 #include "DevicesCommand.h"
 #include "DriveCommand.h"
 #include "ExitStatus.h"
@@ -34,6 +35,7 @@ int run(int argc, char *argv[])
     MonitorOptions monitorOptions;
     LearnOptions learnOptions;
     CheckOptions checkOptions;
+    CompileOptions compileOptions;
     SimulateOptions simulateOptions;
     DriveOptions driveOptions;
     TimelineOptions timelineOptions;
@@ -58,6 +60,7 @@ int run(int argc, char *argv[])
     addColoured(addMonitor(app, &monitorOptions), &monitorOptions, monitor);
     add(addLearn(app, &learnOptions), &learnOptions, learn);
     addColoured(addCheck(app, &checkOptions), &checkOptions, check);
+    add(addCompile(app, &compileOptions), &compileOptions, compile);
     addColoured(addSimulate(app, &simulateOptions), &simulateOptions, simulate);
     CLI::App *driveCommand = addDrive(app, &driveOptions);
     commandLine.setTrailing(driveCommand, &driveOptions.command);

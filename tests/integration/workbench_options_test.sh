@@ -15,13 +15,14 @@ echo 'E: what' >broken.evemu
 echo '[]' >broken.jsonl
 touch existing.toml empty.jsonl
 
-for command in devices monitor learn check simulate timeline explain; do
+for command in devices monitor learn check compile simulate timeline explain; do
     run "$program" "$command" --help
     expect_status 0
     expect_nothing_on_stderr
     grep -q '^Examples:' "$folder/out" || failed "expected examples in the help"
     case $command in
     check | simulate | explain) required=(broken.toml) ;;
+    compile) required=(broken.toml -o new.cpp) ;;
     learn) required=(-o new.toml) ;;
     timeline) required=(broken.jsonl -o new.svg) ;;
     *) required=() ;;
@@ -33,7 +34,7 @@ for command in devices monitor learn check simulate timeline explain; do
 done
 
 # The same text in both ways.
-for command in '' devices monitor learn check simulate timeline explain help; do
+for command in '' devices monitor learn check compile simulate timeline explain help; do
     # shellcheck disable=SC2086 # none or one
     "$program" $command --help >help
     # shellcheck disable=SC2086
@@ -62,7 +63,7 @@ refuse() {
     grep -q -E -e "$pattern" "$folder/err" || failed "expected on stderr: $pattern"
 }
 
-refuse 'a command is required: devices, monitor, learn, check, simulate, timeline, explain'
+refuse 'a command is required: devices, monitor, learn, check, compile, simulate, timeline, explain'
 refuse "unknown command 'chek', did you mean 'check'\?" chek x.toml
 refuse "unknown command 'nonsense' \(" nonsense
 refuse "^vorn-input: unknown command 'simulat', did you mean 'simulate'\? \(see --help\)" help simulat
