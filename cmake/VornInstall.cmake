@@ -1,4 +1,4 @@
-# Installation: libraries, headers, the CMake package "vorn_input" and vorn_input.pc.
+# Installation: libraries, headers, the CMake package "vorn_input" and the packages of pkg-config.
 
 include(CMakePackageConfigHelpers)
 
@@ -8,7 +8,7 @@ if(NOT VORN_INPUT_API_LIBRARY)
     list(APPEND VORN_TARGETS vorn_api)
 endif()
 if(TARGET vorn_profile)
-    list(APPEND VORN_TARGETS vorn_profile)
+    list(APPEND VORN_TARGETS vorn_profile vorn_profile_handler)
 endif()
 if(TARGET vorn_sim)
     list(APPEND VORN_TARGETS vorn_sim)
@@ -36,10 +36,13 @@ if(TARGET vorn_profile)
     install(FILES
         "${PROJECT_SOURCE_DIR}/src/profile/ProfileReader.h"
         "${PROJECT_SOURCE_DIR}/src/profile/handler/Profile.h"
+        "${PROJECT_SOURCE_DIR}/src/profile/handler/ProfileData.h"
         "${PROJECT_SOURCE_DIR}/src/profile/handler/ProfileInputHandler.h"
         "${PROJECT_SOURCE_DIR}/src/profile/text/Diagnostic.h"
         "${PROJECT_BINARY_DIR}/src/profile/vorn_profile_export.h"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/profile")
+    install(FILES "${PROJECT_SOURCE_DIR}/cmake/VornAddProfile.cmake"
+        DESTINATION "${VORN_CMAKE_DIR}")
 endif()
 if(TARGET vorn_sim)
     install(FILES
@@ -54,7 +57,8 @@ endif()
 configure_package_config_file(
     "${PROJECT_SOURCE_DIR}/cmake/vorn_inputConfig.cmake.in"
     "${PROJECT_BINARY_DIR}/vorn_inputConfig.cmake"
-    INSTALL_DESTINATION "${VORN_CMAKE_DIR}")
+    INSTALL_DESTINATION "${VORN_CMAKE_DIR}"
+    PATH_VARS CMAKE_INSTALL_BINDIR)
 write_basic_package_version_file(
     "${PROJECT_BINARY_DIR}/vorn_inputConfigVersion.cmake"
     COMPATIBILITY SameMajorVersion)
@@ -66,11 +70,17 @@ install(FILES
 # Relative, so that the file works wherever the tree is installed or staged.
 file(RELATIVE_PATH VORN_PC_PREFIX
     "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
-configure_file(
-    "${PROJECT_SOURCE_DIR}/cmake/vorn_input.pc.in"
-    "${PROJECT_BINARY_DIR}/vorn_input.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/vorn_input.pc"
-    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+set(VORN_PACKAGES vorn_input)
+if(TARGET vorn_profile)
+    list(APPEND VORN_PACKAGES vorn_profile)
+endif()
+foreach(package IN LISTS VORN_PACKAGES)
+    configure_file(
+        "${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in"
+        "${PROJECT_BINARY_DIR}/${package}.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/${package}.pc"
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+endforeach()
 
 if(TARGET vorn_input_tool)
     install(TARGETS vorn_input_tool RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")

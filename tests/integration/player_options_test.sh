@@ -4,6 +4,7 @@
 # shellcheck source=checks.sh
 . "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
 player=$2
+name=$(basename "$player")
 
 run "$player" --help
 expect_status 0
@@ -12,35 +13,35 @@ expect_nothing_on_stderr
 
 run "$player" --version
 expect_status 0
-expect_out 'player [0-9]+\.[0-9]+\.[0-9]+'
+expect_out "$name "'[0-9]+\.[0-9]+\.[0-9]+'
 expect_nothing_on_stderr
 
 run "$player" --frobnicate
 expect_status 2
 expect_out ''
-expect_line_on_stderr "player: Unknown option 'frobnicate'\. \(see --help\)"
+expect_line_on_stderr "$name: Unknown option 'frobnicate'\. \(see --help\)"
 
 run "$player" /dev/input/event0
 expect_status 2
 expect_out ''
-expect_line_on_stderr "player: Unexpected argument '/dev/input/event0'\. \(see --help\)"
+expect_line_on_stderr "$name: Unexpected argument '/dev/input/event0'\. \(see --help\)"
 
 for value in '' 0 -1 nan inf 1e9 soon; do
     run "$player" "--duration=$value"
     expect_status 2
     expect_out ''
-    expect_line_on_stderr "player: --duration takes .* seconds, not '$value'\. \(see --help\)"
+    expect_line_on_stderr "$name: --duration takes .* seconds, not '$value'\. \(see --help\)"
 done
 
 run "$player" --config "$folder/missing.properties" --duration 1
 expect_status 1
 expect_out ''
-expect_line_on_stderr "player: Cannot read the configuration '.*/missing\.properties': No such .*"
+expect_line_on_stderr "$name: Cannot read the configuration '.*/missing\.properties': No such .*"
 
 run "$player" --config "$folder" --duration 1
 expect_status 1
 expect_out ''
-expect_line_on_stderr "player: Cannot read the configuration '.*': .*directory.*"
+expect_line_on_stderr "$name: Cannot read the configuration '.*': .*directory.*"
 
 # --config selects another configuration.
 cat >"$folder/chatty.properties" <<'END'

@@ -4,10 +4,11 @@
 # shellcheck source=checks.sh
 . "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
 player=$2
+name=$(basename "$player")
 need_private_dev
 
-no_directory='player: There is no /dev/input; waiting for a device\.'
-no_node='player: None of /dev/input/event0 to event9 is readable; waiting for a device\.'
+no_directory="$name: There is no /dev/input; waiting for a device\."
+no_node="$name: None of /dev/input/event0 to event9 is readable; waiting for a device\."
 
 run in_private_dev -- "$player" --duration 0.1
 expect_status 0
