@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Usage: check-exports.sh LIBVORN_INPUT LIBVORN_API
+# Usage: check-exports.sh LIBVORN_INPUT LIBVORN_API [LIBVORN_PROFILE]
 #
 # Checks that every strong symbol a library exports belongs to a class or function of its interface,
 # and that the functions the maker's library or a test replaces are called through the symbol table.
 set -euo pipefail
 
-input=$1 api=$2
+input=$1 api=$2 profile=${3:-}
 fail=0
 # Excludes symbols added by sanitizers.
 strong() { nm -DC --defined-only "$1" | sed -n '/__odr_asan/d; s/^[0-9a-f]* [TDBR] //p'; }
@@ -22,6 +22,21 @@ unexpected=$(strong "$api" |
 if [ -n "$unexpected" ]; then
     printf 'exported by %s without being part of its interface:\n%s\n' "$api" "$unexpected"
     fail=1
+fi
+if [ -n "$profile" ]; then
+    unexpected=$(strong "$profile" | sed -E 's/^(vtable|typeinfo( name)?|VTT) for //' |
+        grep -vE '^ProfileInputHandler(::|$)' |
+        grep -vE '^Vorn::(Profile::(deviceFor|identifiers)|Diagnostic::toString)\(' |
+        grep -vE '^Vorn::(parseProfile|loadProfile|hasErrors|toProfile|operator==)\(' || true)
+    if [ -n "$unexpected" ]; then
+        printf 'exported by %s without being part of its interface:\n%s\n' "$profile" "$unexpected"
+        fail=1
+    fi
+    for symbol in 'Vorn::loadProfile(QString const&)' 'Vorn::toProfile(Vorn::ProfileData const&)' \
+        'ProfileInputHandler::setProfile'; do
+        grep -qF "$symbol" <<<"$(strong "$profile")" ||
+            { echo "$profile does not export $symbol"; fail=1; }
+    done
 fi
 imported=$(nm -DC --undefined-only "$input")
 exported=$(nm -DC --defined-only "$api")
