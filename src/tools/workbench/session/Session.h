@@ -72,6 +72,7 @@ struct RecordOutcome
         Unmapped, ///< the handler has no command for it
         Unread, ///< the listener had no handler to pass it to
         NotTaken, ///< the library takes EV_KEY and EV_SW only
+        Open, ///< the session is made from a log, which does not say
     };
 
     What what = What::Published;

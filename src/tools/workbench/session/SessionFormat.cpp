@@ -28,7 +28,7 @@ constexpr Named<Step> steps[] = {
 constexpr Named<Outcome> outcomes[] = {
     {Outcome::Published, "published"}, {Outcome::Held, "held"},         {Outcome::Chord, "chord"},
     {Outcome::Dropped, "dropped"},     {Outcome::Unmapped, "unmapped"}, {Outcome::Unread, "unread"},
-    {Outcome::NotTaken, "not-taken"},
+    {Outcome::NotTaken, "not-taken"},  {Outcome::Open, "open"},
 };
 
 template <typename Value, std::size_t size>

@@ -291,6 +291,7 @@ bool SessionPrinter::isNews(const RecordOutcome &outcome)
     case RecordOutcome::What::Published:
     case RecordOutcome::What::Held:
     case RecordOutcome::What::Chord:
+    case RecordOutcome::What::Open:
         return m_options.records;
     case RecordOutcome::What::Dropped:
         return true;

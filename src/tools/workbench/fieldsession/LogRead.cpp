@@ -1,0 +1,60 @@
+#include "LogRead.h"
+
+#include <linux/input.h>
+
+#include <algorithm>
+
+namespace Vorn::Workbench {
+
+bool LogHand::accepts(InputEvent::Command command, InputEvent::State state) const
+{
+    const bool isPress = state == InputEvent::KeyPressed;
+    if (!isPress && state != InputEvent::KeyReleased)
+        return false;
+    switch (kind) {
+    case Kind::Single:
+    case Kind::Unseen:
+        if (value != 0)
+            return isPress && events.isEmpty();
+        return events.isEmpty() || (!isPress && click == command);
+    case Kind::ChordBegun:
+        return isPress ? !isChordTold : !isPairPassedOn && events.isEmpty();
+    case Kind::ChordEnded:
+        return !isPress && events.isEmpty();
+    case Kind::ChordPart:
+        break;
+    }
+    return false;
+}
+
+LogRecordPtr LogRead::nextKey(std::optional<int> code, std::optional<bool> isDown) const
+{
+    const auto fits = [&](const LogRecordPtr &record) {
+        return record->type == EV_KEY && !record->isTaken && (!code || record->code == *code)
+            && (!isDown || (record->value != 0) == *isDown);
+    };
+    // One that comes before a record that was taken has been passed over.
+    const auto lastTaken =
+        std::find_if(records.rbegin(), records.rend(), [](const LogRecordPtr &record) {
+            return record->type == EV_KEY && record->isTaken;
+        });
+    const auto found = std::find_if(lastTaken.base(), records.end(), fits);
+    return found == records.end() ? nullptr : *found;
+}
+
+LogRecordPtr LogRead::nextSwitch(bool isOn) const
+{
+    const auto found =
+        std::find_if(records.begin(), records.end(), [isOn](const LogRecordPtr &record) {
+            return record->type == EV_SW && !record->isTaken && (record->value != 0) == isOn;
+        });
+    return found == records.end() ? nullptr : *found;
+}
+
+bool LogRead::isSuspended() const
+{
+    const bool isBetween = hand && hand->kind == LogHand::Kind::ChordBegun && hand->keyLines == 1;
+    return (isBegun && nextKey({}, {})) || (hand && hand->click) || isBetween;
+}
+
+} // namespace Vorn::Workbench

@@ -1,0 +1,68 @@
+#ifndef VORN_WORKBENCH_LOGREAD_H
+#define VORN_WORKBENCH_LOGREAD_H
+
+#include "LogDetectors.h"
+#include "LogRecord.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <deque>
+#include <optional>
+
+namespace Vorn::Workbench {
+
+/// The record that a handler has in hand: the events that follow come of it.
+struct LogHand
+{
+    enum class Kind {
+        Single, ///< passed on by itself
+        ChordBegun, ///< first the withdrawal of the first key, then both
+        ChordEnded,
+        ChordPart, ///< nothing is passed on
+        Unseen, ///< the log has no line of the detector
+    };
+
+    Kind kind = Kind::Single;
+    LogRecordPtr record; ///< null if the log has none
+    LogOriginPtr origin;
+    LogDetectorPtr detector; ///< null if the log has no lines of it
+    QVector<int> codes; ///< the key, or both
+    int code = 0;
+    int value = 0;
+    int keyLines = 0; ///< of what the detector has passed on
+    bool isPairPassedOn = false; ///< the withdrawal is over
+    bool isChordTold = false;
+    bool isOpenPair = false; ///< it is not known whether the event is that of the pair
+    QStringList events;
+    std::optional<InputEvent::Command> click; ///< pressed, and not yet released
+    qint64 time = 0; ///< of the last line about it
+
+    /// Whether an event may come of it.
+    bool accepts(InputEvent::Command command, InputEvent::State state) const;
+    bool isPair() const { return kind == Kind::ChordBegun || kind == Kind::ChordEnded; }
+};
+
+/// What a listener has read at once, as far as its handler is concerned, and how far that is.
+struct LogRead
+{
+    std::deque<LogRecordPtr> records; ///< of keys and switches
+    bool hasDescriptor = false;
+    bool isBegun = false; ///< a line about one of them has come
+    LogOriginPtr origin; ///< of the next record
+    QString identifier; ///< that was selected when it was read
+    std::optional<LogHand> hand;
+
+    /// The first key that nothing has been said of, with that code and in that position.
+    /// @param code none: any
+    /// @param isDown none: either
+    LogRecordPtr nextKey(std::optional<int> code, std::optional<bool> isDown) const;
+    LogRecordPtr nextSwitch(bool isOn) const;
+    /// Whether more is to come: a slot of the product runs an event loop.
+    bool isSuspended() const;
+};
+
+} // namespace Vorn::Workbench
+
+#endif

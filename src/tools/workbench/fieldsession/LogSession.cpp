@@ -1,0 +1,897 @@
+#include "LogSession.h"
+
+#include "CommandNames.h"
+#include "EventNames.h"
+#include "SessionTime.h"
+
+#include <linux/input.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace Vorn::Workbench {
+
+namespace {
+
+using Outcome = RecordOutcome::What;
+using Step = DetectorStep::What;
+using Doubt = LogQueue::Doubt;
+using Function = Said::Entered::Function;
+
+constexpr std::size_t maxReads = 4;
+/// A read is of at most 1024 bytes.
+constexpr std::size_t maxRecords = 64;
+/// µs. What follows from a record is logged at once.
+constexpr qint64 atOnce = 1'000'000;
+
+QString seconds(qint64 time)
+{
+    return sessionSeconds(time) + QStringLiteral(" s");
+}
+
+QString joined(const QVector<int> &codes)
+{
+    QStringList names;
+    for (const int code : codes)
+        names += keyName(code);
+    return names.join(QStringLiteral(" + "));
+}
+
+QString eventText(InputEvent::Command command, InputEvent::State state)
+{
+    return commandName(command) + QLatin1Char(' ') + stateName(state);
+}
+
+RecordOutcome outcomeOf(Outcome what, const QString &reason, const QStringList &events = {})
+{
+    RecordOutcome outcome;
+    outcome.what = what;
+    outcome.reason = reason;
+    outcome.events = events;
+    return outcome;
+}
+
+} // namespace
+
+LogSession::LogSession(const SessionStart &start, Sink sink)
+    : m_start(start)
+    , m_sink(std::move(sink))
+    , m_queue(&m_coverage, m_sink)
+    , m_origins(&m_devices)
+{ }
+
+bool LogSession::isNewStart(const LibraryLine &line) const
+{
+    const auto *entered = std::get_if<Said::Entered>(&line.what);
+    if (entered && entered->function == Function::Constructor)
+        return m_hasActivity || m_deviceCount > 0;
+    return m_devices.isNewStart(line.what);
+}
+
+void LogSession::add(const LibraryLine &line, const QString &message, qint64 time, qint64 wallClock)
+{
+    m_lastTime = m_time;
+    m_time = time;
+    m_wallClock = wallClock;
+    m_text = message;
+    if (std::exchange(m_isFirst, false))
+        m_start.wallClock = wallClock - time;
+    m_coverage.add(line);
+    const auto *bus = std::get_if<Said::EventOnBus>(&line.what);
+    if (m_report && !(bus && bus->command == m_report->command && bus->state == m_report->state))
+        publishReport();
+    if (!m_devices.continuesOpening(line.what))
+        finishOpening();
+    m_devices.take(line.what);
+    std::visit([this](const auto &what) { take(what); }, line.what);
+    if (!m_queue.hasBegun() && m_queue.mayBegin())
+        begin();
+    if (!m_queue.hasBegun())
+        return;
+    const QStringList news = m_coverage.since(m_coverageAtBegin);
+    m_coverageAtBegin = m_coverage;
+    for (const QString &text : news)
+        m_queue.add(m_time, Remark{text});
+    m_queue.passOn();
+}
+
+void LogSession::remark(const QString &text, qint64 time)
+{
+    m_queue.add(time, Remark{text});
+}
+
+// The remarks about what is missing come first, so that nobody takes silence for an answer.
+void LogSession::begin()
+{
+    m_sink(SessionEntry{0, m_start});
+    const QStringList gaps = m_coverage.gaps(m_deviceCount);
+    for (const QString &gap : gaps)
+        m_sink(SessionEntry{0, Remark{gap}});
+    m_coverageAtBegin = m_coverage;
+    m_queue.begin();
+}
+
+void LogSession::finish()
+{
+    publishReport();
+    finishOpening();
+    while (!m_reads.empty()) {
+        close(&m_reads.front());
+        m_reads.pop_front();
+    }
+    for (const LogDetectorPtr &detector : m_detectors.all()) {
+        const QList<int> codes = detector->waiting.keys();
+        for (const int code : codes)
+            tellWaiting(detector, code, Outcome::Open,
+                        QStringLiteral("nothing was published for it: held back, or it has no "
+                                       "command; still down at the end"));
+    }
+    if (!m_queue.hasBegun())
+        begin();
+    m_queue.finish();
+}
+
+void LogSession::finishOpening()
+{
+    const LogDevicePtr device = m_devices.finishOpening();
+    if (!device)
+        return;
+    ++m_deviceCount;
+    m_queue.add(m_lastTime, DeviceChange{device->path, device->name, device->bus, true});
+}
+
+void LogSession::take(const Said::NodeAdded &)
+{
+    // Devices that were opened before the log begins would be unknown.
+    if (!m_hasActivity)
+        m_origins.setComplete(true);
+}
+
+void LogSession::take(const Said::ListenerOpened &)
+{
+    if (!m_hasActivity)
+        m_origins.setComplete(true);
+}
+
+void LogSession::take(const Said::NodeRemoved &removed)
+{
+    leaveReads();
+    for (const LogDetectorPtr &detector : m_detectors.all()) {
+        const LogDevicePtr device = detector->origin->device();
+        if (!device || device->path != removed.path)
+            continue;
+        const QList<int> codes = detector->waiting.keys();
+        for (const int code : codes)
+            tellWaiting(detector, code, Outcome::Open,
+                        QStringLiteral("nothing was published for it before the device went at ")
+                            + seconds(m_time));
+    }
+    m_detectors.forget(removed.path);
+    m_origins.forget(removed.path);
+    DeviceChange change{removed.path, {}, InputEvent::Bus::NoBus, false};
+    if (const LogDevicePtr device = m_devices.remove(removed.path)) {
+        change.name = device->name;
+        change.bus = device->bus;
+    }
+    m_queue.add(m_time, change);
+}
+
+void LogSession::take(const Said::Complaint &complaint)
+{
+    QStringList names;
+    for (const int code : complaint.codes)
+        names += eventCodeName(complaint.type, code);
+    const QString keys =
+        names.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(names.join(QStringLiteral(", ")));
+    m_queue.add(m_time, Remark{QStringLiteral("the library complains: ") + m_text + keys});
+}
+
+void LogSession::take(const Said::ReadFailed &failed)
+{
+    if (!m_reads.empty() && m_reads.back().hasDescriptor && m_reads.back().records.empty()) {
+        m_origins.nameByPath(m_reads.back().origin, failed.path);
+        m_origins.close(*m_reads.back().origin);
+    }
+    m_queue.add(m_time,
+                Remark{QStringLiteral("the library complains: ") + m_text
+                       + QStringLiteral("; it does not read it any more")});
+}
+
+void LogSession::take(const Said::Entered &entered)
+{
+    if (entered.function == Function::Constructor) {
+        m_origins.setComplete(true);
+    } else if (entered.function == Function::SelectHandler) {
+        m_queue.add(m_time, IdentifierSelected{entered.argument});
+    } else if (entered.function == Function::SelectKeyHandler) {
+        // Whoever takes the keys is told to forget them, even if it goes on taking them.
+        forgetKeys();
+        m_identifier = entered.argument;
+    }
+}
+
+void LogSession::take(const Said::ReadBegun &read)
+{
+    leaveReads();
+    LogRead begun;
+    begun.hasDescriptor = true;
+    begun.origin = m_origins.ofDescriptor(read.descriptor);
+    begun.identifier = m_identifier;
+    m_reads.push_back(begun);
+}
+
+void LogSession::take(const Said::RecordLogged &logged)
+{
+    m_hasActivity = true;
+    if (m_reads.empty() || m_reads.back().isBegun) {
+        leaveReads();
+        m_reads.emplace_back();
+        m_reads.back().identifier = m_identifier;
+    }
+    LogRead &read = m_reads.back();
+    leaveOld(&read);
+    if (!read.origin)
+        read.origin = LogOrigins::unnamed();
+    const auto record = std::make_shared<LogRecord>();
+    record->origin = read.origin;
+    record->type = logged.type;
+    record->code = logged.code;
+    record->value = logged.value;
+    record->time = m_time;
+    // 0 is that of a position that was asked for.
+    m_queue.addRecord(record, m_wallClock == 0 ? 1 : m_wallClock);
+    if (logged.type == EV_KEY || logged.type == EV_SW) {
+        bool &has = logged.type == EV_KEY ? read.origin->hasKeys : read.origin->hasSwitches;
+        has = true;
+        m_origins.settle(read.origin);
+        read.records.push_back(record);
+    } else if (logged.type != EV_SYN) {
+        m_origins.settle(read.origin);
+        m_queue.addOutcome(m_time, record,
+                           outcomeOf(Outcome::NotTaken,
+                                     QStringLiteral("the library takes EV_KEY and EV_SW only")));
+    } else if (logged.code == SYN_DROPPED) {
+        m_queue.add(m_time,
+                    Remark{QStringLiteral("the kernel has dropped records here "
+                                          "(SYN_DROPPED); releases may be among them")});
+    }
+    m_origins.settle(read.origin);
+    if (logged.type == EV_SYN && !read.hasDescriptor)
+        read.origin.reset();
+}
+
+/// Without descriptors, what belongs to one read shows in the times only.
+void LogSession::leaveOld(LogRead *read)
+{
+    while (!read->hasDescriptor && !read->records.empty()
+           && (read->records.size() >= maxRecords || m_time - read->records.front()->time > atOnce))
+    {
+        untaken(read->records.front(), *read);
+        read->records.pop_front();
+    }
+}
+
+/// Before another read: those that are done are closed.
+void LogSession::leaveReads()
+{
+    std::deque<LogRead> kept;
+    for (LogRead &read : m_reads) {
+        if (read.isSuspended())
+            kept.push_back(read);
+        else
+            close(&read);
+    }
+    for (; kept.size() > maxReads; kept.pop_front())
+        close(&kept.front());
+    m_reads = std::move(kept);
+}
+
+/// A slot that ran an event loop has returned.
+void LogSession::closeAfter(const LogRead *read)
+{
+    while (&m_reads.back() != read) {
+        close(&m_reads.back());
+        m_reads.pop_back();
+    }
+}
+
+void LogSession::close(LogRead *read)
+{
+    finishHand(read);
+    for (const LogRecordPtr &record : read->records)
+        untaken(record, *read);
+    read->records.clear();
+}
+
+void LogSession::untaken(const LogRecordPtr &record, const LogRead &read)
+{
+    if (record->isTaken)
+        return;
+    const bool isPassedOver =
+        record->type == EV_KEY
+        && std::any_of(read.records.begin(), read.records.end(), [&](const LogRecordPtr &other) {
+               return other->isTaken && other->type == EV_KEY && other->origin == record->origin;
+           });
+    if (isPassedOver)
+        m_queue.addOutcome(
+            m_lastTime, record,
+            outcomeOf(Outcome::Open,
+                      QStringLiteral("the log has no line of the detector about it")));
+    else
+        m_queue.addOutcome(m_lastTime, record, outcomeOf(Outcome::Open, {}), Doubt::Unread);
+}
+
+/// The record that a line of a detector is about.
+LogSession::Cause LogSession::causeOf(std::optional<int> code, std::optional<bool> isDown)
+{
+    m_hasActivity = true;
+    for (auto read = m_reads.rbegin(); read != m_reads.rend(); ++read) {
+        if (const LogRecordPtr record = read->nextKey(code, isDown)) {
+            LogRead *const found = &*read;
+            closeAfter(found);
+            finishHand(found);
+            record->isTaken = true;
+            found->isBegun = true;
+            return {record->origin, found, record};
+        }
+    }
+    // The log has no line of the record.
+    if (m_reads.empty())
+        m_reads.emplace_back();
+    LogRead *read = &m_reads.back();
+    finishHand(read);
+    if (!read->origin || !read->hasDescriptor)
+        read->origin = LogOrigins::unnamed();
+    read->isBegun = true;
+    read->identifier = m_identifier;
+    m_origins.settle(read->origin);
+    return {read->origin, read, nullptr};
+}
+
+void LogSession::hold(const Cause &cause, LogHand hand)
+{
+    hand.record = cause.record;
+    hand.origin = cause.origin;
+    hand.time = m_time;
+    cause.read->hand = std::move(hand);
+}
+
+void LogSession::take(const Said::FoundAlready &found)
+{
+    m_found = found;
+}
+
+void LogSession::take(const Said::KeysStored &stored)
+{
+    const bool isFound = m_found.has_value();
+    const int code = isFound ? m_found->code : stored.keys.last().code;
+    m_found.reset();
+    const auto key = std::find_if(stored.keys.begin(), stored.keys.end(),
+                                  [code](const auto &other) { return other.code == code; });
+    if (key == stored.keys.end()) {
+        m_queue.add(m_time,
+                    Remark{QStringLiteral("lines of the chord detector contradict each "
+                                          "other here: some are missing")});
+        return;
+    }
+    const Cause cause = causeOf(code, key->isPress ? std::make_optional(true) : std::nullopt);
+    const int value = cause.record ? cause.record->value : (key->isPress ? 1 : 0);
+    const bool isKnown = cause.origin->descriptor() || cause.origin->isKnown();
+    const LogDetectorPtr detector =
+        m_detectors.forKeys(cause.origin, isKnown, cause.read->identifier, stored, code);
+    if (!cause.origin->descriptor() || !detector->origin->descriptor())
+        LogOrigin::join(cause.origin, detector->origin);
+    LogHand hand;
+    hand.kind = store(detector, stored, code, value);
+    if (isFound && stored.keys.size() > 1 && hand.kind == Kind::ChordBegun)
+        hand.kind = Kind::ChordPart;
+    hand.detector = detector;
+    hand.code = code;
+    hand.value = value;
+    hand.codes = hand.kind == Kind::Single ? QVector<int>{code} : detector->codes();
+    hold(cause, hand);
+    if (hand.kind == Kind::ChordPart) {
+        tell(*cause.read->hand, Outcome::Chord,
+             (value == 0 ? QStringLiteral("%1 are a pair until both are up")
+                         : QStringLiteral("%1 are a pair already"))
+                 .arg(joined(hand.codes)));
+        cause.read->hand.reset();
+    } else if (hand.kind == Kind::ChordBegun) {
+        detector->chordSince = m_time;
+        detector->chordCodes.clear();
+        step(Step::FirstKeyWithdrawn, *detector, {hand.codes.first()});
+        tellWaiting(detector, hand.codes.first(), Outcome::Open,
+                    QStringLiteral("nothing was published for it: held back, or it has no command "
+                                   "of its own; first key of a pair, withdrawn at ")
+                        + seconds(m_time));
+    } else if (hand.kind == Kind::ChordEnded) {
+        step(Step::ChordReleased, *detector, hand.codes);
+        detector->keys.clear();
+    }
+    detector->isChord = hand.kind == Kind::ChordBegun || hand.kind == Kind::ChordPart;
+    if (hand.kind == Kind::Single && value == 0)
+        detector->keys.clear();
+}
+
+/// Updates what is known of a detector. @return what the line means
+LogHand::Kind LogSession::store(const LogDetectorPtr &detector, const Said::KeysStored &stored,
+                                int code, int value)
+{
+    const int before = detector->indexOf(code);
+    const bool wasDown = before >= 0 && detector->keys[before].value != 0;
+    if (!leadsTo(*detector, stored, code) && !detector->keys.isEmpty())
+        m_queue.add(m_time,
+                    Remark{QStringLiteral("%1 had %2 down, and now has not: lines are missing, or "
+                                          "a selection that the log does not show")
+                               .arg(detector->origin->text(), joined(detector->codesDown()))});
+    else if (wasDown && value == 1)
+        m_queue.add(m_time,
+                    Remark{QStringLiteral("%1 is pressed although it was down: the release in "
+                                          "between was lost")
+                               .arg(keyName(code))});
+    const bool wasChord = detector->isChord;
+    QVector<LogDetector::Key> keys;
+    for (const Said::KeysStored::Key &key : stored.keys) {
+        const int at = detector->indexOf(key.code);
+        int now = key.isPress ? 1 : 0;
+        if (key.code == code)
+            now = value;
+        else if (at >= 0 && (detector->keys[at].value == 1) == key.isPress)
+            now = detector->keys[at].value;
+        keys += {key.code, now};
+    }
+    detector->keys = keys;
+    for (const LogDetector::Key &key : keys)
+        detector->forgotten.remove(key.code);
+    if (keys.size() == 1)
+        return Kind::Single;
+    const int down = detector->codesDown().size();
+    if (down == keys.size() && !wasChord)
+        return Kind::ChordBegun;
+    return down == 0 ? Kind::ChordEnded : Kind::ChordPart;
+}
+
+void LogSession::take(const Said::ThirdKeyDropped &)
+{
+    const Cause cause = causeOf({}, {});
+    const LogDetectorPtr detector = m_detectors.forThirdKey(cause.origin, cause.read->identifier);
+    QString reason = QStringLiteral("dropped, since two other keys are a pair");
+    if (detector) {
+        if (!cause.origin->descriptor())
+            LogOrigin::join(cause.origin, detector->origin);
+        const QVector<int> down = detector->codesDown();
+        reason = down == detector->codes()
+            ? QStringLiteral("dropped, since %1 are down since %2")
+                  .arg(joined(down), seconds(detector->chordSince))
+            : QStringLiteral("dropped, since %1 of the chord %2, begun at %3, is still down")
+                  .arg(joined(down), joined(detector->codes()), seconds(detector->chordSince));
+    }
+    tellDropped(cause, detector, reason);
+}
+
+void LogSession::take(const Said::ReleaseDropped &)
+{
+    const Cause cause = causeOf({}, false);
+    QString reason = QStringLiteral("dropped: a release without a press");
+    LogDetectorPtr detector;
+    if (cause.record)
+        detector = m_detectors.forRelease(cause.origin, cause.record->code);
+    if (detector) {
+        const int code = cause.record->code;
+        if (!cause.origin->descriptor())
+            LogOrigin::join(cause.origin, detector->origin);
+        if (detector->forgotten.contains(code)) {
+            reason =
+                QStringLiteral("dropped: the handlers were selected at %1, which ended its press")
+                    .arg(seconds(detector->forgotten.take(code)));
+        } else {
+            reason =
+                QStringLiteral("dropped: its press had been forgotten, by a selection that the "
+                               "log does not show");
+            detector->keys.remove(detector->indexOf(code));
+            tellWaiting(detector, code, Outcome::Open,
+                        QStringLiteral("forgotten before its release at ") + seconds(m_time));
+        }
+    }
+    tellDropped(cause, detector, reason);
+}
+
+void LogSession::tellDropped(const Cause &cause, const LogDetectorPtr &detector,
+                             const QString &reason)
+{
+    if (!cause.record) {
+        m_queue.add(m_time,
+                    Remark{QStringLiteral("a key was ") + reason
+                           + QStringLiteral("; which one is not in the log")});
+        return;
+    }
+    LogDetector of;
+    of.origin = cause.origin;
+    of.identifier = detector ? detector->identifier : cause.read->identifier;
+    step(Step::Dropped, of, {cause.record->code});
+    m_queue.addOutcome(m_time, cause.record, outcomeOf(Outcome::Dropped, reason));
+}
+
+void LogSession::take(const Said::KeyPassedOn &key)
+{
+    for (auto read = m_reads.rbegin(); read != m_reads.rend(); ++read) {
+        if (!read->hand || read->hand->kind != Kind::ChordBegun
+            || !read->hand->codes.contains(key.code) || read->hand->keyLines == 3)
+            continue;
+        closeAfter(&*read);
+        LogHand &hand = *m_reads.back().hand;
+        // First the release of the first key, then both.
+        hand.isPairPassedOn = ++hand.keyLines > 1;
+        hand.time = m_time;
+        return;
+    }
+}
+
+void LogSession::take(const Said::EventReported &report)
+{
+    m_report = report;
+}
+
+void LogSession::take(const Said::EventOnBus &event)
+{
+    publish(static_cast<InputEvent::Command>(event.command), event.state,
+            std::exchange(m_report, std::nullopt));
+}
+
+/// Where the log has no line of the bus.
+void LogSession::publishReport()
+{
+    if (const std::optional<Said::EventReported> report = std::exchange(m_report, std::nullopt))
+        publish(report->command, report->state, report);
+}
+
+void LogSession::publish(InputEvent::Command command, InputEvent::State state,
+                         const std::optional<Said::EventReported> &report)
+{
+    m_hasActivity = true;
+    if (state == InputEvent::KeyLongPress)
+        publishLongPress(command, report);
+    else if (state == InputEvent::SwitchEnabled || state == InputEvent::SwitchDisabled)
+        publishSwitch(command, state, report);
+    else if (LogHand *hand = handFor(command, state, report))
+        publishFrom(hand, command, state);
+    else
+        publishLoose(command, state, report);
+}
+
+LogHand *LogSession::handFor(InputEvent::Command command, InputEvent::State state,
+                             const std::optional<Said::EventReported> &report)
+{
+    // Handlers report each of their events, so the others are the product's own.
+    if (m_coverage.hasReports() && !report)
+        return nullptr;
+    for (auto read = m_reads.rbegin(); read != m_reads.rend(); ++read) {
+        if (!read->hand || !read->hand->accepts(command, state)
+            || !mayBeOf(*read->hand->origin, report))
+            continue;
+        const LogHand &hand = *read->hand;
+        if (!report && hand.events.isEmpty() && m_time - hand.time > atOnce)
+            continue;
+        closeAfter(&*read);
+        nameBy(m_reads.back().hand->origin, report);
+        return &*m_reads.back().hand;
+    }
+    return m_coverage.hasDetectors() ? nullptr : handByOrder(command, state);
+}
+
+/// The key that an event comes of, where no line of a detector says it: the only one that can be.
+LogHand *LogSession::handByOrder(InputEvent::Command command, InputEvent::State state)
+{
+    if (m_reads.empty())
+        return nullptr;
+    LogRead &read = m_reads.back();
+    LogRecordPtr only;
+    for (const LogRecordPtr &record : read.records) {
+        LogHand hand;
+        hand.kind = Kind::Unseen;
+        hand.value = record->value;
+        if (record->type != EV_KEY || record->isTaken || m_time - record->time > atOnce
+            || !hand.accepts(command, state))
+            continue;
+        if (only)
+            return nullptr;
+        only = record;
+    }
+    if (!only)
+        return nullptr;
+    finishHand(&read);
+    only->isTaken = true;
+    read.isBegun = true;
+    LogHand hand;
+    hand.kind = Kind::Unseen;
+    hand.code = only->code;
+    hand.value = only->value;
+    hand.codes = {only->code};
+    hold({only->origin, &read, only}, hand);
+    return &*read.hand;
+}
+
+/// Whether what a handler has reported may be of that origin, by the name of its device.
+bool LogSession::mayBeOf(const LogOrigin &origin,
+                         const std::optional<Said::EventReported> &report) const
+{
+    if (!report || !origin.isKnown())
+        return true;
+    const QVector<QPair<QString, QString>> names = handlerNames(report->handler);
+    return std::any_of(names.begin(), names.end(), [&](const QPair<QString, QString> &name) {
+        if (!origin.device())
+            return origin.text() == name.first;
+        const LogDevicePtr device = m_origins.named(name.first);
+        const bool isPresent = device || origin.device()->name == name.first;
+        return !isPresent || !device || device->path == origin.device()->path;
+    });
+}
+
+void LogSession::nameBy(const LogOriginPtr &origin,
+                        const std::optional<Said::EventReported> &report)
+{
+    if (!report || origin->isKnown())
+        return;
+    const QVector<QPair<QString, QString>> names = handlerNames(report->handler);
+    for (const auto &name : names) {
+        if (names.size() == 1 || m_origins.named(name.first))
+            m_origins.nameBy(origin, name.first);
+    }
+}
+
+void LogSession::learn(const LogOrigin &origin, int type, int code, InputEvent::Command command)
+{
+    m_commands.insert({origin.text(), type << 16 | code}, command);
+}
+
+std::optional<InputEvent::Command> LogSession::commandOf(const LogOrigin &origin, int type,
+                                                         int code) const
+{
+    const auto found = m_commands.constFind({origin.text(), type << 16 | code});
+    return found == m_commands.constEnd() ? std::nullopt : std::make_optional(*found);
+}
+
+void LogSession::publishFrom(LogHand *hand, InputEvent::Command command, InputEvent::State state)
+{
+    EventPublished event;
+    event.command = command;
+    event.state = state;
+    event.type = EV_KEY;
+    event.codes = hand->codes;
+    if (hand->kind == Kind::ChordBegun && state == InputEvent::KeyReleased) {
+        event.codes = {hand->codes.first()};
+    } else if (hand->isPair()) {
+        event.codes = pairOf(hand, command);
+        if (hand->kind == Kind::ChordBegun)
+            tellChord(hand, event.codes.size() == 2);
+    } else {
+        learn(*hand->origin, EV_KEY, hand->code, command);
+    }
+    m_queue.add(m_time, event, hand->origin);
+    hand->events += eventText(command, state);
+    hand->time = m_time;
+    const bool isClick = hand->value == 0 && state == InputEvent::KeyPressed;
+    hand->click = isClick ? std::make_optional(command) : std::nullopt;
+}
+
+/// Of a pair without a command the library publishes the second key. Which of the two an event is
+/// of is known if one of them has been seen alone.
+QVector<int> LogSession::pairOf(LogHand *hand, InputEvent::Command command) const
+{
+    QVector<int> &known = hand->detector->chordCodes;
+    if (hand->kind == Kind::ChordEnded && !known.isEmpty())
+        return known;
+    const int second = hand->codes.last();
+    const auto alone = commandOf(*hand->origin, EV_KEY, second);
+    hand->isOpenPair = !alone;
+    known = alone == command ? QVector<int>{second} : hand->codes;
+    return known;
+}
+
+void LogSession::publishSwitch(InputEvent::Command command, InputEvent::State state,
+                               const std::optional<Said::EventReported> &report)
+{
+    EventPublished event;
+    event.command = command;
+    event.state = state;
+    event.type = EV_SW;
+    if (!m_coverage.hasReports() || report) {
+        for (auto read = m_reads.rbegin(); read != m_reads.rend(); ++read) {
+            const LogRecordPtr record = read->nextSwitch(state == InputEvent::SwitchEnabled);
+            if (!record || !mayBeOf(*record->origin, report))
+                continue;
+            closeAfter(&*read);
+            record->isTaken = true;
+            m_reads.back().isBegun = true;
+            nameBy(record->origin, report);
+            learn(*record->origin, EV_SW, record->code, command);
+            event.codes = {record->code};
+            m_queue.add(m_time, event, record->origin);
+            m_queue.addOutcome(m_time, record,
+                               outcomeOf(Outcome::Published, {}, {eventText(command, state)}));
+            return;
+        }
+    }
+    // A position that was asked for.
+    publishLoose(command, state, report);
+}
+
+void LogSession::publishLongPress(InputEvent::Command command,
+                                  const std::optional<Said::EventReported> &report)
+{
+    struct Candidate
+    {
+        LogDetectorPtr detector;
+        int code;
+    };
+    QVector<Candidate> learnt;
+    QVector<Candidate> possible;
+    for (const LogDetectorPtr &detector : m_detectors.all()) {
+        if (!mayBeOf(*detector->origin, report))
+            continue;
+        // A key may be timed still although a selection has ended its press.
+        const QVector<int> codes = detector->codesDown() + detector->forgotten.keys().toVector();
+        for (const int code : codes) {
+            const auto known = commandOf(*detector->origin, EV_KEY, code);
+            if (known == command)
+                learnt += {detector, code};
+            else if (!known)
+                possible += {detector, code};
+        }
+    }
+    const QVector<Candidate> &left = learnt.isEmpty() ? possible : learnt;
+    if (left.size() != 1 || (m_coverage.hasReports() && !report)) {
+        publishLoose(command, InputEvent::KeyLongPress, report);
+        return;
+    }
+    const Candidate &key = left.first();
+    nameBy(key.detector->origin, report);
+    learn(*key.detector->origin, EV_KEY, key.code, command);
+    tellWaiting(key.detector, key.code, Outcome::Held,
+                QStringLiteral("held back until the release or a long press"));
+    EventPublished event;
+    event.command = command;
+    event.state = InputEvent::KeyLongPress;
+    event.type = EV_KEY;
+    event.codes = {key.code};
+    m_queue.add(m_time, event, key.detector->origin);
+}
+
+/// An event that no record is known to be the cause of.
+void LogSession::publishLoose(InputEvent::Command command, InputEvent::State state,
+                              const std::optional<Said::EventReported> &report)
+{
+    EventPublished event;
+    event.command = command;
+    event.state = state;
+    const LogOriginPtr origin = LogOrigins::unnamed();
+    nameBy(origin, report);
+    m_queue.add(m_time, event, origin->isKnown() ? origin : nullptr);
+}
+
+void LogSession::tellChord(LogHand *hand, bool isMapped)
+{
+    if (std::exchange(hand->isChordTold, true))
+        return;
+    step(Step::ChordFound, *hand->detector, hand->codes, isMapped);
+}
+
+void LogSession::step(Step what, const LogDetector &detector, const QVector<int> &keys,
+                      bool isMapped)
+{
+    DetectorStep step;
+    step.what = what;
+    step.keys = keys;
+    step.mapped = isMapped;
+    step.identifier = detector.identifier;
+    m_queue.add(m_time, step, detector.origin);
+}
+
+/// Tells what became of the presses of a key that nothing had been published for.
+void LogSession::tellWaiting(const LogDetectorPtr &detector, int code, Outcome what,
+                             const QString &reason, Doubt doubt)
+{
+    const QVector<LogRecordPtr> records = detector->waiting.take(code);
+    for (const LogRecordPtr &record : records)
+        m_queue.addOutcome(m_time, record, outcomeOf(what, reason), doubt);
+}
+
+void LogSession::tell(const LogHand &hand, Outcome what, const QString &reason, Doubt doubt)
+{
+    if (hand.record)
+        m_queue.addOutcome(hand.time, hand.record, outcomeOf(what, reason, hand.events), doubt);
+}
+
+void LogSession::finishHand(LogRead *read)
+{
+    if (!read->hand)
+        return;
+    LogHand hand = *read->hand;
+    read->hand.reset();
+    const qint64 now = std::exchange(m_time, hand.time);
+    if (hand.isPair())
+        tellPair(&hand);
+    else
+        tellSingle(&hand);
+    m_time = now;
+}
+
+void LogSession::tellSingle(LogHand *hand)
+{
+    if (!hand->events.isEmpty()) {
+        if (hand->value == 0 && hand->detector)
+            tellWaiting(hand->detector, hand->code, Outcome::Held,
+                        QStringLiteral("held back until the release"));
+        tell(*hand, Outcome::Published, {});
+        return;
+    }
+    if (hand->value != 0) {
+        if (hand->record && hand->detector)
+            hand->detector->waiting[hand->code] += hand->record;
+        return;
+    }
+    const bool wasSilent = hand->detector && hand->detector->waiting.contains(hand->code);
+    const QString reason = wasSilent
+        ? QStringLiteral("nothing was published, neither for the press nor for the release: it has "
+                         "no command")
+        : QStringLiteral("nothing was published for the release");
+    if (hand->detector)
+        tellWaiting(hand->detector, hand->code, Outcome::Unmapped, reason, Doubt::Unmapped);
+    tell(*hand, Outcome::Unmapped, reason, Doubt::Unmapped);
+}
+
+void LogSession::tellPair(LogHand *hand)
+{
+    const QString pair = joined(hand->codes);
+    if (hand->kind == Kind::ChordBegun) {
+        const bool isCut = hand->keyLines == 1;
+        if (isCut && hand->events.isEmpty()) {
+            tell(*hand, Outcome::Dropped,
+                 QStringLiteral("the handlers were selected again before the pair was complete"));
+            return;
+        }
+        if (!isCut)
+            tellChord(hand, false);
+    }
+    const QString second = keyName(hand->codes.last());
+    if (hand->events.isEmpty())
+        tell(*hand, Outcome::Unmapped,
+             QStringLiteral("%1 have no command together, nor has %2 one").arg(pair, second),
+             Doubt::Unmapped);
+    else if (hand->isOpenPair)
+        tell(*hand, Outcome::Published,
+             QStringLiteral("the log does not say whether for %1 or for %2 alone")
+                 .arg(pair, second));
+    else
+        tell(*hand, Outcome::Published, {});
+}
+
+void LogSession::forgetKeys()
+{
+    for (LogRead &read : m_reads) {
+        if (read.hand && read.hand->kind == Kind::ChordBegun && read.hand->isPairPassedOn)
+            tellChord(&*read.hand, false);
+    }
+    QVector<LogDetectorPtr> detectors = m_detectors.all();
+    std::stable_sort(detectors.begin(), detectors.end(), [](const auto &one, const auto &other) {
+        return one->origin->text() < other->origin->text();
+    });
+    for (const LogDetectorPtr &detector : detectors) {
+        // A handler that is selected no longer, and takes the rest of a read, keeps its keys.
+        if (detector->keys.isEmpty() || detector->identifier != m_identifier)
+            continue;
+        const QVector<int> codes = detector->codes();
+        step(Step::Forgotten, *detector, codes);
+        for (const int code : codes) {
+            detector->forgotten.insert(code, m_time);
+            tellWaiting(detector, code, Outcome::Open,
+                        QStringLiteral("nothing was published for it; forgotten when handlers were "
+                                       "selected, at ")
+                            + seconds(m_time));
+        }
+        detector->keys.clear();
+        detector->isChord = false;
+    }
+}
+
+} // namespace Vorn::Workbench

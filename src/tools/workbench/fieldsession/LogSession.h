@@ -1,0 +1,146 @@
+#ifndef VORN_WORKBENCH_LOGSESSION_H
+#define VORN_WORKBENCH_LOGSESSION_H
+
+#include "LibraryMessage.h"
+#include "LogCoverage.h"
+#include "LogDetectors.h"
+#include "LogDevices.h"
+#include "LogQueue.h"
+#include "LogRead.h"
+#include "LogOrigins.h"
+#include "Session.h"
+
+#include <QHash>
+#include <QPair>
+#include <QString>
+
+#include <deque>
+#include <optional>
+
+namespace Vorn::Workbench {
+
+/// The session of one process, from its start to its end, as its log tells it.
+///
+/// ```
+/// readData: 12 ─▶ type: 1 code:128 … ─▶ Stored:(…) ─▶ key:128 … ─▶ Device: … ─▶ InputEvent(11)
+/// press
+///   origin          records, a LogRead   a LogHand: the record in hand, and its detector    event
+/// ```
+///
+/// The library does all this in one go, so what follows a line comes of it, unless a slot of the
+/// product runs an event loop: then the read before it goes on later.
+class LogSession
+{
+public:
+    using Sink = LogQueue::Sink;
+
+    /// @param start what is known of the log; its time of day comes with the first line
+    LogSession(const SessionStart &start, Sink sink);
+
+    /// Whether a line belongs to another start of the program.
+    bool isNewStart(const LibraryLine &line) const;
+
+    /// @param time µs of the session
+    /// @param wallClock µs since the epoch, or whatever the log counts from
+    void add(const LibraryLine &line, const QString &message, qint64 time, qint64 wallClock);
+    void remark(const QString &text, qint64 time);
+    void finish();
+
+private:
+    using Kind = LogHand::Kind;
+
+    void take(const Said::EventOnBus &event);
+    void take(const Said::EventReported &report);
+    void take(const Said::KeyPassedOn &key);
+    void take(const Said::Entered &entered);
+    void take(const Said::ReadBegun &read);
+    void take(const Said::NodeAdded &added);
+    void take(const Said::NodeRemoved &removed);
+    void take(const Said::ListenerOpened &);
+    void take(const Said::RecordLogged &record);
+    void take(const Said::ReadFailed &failed);
+    void take(const Said::FoundAlready &found);
+    void take(const Said::ThirdKeyDropped &);
+    void take(const Said::ReleaseDropped &);
+    void take(const Said::KeysStored &stored);
+    void take(const Said::Complaint &complaint);
+    /// What LogDevices takes.
+    template <typename Other>
+    void take(const Other &)
+    { }
+
+    struct Cause
+    {
+        LogOriginPtr origin;
+        LogRead *read = nullptr;
+        LogRecordPtr record;
+    };
+
+    void begin();
+    void finishOpening();
+    void leaveReads();
+    void close(LogRead *read);
+    void closeAfter(const LogRead *read);
+    void leaveOld(LogRead *read);
+    void untaken(const LogRecordPtr &record, const LogRead &read);
+    void finishHand(LogRead *read);
+    Cause causeOf(std::optional<int> code, std::optional<bool> isDown);
+    void hold(const Cause &cause, LogHand hand);
+    LogHand::Kind store(const LogDetectorPtr &detector, const Said::KeysStored &stored, int code,
+                        int value);
+    void publishReport();
+    void publish(InputEvent::Command command, InputEvent::State state,
+                 const std::optional<Said::EventReported> &report);
+    LogHand *handFor(InputEvent::Command command, InputEvent::State state,
+                     const std::optional<Said::EventReported> &report);
+    LogHand *handByOrder(InputEvent::Command command, InputEvent::State state);
+    bool mayBeOf(const LogOrigin &origin, const std::optional<Said::EventReported> &report) const;
+    void nameBy(const LogOriginPtr &origin, const std::optional<Said::EventReported> &report);
+    void publishFrom(LogHand *hand, InputEvent::Command command, InputEvent::State state);
+    void publishSwitch(InputEvent::Command command, InputEvent::State state,
+                       const std::optional<Said::EventReported> &report);
+    void publishLongPress(InputEvent::Command command,
+                          const std::optional<Said::EventReported> &report);
+    void publishLoose(InputEvent::Command command, InputEvent::State state,
+                      const std::optional<Said::EventReported> &report);
+    QVector<int> pairOf(LogHand *hand, InputEvent::Command command) const;
+    void learn(const LogOrigin &origin, int type, int code, InputEvent::Command command);
+    std::optional<InputEvent::Command> commandOf(const LogOrigin &origin, int type, int code) const;
+    void tellChord(LogHand *hand, bool isMapped);
+    void tellDropped(const Cause &cause, const LogDetectorPtr &detector, const QString &reason);
+    void tellWaiting(const LogDetectorPtr &detector, int code, RecordOutcome::What what,
+                     const QString &reason, LogQueue::Doubt doubt = LogQueue::Doubt::None);
+    void tellSingle(LogHand *hand);
+    void tellPair(LogHand *hand);
+    void tell(const LogHand &hand, RecordOutcome::What what, const QString &reason,
+              LogQueue::Doubt doubt = LogQueue::Doubt::None);
+    void forgetKeys();
+    void step(DetectorStep::What what, const LogDetector &detector, const QVector<int> &keys,
+              bool isMapped = false);
+
+    SessionStart m_start;
+    const Sink m_sink;
+    LogCoverage m_coverage;
+    LogCoverage m_coverageAtBegin;
+    LogQueue m_queue;
+    LogDevices m_devices;
+    LogOrigins m_origins;
+    LogDetectors m_detectors;
+    std::deque<LogRead> m_reads; ///< the last one is in progress; a slot has held up the others
+    std::optional<Said::EventReported> m_report; ///< whose line on the bus is to come
+    std::optional<Said::FoundAlready> m_found; ///< whose other line is to come
+    /// What has come of single keys and switches, by device and code.
+    QHash<QPair<QString, int>, InputEvent::Command> m_commands;
+    QString m_text; ///< of the line
+    QString m_identifier; ///< for which keys are routed
+    bool m_hasActivity = false; ///< beside devices
+    bool m_isFirst = true;
+    qint64 m_time = 0;
+    qint64 m_lastTime = 0;
+    qint64 m_wallClock = 0;
+    int m_deviceCount = 0; ///< that were opened
+};
+
+} // namespace Vorn::Workbench
+
+#endif

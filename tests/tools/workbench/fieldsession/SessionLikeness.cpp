@@ -1,0 +1,177 @@
+#include "SessionLikeness.h"
+
+#include "BusNames.h"
+#include "CommandNames.h"
+#include "EventNames.h"
+#include "SessionFormat.h"
+
+#include <linux/input.h>
+
+#include <algorithm>
+#include <map>
+#include <sstream>
+
+namespace Vorn::Workbench {
+
+namespace {
+
+std::string codes(int type, const QVector<int> &list)
+{
+    QStringList names;
+    for (const int code : list)
+        names += eventCodeName(type, code);
+    return names.join('+').toStdString();
+}
+
+/// Milliseconds: layouts have no more.
+std::string at(const SessionEntry &entry, const std::string &text)
+{
+    return text.empty() ? text : std::to_string(entry.time / 1000) + " " + text;
+}
+
+/// Nothing for what the library does not log: when a long press is due, expectations, remarks.
+struct InBrief
+{
+    std::string operator()(const DeviceChange &change) const
+    {
+        return QStringLiteral("%1 %2 %3 %4")
+            .arg(change.added ? "+" : "-", change.device, change.name, busName(change.bus))
+            .toStdString();
+    }
+    std::string operator()(const DetectorStep &step) const
+    {
+        if (step.what == DetectorStep::What::LongPressDue
+            || step.what == DetectorStep::What::LongPressEnded)
+            return {};
+        return QStringLiteral("%1 of %2: ")
+                   .arg(detectorStepName(step.what), step.device)
+                   .toStdString()
+            + codes(EV_KEY, step.keys);
+    }
+    std::string operator()(const EventPublished &event) const
+    {
+        return QStringLiteral("%1 %2 %3 of %4: ")
+                   .arg(commandName(event.command), stateName(event.state), busName(event.bus),
+                        event.device)
+                   .toStdString()
+            + codes(event.type, event.codes);
+    }
+    std::string operator()(const IdentifierSelected &selected) const
+    {
+        return "identifier " + selected.identifier.toStdString();
+    }
+    template <typename Other>
+    std::string operator()(const Other &) const
+    {
+        return {};
+    }
+};
+
+std::map<std::string, std::vector<std::string>> records(const std::vector<SessionEntry> &entries)
+{
+    std::map<std::string, std::vector<std::string>> lists;
+    for (const SessionEntry &entry : entries) {
+        const auto *record = std::get_if<RecordRead>(&entry.what);
+        if (!record)
+            continue;
+        std::ostringstream text;
+        text << entry.time / 1000 << " " << record->type << " " << record->code << " "
+             << record->value;
+        lists[record->device.toStdString()].push_back(text.str());
+    }
+    return lists;
+}
+
+struct Told
+{
+    std::string record;
+    RecordOutcome::What what;
+    QStringList events;
+};
+
+/// What became of each record, in their order.
+std::map<std::string, std::vector<Told>> outcomes(const std::vector<SessionEntry> &entries)
+{
+    std::map<std::string, std::vector<Told>> lists;
+    for (const SessionEntry &entry : entries) {
+        const auto *outcome = std::get_if<RecordOutcome>(&entry.what);
+        if (!outcome)
+            continue;
+        std::ostringstream record;
+        record << outcome->device.toStdString() << " "
+               << eventCodeName(outcome->type, outcome->code).toStdString();
+        lists[record.str() + (outcome->value ? " down" : " up")].push_back(
+            {record.str(), outcome->what, outcome->events});
+    }
+    return lists;
+}
+
+/// A log does not tell a key that is held back from one without a command, nor a switch without a
+/// handler from one without a command.
+bool agree(const Told &stated, const Told &read)
+{
+    using What = RecordOutcome::What;
+    if (stated.events != read.events)
+        return false;
+    const bool isSilent =
+        stated.what == What::Held || stated.what == What::Unmapped || stated.what == What::Unread;
+    return stated.what == read.what || (isSilent && read.what == What::Open)
+        || (stated.what == What::Held && read.what == What::Unmapped);
+}
+
+void compare(const std::string &what, const std::vector<std::string> &stated,
+             const std::vector<std::string> &read, std::vector<std::string> *differences)
+{
+    for (std::size_t i = 0; i < std::max(stated.size(), read.size()); ++i) {
+        const std::string one = i < stated.size() ? stated[i] : "nothing";
+        const std::string other = i < read.size() ? read[i] : "nothing";
+        if (one == other)
+            continue;
+        std::ostringstream text;
+        text << what << " " << i << ": stated '" << one << "', read '" << other << "'";
+        differences->push_back(text.str());
+        return;
+    }
+}
+
+} // namespace
+
+std::vector<std::string> loggedPart(const std::vector<SessionEntry> &entries)
+{
+    std::vector<std::string> texts;
+    for (const SessionEntry &entry : entries) {
+        const std::string text = at(entry, std::visit(InBrief(), entry.what));
+        if (!text.empty())
+            texts.push_back(text);
+    }
+    return texts;
+}
+
+std::vector<std::string> differences(const std::vector<SessionEntry> &stated,
+                                     const std::vector<SessionEntry> &read)
+{
+    std::vector<std::string> found;
+    compare("entry", loggedPart(stated), loggedPart(read), &found);
+    auto statedRecords = records(stated);
+    auto readRecords = records(read);
+    for (const auto &[device, list] : statedRecords)
+        compare("record of " + device, list, readRecords[device], &found);
+    if (readRecords.size() != statedRecords.size())
+        found.emplace_back("records of other devices were read");
+    auto readOutcomes = outcomes(read);
+    for (const auto &[record, list] : outcomes(stated)) {
+        const std::vector<Told> &other = readOutcomes[record];
+        if (list.size() != other.size())
+            found.push_back(std::to_string(list.size()) + " outcomes of " + record + ", read "
+                            + std::to_string(other.size()));
+        for (std::size_t i = 0; i < std::min(list.size(), other.size()); ++i) {
+            if (!agree(list[i], other[i]))
+                found.push_back("outcome " + std::to_string(i) + " of " + record + ": stated "
+                                + outcomeName(list[i].what).toStdString() + ", read "
+                                + outcomeName(other[i].what).toStdString());
+        }
+    }
+    return found;
+}
+
+} // namespace Vorn::Workbench
