@@ -27,6 +27,7 @@ struct LogDetector
     QVector<Key> keys; ///< in order of the presses
     bool isChord = false;
     qint64 chordSince = 0;
+    bool isOpenPair = false; ///< it is not known whether its events are those of the pair
     QVector<int> chordCodes; ///< what its event is of: both keys, or the second; empty: none came
     /// Presses of keys that are down and for which nothing has been published so far.
     QMap<int, QVector<LogRecordPtr>> waiting;

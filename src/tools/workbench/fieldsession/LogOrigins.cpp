@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <iterator>
 
 namespace Vorn::Workbench {
 
@@ -147,7 +146,7 @@ void LogOrigins::forget(const QString &path)
     for (auto it = m_descriptors.begin(); it != m_descriptors.end();) {
         const LogDevicePtr device = it.value()->device();
         const bool isGone = !device || device->path == path;
-        it = isGone ? m_descriptors.erase(it) : it + 1;
+        it = isGone ? m_descriptors.erase(it) : std::next(it);
     }
 }
 

@@ -34,7 +34,6 @@ struct LogHand
     int keyLines = 0; ///< of what the detector has passed on
     bool isPairPassedOn = false; ///< the withdrawal is over
     bool isChordTold = false;
-    bool isOpenPair = false; ///< it is not known whether the event is that of the pair
     QStringList events;
     std::optional<InputEvent::Command> click; ///< pressed, and not yet released
     qint64 time = 0; ///< of the last line about it

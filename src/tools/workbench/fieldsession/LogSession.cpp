@@ -651,6 +651,17 @@ std::optional<InputEvent::Command> LogSession::commandOf(const LogOrigin &origin
     return found == m_commands.constEnd() ? std::nullopt : std::make_optional(*found);
 }
 
+/// Whether a key of that device is known for a command.
+bool LogSession::hasKeyFor(const LogOrigin &origin, InputEvent::Command command) const
+{
+    const QString device = origin.text();
+    for (auto it = m_commands.cbegin(); it != m_commands.cend(); ++it) {
+        if (it.value() == command && it.key().first == device)
+            return true;
+    }
+    return false;
+}
+
 void LogSession::publishFrom(LogHand *hand, InputEvent::Command command, InputEvent::State state)
 {
     EventPublished event;
@@ -683,7 +694,7 @@ QVector<int> LogSession::pairOf(LogHand *hand, InputEvent::Command command) cons
         return known;
     const int second = hand->codes.last();
     const auto alone = commandOf(*hand->origin, EV_KEY, second);
-    hand->isOpenPair = !alone;
+    hand->detector->isOpenPair = !alone;
     known = alone == command ? QVector<int>{second} : hand->codes;
     return known;
 }
@@ -729,13 +740,14 @@ void LogSession::publishLongPress(InputEvent::Command command,
     for (const LogDetectorPtr &detector : m_detectors.all()) {
         if (!mayBeOf(*detector->origin, report))
             continue;
-        // A key may be timed still although a selection has ended its press.
-        const QVector<int> codes = detector->codesDown() + detector->forgotten.keys().toVector();
+        // A key may be timed still although a selection has ended its press, or it is up already
+        // and the other key of its chord is not.
+        const QVector<int> codes = detector->codes() + detector->forgotten.keys().toVector();
         for (const int code : codes) {
             const auto known = commandOf(*detector->origin, EV_KEY, code);
             if (known == command)
                 learnt += {detector, code};
-            else if (!known)
+            else if (!known && !hasKeyFor(*detector->origin, command))
                 possible += {detector, code};
         }
     }
@@ -858,7 +870,7 @@ void LogSession::tellPair(LogHand *hand)
         tell(*hand, Outcome::Unmapped,
              QStringLiteral("%1 have no command together, nor has %2 one").arg(pair, second),
              Doubt::Unmapped);
-    else if (hand->isOpenPair)
+    else if (hand->detector->isOpenPair)
         tell(*hand, Outcome::Published,
              QStringLiteral("the log does not say whether for %1 or for %2 alone")
                  .arg(pair, second));

@@ -5,9 +5,9 @@
 #include "LogCoverage.h"
 #include "LogDetectors.h"
 #include "LogDevices.h"
+#include "LogOrigins.h"
 #include "LogQueue.h"
 #include "LogRead.h"
-#include "LogOrigins.h"
 #include "Session.h"
 
 #include <QHash>
@@ -106,6 +106,7 @@ private:
     QVector<int> pairOf(LogHand *hand, InputEvent::Command command) const;
     void learn(const LogOrigin &origin, int type, int code, InputEvent::Command command);
     std::optional<InputEvent::Command> commandOf(const LogOrigin &origin, int type, int code) const;
+    bool hasKeyFor(const LogOrigin &origin, InputEvent::Command command) const;
     void tellChord(LogHand *hand, bool isMapped);
     void tellDropped(const Cause &cause, const LogDetectorPtr &detector, const QString &reason);
     void tellWaiting(const LogDetectorPtr &detector, int code, RecordOutcome::What what,

@@ -51,7 +51,9 @@ TEST(LogRoundTrip, EachScenarioIsReadBackFromItsLog)
             lines = log.lines();
         }
         ASSERT_FALSE(lines.empty()) << file.toStdString();
-        const std::vector<std::string> found = differences(stated, sessionOf(lines));
+        // A log does not tell a clock that was set from time that has passed.
+        const Times times = file == "clock-steps.scenario" ? Times::Ignored : Times::Compared;
+        const std::vector<std::string> found = differences(stated, sessionOf(lines), times);
         EXPECT_TRUE(found.empty()) << file.toStdString() << ":\n" << listed(found);
     }
 }

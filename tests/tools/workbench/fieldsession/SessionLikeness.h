@@ -8,14 +8,20 @@
 
 namespace Vorn::Workbench {
 
-/// What a session has in common with one that is read from a complete log of it, in brief: all but
-/// what the library does not log.
-std::vector<std::string> loggedPart(const std::vector<SessionEntry> &entries);
+/// What is compared of two sessions beside the order of the entries.
+enum class Times { Compared, Ignored };
 
 /// Where two sessions differ, the first one stated by the workbench and the second one read from a
-/// log; empty if they are the same.
+/// complete log; empty if they are the same. What the library does not log is left out:
+///  - when a long press is due, what an event's latency is, and why a key has no command;
+///  - whether a key that is down is held back or has no command, until its release;
+///  - which switch a position is of that was asked for;
+///  - whether the event of a pair is that of the second key, if this has not been pressed alone;
+///  the
+///    outcome has to say so.
 std::vector<std::string> differences(const std::vector<SessionEntry> &stated,
-                                     const std::vector<SessionEntry> &read);
+                                     const std::vector<SessionEntry> &read,
+                                     Times times = Times::Compared);
 
 } // namespace Vorn::Workbench
 
