@@ -5,6 +5,7 @@
 #include "EventNames.h"
 #include "ExitStatus.h"
 #include "Explainer.h"
+#include "FieldLog.h"
 #include "InputFile.h"
 #include "Interruption.h"
 #include "LibraryFacts.h"
@@ -22,6 +23,8 @@
 
 #include <linux/input.h>
 #include <unistd.h>
+
+#include <memory>
 
 namespace Vorn::Tools {
 
@@ -56,25 +59,36 @@ QString outcomeText(const Explanation &explanation)
 
 QString line(const Explanation &explanation)
 {
+    const QString cause =
+        explanation.hasKey ? recordText(explanation) + QStringLiteral(": ") : QString();
     const QString time = sessionSeconds(explanation.time);
     const QString device =
         explanation.deviceName.isEmpty() ? explanation.device : explanation.deviceName;
-    return time.rightJustified(9) + QStringLiteral("  ") + printable(device) + QStringLiteral("  ")
-        + recordText(explanation) + QStringLiteral(": ") + outcomeText(explanation);
+    const QString of = device.isEmpty() ? QString() : printable(device) + QStringLiteral("  ");
+    return time.rightJustified(9) + QStringLiteral("  ") + of + cause + outcomeText(explanation);
 }
+
+/// What is explained.
+enum class From { Session, Log };
 
 class Report
 {
 public:
-    explicit Report(const ExplainOptions &options)
+    explicit Report(const ExplainOptions &options, From from = From::Session)
         : m_options(options)
-        , m_explainer([this](const Explanation &explanation) { print(explanation); })
+        , m_from(from)
+        , m_explainer([this](const Explanation &explanation) { print(explanation); },
+                      from == From::Log ? Explainer::LooseEvents::Explained
+                                        : Explainer::LooseEvents::Skipped)
     { }
 
     void add(const SessionEntry &entry)
     {
         m_explainer.add(entry);
         const auto *remark = std::get_if<Remark>(&entry.what);
+        // What a log does not say is part of the answer.
+        if (remark && m_options.json && m_from == From::Log)
+            Workbench::print(stdout, Workbench::toJsonLine(entry));
         if (remark && !m_options.json)
             printLine(stdout,
                       sessionSeconds(entry.time).rightJustified(9) + QStringLiteral("  ")
@@ -100,6 +114,7 @@ private:
     }
 
     const ExplainOptions &m_options;
+    const From m_from;
     Explainer m_explainer;
 };
 
@@ -133,6 +148,71 @@ int explainSession(const ExplainOptions &options)
     printDiagnostics(diagnostics);
     const bool isComplete = finish(&report);
     return isComplete && !hasErrors(diagnostics) ? Success : Failure;
+}
+
+/// A log may be of several starts of a program, which have nothing to do with each other.
+class LogReport
+{
+public:
+    explicit LogReport(const ExplainOptions &options)
+        : m_options(options)
+    { }
+    ~LogReport() { finish(); }
+    LogReport(const LogReport &) = delete;
+    LogReport &operator=(const LogReport &) = delete;
+
+    void add(const SessionEntry &entry)
+    {
+        if (const auto *start = std::get_if<SessionStart>(&entry.what)) {
+            finish();
+            m_report = std::make_unique<Report>(m_options, From::Log);
+            if (++m_count > 1)
+                printStart(*start, entry);
+        }
+        m_report->add(entry);
+    }
+
+private:
+    void finish()
+    {
+        if (m_report)
+            m_report->finish();
+    }
+
+    void printStart(const SessionStart &start, const SessionEntry &entry) const
+    {
+        if (m_options.json)
+            Workbench::print(stdout, Workbench::toJsonLine(entry));
+        else
+            printLine(stdout,
+                      QStringLiteral("session %1: %2").arg(m_count).arg(printable(start.source)));
+    }
+
+    const ExplainOptions &m_options;
+    std::unique_ptr<Report> m_report;
+    int m_count = 0;
+};
+
+int explainLog(const ExplainOptions &options)
+{
+    const Interruption interruption;
+    Diagnostics diagnostics;
+    bool isInterrupted = false;
+    {
+        LogReport report(options);
+        LogReaderOptions readerOptions;
+        readerOptions.pattern = options.pattern;
+        readerOptions.rotated = options.rotated;
+        diagnostics = readLog(
+            options.file, readerOptions,
+            [&report](const SessionEntry &entry) { report.add(entry); },
+            [&isInterrupted] {
+                isInterrupted = Interruption::isRequested() || isOutputLost();
+                return isInterrupted;
+            });
+    }
+    printDiagnostics(diagnostics);
+    return isInterrupted || hasErrors(diagnostics) ? Failure : Success;
 }
 
 /// The library looks at the first nodes only, so on the device itself nothing would have come.
@@ -195,20 +275,24 @@ CLI::App *addExplain(CLI::App *app, ExplainOptions *options)
         "Says in a line for each record what was published, or why nothing was: held back\n"
         "until the release, dropped while other keys are down, mapped under another\n"
         "identifier, a device that fits no entry of the profile. Takes a recording or a\n"
-        "scenario, which is run in virtual time, or a session that monitor or simulate\n"
-        "printed with --json.\n"
+        "scenario, which is run in virtual time, a session that monitor or simulate printed\n"
+        "with --json, or a product's log, whatever its layout.\n"
         "\n"
         "Exit status: 0 explained, 1 a failed expectation, 2 a file that cannot be used\n"
         "\n"
         "Examples:\n"
         "  vorn-input explain --profile panel.toml lost-release/session.umockdev\n"
         "  vorn-input explain --silent lost-release/session.jsonl\n"
-        "  vorn-input simulate --json chord.scenario | vorn-input explain -");
+        "  vorn-input simulate --json chord.scenario | vorn-input explain -\n"
+        "  journalctl -u player | vorn-input explain -");
     addFile(command, "FILE", &options->file,
-            "Recording, scenario or session; - is a session on the standard input", "",
-            Presence::Required);
+            "Recording, scenario, session or log; - is a session or a log on the standard input",
+            "", Presence::Required);
     addFile(command, "-p,--profile", &options->profile,
             "Profile for a recording, or to use instead of the scenario's", "FILE");
+    addText(command, "--pattern", &options->pattern,
+            "Layout of a log, as log4cplus has it, if it is not recognised", "PATTERN");
+    addFlag(command, "--rotated", &options->rotated, "Read the older parts of a log, too");
     addFlag(command, "--json", &options->json, "Print one JSON object per line");
     addFlag(command, "--silent", &options->silentOnly,
             "Only the records that nothing was published for");
@@ -217,15 +301,19 @@ CLI::App *addExplain(CLI::App *app, ExplainOptions *options)
 
 int explain(const ExplainOptions &options)
 {
+    const bool isForLog = !options.pattern.isEmpty() || options.rotated;
+    const bool isFromLog = isForLog || isLog(options.file);
     const bool isSession = options.file == QLatin1String("-")
         || QFileInfo(options.file).suffix() == QLatin1String("jsonl");
-    if (!isSession)
+    if (!isFromLog && !isSession)
         return explainSimulation(options);
-    if (options.profile.isEmpty())
-        return explainSession(options);
-    complain(QStringLiteral("--profile is for recordings and scenarios; a session says itself "
-                            "what was published"));
-    return Failure;
+    if (!options.profile.isEmpty()) {
+        complain(QStringLiteral("--profile is for recordings and scenarios; a %1 says itself "
+                                "what was published")
+                     .arg(isFromLog ? QStringLiteral("log") : QStringLiteral("session")));
+        return Failure;
+    }
+    return isFromLog ? explainLog(options) : explainSession(options);
 }
 
 } // namespace Vorn::Tools

@@ -11,8 +11,10 @@ namespace Vorn::Tools {
 
 struct ExplainOptions
 {
-    QString file; ///< a recording, a scenario or a session
+    QString file; ///< a recording, a scenario, a session or a log
     QString profile; ///< for a recording; empty: the one that the scenario names
+    QString pattern; ///< layout of a log; empty: guessed
+    bool rotated = false; ///< with the older parts of a log
     bool json = false;
     bool silentOnly = false; ///< only records that nothing was published for
 };

@@ -3,6 +3,7 @@
 #include "CommandOptions.h"
 #include "Diagnostic.h"
 #include "ExitStatus.h"
+#include "FieldLog.h"
 #include "InputFile.h"
 #include "Output.h"
 #include "OutputFile.h"
@@ -65,26 +66,63 @@ QString listed(int number, const SessionStart *start)
     return text;
 }
 
-/// Adds session number @p wanted to the picture. The others are read as well, to find out how many
-/// there are and whether their lines are valid.
-Contents readSessions(SessionReader *reader, qint64 fileSize, int wanted,
-                      Workbench::Timeline *picture)
+/// Adds session number @p wanted to the picture. The others are looked at as well, to find out how
+/// many there are.
+class Selection
 {
-    Contents contents;
-    Progress progress;
-    while (const std::optional<SessionEntry> entry = reader->next()) {
-        const auto *start = std::get_if<SessionStart>(&entry->what);
-        if (start || contents.sessions == 0) {
-            ++contents.sessions;
-            if (contents.list.size() < maxListed)
-                contents.list += listed(contents.sessions, start);
+public:
+    Selection(int wanted, Workbench::Timeline *picture)
+        : m_wanted(wanted)
+        , m_picture(picture)
+    { }
+
+    void add(const SessionEntry &entry)
+    {
+        const auto *start = std::get_if<SessionStart>(&entry.what);
+        if (start || m_contents.sessions == 0) {
+            ++m_contents.sessions;
+            if (m_contents.list.size() < maxListed)
+                m_contents.list += listed(m_contents.sessions, start);
         }
-        if (contents.sessions == wanted)
-            picture->add(*entry);
-        if (progress.isDue())
-            progress.show(sessionProgress(entry->time, reader->bytesRead(), fileSize));
+        if (m_contents.sessions == m_wanted)
+            m_picture->add(entry);
     }
-    return contents;
+
+    const Contents &contents() const { return m_contents; }
+
+private:
+    const int m_wanted;
+    Workbench::Timeline *const m_picture;
+    Contents m_contents;
+};
+
+/// @return what is wrong with the lines of the file
+Diagnostics readSessions(InputFile *file, const QString &name, Selection *selection)
+{
+    SessionReader reader(file, name);
+    Progress progress;
+    while (const std::optional<SessionEntry> entry = reader.next()) {
+        selection->add(*entry);
+        if (progress.isDue())
+            progress.show(sessionProgress(entry->time, reader.bytesRead(), file->size()));
+    }
+    return reader.diagnostics();
+}
+
+Diagnostics readSessionsOfLog(const TimelineOptions &options, Selection *selection)
+{
+    LogReaderOptions reader;
+    reader.pattern = options.pattern;
+    reader.rotated = options.rotated;
+    Progress progress;
+    return readLog(
+        options.file, reader,
+        [selection, &progress](const SessionEntry &entry) {
+            selection->add(entry);
+            if (progress.isDue())
+                progress.show(sessionProgress(entry.time, 0, 0));
+        },
+        [] { return false; });
 }
 
 QString contradictionIn(const TimelineOptions &options)
@@ -129,13 +167,13 @@ CLI::App *addTimeline(CLI::App *app, TimelineOptions *options)
     CLI::App *command = addCommand(
         app, "timeline", "Draw a session as a picture",
         "Draws a session that monitor or simulate printed with --json, or that monitor\n"
-        "recorded (session.jsonl): when keys were down, what the detectors made of them,\n"
-        "and what was published.\n"
+        "recorded (session.jsonl), or that a product's log tells of: when keys were down,\n"
+        "what the detectors made of them, and what was published.\n"
         "\n"
         "Examples:\n"
         "  vorn-input timeline lost-release/session.jsonl -o lost-release.svg\n"
         "  vorn-input simulate --json chord.scenario | vorn-input timeline - -o chord.svg");
-    addFile(command, "FILE", &options->file, "Session; - is the standard input", "",
+    addFile(command, "FILE", &options->file, "Session or log; - is the standard input", "",
             Presence::Required);
     addFile(command, "-o,--output", &options->output,
             "Picture to write (SVG); - is the standard output", "FILE", Presence::Required);
@@ -143,6 +181,9 @@ CLI::App *addTimeline(CLI::App *app, TimelineOptions *options)
             "Replace a file that is no picture of this program");
     addNumber(command, "--session", &options->session,
               "Draw this session of a file that contains several");
+    addText(command, "--pattern", &options->pattern,
+            "Layout of a log, as log4cplus has it, if it is not recognised", "PATTERN");
+    addFlag(command, "--rotated", &options->rotated, "Read the older parts of a log, too");
     addText(command, "--title", &options->title, "Title of the picture", "TEXT");
     addSeconds(command, "--from", &options->from, "Start at this second of the session", 0);
     addSeconds(command, "--to", &options->to, "End at this second of the session");
@@ -154,9 +195,10 @@ int timeline(const TimelineOptions &options)
     const QString contradiction = contradictionIn(options);
     if (!contradiction.isEmpty())
         return fail(QStringLiteral("error: ") + contradiction);
+    const bool isFromLog = !options.pattern.isEmpty() || options.rotated || isLog(options.file);
     Diagnostics diagnostics;
     InputFile file;
-    if (!openSession(options.file, &file, &diagnostics)) {
+    if (!isFromLog && !openSession(options.file, &file, &diagnostics)) {
         printDiagnostics(diagnostics);
         return Failure;
     }
@@ -167,12 +209,14 @@ int timeline(const TimelineOptions &options)
         return fail(QStringLiteral("error: ") + obstacle);
     Workbench::Timeline picture(
         {options.title, microseconds(options.from), microseconds(options.to)});
-    SessionReader reader(&file, options.file);
     const int wanted = std::max(options.session, 1);
-    const Contents contents = readSessions(&reader, file.size(), wanted, &picture);
-    printDiagnostics(reader.diagnostics());
-    if (hasErrors(reader.diagnostics()))
+    Selection selection(wanted, &picture);
+    diagnostics = isFromLog ? readSessionsOfLog(options, &selection)
+                            : readSessions(&file, options.file, &selection);
+    printDiagnostics(diagnostics);
+    if (hasErrors(diagnostics))
         return Failure;
+    const Contents &contents = selection.contents();
 
     // Only now is it known how many sessions there are, and what the one to be drawn covers.
     const QString problem = problemOf(options, contents, picture.session());

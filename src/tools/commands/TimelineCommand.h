@@ -14,6 +14,8 @@ struct TimelineOptions
     QString file;
     QString output;
     QString title; ///< empty: the session's source
+    QString pattern; ///< layout of a log; empty: guessed
+    bool rotated = false; ///< with the older parts of a log
     bool force = false; ///< whatever exists is replaced
     double from = -1; ///< s of the session; negative: its beginning
     double to = -1; ///< s; negative: its end

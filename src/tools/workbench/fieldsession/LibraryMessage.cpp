@@ -415,8 +415,8 @@ std::optional<LibraryLogger> libraryLogger(const QString &name)
 {
     constexpr int shortest = 6;
     std::optional<LibraryLogger> found;
-    for (std::size_t i = 0; i < libraryLoggers.size(); ++i) {
-        const QLatin1String known(libraryLoggers[i]);
+    for (std::size_t i = 0; i < loggerNames.size(); ++i) {
+        const QLatin1String known(loggerNames[i]);
         if (name == known)
             return static_cast<LibraryLogger>(i);
         if (name.size() >= shortest && QString(known).endsWith(name))
@@ -442,7 +442,7 @@ std::optional<LibraryLine> libraryLine(LibraryLogger logger, const QString &mess
 
 std::optional<LibraryLine> libraryLine(const QString &message)
 {
-    for (std::size_t i = 0; i < libraryLoggers.size(); ++i) {
+    for (std::size_t i = 0; i < loggerNames.size(); ++i) {
         if (const auto found = libraryLine(static_cast<LibraryLogger>(i), message))
             return found;
     }

@@ -17,8 +17,8 @@ namespace Vorn::Workbench {
 /// The library's loggers.
 enum class LibraryLogger { Input, BasicInputHandler, LinuxInputListener, KeyProcessing };
 
-constexpr std::array<const char *, 4> libraryLoggers{"Input", "BasicInputHandler",
-                                                     "LinuxInputListener", "KeyProcessing"};
+constexpr std::array<const char *, 4> loggerNames{"Input", "BasicInputHandler",
+                                                  "LinuxInputListener", "KeyProcessing"};
 
 /// What lines of the library say, by line.
 namespace Said {

@@ -97,9 +97,11 @@ void LogSessions::begin(Process *process, const LogLine &line, qint64 time)
         ? m_source
         : QStringLiteral("%1, process %2").arg(m_source, printable(process->name));
     process->session = std::make_unique<LogSession>(start, kept ? toFile : m_sink);
+    const QString layout = m_layout ? QStringLiteral(" with ") + m_layout() : QString();
     process->session->remark(
-        line.time ? QStringLiteral("read from a log: records have the times of their lines")
-                  : QStringLiteral("the log has no times: only the order is known"),
+        QStringLiteral("read from a log%1; ").arg(layout)
+            + (line.time ? QStringLiteral("records have the times of their lines")
+                         : QStringLiteral("it has no times, so only the order is known")),
         0);
 }
 

@@ -37,6 +37,8 @@ public:
     LogSessions(const QString &source, Sink sink);
     ~LogSessions();
 
+    /// @param layout called at the start of a session: how its lines are read, for people
+    void setLayout(const std::function<QString()> &layout) { m_layout = layout; }
     void add(const LogLine &line);
     void finish();
 
@@ -63,6 +65,7 @@ private:
 
     const QString m_source;
     const Sink m_sink;
+    std::function<QString()> m_layout;
     std::vector<std::unique_ptr<Process>> m_processes;
     qint64 m_understood = 0;
 };

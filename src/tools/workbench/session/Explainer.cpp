@@ -33,20 +33,23 @@ QByteArray toJsonLine(const Explanation &explanation)
     QJsonObject object{{"time", static_cast<double>(explanation.time) / 1000},
                        {"device", explanation.device},
                        {"name", explanation.deviceName},
-                       {"type", eventTypeName(explanation.type)},
-                       {"code", eventCodeName(explanation.type, explanation.code)},
-                       {"codeNumber", explanation.code},
-                       {"value", explanation.value},
                        {"events", QJsonArray::fromStringList(explanation.events)},
                        {"answered", explanation.isAnswered},
                        {"reason", explanation.reason}};
+    if (explanation.hasKey) {
+        object.insert("type", eventTypeName(explanation.type));
+        object.insert("code", eventCodeName(explanation.type, explanation.code));
+        object.insert("codeNumber", explanation.code);
+        object.insert("value", explanation.value);
+    }
     if (explanation.outcome)
         object.insert("outcome", outcomeName(*explanation.outcome));
     return jsonLine(object);
 }
 
-Explainer::Explainer(Sink sink)
+Explainer::Explainer(Sink sink, LooseEvents looseEvents)
     : m_sink(std::move(sink))
+    , m_looseEvents(looseEvents)
 { }
 
 void Explainer::add(const SessionEntry &entry)
@@ -135,6 +138,8 @@ void Explainer::take(const DetectorStep &step)
 // A long press has no record of its own.
 void Explainer::take(const EventPublished &event)
 {
+    if (event.codes.isEmpty() && m_looseEvents == LooseEvents::Explained)
+        addLoose(event);
     if (event.state != InputEvent::KeyLongPress || event.codes.isEmpty())
         return;
     if (Pending *press = heldPress(event.device, event.codes.first()))
@@ -149,6 +154,21 @@ void Explainer::take(const EventPublished &event)
     pending.explanation.events =
         QStringList{commandName(event.command) + QLatin1Char(' ') + stateName(event.state)};
     pending.explanation.isAnswered = true;
+    pending.isComplete = true;
+    m_pending.push_back(pending);
+}
+
+void Explainer::addLoose(const EventPublished &event)
+{
+    Pending pending;
+    pending.explanation.time = m_time;
+    pending.explanation.device = event.device;
+    pending.explanation.deviceName = m_names.value(event.device);
+    pending.explanation.events =
+        QStringList{commandName(event.command) + QLatin1Char(' ') + stateName(event.state)};
+    pending.explanation.reason = QStringLiteral("the log does not say what caused it");
+    pending.explanation.isAnswered = true;
+    pending.explanation.hasKey = false;
     pending.isComplete = true;
     m_pending.push_back(pending);
 }

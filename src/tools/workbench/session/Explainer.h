@@ -30,6 +30,8 @@ struct Explanation
 
     /// Whether anything was published, at once or later.
     bool isAnswered = false;
+    /// False for an event of which the session does not say what caused it.
+    bool hasKey = true;
 };
 
 /// One line of JSON, with its line end.
@@ -44,7 +46,10 @@ class Explainer
 public:
     using Sink = std::function<void(const Explanation &)>;
 
-    explicit Explainer(Sink sink);
+    /// What becomes of events whose cause the session does not say
+    enum class LooseEvents { Skipped, Explained };
+
+    explicit Explainer(Sink sink, LooseEvents looseEvents = LooseEvents::Skipped);
 
     void add(const SessionEntry &entry);
     /// Passes on what is left.
@@ -72,9 +77,11 @@ private:
     /// The press of a key that is held back; null if there is none.
     Pending *heldPress(const QString &device, int code);
     void complete(Pending *pending, const QString &reason, bool isAnswered) const;
+    void addLoose(const EventPublished &event);
     void passOn();
 
     const Sink m_sink;
+    const LooseEvents m_looseEvents;
     std::deque<Pending> m_pending;
     QHash<QString, QString> m_names;
     qint64 m_time = 0;
