@@ -4,6 +4,13 @@
 
 namespace Vorn::Workbench {
 
+namespace {
+
+/// Without descriptors each selection may leave one behind.
+constexpr int maxDetectors = 200;
+
+} // namespace
+
 bool leadsTo(const LogDetector &detector, const Said::KeysStored &stored, int code)
 {
     QVector<int> before = detector.codes();
@@ -42,6 +49,17 @@ QVector<int> LogDetector::codesDown() const
     return codes;
 }
 
+// In a chord the first key is timed until both are up.
+QVector<int> LogDetector::codesTimed() const
+{
+    QVector<int> codes = this->codes();
+    for (const int code : leftTimed) {
+        if (!codes.contains(code))
+            codes += code;
+    }
+    return codes;
+}
+
 bool mayBeSame(const LogOrigin &one, const LogOrigin &other)
 {
     if (one.isSame(other))
@@ -59,6 +77,8 @@ bool mayBeSame(const LogOrigin &one, const LogOrigin &other)
 LogDetectorPtr LogDetectors::added(const LogOriginPtr &origin, const QString &identifier)
 {
     forgetIdle();
+    if (m_detectors.size() >= maxDetectors)
+        m_detectors.removeFirst();
     m_detectors += std::make_shared<LogDetector>();
     m_detectors.last()->origin = origin;
     m_detectors.last()->identifier = identifier;
@@ -78,8 +98,13 @@ LogDetectorPtr LogDetectors::forKeys(const LogOriginPtr &origin, bool known,
                 continue;
             if (!anyIdentifier && detector->identifier != identifier)
                 continue;
-            if (leadsTo(*detector, stored, code))
+            // One without keys would fit anything.
+            if (anyIdentifier && detector->keys.isEmpty())
+                continue;
+            if (leadsTo(*detector, stored, code)) {
+                detector->identifier = identifier;
                 return detector;
+            }
             if (!anyIdentifier && !own)
                 own = detector;
         }
@@ -118,14 +143,12 @@ void LogDetectors::forgetIdle()
         m_detectors.end());
 }
 
-void LogDetectors::forget(const QString &path)
+void LogDetectors::forget(const std::function<bool(const LogOrigin &)> &isGone)
 {
-    m_detectors.erase(std::remove_if(m_detectors.begin(), m_detectors.end(),
-                                     [&path](const LogDetectorPtr &detector) {
-                                         const LogDevicePtr device = detector->origin->device();
-                                         return device && device->path == path;
-                                     }),
-                      m_detectors.end());
+    m_detectors.erase(
+        std::remove_if(m_detectors.begin(), m_detectors.end(),
+                       [&isGone](const auto &detector) { return isGone(*detector->origin); }),
+        m_detectors.end());
 }
 
 } // namespace Vorn::Workbench

@@ -6,9 +6,11 @@
 
 #include <QHash>
 #include <QMap>
+#include <QSet>
 #include <QString>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 
 namespace Vorn::Workbench {
@@ -27,16 +29,21 @@ struct LogDetector
     QVector<Key> keys; ///< in order of the presses
     bool isChord = false;
     qint64 chordSince = 0;
-    bool isOpenPair = false; ///< it is not known whether its events are those of the pair
-    QVector<int> chordCodes; ///< what its event is of: both keys, or the second; empty: none came
     /// Presses of keys that are down and for which nothing has been published so far.
     QMap<int, QVector<LogRecordPtr>> waiting;
     QHash<int, qint64> forgotten; ///< keys whose press a selection has ended, and when
+    /// Forgotten keys whose release the handler has not got since: they may be timed still.
+    QSet<int> leftTimed;
 
     int indexOf(int code) const;
     QVector<int> codes() const;
     QVector<int> codesDown() const;
-    bool isIdle() const { return keys.isEmpty() && waiting.isEmpty() && forgotten.isEmpty(); }
+    /// Those that may get a long press.
+    QVector<int> codesTimed() const;
+    bool isIdle() const
+    {
+        return keys.isEmpty() && waiting.isEmpty() && forgotten.isEmpty() && leftTimed.isEmpty();
+    }
 };
 
 using LogDetectorPtr = std::shared_ptr<LogDetector>;
@@ -57,9 +64,9 @@ public:
     LogDetectorPtr forRelease(const LogOriginPtr &origin, int code) const;
 
     const QVector<LogDetectorPtr> &all() const { return m_detectors; }
-    /// Without those that have nothing to tell, and those of a device.
+    /// Without those that have nothing to tell, and those of a device that is gone.
     void forgetIdle();
-    void forget(const QString &path);
+    void forget(const std::function<bool(const LogOrigin &)> &isGone);
 
 private:
     LogDetectorPtr added(const LogOriginPtr &origin, const QString &identifier);

@@ -88,10 +88,15 @@ void LogOrigins::nameByPath(const LogOriginPtr &origin, const QString &path)
     settleAll();
 }
 
+bool LogOrigins::fits(const LogOrigin &origin, const LogDevice &device)
+{
+    return (!origin.hasKeys || device.readsKeys) && (!origin.hasSwitches || device.readsSwitches);
+}
+
 // A node with keys and switches has two descriptors, any other one.
 bool LogOrigins::mayBe(const LogOrigin &origin, const LogDevice &device) const
 {
-    if ((origin.hasKeys && !device.readsKeys) || (origin.hasSwitches && !device.readsSwitches))
+    if (!fits(origin, device))
         return false;
     int taken = 0;
     for (const LogOriginPtr &other : m_descriptors) {
@@ -140,14 +145,10 @@ void LogOrigins::close(const LogOrigin &origin)
         m_descriptors.remove(*origin.descriptor());
 }
 
-// Of a descriptor that is not known it cannot be said whether it is still the same.
-void LogOrigins::forget(const QString &path)
+void LogOrigins::forget(const std::function<bool(const LogOrigin &)> &isGone)
 {
-    for (auto it = m_descriptors.begin(); it != m_descriptors.end();) {
-        const LogDevicePtr device = it.value()->device();
-        const bool isGone = !device || device->path == path;
-        it = isGone ? m_descriptors.erase(it) : std::next(it);
-    }
+    for (auto it = m_descriptors.begin(); it != m_descriptors.end();)
+        it = isGone(*it.value()) ? m_descriptors.erase(it) : std::next(it);
 }
 
 } // namespace Vorn::Workbench

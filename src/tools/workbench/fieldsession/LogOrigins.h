@@ -7,6 +7,7 @@
 #include <QString>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -83,8 +84,11 @@ public:
 
     /// A descriptor is closed.
     void close(const LogOrigin &origin);
-    /// A descriptor may be another one's from now on.
-    void forget(const QString &path);
+    /// Descriptors may be another device's from now on.
+    void forget(const std::function<bool(const LogOrigin &)> &isGone);
+
+    /// Whether what has been read may come from a device.
+    static bool fits(const LogOrigin &origin, const LogDevice &device);
 
 private:
     bool mayBe(const LogOrigin &origin, const LogDevice &device) const;

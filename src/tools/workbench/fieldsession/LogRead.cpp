@@ -27,6 +27,12 @@ bool LogHand::accepts(InputEvent::Command command, InputEvent::State state) cons
     return false;
 }
 
+bool LogHand::expectsKey(int key) const
+{
+    constexpr int lines[] = {1, allKeyLines, 2, 0, 0};
+    return codes.contains(key) && keyLines < lines[static_cast<int>(kind)];
+}
+
 LogRecordPtr LogRead::nextKey(std::optional<int> code, std::optional<bool> isDown) const
 {
     const auto fits = [&](const LogRecordPtr &record) {

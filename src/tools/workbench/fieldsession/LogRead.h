@@ -24,6 +24,9 @@ struct LogHand
         Unseen, ///< the log has no line of the detector
     };
 
+    /// Of a chord that begins: the release of the first key, and both.
+    static constexpr int allKeyLines = 3;
+
     Kind kind = Kind::Single;
     LogRecordPtr record; ///< null if the log has none
     LogOriginPtr origin;
@@ -40,6 +43,11 @@ struct LogHand
 
     /// Whether an event may come of it.
     bool accepts(InputEvent::Command command, InputEvent::State state) const;
+    /// Whether both keys have been passed on, after which their event comes at once if there is
+    /// one.
+    bool hasPairPassed() const { return kind == Kind::ChordBegun && keyLines == allKeyLines; }
+    /// Whether a line about a key that is passed on is about it.
+    bool expectsKey(int key) const;
     bool isPair() const { return kind == Kind::ChordBegun || kind == Kind::ChordEnded; }
 };
 

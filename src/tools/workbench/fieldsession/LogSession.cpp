@@ -53,8 +53,9 @@ RecordOutcome outcomeOf(Outcome what, const QString &reason, const QStringList &
 
 } // namespace
 
-LogSession::LogSession(const SessionStart &start, Sink sink)
+LogSession::LogSession(const SessionStart &start, const QString &manner, Sink sink)
     : m_start(start)
+    , m_manner(manner)
     , m_sink(std::move(sink))
     , m_queue(&m_coverage, m_sink)
     , m_origins(&m_devices)
@@ -83,6 +84,9 @@ void LogSession::add(const LibraryLine &line, const QString &message, qint64 tim
     if (!m_devices.continuesOpening(line.what))
         finishOpening();
     m_devices.take(line.what);
+    const bool isEvent = bus || std::holds_alternative<Said::EventReported>(line.what);
+    if (!m_reads.empty() && m_reads.back().hand && m_reads.back().hand->hasPairPassed() && !isEvent)
+        tellChord(&*m_reads.back().hand, false);
     std::visit([this](const auto &what) { take(what); }, line.what);
     if (!m_queue.hasBegun() && m_queue.mayBegin())
         begin();
@@ -104,6 +108,7 @@ void LogSession::remark(const QString &text, qint64 time)
 void LogSession::begin()
 {
     m_sink(SessionEntry{0, m_start});
+    m_sink(SessionEntry{0, Remark{m_manner}});
     const QStringList gaps = m_coverage.gaps(m_deviceCount);
     for (const QString &gap : gaps)
         m_sink(SessionEntry{0, Remark{gap}});
@@ -156,20 +161,28 @@ void LogSession::take(const Said::ListenerOpened &)
 void LogSession::take(const Said::NodeRemoved &removed)
 {
     leaveReads();
+    const LogDevicePtr device = m_devices.remove(removed.path);
+    const auto mayBeGone = [&device, &removed](const LogOrigin &origin) {
+        const LogDevicePtr known = origin.device();
+        return known ? known->path == removed.path : !device || LogOrigins::fits(origin, *device);
+    };
     for (const LogDetectorPtr &detector : m_detectors.all()) {
-        const LogDevicePtr device = detector->origin->device();
-        if (!device || device->path != removed.path)
+        if (!mayBeGone(*detector->origin))
             continue;
+        const QString which = detector->origin->device()
+            ? QStringLiteral("the device")
+            : QStringLiteral("a device, perhaps its own,");
         const QList<int> codes = detector->waiting.keys();
         for (const int code : codes)
             tellWaiting(detector, code, Outcome::Open,
-                        QStringLiteral("nothing was published for it before the device went at ")
-                            + seconds(m_time));
+                        QStringLiteral("nothing was published for it before %1 went at %2")
+                            .arg(which, seconds(m_time)));
     }
-    m_detectors.forget(removed.path);
-    m_origins.forget(removed.path);
+    // Where it is not known whether it is this one, nothing more can be said either.
+    m_detectors.forget(mayBeGone);
+    m_origins.forget(mayBeGone);
     DeviceChange change{removed.path, {}, InputEvent::Bus::NoBus, false};
-    if (const LogDevicePtr device = m_devices.remove(removed.path)) {
+    if (device) {
         change.name = device->name;
         change.bus = device->bus;
     }
@@ -307,6 +320,8 @@ void LogSession::untaken(const LogRecordPtr &record, const LogRead &read)
 {
     if (record->isTaken)
         return;
+    if (record->type == EV_KEY && record->value != 0)
+        leaveWaiting(*record->origin, record->code);
     const bool isPassedOver =
         record->type == EV_KEY
         && std::any_of(read.records.begin(), read.records.end(), [&](const LogRecordPtr &other) {
@@ -379,6 +394,8 @@ void LogSession::take(const Said::KeysStored &stored)
     const bool isKnown = cause.origin->descriptor() || cause.origin->isKnown();
     const LogDetectorPtr detector =
         m_detectors.forKeys(cause.origin, isKnown, cause.read->identifier, stored, code);
+    if (value != 0)
+        leaveWaiting(*cause.origin, code);
     if (!cause.origin->descriptor() || !detector->origin->descriptor())
         LogOrigin::join(cause.origin, detector->origin);
     LogHand hand;
@@ -398,7 +415,7 @@ void LogSession::take(const Said::KeysStored &stored)
         cause.read->hand.reset();
     } else if (hand.kind == Kind::ChordBegun) {
         detector->chordSince = m_time;
-        detector->chordCodes.clear();
+        detector->leftTimed.remove(hand.codes.first());
         step(Step::FirstKeyWithdrawn, *detector, {hand.codes.first()});
         tellWaiting(detector, hand.codes.first(), Outcome::Open,
                     QStringLiteral("nothing was published for it: held back, or it has no command "
@@ -409,8 +426,10 @@ void LogSession::take(const Said::KeysStored &stored)
         detector->keys.clear();
     }
     detector->isChord = hand.kind == Kind::ChordBegun || hand.kind == Kind::ChordPart;
-    if (hand.kind == Kind::Single && value == 0)
+    if (hand.kind == Kind::Single && value == 0) {
         detector->keys.clear();
+        detector->leftTimed.remove(code);
+    }
 }
 
 /// Updates what is known of a detector. @return what the line means
@@ -505,6 +524,8 @@ void LogSession::tellDropped(const Cause &cause, const LogDetectorPtr &detector,
                            + QStringLiteral("; which one is not in the log")});
         return;
     }
+    if (cause.record->value != 0)
+        leaveWaiting(*cause.origin, cause.record->code);
     LogDetector of;
     of.origin = cause.origin;
     of.identifier = detector ? detector->identifier : cause.read->identifier;
@@ -515,13 +536,13 @@ void LogSession::tellDropped(const Cause &cause, const LogDetectorPtr &detector,
 void LogSession::take(const Said::KeyPassedOn &key)
 {
     for (auto read = m_reads.rbegin(); read != m_reads.rend(); ++read) {
-        if (!read->hand || read->hand->kind != Kind::ChordBegun
-            || !read->hand->codes.contains(key.code) || read->hand->keyLines == 3)
+        if (!read->hand || !read->hand->expectsKey(key.code))
             continue;
         closeAfter(&*read);
         LogHand &hand = *m_reads.back().hand;
+        ++hand.keyLines;
         // First the release of the first key, then both.
-        hand.isPairPassedOn = ++hand.keyLines > 1;
+        hand.isPairPassedOn = hand.kind == Kind::ChordBegun && hand.keyLines > 1;
         hand.time = m_time;
         return;
     }
@@ -639,27 +660,19 @@ void LogSession::nameBy(const LogOriginPtr &origin,
     }
 }
 
-void LogSession::learn(const LogOrigin &origin, int type, int code, InputEvent::Command command)
+void LogSession::learn(const LogDetector &detector, int code, InputEvent::Command command)
 {
-    m_commands.insert({origin.text(), type << 16 | code}, command);
+    m_commands.insert({detector.origin->text() + QLatin1Char('\n') + detector.identifier, code},
+                      command);
 }
 
-std::optional<InputEvent::Command> LogSession::commandOf(const LogOrigin &origin, int type,
+/// What a key has published before, alone and for the same handler.
+std::optional<InputEvent::Command> LogSession::commandOf(const LogDetector &detector,
                                                          int code) const
 {
-    const auto found = m_commands.constFind({origin.text(), type << 16 | code});
+    const auto found = m_commands.constFind(
+        {detector.origin->text() + QLatin1Char('\n') + detector.identifier, code});
     return found == m_commands.constEnd() ? std::nullopt : std::make_optional(*found);
-}
-
-/// Whether a key of that device is known for a command.
-bool LogSession::hasKeyFor(const LogOrigin &origin, InputEvent::Command command) const
-{
-    const QString device = origin.text();
-    for (auto it = m_commands.cbegin(); it != m_commands.cend(); ++it) {
-        if (it.value() == command && it.key().first == device)
-            return true;
-    }
-    return false;
 }
 
 void LogSession::publishFrom(LogHand *hand, InputEvent::Command command, InputEvent::State state)
@@ -672,11 +685,11 @@ void LogSession::publishFrom(LogHand *hand, InputEvent::Command command, InputEv
     if (hand->kind == Kind::ChordBegun && state == InputEvent::KeyReleased) {
         event.codes = {hand->codes.first()};
     } else if (hand->isPair()) {
-        event.codes = pairOf(hand, command);
+        event.codes = pairOf(*hand, command);
         if (hand->kind == Kind::ChordBegun)
             tellChord(hand, event.codes.size() == 2);
-    } else {
-        learn(*hand->origin, EV_KEY, hand->code, command);
+    } else if (hand->detector) {
+        learn(*hand->detector, hand->code, command);
     }
     m_queue.add(m_time, event, hand->origin);
     hand->events += eventText(command, state);
@@ -685,18 +698,12 @@ void LogSession::publishFrom(LogHand *hand, InputEvent::Command command, InputEv
     hand->click = isClick ? std::make_optional(command) : std::nullopt;
 }
 
-/// Of a pair without a command the library publishes the second key. Which of the two an event is
-/// of is known if one of them has been seen alone.
-QVector<int> LogSession::pairOf(LogHand *hand, InputEvent::Command command) const
+/// Of a pair without a command the library publishes the second key. Which of the two it was the
+/// log does not say; that the key publishes the same alone is a sign.
+QVector<int> LogSession::pairOf(const LogHand &hand, InputEvent::Command command) const
 {
-    QVector<int> &known = hand->detector->chordCodes;
-    if (hand->kind == Kind::ChordEnded && !known.isEmpty())
-        return known;
-    const int second = hand->codes.last();
-    const auto alone = commandOf(*hand->origin, EV_KEY, second);
-    hand->detector->isOpenPair = !alone;
-    known = alone == command ? QVector<int>{second} : hand->codes;
-    return known;
+    const int second = hand.codes.last();
+    return commandOf(*hand.detector, second) == command ? QVector<int>{second} : hand.codes;
 }
 
 void LogSession::publishSwitch(InputEvent::Command command, InputEvent::State state,
@@ -715,7 +722,6 @@ void LogSession::publishSwitch(InputEvent::Command command, InputEvent::State st
             record->isTaken = true;
             m_reads.back().isBegun = true;
             nameBy(record->origin, report);
-            learn(*record->origin, EV_SW, record->code, command);
             event.codes = {record->code};
             m_queue.add(m_time, event, record->origin);
             m_queue.addOutcome(m_time, record,
@@ -735,30 +741,26 @@ void LogSession::publishLongPress(InputEvent::Command command,
         LogDetectorPtr detector;
         int code;
     };
+    QVector<Candidate> all;
     QVector<Candidate> learnt;
-    QVector<Candidate> possible;
     for (const LogDetectorPtr &detector : m_detectors.all()) {
         if (!mayBeOf(*detector->origin, report))
             continue;
-        // A key may be timed still although a selection has ended its press, or it is up already
-        // and the other key of its chord is not.
-        const QVector<int> codes = detector->codes() + detector->forgotten.keys().toVector();
+        const QVector<int> codes = detector->codesTimed();
         for (const int code : codes) {
-            const auto known = commandOf(*detector->origin, EV_KEY, code);
-            if (known == command)
+            all += {detector, code};
+            if (commandOf(*detector, code) == command)
                 learnt += {detector, code};
-            else if (!known && !hasKeyFor(*detector->origin, command))
-                possible += {detector, code};
         }
     }
-    const QVector<Candidate> &left = learnt.isEmpty() ? possible : learnt;
+    const QVector<Candidate> &left = learnt.isEmpty() ? all : learnt;
     if (left.size() != 1 || (m_coverage.hasReports() && !report)) {
         publishLoose(command, InputEvent::KeyLongPress, report);
         return;
     }
     const Candidate &key = left.first();
     nameBy(key.detector->origin, report);
-    learn(*key.detector->origin, EV_KEY, key.code, command);
+    learn(*key.detector, key.code, command);
     tellWaiting(key.detector, key.code, Outcome::Held,
                 QStringLiteral("held back until the release or a long press"));
     EventPublished event;
@@ -785,7 +787,9 @@ void LogSession::tellChord(LogHand *hand, bool isMapped)
 {
     if (std::exchange(hand->isChordTold, true))
         return;
+    const qint64 now = std::exchange(m_time, hand->time);
     step(Step::ChordFound, *hand->detector, hand->codes, isMapped);
+    m_time = now;
 }
 
 void LogSession::step(Step what, const LogDetector &detector, const QVector<int> &keys,
@@ -806,6 +810,18 @@ void LogSession::tellWaiting(const LogDetectorPtr &detector, int code, Outcome w
     const QVector<LogRecordPtr> records = detector->waiting.take(code);
     for (const LogRecordPtr &record : records)
         m_queue.addOutcome(m_time, record, outcomeOf(what, reason), doubt);
+}
+
+/// Before another press of a key: nothing more is known of the one before.
+void LogSession::leaveWaiting(const LogOrigin &origin, int code)
+{
+    for (const LogDetectorPtr &detector : m_detectors.all()) {
+        if (detector->waiting.contains(code) && mayBeSame(*detector->origin, origin))
+            tellWaiting(detector, code, Outcome::Open,
+                        QStringLiteral("nothing was published for it before the key was pressed "
+                                       "again or repeated at ")
+                            + seconds(m_time));
+    }
 }
 
 void LogSession::tell(const LogHand &hand, Outcome what, const QString &reason, Doubt doubt)
@@ -870,19 +886,27 @@ void LogSession::tellPair(LogHand *hand)
         tell(*hand, Outcome::Unmapped,
              QStringLiteral("%1 have no command together, nor has %2 one").arg(pair, second),
              Doubt::Unmapped);
-    else if (hand->detector->isOpenPair)
-        tell(*hand, Outcome::Published,
-             QStringLiteral("the log does not say whether for %1 or for %2 alone")
-                 .arg(pair, second));
     else
-        tell(*hand, Outcome::Published, {});
+        tell(*hand, Outcome::Published, openPairReason(*hand));
+}
+
+/// Where the events of a pair come from is marked as open, with what there is to tell.
+QString LogSession::openPairReason(const LogHand &hand) const
+{
+    const int second = hand.codes.last();
+    const QString reason = QStringLiteral("the log does not say whether for %1 or for %2 alone")
+                               .arg(joined(hand.codes), keyName(second));
+    const auto alone = commandOf(*hand.detector, second);
+    return alone ? reason + QStringLiteral(", which published %1 before").arg(commandName(*alone))
+                 : reason;
 }
 
 void LogSession::forgetKeys()
 {
+    // A slot that selects is one of an event's.
     for (LogRead &read : m_reads) {
-        if (read.hand && read.hand->kind == Kind::ChordBegun && read.hand->isPairPassedOn)
-            tellChord(&*read.hand, false);
+        if (read.hand && !read.hand->isPair() && read.hand->events.isEmpty())
+            finishHand(&read);
     }
     QVector<LogDetectorPtr> detectors = m_detectors.all();
     std::stable_sort(detectors.begin(), detectors.end(), [](const auto &one, const auto &other) {
@@ -896,6 +920,7 @@ void LogSession::forgetKeys()
         step(Step::Forgotten, *detector, codes);
         for (const int code : codes) {
             detector->forgotten.insert(code, m_time);
+            detector->leftTimed.insert(code);
             tellWaiting(detector, code, Outcome::Open,
                         QStringLiteral("nothing was published for it; forgotten when handlers were "
                                        "selected, at ")
@@ -903,6 +928,11 @@ void LogSession::forgetKeys()
         }
         detector->keys.clear();
         detector->isChord = false;
+        // A chord that was about to begin is lost.
+        for (LogRead &read : m_reads) {
+            if (read.hand && read.hand->detector == detector && read.hand->keyLines == 1)
+                finishHand(&read);
+        }
     }
 }
 

@@ -35,7 +35,8 @@ public:
     using Sink = LogQueue::Sink;
 
     /// @param start what is known of the log; its time of day comes with the first line
-    LogSession(const SessionStart &start, Sink sink);
+    /// @param manner the first remark: how the log is read
+    LogSession(const SessionStart &start, const QString &manner, Sink sink);
 
     /// Whether a line belongs to another start of the program.
     bool isNewStart(const LibraryLine &line) const;
@@ -103,23 +104,25 @@ private:
                           const std::optional<Said::EventReported> &report);
     void publishLoose(InputEvent::Command command, InputEvent::State state,
                       const std::optional<Said::EventReported> &report);
-    QVector<int> pairOf(LogHand *hand, InputEvent::Command command) const;
-    void learn(const LogOrigin &origin, int type, int code, InputEvent::Command command);
-    std::optional<InputEvent::Command> commandOf(const LogOrigin &origin, int type, int code) const;
-    bool hasKeyFor(const LogOrigin &origin, InputEvent::Command command) const;
+    QVector<int> pairOf(const LogHand &hand, InputEvent::Command command) const;
+    void learn(const LogDetector &detector, int code, InputEvent::Command command);
+    std::optional<InputEvent::Command> commandOf(const LogDetector &detector, int code) const;
     void tellChord(LogHand *hand, bool isMapped);
     void tellDropped(const Cause &cause, const LogDetectorPtr &detector, const QString &reason);
     void tellWaiting(const LogDetectorPtr &detector, int code, RecordOutcome::What what,
                      const QString &reason, LogQueue::Doubt doubt = LogQueue::Doubt::None);
+    void leaveWaiting(const LogOrigin &origin, int code);
     void tellSingle(LogHand *hand);
     void tellPair(LogHand *hand);
     void tell(const LogHand &hand, RecordOutcome::What what, const QString &reason,
               LogQueue::Doubt doubt = LogQueue::Doubt::None);
+    QString openPairReason(const LogHand &hand) const;
     void forgetKeys();
     void step(DetectorStep::What what, const LogDetector &detector, const QVector<int> &keys,
               bool isMapped = false);
 
     SessionStart m_start;
+    const QString m_manner;
     const Sink m_sink;
     LogCoverage m_coverage;
     LogCoverage m_coverageAtBegin;
@@ -130,7 +133,7 @@ private:
     std::deque<LogRead> m_reads; ///< the last one is in progress; a slot has held up the others
     std::optional<Said::EventReported> m_report; ///< whose line on the bus is to come
     std::optional<Said::FoundAlready> m_found; ///< whose other line is to come
-    /// What has come of single keys and switches, by device and code.
+    /// What has come of single keys, by device, identifier and code.
     QHash<QPair<QString, int>, InputEvent::Command> m_commands;
     QString m_text; ///< of the line
     QString m_identifier; ///< for which keys are routed

@@ -96,13 +96,12 @@ void LogSessions::begin(Process *process, const LogLine &line, qint64 time)
     start.source = process->name.isEmpty()
         ? m_source
         : QStringLiteral("%1, process %2").arg(m_source, printable(process->name));
-    process->session = std::make_unique<LogSession>(start, kept ? toFile : m_sink);
     const QString layout = m_layout ? QStringLiteral(" with ") + m_layout() : QString();
-    process->session->remark(
-        QStringLiteral("read from a log%1; ").arg(layout)
-            + (line.time ? QStringLiteral("records have the times of their lines")
-                         : QStringLiteral("it has no times, so only the order is known")),
-        0);
+    const QString times = line.time
+        ? QStringLiteral("records have the times of their lines")
+        : QStringLiteral("it has no times: the order is right, and all times are 0");
+    process->session = std::make_unique<LogSession>(
+        start, QStringLiteral("read from a log%1; %2").arg(layout, times), kept ? toFile : m_sink);
 }
 
 void LogSessions::addUnknown(Process *process, const LogLine &line)

@@ -1,6 +1,10 @@
 #include "TakenLog.h"
 
+#include "LogLine.h"
+#include "LogSessions.h"
+
 #include <log4cplus/appender.h>
+#include <log4cplus/logger.h>
 #include <log4cplus/spi/loggingevent.h>
 
 #include <utility>
@@ -50,17 +54,35 @@ private:
 
 } // namespace
 
-TakenLog::TakenLog()
-    : m_lines(std::make_shared<std::vector<LogLine>>())
-    , m_level(log4cplus::Logger::getRoot().getLogLevel())
-    , m_appender(new Appender(m_lines))
+struct TakenLog::State
 {
-    log4cplus::Logger::getRoot().addAppender(m_appender);
+    std::shared_ptr<std::vector<LogLine>> lines = std::make_shared<std::vector<LogLine>>();
+    int level = log4cplus::Logger::getRoot().getLogLevel();
+    log4cplus::SharedAppenderPtr appender{new Appender(lines)};
+};
+
+TakenLog::TakenLog()
+    : m_state(std::make_unique<State>())
+{
+    log4cplus::Logger::getRoot().addAppender(m_state->appender);
     log4cplus::Logger::getRoot().setLogLevel(log4cplus::TRACE_LOG_LEVEL);
 }
 
 TakenLog::~TakenLog()
 {
-    log4cplus::Logger::getRoot().setLogLevel(m_level);
-    log4cplus::Logger::getRoot().removeAppender(m_appender);
+    log4cplus::Logger::getRoot().setLogLevel(m_state->level);
+    log4cplus::Logger::getRoot().removeAppender(m_state->appender);
+}
+
+std::vector<SessionEntry> TakenLog::session(const Filter &filter) const
+{
+    std::vector<SessionEntry> entries;
+    LogSessions sessions(QStringLiteral("player.log"),
+                         [&entries](const SessionEntry &entry) { entries.push_back(entry); });
+    for (const LogLine &line : *m_state->lines) {
+        if (!filter || filter(line.logger.toStdString(), static_cast<int>(*line.level)))
+            sessions.add(line);
+    }
+    sessions.finish();
+    return entries;
 }

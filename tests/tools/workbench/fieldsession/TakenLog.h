@@ -1,28 +1,32 @@
 #ifndef TAKENLOG_H
 #define TAKENLOG_H
 
-#include "LogLine.h"
+#include "Session.h"
 
-#include <log4cplus/logger.h>
-
+#include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 /// Takes what the library logs, at all levels, as a reader of logs would give it.
 class TakenLog
 {
 public:
+    /// Whether a log has a line of that logger at that level, 0 for TRACE to 4 for ERROR.
+    using Filter = std::function<bool(const std::string &logger, int level)>;
+
     TakenLog();
     ~TakenLog();
     TakenLog(const TakenLog &) = delete;
     TakenLog &operator=(const TakenLog &) = delete;
 
-    const std::vector<Vorn::Workbench::LogLine> &lines() const { return *m_lines; }
+    /// What is read from the lines so far.
+    std::vector<Vorn::Workbench::SessionEntry> session(const Filter &filter = {}) const;
 
 private:
-    const std::shared_ptr<std::vector<Vorn::Workbench::LogLine>> m_lines;
-    const int m_level;
-    log4cplus::SharedAppenderPtr m_appender;
+    struct State;
+
+    const std::unique_ptr<State> m_state;
 };
 
 #endif

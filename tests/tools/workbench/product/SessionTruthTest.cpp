@@ -7,7 +7,9 @@
 #include "LogRecorder.h"
 #include "Product.h"
 #include "Session.h"
+#include "SessionLikeness.h"
 #include "SessionLog.h"
+#include "TakenLog.h"
 #include "VirtualClock.h"
 
 #include <QAbstractEventDispatcher>
@@ -39,6 +41,7 @@ using namespace Vorn::Workbench;
  *  Random sessions on simulated devices, with an application that selects, registers, runs event
  *  loops and unplugs devices from inside its slot. The session must say the same as
  *   - what the library itself wrote to its loggers, line by line,
+ *   - what is read from these lines as from a log,
  *   - a recorder on the bus,
  *  and what it says about long presses must have come true.
  */
@@ -372,6 +375,7 @@ void RandomSession::onEvent()
 std::vector<std::string> RandomSession::run()
 {
     LogRecorder recorder;
+    const TakenLog taken;
     SessionLog log([this](const SessionEntry &entry) { m_entries.push_back(entry); });
     m_product = std::make_unique<Product>(profile(), &log);
     // Connected behind the product, so that it hears of an event before anything reacts to it.
@@ -394,6 +398,9 @@ std::vector<std::string> RandomSession::run()
     checkBus(bus.texts());
     checkCauses();
     checkLongPresses();
+    for (const std::string &difference :
+         differences(m_entries, taken.session(), Times::OfOthersThanRecords))
+        m_differences.push_back("read from the log: " + difference);
     return m_differences;
 }
 
