@@ -28,7 +28,8 @@ struct LogLine
     std::optional<LogLevel> level;
     QString logger; ///< empty if the layout does not say
     QString message;
-    /// On a line by which journald says that it has dropped messages at this place: how many.
+    /// On a line by which the journal says that it has dropped messages at this place, or does not
+    /// show one: how many.
     qint64 lost = 0;
 };
 

@@ -225,6 +225,11 @@ void LogReader::Parts::finish()
         report(Diagnostic::Severity::Warning, 0, 0,
                QStringLiteral("the dates have no year; the log is taken to end in the year in "
                               "which the file was last written"));
+    if (m_layouts.areDaysOpen())
+        report(Diagnostic::Severity::Warning, 0, 0,
+               QStringLiteral("the dates do not show which number is the day and which the month; "
+                              "read with the %1; if it is the other way round, use --pattern")
+                   .arg(m_layouts.current().text()));
     if (m_isOfLibrary || m_source.lines() == 0 || hasErrors(m_source.diagnostics()))
         return;
     const QString hint = m_given ? QStringLiteral("check --pattern, and that these loggers were on")

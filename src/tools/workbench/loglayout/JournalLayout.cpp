@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace Vorn::Workbench {
 
@@ -90,6 +91,15 @@ qint64 countBeside(std::string_view message, std::string_view words, bool isBefo
     return toNumber<quint32>(message).value_or(0);
 }
 
+/// What journalctl shows for a message with bytes that it does not print: "[22B blob data]".
+bool isHidden(std::string_view message)
+{
+    constexpr std::string_view end = " blob data]";
+    return message.size() > end.size() && message.front() == '['
+        && message.substr(message.size() - end.size()) == end
+        && message.find_first_not_of("0123456789.BKMG", 1) == message.size() - end.size();
+}
+
 /// What the services say when they drop messages of a program that logs too much.
 qint64 lostMessages(std::string_view unit, std::string_view message)
 {
@@ -150,20 +160,26 @@ JournalLayout::JournalLayout(Kind kind)
 
 std::optional<JournalLayout> JournalLayout::of(std::string_view line)
 {
-    for (std::size_t kind = 0; kind < formats.size(); ++kind) {
-        JournalLayout layout(static_cast<Kind>(kind));
+    static std::vector<JournalLayout> all = [] {
+        std::vector<JournalLayout> layouts;
+        for (std::size_t kind = 0; kind < formats.size(); ++kind)
+            layouts.push_back(JournalLayout(static_cast<Kind>(kind)));
+        return layouts;
+    }();
+    const auto found = std::find_if(all.begin(), all.end(), [line](JournalLayout &layout) {
         LogFields fields;
-        if (layout.parse(line, &fields))
-            return layout;
-    }
-    return std::nullopt;
+        return layout.parse(line, &fields);
+    });
+    return found == all.end() ? std::nullopt : std::optional(*found);
 }
 
 bool JournalLayout::parse(std::string_view line, LogFields *fields)
 {
     const bool isParsed = m_kind == Kind::Json ? parseJson(line, fields) : parseText(line, fields);
     if (isParsed)
-        fields->lost = lostMessages(fields->unit, fields->message);
+        fields->lost = m_kind != Kind::Json && isHidden(fields->message)
+            ? 1
+            : lostMessages(fields->unit, fields->message);
     return isParsed;
 }
 

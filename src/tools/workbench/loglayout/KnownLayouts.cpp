@@ -45,6 +45,12 @@ bool KnownLayouts::haveTimes() const
                        [](const LogLayout &layout) { return layout.hasTime(); });
 }
 
+bool KnownLayouts::areDaysOpen() const
+{
+    return std::any_of(m_layouts.begin(), m_layouts.end(),
+                       [](const LogLayout &layout) { return layout.isDayOpen(); });
+}
+
 bool KnownLayouts::haveLoggers() const
 {
     return std::any_of(m_layouts.begin(), m_layouts.end(),

@@ -28,6 +28,7 @@ public:
     /// Whether any of them has times, or the names of loggers.
     bool haveTimes() const;
     bool haveLoggers() const;
+    bool areDaysOpen() const; ///< see LogLayout::isDayOpen()
 
 private:
     static constexpr std::size_t maxLayouts = 8;

@@ -3,7 +3,7 @@
 #include "LibrarySigns.h"
 #include "PatternGuess.h"
 
-#include <QSet>
+#include <QHash>
 
 #include <algorithm>
 
@@ -31,6 +31,20 @@ int weightOf(const LogFields &fields)
     return weight;
 }
 
+/// The same layout with days and months the other way round; the same text if it has none.
+QString exchanged(QString text)
+{
+    for (const auto separator : {QLatin1Char('/'), QLatin1Char('-')}) {
+        const QString monthFirst = QStringLiteral("{%m%1%d%1").arg(separator);
+        const QString dayFirst = QStringLiteral("{%d%1%m%1").arg(separator);
+        if (text.contains(monthFirst))
+            return text.replace(monthFirst, dayFirst);
+        if (text.contains(dayFirst))
+            return text.replace(dayFirst, monthFirst);
+    }
+    return text;
+}
+
 class Search
 {
 public:
@@ -47,7 +61,7 @@ private:
 
     const std::vector<std::string> &m_sample;
     const std::optional<LogPattern> &m_given;
-    QSet<QString> m_tried;
+    QHash<QString, int> m_weights; ///< of the layouts tried, by their texts
     std::optional<LogLayout> m_best;
     int m_bestWeight = 0;
 };
@@ -74,6 +88,10 @@ std::optional<LogLayout> Search::best()
         if (showing == maxShowingLines)
             break;
     }
+    if (m_best) {
+        const QString other = exchanged(m_best->text());
+        m_best->setDayOpen(other != m_best->text() && m_weights.value(other) == m_bestWeight);
+    }
     return m_best;
 }
 
@@ -94,9 +112,8 @@ void Search::tryPattern(const std::optional<JournalLayout> &outer, const LogPatt
 {
     LogLayout layout(outer, pattern);
     const QString key = layout.text();
-    if (m_tried.contains(key))
+    if (m_weights.contains(key))
         return;
-    m_tried.insert(key);
     int weight = 0;
     for (const std::string &line : m_sample) {
         LogFields fields;
@@ -106,6 +123,7 @@ void Search::tryPattern(const std::optional<JournalLayout> &outer, const LogPatt
         else if (fit == LogLayout::Fit::OuterOnly)
             weight += 1;
     }
+    m_weights.insert(key, weight);
     if (weight > m_bestWeight) {
         m_bestWeight = weight;
         m_best = layout;

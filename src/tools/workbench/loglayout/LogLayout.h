@@ -27,12 +27,16 @@ public:
 
     bool hasLogger() const { return m_pattern.hasLogger(); }
     bool hasTime() const { return m_outer || m_pattern.hasTime(); }
+    /// Whether the sample left open which of two numbers is the day and which the month.
+    void setDayOpen(bool isOpen) { m_isDayOpen = isOpen; }
+    bool isDayOpen() const { return m_isDayOpen; }
     /// "journal (short), in it the pattern '%p - %m%n'"
     QString text() const;
 
 private:
     std::optional<JournalLayout> m_outer;
     LogPattern m_pattern;
+    bool m_isDayOpen = false;
 };
 
 } // namespace Vorn::Workbench

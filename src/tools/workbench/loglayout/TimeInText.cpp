@@ -2,7 +2,8 @@
 
 #include "TimeFormat.h"
 
-#include <array>
+#include <algorithm>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -10,39 +11,55 @@ namespace Vorn::Workbench {
 
 namespace {
 
+struct Alternative
+{
+    std::string_view text;
+    TimeFormat format;
+};
+
 /// A part of a time; of those that fit, the first one is taken.
-using Alternatives = std::vector<std::string_view>;
+using Alternatives = std::vector<Alternative>;
+
+Alternatives compiled(std::initializer_list<std::string_view> texts)
+{
+    Alternatives result;
+    for (const std::string_view text : texts) {
+        TimeFormat::Error error;
+        result.push_back({text, *TimeFormat::compile(text, &error)});
+    }
+    return result;
+}
 
 const Alternatives &dates()
 {
-    static const Alternatives formats = {
-        "%Y-%m-%d", "%Y/%m/%d", "%Y.%m.%d", "%Y%m%d",   "%d.%m.%Y", "%m/%d/%Y", "%d/%m/%Y",
-        "%m-%d-%Y", "%d-%m-%Y", "%m/%d/%y", "%d/%m/%y", "%d.%m.%y", "%y-%m-%d", "%a %b %e %Y",
-        "%d %b %Y", "%b %d %Y", "%b %d",    "%b %e",    "%m-%d"};
+    static const Alternatives formats =
+        compiled({"%Y-%m-%d", "%Y/%m/%d", "%Y.%m.%d", "%Y%m%d", "%d.%m.%Y", "%m/%d/%Y", "%d/%m/%Y",
+                  "%m-%d-%Y", "%d-%m-%Y", "%m/%d/%y", "%d/%m/%y", "%d.%m.%y", "%y-%m-%d",
+                  "%a %b %e %Y", "%d %b %Y", "%b %d %Y", "%b %d", "%b %e", "%m-%d"});
     return formats;
 }
 
 const Alternatives &separators()
 {
-    static const Alternatives texts = {" - ", ", ", " ", "T", "_", "-", ":"};
+    static const Alternatives texts = compiled({" - ", ", ", " ", "T", "_", "-", ":"});
     return texts;
 }
 
 const Alternatives &timesOfDay()
 {
-    static const Alternatives formats = {"%H:%M:%S", "%H-%M-%S", "%H.%M.%S", "%H%M%S"};
+    static const Alternatives formats = compiled({"%H:%M:%S", "%H-%M-%S", "%H.%M.%S", "%H%M%S"});
     return formats;
 }
 
 const Alternatives &fractions()
 {
-    static const Alternatives formats = {".%Q", ",%Q", ".%q", ",%q", ":%q", ".%f", ",%f"};
+    static const Alternatives formats = compiled({".%Q", ",%Q", ".%q", ",%q", ":%q", ".%f", ",%f"});
     return formats;
 }
 
 const Alternatives &zones()
 {
-    static const Alternatives formats = {"%z", " %z", " UTC", " GMT"};
+    static const Alternatives formats = compiled({"%z", " %z", " UTC", " GMT"});
     return formats;
 }
 
@@ -56,16 +73,14 @@ enum class Next { Anything, NoDigit };
 /// Goes behind a part and adds it to the format; false if none fits.
 bool take(const Alternatives &alternatives, Next next, std::string_view *text, std::string *format)
 {
-    for (const std::string_view alternative : alternatives) {
-        TimeFormat::Error error;
-        const std::optional<TimeFormat> part = TimeFormat::compile(alternative, &error);
+    for (const Alternative &alternative : alternatives) {
         std::string_view rest = *text;
         LogStamp stamp;
-        if (!part || !part->take(&rest, &stamp)
+        if (!alternative.format.take(&rest, &stamp)
             || (next == Next::NoDigit && !rest.empty() && isDigit(rest.front())))
             continue;
         *text = rest;
-        *format += alternative;
+        *format += alternative.text;
         return true;
     }
     return false;
@@ -74,11 +89,10 @@ bool take(const Alternatives &alternatives, Next next, std::string_view *text, s
 /// "Sun Nov 22 08:57:56 2026", as C's own functions write it.
 std::optional<TimeInText> usualForm(std::string_view text)
 {
-    TimeFormat::Error error;
-    const std::optional<TimeFormat> format = TimeFormat::compile("%c", &error);
+    static const Alternatives formats = compiled({"%c"});
+    std::string format;
     std::string_view rest = text;
-    LogStamp stamp;
-    if (!format->take(&rest, &stamp))
+    if (!take(formats, Next::Anything, &rest, &format))
         return std::nullopt;
     return TimeInText{text.size() - rest.size(), QStringLiteral("%c"), QStringLiteral("%c")};
 }
@@ -120,7 +134,8 @@ std::optional<TimeInText> timeAtFrontOf(std::string_view text)
     const bool hasDate = take(dates(), Next::NoDigit, &rest, &format);
     if (hasDate && !take(separators(), Next::Anything, &rest, &format))
         return std::nullopt;
-    if (!take(hasDate ? timesOfDay() : Alternatives{"%H:%M:%S"}, Next::NoDigit, &rest, &format))
+    static const Alternatives timeAlone = compiled({"%H:%M:%S"});
+    if (!take(hasDate ? timesOfDay() : timeAlone, Next::NoDigit, &rest, &format))
         return std::nullopt;
     take(fractions(), Next::NoDigit, &rest, &format);
     take(zones(), Next::Anything, &rest, &format);

@@ -226,6 +226,15 @@ TEST(LogReader, DoesNotTakeAWordThatVariesForAnotherLayout)
     EXPECT_THAT(result.diagnostics, IsEmpty());
 }
 
+TEST(LogReader, SaysThatDatesLeaveTheDayOpen)
+{
+    EXPECT_THAT(resultOf(record("02/03/2026 10:00:00 DEBUG ")).diagnostics,
+                ElementsAre(HasSubstr("the dates do not show which number is the day and which the "
+                                      "month; read with the pattern '%D{%m/%d/%Y %H:%M:%S}")));
+    EXPECT_THAT(resultOf(record("31/03/2026 10:00:00 DEBUG ")).diagnostics, IsEmpty());
+    EXPECT_THAT(resultOf(record("2026-03-02 10:00:00 DEBUG ")).diagnostics, IsEmpty());
+}
+
 TEST(LogReader, ReadsTwoLayoutsInOneFile)
 {
     QByteArray log;
@@ -311,7 +320,8 @@ TEST(LogReader, ReadsTheJournalsJson)
     EXPECT_EQ(result.lines[0].level, LogLevel::Debug);
     EXPECT_EQ(result.lines[0].time, 1'767'348'001'000'000);
     EXPECT_EQ(result.lines[1].message, "hello");
-    EXPECT_EQ(result.layout, "journal (JSON), in it the pattern '%-5p - %m%n' (guessed, without loggers)");
+    EXPECT_EQ(result.layout,
+              "journal (JSON), in it the pattern '%-5p - %m%n' (guessed, without loggers)");
 }
 
 TEST(LogReader, ReadsThePartsOfALogInOrder)

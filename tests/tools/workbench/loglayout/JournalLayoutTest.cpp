@@ -109,4 +109,7 @@ TEST(JournalLayout, CountsWhatTheServicesDropped)
         7);
     EXPECT_EQ(read("Jan 02 10:00:01 h player[1]: Suppressed 345 messages from x").lost, 0)
         << "only the service knows";
+    EXPECT_EQ(read("Jan 02 10:00:01 h player[1]: [22B blob data]").lost, 1);
+    EXPECT_EQ(read("Jan 02 10:00:01 h player[1]: [1.5K blob data]").lost, 1);
+    EXPECT_EQ(read("Jan 02 10:00:01 h player[1]: [my blob data]").lost, 0);
 }
