@@ -63,7 +63,7 @@ refuse() {
     grep -q -E -e "$pattern" "$folder/err" || failed "expected on stderr: $pattern"
 }
 
-refuse 'a command is required: devices, monitor, learn, check, compile, simulate, timeline, explain'
+refuse 'a command is required: devices, monitor, learn, check, compile, simulate, drive, timeline, explain'
 refuse "unknown command 'chek', did you mean 'check'\?" chek x.toml
 refuse "unknown command 'nonsense' \(" nonsense
 refuse "^vorn-input: unknown command 'simulat', did you mean 'simulate'\? \(see --help\)" help simulat

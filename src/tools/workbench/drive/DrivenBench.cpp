@@ -38,7 +38,7 @@ DrivenBench::DrivenBench(ProgramRun *program, const Settings &settings, SessionL
 
 void DrivenBench::begin(const LoadedScenario &loaded)
 {
-    m_phase = QStringLiteral("has made no QCoreApplication");
+    m_phase = QStringLiteral("makes no QCoreApplication");
     const Answer hello =
         ask(Operations::Begin{m_settings.version, m_settings.virtualTime, loaded.scenario.start});
     if (!m_failure.isEmpty())
@@ -50,8 +50,8 @@ void DrivenBench::begin(const LoadedScenario &loaded)
     start.profile = QFileInfo(loaded.profileFile).fileName();
     start.wallClock = hello.wallClock;
     m_sink({0, start});
-    m_phase = QStringLiteral("has made no device manager of the library's, or has not come to "
-                             "its event loop,");
+    m_phase = QStringLiteral("makes no device manager of the library's, or never comes to the "
+                             "event loop that it works in");
     ask(Operations::AwaitManager());
     m_phase.clear();
 }
@@ -154,8 +154,9 @@ QString DrivenBench::identifier()
 /// @param patience ms that it may take beyond the usual
 Answer DrivenBench::ask(const Operation &operation, qint64 patience)
 {
-    if (!m_failure.isEmpty() || !sendLine(toLine(operation)))
+    if (!m_failure.isEmpty())
         return {};
+    sendLine(toLine(operation));
     const std::optional<Answer> answer = waitForAnswer(patience + m_settings.timeout);
     if (!answer)
         return {};
@@ -165,7 +166,7 @@ Answer DrivenBench::ask(const Operation &operation, qint64 patience)
     return *answer;
 }
 
-bool DrivenBench::sendLine(const QByteArray &line)
+void DrivenBench::sendLine(const QByteArray &line)
 {
     const QDeadlineTimer deadline(m_settings.timeout);
     int sent = 0;
@@ -178,11 +179,10 @@ bool DrivenBench::sendLine(const QByteArray &line)
             pollfd socket{m_program->socket(), POLLOUT, 0};
             ::poll(&socket, 1, 100);
         } else if (errno != EINTR) {
-            // What it said last is still to be read, and so is how it ended.
-            return m_program->wait(0) == ProgramRun::Ready::Socket || (fail(howItEnded()), false);
+            // It has gone. What it said last is still to be read, and so is how it ended.
+            return;
         }
     }
-    return true;
 }
 
 std::optional<Answer> DrivenBench::waitForAnswer(qint64 patience)
@@ -202,10 +202,10 @@ std::optional<Answer> DrivenBench::waitForAnswer(qint64 patience)
         case Ready::TimedOut:
             fail(
                 m_phase.isEmpty()
-                    ? QStringLiteral("the program has not answered for %1: its event loop hangs or "
+                    ? QStringLiteral("the program does not answer for %1; its event loop hangs or "
                                      "is never idle (--timeout)")
                           .arg(durationText(m_settings.timeout))
-                    : QStringLiteral("the program %1 within %2 (--timeout)")
+                    : QStringLiteral("the program %1, after %2 (--timeout)")
                           .arg(m_phase, durationText(m_settings.timeout)));
             break;
         case Ready::Interrupted:

@@ -65,7 +65,7 @@ public:
 
 private:
     Drive::Answer ask(const Drive::Operation &operation, qint64 patience = 0);
-    bool sendLine(const QByteArray &line);
+    void sendLine(const QByteArray &line);
     std::optional<Drive::Answer> waitForAnswer(qint64 patience);
     void take(const QByteArray &line);
     void receive();
