@@ -163,7 +163,6 @@ void ProgramRun::start(const Start &start)
 ProgramRun::Ready ProgramRun::wait(int timeoutMs)
 {
     const QDeadlineTimer deadline(timeoutMs);
-    QDeadlineTimer closed(QDeadlineTimer::Forever);
     for (;;) {
         takeOutput();
         if (hasMessage())
@@ -173,11 +172,11 @@ ProgramRun::Ready ProgramRun::wait(int timeoutMs)
             return hasMessage() ? Ready::Socket : Ready::Ended;
         if (Interruption::isRequested())
             return Ready::Interrupted;
-        if (m_isClosed && closed.isForever())
-            closed.setRemainingTime(m_closedMs);
-        if (deadline.hasExpired() || closed.hasExpired())
+        // Its end comes a moment later, and says more.
+        const QDeadlineTimer &next = m_isClosed ? m_closedUntil : deadline;
+        if (next.hasExpired())
             return m_isClosed ? Ready::Closed : Ready::TimedOut;
-        sleepUntil(std::min(deadline, closed), false);
+        sleepUntil(next, false);
     }
 }
 
@@ -260,6 +259,8 @@ bool ProgramRun::hasMessage()
     char byte = 0;
     const ssize_t size = recv(m_socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT);
     m_isClosed = size == 0 || (size < 0 && errno != EAGAIN && errno != EINTR);
+    if (m_isClosed)
+        m_closedUntil.setRemainingTime(m_closedMs);
     return size > 0;
 }
 

@@ -54,7 +54,8 @@ public:
     };
 
     /// Waits for something to read, or for the program's end. Takes what the program prints.
-    /// @param timeoutMs negative for no limit
+    /// @param timeoutMs negative for no limit. When the program has closed its socket, its end is
+    /// waited for in any case, for closedMs.
     Ready wait(int timeoutMs);
 
     /// Also ends its group, and takes what is left of its output, when it has ended.
@@ -96,6 +97,7 @@ private:
     int m_socket = -1;
     int m_outputPipe = -1;
     bool m_isClosed = false;
+    QDeadlineTimer m_closedUntil; ///< for its end to come
     QStringList m_refusals; ///< what it did not react to
     int m_lastSignal = 0; ///< that end() sent
     QString m_ending;

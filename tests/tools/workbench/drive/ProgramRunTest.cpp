@@ -270,6 +270,17 @@ TEST_F(ProgramRunTest, NoticesAProgramThatRunsOnWithoutItsSocket)
     EXPECT_TRUE(run.isRunning());
 }
 
+TEST_F(ProgramRunTest, WaitsForTheEndOfAProgramThatHasClosedItsSocket)
+{
+    ProgramRun::Start start =
+        script("eval \"exec $VORN_DRIVE_SOCKET>&-\"; echo closed; sleep 0.1; exit 3");
+    start.closedMs = patienceMs;
+    ProgramRun run(start);
+    EXPECT_TRUE(prints(&run, "closed"));
+    EXPECT_EQ(run.wait(0), Ready::Ended);
+    EXPECT_EQ(run.ending(), "exited with status 3");
+}
+
 TEST_F(ProgramRunTest, GoesOnWithAProgramThatClosesItsStreams)
 {
     ProgramRun run(script("echo last; exec >&- 2>&-; read line <&$VORN_DRIVE_SOCKET"));
