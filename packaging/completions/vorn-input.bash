@@ -15,7 +15,7 @@ _vorn_input_words() {
 
 _vorn_input() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands='devices monitor learn check compile simulate timeline explain help'
+    local commands='devices monitor learn check compile simulate drive timeline explain help'
     local common='--help --log --color'
     local command='' word
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
@@ -27,25 +27,36 @@ _vorn_input() {
         esac
     done
 
+    # Behind the dashes is another program with options of its own.
+    if [[ $command = drive && " ${COMP_WORDS[*]:1:COMP_CWORD-1} " = *' -- '* ]]; then
+        _vorn_input_files ''
+        [ "$previous" != -- ] || mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -c -- "$current")
+        return
+    fi
+
     # Values of options.
     case $command:$previous in
     *:--log) _vorn_input_words 'trace debug info warn error off' ;;
     *:--color) _vorn_input_words 'auto always never' ;;
-    monitor:--profile | monitor:-p | simulate:--profile | simulate:-p | explain:--profile | explain:-p)
+    monitor:--profile | monitor:-p | simulate:--profile | simulate:-p | drive:--profile | drive:-p | \
+        explain:--profile | explain:-p)
         _vorn_input_files .toml
         ;;
     learn:--output | learn:-o) _vorn_input_files .toml ;;
     compile:--output | compile:-o) _vorn_input_files .cpp ;;
     compile:--header) _vorn_input_files .h ;;
     compile:--name) ;;
-    timeline:--output | timeline:-o | simulate:--timeline | simulate:-t) _vorn_input_files .svg ;;
-    simulate:--expectations | simulate:-e) _vorn_input_files '' ;;
-    simulate:--junit) _vorn_input_files .xml ;;
+    timeline:--output | timeline:-o | simulate:--timeline | simulate:-t | drive:--timeline | drive:-t)
+        _vorn_input_files .svg
+        ;;
+    simulate:--expectations | simulate:-e | drive:--expectations | drive:-e) _vorn_input_files '' ;;
+    simulate:--junit | drive:--junit) _vorn_input_files .xml ;;
     monitor:--record)
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -d -- "$current")
         ;;
     monitor:--id | monitor:--duration) ;;
+    drive:--tolerance | drive:--timeout) ;;
     learn:--commands | learn:-c | learn:--patience) ;;
     timeline:--title | timeline:--from | timeline:--to | timeline:--session) ;;
     *) false ;;
@@ -59,6 +70,10 @@ _vorn_input() {
     check) options='--json --strict' ;;
     compile) options='--output --header --name --strict --force' ;;
     simulate) options='--profile --expectations --json --raw --quiet --timeline --junit --force' ;;
+    drive)
+        options='--profile --expectations --json --raw --quiet --timeline --junit --force --virtual-time'
+        options+=' --tolerance --timeout'
+        ;;
     timeline) options='--output --force --session --title --from --to' ;;
     explain) options='--profile --json --silent' ;;
     help) options='' ;;
@@ -71,7 +86,7 @@ _vorn_input() {
     *:-*) _vorn_input_words "$options $common" ;;
     help:*) _vorn_input_words "$commands" ;;
     check:* | compile:*) _vorn_input_files .toml ;;
-    simulate:* | timeline:* | explain:*) _vorn_input_files '' ;;
+    simulate:* | drive:* | timeline:* | explain:*) _vorn_input_files '' ;;
     esac
 }
 complete -F _vorn_input vorn-input

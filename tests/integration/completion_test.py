@@ -28,6 +28,7 @@ TYPED = [
     ("vorn-input simulate --profile pan", "vorn-input simulate --profile panel.toml "),
     ("vorn-input learn --output pan", "vorn-input learn --output panel.toml "),
     ("vorn-input timeline panel.tx", "vorn-input timeline panel.txt "),
+    ("vorn-input drive --virt", "vorn-input drive --virtual-time "),
     ("vorn-input help sim", "vorn-input help simulate "),
     ("vorn-input check --strict --js", "vorn-input check --strict --json "),
 ]
@@ -45,6 +46,11 @@ FILES_OFFERED = {
     ("simulate", "--profile"): ["panel.toml", "pictures"],
     ("simulate", "--expectations"): ["panel.svg", "panel.toml", "panel.txt", "pictures"],
     ("simulate", "--timeline"): ["panel.svg", "pictures"],
+    ("drive", "--profile"): ["panel.toml", "pictures"],
+    ("drive", "--expectations"): ["panel.svg", "panel.toml", "panel.txt", "pictures"],
+    ("drive", "--timeline"): ["panel.svg", "pictures"],
+    ("drive",): ["panel.svg", "panel.toml", "panel.txt", "pictures"],
+    ("drive", "panel.txt", "--", "panel.svg"): ["panel.svg", "panel.toml", "panel.txt", "pictures"],
     ("simulate",): ["panel.svg", "panel.toml", "panel.txt", "pictures"],
     ("timeline", "--output"): ["panel.svg", "pictures"],
     ("timeline",): ["panel.svg", "panel.toml", "panel.txt", "pictures"],
@@ -154,6 +160,9 @@ def check_bash(completions, program_help, command_helps):
                        not bash(completions, command, name, "--"))
         expect(f"bash: whether {command} takes files", command_help.takes_files,
                "panel.toml" in bash(completions, command, ""))
+    expect("bash: options behind drive's dashes", [], bash(completions, "drive", "x", "--", "--ra"))
+    expect("bash: programs behind drive's dashes", True,
+           "sh" in bash(completions, "drive", "x", "--", "sh"))
     for words, files in FILES_OFFERED.items():
         expect(f"bash: files for {words}", files, sorted(set(bash(completions, *words, ""))))
 

@@ -15,7 +15,7 @@ echo 'E: what' >broken.evemu
 echo '[]' >broken.jsonl
 touch existing.toml empty.jsonl
 
-for command in devices monitor learn check compile simulate timeline explain; do
+for command in devices monitor learn check compile simulate drive timeline explain; do
     run "$program" "$command" --help
     expect_status 0
     expect_nothing_on_stderr
@@ -34,7 +34,7 @@ for command in devices monitor learn check compile simulate timeline explain; do
 done
 
 # The same text in both ways.
-for command in '' devices monitor learn check compile simulate timeline explain help; do
+for command in '' devices monitor learn check compile simulate drive timeline explain help; do
     # shellcheck disable=SC2086 # none or one
     "$program" $command --help >help
     # shellcheck disable=SC2086
