@@ -67,9 +67,9 @@ check_all() {
     ended quits 'exited with status 3'
     ended leaves 'exited with status 3'
     ended executes 'has closed its connection, but goes on'
-    ended hangs 'does not answer for .*'
-    not_driven never-starts 'makes no QCoreApplication, '
-    not_driven never-runs 'makes no device manager of the library.s, or never comes to the event loop'
+    ended hangs 'has not answered for 10 s: its event loop hangs or is never idle \(--timeout\)$'
+    not_driven never-starts 'has made no QCoreApplication within 10 s \(--timeout\)$'
+    not_driven never-runs 'has made no device manager of the library.s, or has not come to its event loop, within 10 s \(--timeout\)$'
     not_driven exits-at-start 'exited with status 3 before it could be driven'
     passes plain
     passes forks
