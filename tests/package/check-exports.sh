@@ -17,6 +17,13 @@ if [ -n "$unexpected" ]; then
     printf 'exported by %s without being part of its interface:\n%s\n' "$input" "$unexpected"
     fail=1
 fi
+# Whoever links it counts on each of its functions. Tables of classes are weak or strong as the
+# optimiser likes it.
+if ! changed=$(diff "$(dirname "${BASH_SOURCE[0]}")/vorn_input.exports" \
+    <(strong "$input" | grep -vE '^(vtable|typeinfo( name)?|VTT) for ' | LC_ALL=C sort -u)); then
+    printf 'what %s exports has changed:\n%s\n' "$input" "$changed"
+    fail=1
+fi
 unexpected=$(strong "$api" |
     grep -vE '^(Profiler::|dbglog_scopedFunction|operator<<\(std::ostream&, QString const&\)$)' || true)
 if [ -n "$unexpected" ]; then
