@@ -95,7 +95,7 @@ void correctReceivers(const Receivers<Handler> &current, const Receivers<Handler
 
 } // namespace
 
-class ProfileInputHandler::Private
+class Q_DECL_HIDDEN ProfileInputHandler::Private
 {
 public:
     Private(ProfileInputHandler *manager, const Profile &first, Rules whose)
