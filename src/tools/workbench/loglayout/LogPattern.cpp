@@ -4,7 +4,6 @@
 #include "LogPatternCompiler.h"
 
 #include <algorithm>
-#include <array>
 
 namespace Vorn::Workbench {
 
@@ -14,9 +13,6 @@ namespace {
 constexpr std::size_t maxFieldSize = 1024;
 /// Patterns with many parts fit a hostile line in more ways than anybody wants to wait for.
 constexpr int maxAttempts = 500;
-
-constexpr std::array<std::string_view, 6> levelNames = {"TRACE", "DEBUG", "INFO",
-                                                        "WARN",  "ERROR", "FATAL"};
 
 bool isDigit(char character)
 {
