@@ -61,10 +61,12 @@ def cases(folder, nasty):
         f'device panel\npanel unplug\nexpect nothing # {nasty}\nexpect Info KeyPressed from '
         f'"{nasty}"\n',
     ]
+    yield ["compile", profile, "-o", "-"]
     for i, text in enumerate(mistakes):
         path = write(folder, f"{i}.toml", text)
         for options in [], ["--json"], ["--color", "always"]:
             yield ["check", path] + options
+        yield ["compile", path, "-o", "-"]
         yield ["monitor", "-p", path, "--duration", "0.01"]
     for i, text in enumerate(scenarios):
         path = write(folder, f"{i}.scenario", text)
@@ -86,6 +88,9 @@ def cases(folder, nasty):
         name = os.path.join(folder.encode(), b"missing" + nastier)
         for command in "check", "simulate":
             yield [command, name]
+        yield ["compile", name, "-o", name]
+        yield ["compile", profile, "-o", os.path.join(name, b"x.cpp")]
+        yield ["compile", profile, "-o", "-", "--name", nastier]
         yield ["simulate", "-p", name, name + b".evemu"]
         yield ["timeline", name, "-o", name]
         yield ["timeline", session, "-o", os.path.join(name, b"x.svg")]
@@ -95,7 +100,8 @@ def cases(folder, nasty):
         yield ["learn", "-o", "-", "-c", nastier]
         yield ["learn", "--patience", "0.01", "-o", write(folder, "exists", "x").encode() + b"/" + nastier]
         yield ["learn", "--patience", "0.01", "-o", os.path.join(name, b"x.toml")]
-        for command in "devices", "monitor", "learn", "check", "simulate", "timeline", "explain":
+        for command in ("devices", "monitor", "learn", "check", "compile", "simulate", "timeline",
+                        "explain"):
             yield [command, b"--" + nastier]
             yield [command, b"x" + nastier, b"y" + nastier]
         yield [nastier]

@@ -48,6 +48,12 @@ for redirection in '>/dev/full' '>&-'; do
     expect_status 2
     expect_line_on_stderr 'error: the standard output cannot be written: .*'
 done
+for redirection in '>/dev/full' '>&-'; do
+    run bash -c 'exec "$@" '"$redirection" bash "$program" compile "$player" -o -
+    description="$description $redirection"
+    expect_status 2
+    expect_line_on_stderr 'error: the standard output cannot be written: .*'
+done
 # What does not print anything needs no output.
 run bash -c 'exec "$@" >&-' bash "$program" timeline session.jsonl -o picture.svg
 expect_status 0
@@ -84,6 +90,10 @@ if unshare -rm mount -t tmpfs none /mnt 2>/dev/null; then
         run "$program" timeline session.jsonl -o disk/picture.svg
         expect_status 2
         expect_line_on_stderr "error: disk/picture.svg cannot be written: $reason"
+        run "$program" compile "$player" -o disk/player.cpp --header player.h
+        expect_status 2
+        expect_line_on_stderr "error: disk/player.cpp cannot be written: $reason"
+        [ ! -e player.h ] || failed "expected no header without its source"
         run "$program" simulate --profile "$player" click.scenario -t disk/picture.svg
         expect_status 2
         grep -q "error: disk/picture.svg cannot be written: $reason" "$folder/err" ||

@@ -46,7 +46,7 @@ struct TextData
     { }
 };
 
-/// KeyMapping
+/// As KeyMapping.
 struct KeyData
 {
     int code;
@@ -57,7 +57,7 @@ struct KeyData
     std::optional<InputEvent::Bus> bus;
 };
 
-/// ChordMapping
+/// As ChordMapping.
 struct ChordData
 {
     int first;
@@ -66,14 +66,14 @@ struct ChordData
     std::optional<InputEvent::Bus> bus;
 };
 
-/// SwitchMapping
+/// As SwitchMapping.
 struct SwitchData
 {
     int code;
     InputEvent::Command command;
 };
 
-/// HandlerProfile
+/// As HandlerProfile.
 struct HandlerData
 {
     Rows<TextData> identifiers;
@@ -83,7 +83,7 @@ struct HandlerData
     Rows<SwitchData> switches;
 };
 
-/// DeviceProfile
+/// As DeviceProfile.
 struct DeviceData
 {
     TextData name; ///< null: any
@@ -91,7 +91,7 @@ struct DeviceData
     Rows<HandlerData> handlers;
 };
 
-/// SelectRule
+/// As SelectRule.
 struct RuleData
 {
     InputEvent::Command command;
@@ -99,7 +99,7 @@ struct RuleData
     TextData identifier;
 };
 
-/// Profile
+/// As Profile.
 struct ProfileData
 {
     TextData initial;

@@ -77,6 +77,28 @@ QString update(const QString &path, const QByteArray &content, const Overwrite &
     return writeFile(path, content, overwrite);
 }
 
+/// Writes the source and its header, or neither. @return why it was neither; empty if it was both
+QString writeFiles(const CompileOptions &options, const QString &header,
+                   const CompiledProfile &compiled, const Profile &profile)
+{
+    const Overwrite overwrite{compiledSignature(), options.force};
+    for (const QString &path : {header, options.output}) {
+        const QString obstacle = path.isEmpty() ? QString() : obstacleTo(path, overwrite);
+        if (!obstacle.isEmpty())
+            return obstacle;
+    }
+    const bool isHeaderNew = !header.isEmpty() && !QFileInfo::exists(header);
+    QString error;
+    if (!header.isEmpty())
+        error = update(header, compiledHeader(compiled), overwrite);
+    if (error.isEmpty())
+        error = update(options.output, compiledSource(profile, compiled), overwrite);
+    // The disk may be full for the source only.
+    if (!error.isEmpty() && isHeaderNew)
+        QFile::remove(header);
+    return error;
+}
+
 } // namespace
 
 CLI::App *addCompile(CLI::App *app, CompileOptions *options)
@@ -124,18 +146,7 @@ int compile(const CompileOptions &options)
     if (hasErrors(parsed.diagnostics) || (options.strict && !parsed.diagnostics.isEmpty()))
         return Found;
 
-    // Both are asked before either is written, so that there is not one without the other.
-    const Overwrite overwrite{compiledSignature(), options.force};
-    for (const QString &path : {header, options.output}) {
-        const QString obstacle = path.isEmpty() ? QString() : obstacleTo(path, overwrite);
-        if (!obstacle.isEmpty())
-            return fail(obstacle);
-    }
-    QString error;
-    if (!header.isEmpty())
-        error = update(header, compiledHeader(compiled), overwrite);
-    if (error.isEmpty())
-        error = update(options.output, compiledSource(parsed.profile, compiled), overwrite);
+    const QString error = writeFiles(options, header, compiled, parsed.profile);
     return error.isEmpty() ? Success : fail(error);
 }
 

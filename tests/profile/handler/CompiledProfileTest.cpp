@@ -38,7 +38,7 @@ TEST(CompiledProfile, IsTestedWithAllProfilesHere)
         while (files.hasNext()) {
             const QString path = files.next();
             EXPECT_TRUE(tested.contains(path) || hasErrors(loadProfile(path).diagnostics))
-                << path.toStdString();
+                << path.toStdString() << " is missing in tests/profile/CMakeLists.txt";
         }
     }
 }

@@ -1,6 +1,7 @@
 // What a record costs does not depend on who made the registrations.
 
 #include "AllocationCounter.h"
+#include "ClockCalls.h"
 #include "InputSubsystem.h"
 #include "LogRecorder.h"
 #include "ProfileInputHandler.h"
@@ -69,6 +70,7 @@ struct Counts
     std::size_t bytes = 0;
     int events = 0;
     quint64 wakeUps = 0;
+    int clockReads = 0;
     /// Kind, size and result of each, on the device's node.
     std::vector<std::tuple<SystemCall::Kind, std::size_t, long>> calls;
 };
@@ -80,6 +82,28 @@ const std::vector<QList<input_event>> batches{
     {keyRecord(KEY_B, 1), keyRecord(KEY_C, 1), keyRecord(KEY_B, 0), keyRecord(KEY_C, 0)},
     {switchRecord(SW_LINEIN_INSERT, 1), record(EV_SYN, SYN_REPORT, 0)},
     {keyRecord(KEY_D, 1), keyRecord(KEY_D, 0)}, // means nothing
+};
+
+/// Counts how often a clock is read, on its way to the virtual one.
+class ClockReads : public Vorn::Sim::ClockCalls
+{
+public:
+    ClockReads() { Vorn::Sim::serveClocks(this); }
+    ~ClockReads() override { Vorn::Sim::serveClocks(m_clock); }
+    ClockReads(const ClockReads &) = delete;
+    ClockReads &operator=(const ClockReads &) = delete;
+
+    bool get(clockid_t clock, timespec &result) override
+    {
+        ++count;
+        return m_clock->get(clock, result);
+    }
+    bool poll(const Poll &call, int &result) override { return m_clock->poll(call, result); }
+
+    int count = 0;
+
+private:
+    ClockCalls *const m_clock = Vorn::Sim::clockCalls();
 };
 
 /// Plays the batches to a product, a device manager and the subsystem that it reads from.
@@ -118,6 +142,7 @@ public:
         play();
         m_events = 0;
         const quint64 wakeUps = m_clock.wakeUps();
+        const ClockReads clock;
         const AllocationCounter counter;
         play();
         Counts counts{counter.allocations(),
@@ -125,6 +150,7 @@ public:
                       counter.bytes(),
                       m_events,
                       m_clock.wakeUps() - wakeUps,
+                      clock.count,
                       {}};
         m_subsystem.setRecording(true);
         play();
@@ -177,6 +203,8 @@ TEST(ProfilePath, CostsWhatRegistrationsByHandCost)
     EXPECT_EQ(read.deallocations, hand.deallocations);
     EXPECT_EQ(read.bytes, hand.bytes);
     EXPECT_EQ(read.wakeUps, hand.wakeUps);
+    EXPECT_GT(hand.clockReads, hand.events);
+    EXPECT_EQ(read.clockReads, hand.clockReads);
     EXPECT_EQ(read.calls, hand.calls);
 }
 

@@ -83,7 +83,7 @@ TEST_F(CompileCommand, WritesASourceAndTheHeaderBesideIt)
     EXPECT_EQ(run(), Success);
     EXPECT_EQ(m_err + m_out, "");
     EXPECT_EQ(names().toStdString(), "panel.cpp panel.h panel.toml");
-    EXPECT_THAT(read("panel.cpp").toStdString(), HasSubstr("const Vorn::ProfileData panel = "));
+    EXPECT_THAT(read("panel.cpp").toStdString(), HasSubstr("constexpr Vorn::ProfileData panel = "));
     EXPECT_THAT(read("panel.h").toStdString(), HasSubstr("extern const Vorn::ProfileData panel;"));
 }
 
@@ -99,7 +99,8 @@ TEST_F(CompileCommand, TakesAHeaderAndAName)
     m_options.name = QStringLiteral("keyMap");
     EXPECT_EQ(run(), Success);
     EXPECT_EQ(names().toStdString(), "keys.hpp panel.cpp panel.toml");
-    EXPECT_THAT(read("panel.cpp").toStdString(), HasSubstr("const Vorn::ProfileData keyMap = "));
+    EXPECT_THAT(read("panel.cpp").toStdString(),
+                HasSubstr("constexpr Vorn::ProfileData keyMap = "));
     EXPECT_THAT(read("keys.hpp").toStdString(),
                 HasSubstr("extern const Vorn::ProfileData keyMap;"));
 }

@@ -101,7 +101,7 @@ QString Compiler::compile(const Profile &profile)
     const QString all = table("Vorn::DeviceData", "Devices", devices);
     return QStringLiteral("namespace {\n\n%1} // namespace\n\n"
                           "extern const Vorn::ProfileData %2;\n"
-                          "const Vorn::ProfileData %2 = %3;\n")
+                          "constexpr Vorn::ProfileData %2 = %3;\n")
         .arg(m_tables, m_name, row({literal(profile.initial), select, all}));
 }
 

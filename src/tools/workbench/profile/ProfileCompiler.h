@@ -15,7 +15,7 @@ struct CompiledProfile
     QString file; ///< name of the profile's file, without folders, for a comment
 };
 
-/// A source that defines the constant `const Vorn::ProfileData NAME`. It is the same, byte for
+/// A source that defines the constant `Vorn::ProfileData NAME`. It is the same, byte for
 /// byte, wherever and whenever it is written.
 QByteArray compiledSource(const Profile &profile, const CompiledProfile &compiled);
 

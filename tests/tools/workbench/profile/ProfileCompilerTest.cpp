@@ -89,7 +89,7 @@ constexpr Vorn::DeviceData panelDevices8[] = {
 } // namespace
 
 extern const Vorn::ProfileData panel;
-const Vorn::ProfileData panel = {u"browse", panelRules7, panelDevices8};
+constexpr Vorn::ProfileData panel = {u"browse", panelRules7, panelDevices8};
 )");
 }
 
