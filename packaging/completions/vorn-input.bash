@@ -59,6 +59,7 @@ _vorn_input() {
     drive:--tolerance | drive:--timeout) ;;
     learn:--commands | learn:-c | learn:--patience) ;;
     timeline:--title | timeline:--from | timeline:--to | timeline:--session) ;;
+    timeline:--pattern | explain:--pattern) ;;
     *) false ;;
     esac && return
 
@@ -74,8 +75,8 @@ _vorn_input() {
         options='--profile --expectations --json --raw --quiet --timeline --junit --force --virtual-time'
         options+=' --tolerance --timeout'
         ;;
-    timeline) options='--output --force --session --title --from --to' ;;
-    explain) options='--profile --json --silent' ;;
+    timeline) options='--output --force --session --title --from --to --pattern --rotated' ;;
+    explain) options='--profile --pattern --rotated --json --silent' ;;
     help) options='' ;;
     *)
         _vorn_input_words "$commands $common --version"

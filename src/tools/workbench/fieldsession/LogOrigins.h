@@ -81,6 +81,7 @@ public:
 
     /// Whether all devices are known, so that one can be found by ruling out the others.
     void setComplete(bool isComplete) { m_isComplete = isComplete; }
+    bool isComplete() const { return m_isComplete; }
 
     /// A descriptor is closed.
     void close(const LogOrigin &origin);

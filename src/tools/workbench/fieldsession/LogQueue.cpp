@@ -107,8 +107,10 @@ void LogQueue::passOn(Item *item)
 /// Whether the other reader of the device has logged the record before.
 bool LogQueue::isTwin(const LogRecordPtr &record)
 {
+    if (record->twin)
+        return true;
     const LogDevicePtr device = record->origin->device();
-    if (!device || device->readers() < 2)
+    if (!device || device->readers() < 2 || !record->origin->descriptor())
         return false;
     Ahead &ahead = m_ahead[device->path];
     const std::optional<int> reader = record->origin->descriptor();
@@ -140,7 +142,9 @@ bool LogQueue::mayTell(const Item &item)
     if (record->hasOutcome)
         return false;
     const LogDevicePtr device = record->origin->device();
-    if (item.doubt == Doubt::Unread && device && ++record->timesLeft < device->readers())
+    const bool isByDescriptor = record->origin->descriptor().has_value();
+    if (item.doubt == Doubt::Unread && device && isByDescriptor
+        && ++record->timesLeft < device->readers())
         return false;
     record->hasOutcome = true;
     return true;

@@ -33,18 +33,33 @@ bool LogHand::expectsKey(int key) const
     return codes.contains(key) && keyLines < lines[static_cast<int>(kind)];
 }
 
-LogRecordPtr LogRead::nextKey(std::optional<int> code, std::optional<bool> isDown) const
+bool fits(int value, KeyValue known)
 {
-    const auto fits = [&](const LogRecordPtr &record) {
+    switch (known) {
+    case KeyValue::Any:
+        break;
+    case KeyValue::Press:
+        return value == 1;
+    case KeyValue::NoPress:
+        return value != 1;
+    case KeyValue::Release:
+        return value == 0;
+    }
+    return true;
+}
+
+LogRecordPtr LogRead::nextKey(std::optional<int> code, KeyValue value) const
+{
+    const auto isNext = [&](const LogRecordPtr &record) {
         return record->type == EV_KEY && !record->isTaken && (!code || record->code == *code)
-            && (!isDown || (record->value != 0) == *isDown);
+            && fits(record->value, value);
     };
     // One that comes before a record that was taken has been passed over.
     const auto lastTaken =
         std::find_if(records.rbegin(), records.rend(), [](const LogRecordPtr &record) {
             return record->type == EV_KEY && record->isTaken;
         });
-    const auto found = std::find_if(lastTaken.base(), records.end(), fits);
+    const auto found = std::find_if(lastTaken.base(), records.end(), isNext);
     return found == records.end() ? nullptr : *found;
 }
 
@@ -60,7 +75,7 @@ LogRecordPtr LogRead::nextSwitch(bool isOn) const
 bool LogRead::isSuspended() const
 {
     const bool isBetween = hand && hand->kind == LogHand::Kind::ChordBegun && hand->keyLines == 1;
-    return (isBegun && nextKey({}, {})) || (hand && hand->click) || isBetween;
+    return (isBegun && nextKey({}, KeyValue::Any)) || (hand && hand->click) || isBetween;
 }
 
 } // namespace Vorn::Workbench

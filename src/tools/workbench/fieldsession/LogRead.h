@@ -13,6 +13,16 @@
 
 namespace Vorn::Workbench {
 
+/// What is known of a record's value.
+enum class KeyValue {
+    Any,
+    Press, ///< 1
+    NoPress, ///< how the library logs an auto-repeat as well
+    Release, ///< 0
+};
+
+bool fits(int value, KeyValue known);
+
 /// The record that a handler has in hand: the events that follow come of it.
 struct LogHand
 {
@@ -63,8 +73,7 @@ struct LogRead
 
     /// The first key that nothing has been said of, with that code and in that position.
     /// @param code none: any
-    /// @param isDown none: either
-    LogRecordPtr nextKey(std::optional<int> code, std::optional<bool> isDown) const;
+    LogRecordPtr nextKey(std::optional<int> code, KeyValue value) const;
     LogRecordPtr nextSwitch(bool isOn) const;
     /// Whether more is to come: a slot of the product runs an event loop.
     bool isSuspended() const;

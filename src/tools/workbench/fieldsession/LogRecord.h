@@ -19,6 +19,7 @@ struct LogRecord
     qint64 time = 0; ///< of its line
     /// Another reader of the device has logged it before.
     std::shared_ptr<LogRecord> twin;
+    bool isPaired = false; ///< whether two readers have logged it
     bool isTaken = false; ///< a line of a handler or a detector is about it
     bool hasOutcome = false;
     int timesLeft = 0; ///< how many readers have left it to the other

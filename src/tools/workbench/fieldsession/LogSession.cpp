@@ -23,6 +23,9 @@ constexpr std::size_t maxReads = 4;
 constexpr std::size_t maxRecords = 64;
 /// µs. What follows from a record is logged at once.
 constexpr qint64 atOnce = 1'000'000;
+/// µs. The listeners of a device read in one turn of the event loop; a person takes longer.
+constexpr qint64 oneTurn = 50'000;
+constexpr std::size_t maxTwins = 16;
 
 QString seconds(qint64 time)
 {
@@ -269,8 +272,70 @@ void LogSession::take(const Said::RecordLogged &logged)
                                           "(SYN_DROPPED); releases may be among them")});
     }
     m_origins.settle(read.origin);
-    if (logged.type == EV_SYN && !read.hasDescriptor)
+    if (read.hasDescriptor)
+        return;
+    m_packet.push_back(record);
+    if (logged.type == EV_SYN || m_packet.size() > maxRecords) {
+        finishPacket(&read);
         read.origin.reset();
+    }
+}
+
+/// Whether a record may be logged twice: by both listeners of a device.
+bool LogSession::mayHaveTwins() const
+{
+    const QVector<LogDevicePtr> present = m_devices.present();
+    return !m_origins.isComplete()
+        || std::any_of(present.begin(), present.end(),
+                       [](const LogDevicePtr &device) { return device->readers() > 1; });
+}
+
+/// Without descriptors, the same packet once more and at once is what the other listener has read.
+void LogSession::finishPacket(LogRead *read)
+{
+    const std::vector<LogRecordPtr> packet = std::exchange(m_packet, {});
+    while (!m_packets.empty() && m_time - m_packets.front().front()->time > oneTurn)
+        m_packets.pop_front();
+    if (!mayHaveTwins())
+        return;
+    const auto isSame = [](const LogRecordPtr &one, const LogRecordPtr &other) {
+        return one->isSameAs(*other);
+    };
+    if (m_packets.empty()
+        || !std::equal(packet.begin(), packet.end(), m_packets.front().begin(),
+                       m_packets.front().end(), isSame))
+    {
+        m_packets.push_back(packet);
+        return;
+    }
+    for (std::size_t i = 0; i < packet.size(); ++i) {
+        packet[i]->twin = m_packets.front()[i];
+        packet[i]->twin->isPaired = true;
+        LogOrigin::join(packet[i]->origin, packet[i]->twin->origin);
+        m_twins.push_back(packet[i]);
+        read->records.erase(std::remove(read->records.begin(), read->records.end(), packet[i]),
+                            read->records.end());
+    }
+    m_packets.pop_front();
+    while (m_twins.size() > maxTwins)
+        m_twins.pop_front();
+}
+
+/// A handler has taken what looked like the other listener's: it was another record after all.
+LogRecordPtr LogSession::takeBackTwin(std::optional<int> code, KeyValue value)
+{
+    const auto found = std::find_if(m_twins.begin(), m_twins.end(), [&](const LogRecordPtr &twin) {
+        return twin->type == EV_KEY && (!code || twin->code == *code) && fits(twin->value, value)
+            && twin->twin->isTaken && m_time - twin->time <= oneTurn;
+    });
+    if (found == m_twins.end())
+        return nullptr;
+    const LogRecordPtr record = *found;
+    m_twins.erase(found);
+    record->twin->isPaired = false;
+    record->twin.reset();
+    record->isTaken = true;
+    return record;
 }
 
 /// Without descriptors, what belongs to one read shows in the times only.
@@ -327,7 +392,14 @@ void LogSession::untaken(const LogRecordPtr &record, const LogRead &read)
         && std::any_of(read.records.begin(), read.records.end(), [&](const LogRecordPtr &other) {
                return other->isTaken && other->type == EV_KEY && other->origin == record->origin;
            });
-    if (isPassedOver)
+    const bool mayBeTwin = !record->origin->descriptor() && !record->isPaired && mayHaveTwins();
+    if (mayBeTwin && record->type == EV_KEY && !isPassedOver)
+        m_queue.addOutcome(m_lastTime, record,
+                           outcomeOf(Outcome::Open,
+                                     QStringLiteral("no line of a handler follows it; if both "
+                                                    "listeners of a device have read it, this is "
+                                                    "said of the other line")));
+    else if (isPassedOver)
         m_queue.addOutcome(
             m_lastTime, record,
             outcomeOf(Outcome::Open,
@@ -337,11 +409,11 @@ void LogSession::untaken(const LogRecordPtr &record, const LogRead &read)
 }
 
 /// The record that a line of a detector is about.
-LogSession::Cause LogSession::causeOf(std::optional<int> code, std::optional<bool> isDown)
+LogSession::Cause LogSession::causeOf(std::optional<int> code, KeyValue value)
 {
     m_hasActivity = true;
     for (auto read = m_reads.rbegin(); read != m_reads.rend(); ++read) {
-        if (const LogRecordPtr record = read->nextKey(code, isDown)) {
+        if (const LogRecordPtr record = read->nextKey(code, value)) {
             LogRead *const found = &*read;
             closeAfter(found);
             finishHand(found);
@@ -350,11 +422,15 @@ LogSession::Cause LogSession::causeOf(std::optional<int> code, std::optional<boo
             return {record->origin, found, record};
         }
     }
-    // The log has no line of the record.
     if (m_reads.empty())
         m_reads.emplace_back();
     LogRead *read = &m_reads.back();
     finishHand(read);
+    if (const LogRecordPtr record = takeBackTwin(code, value)) {
+        read->isBegun = true;
+        return {record->origin, read, record};
+    }
+    // The log has no line of the record.
     if (!read->origin || !read->hasDescriptor)
         read->origin = LogOrigins::unnamed();
     read->isBegun = true;
@@ -389,7 +465,7 @@ void LogSession::take(const Said::KeysStored &stored)
                                           "other here: some are missing")});
         return;
     }
-    const Cause cause = causeOf(code, key->isPress ? std::make_optional(true) : std::nullopt);
+    const Cause cause = causeOf(code, key->isPress ? KeyValue::Press : KeyValue::NoPress);
     const int value = cause.record ? cause.record->value : (key->isPress ? 1 : 0);
     const bool isKnown = cause.origin->descriptor() || cause.origin->isKnown();
     const LogDetectorPtr detector =
@@ -472,7 +548,7 @@ LogHand::Kind LogSession::store(const LogDetectorPtr &detector, const Said::Keys
 
 void LogSession::take(const Said::ThirdKeyDropped &)
 {
-    const Cause cause = causeOf({}, {});
+    const Cause cause = causeOf({}, KeyValue::Any);
     const LogDetectorPtr detector = m_detectors.forThirdKey(cause.origin, cause.read->identifier);
     QString reason = QStringLiteral("dropped, since two other keys are a pair");
     if (detector) {
@@ -490,7 +566,7 @@ void LogSession::take(const Said::ThirdKeyDropped &)
 
 void LogSession::take(const Said::ReleaseDropped &)
 {
-    const Cause cause = causeOf({}, false);
+    const Cause cause = causeOf({}, KeyValue::Release);
     QString reason = QStringLiteral("dropped: a release without a press");
     LogDetectorPtr detector;
     if (cause.record)

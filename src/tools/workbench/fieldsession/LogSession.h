@@ -16,6 +16,7 @@
 
 #include <deque>
 #include <optional>
+#include <vector>
 
 namespace Vorn::Workbench {
 
@@ -85,7 +86,10 @@ private:
     void leaveOld(LogRead *read);
     void untaken(const LogRecordPtr &record, const LogRead &read);
     void finishHand(LogRead *read);
-    Cause causeOf(std::optional<int> code, std::optional<bool> isDown);
+    Cause causeOf(std::optional<int> code, KeyValue value);
+    bool mayHaveTwins() const;
+    void finishPacket(LogRead *read);
+    LogRecordPtr takeBackTwin(std::optional<int> code, KeyValue value);
     void hold(const Cause &cause, LogHand hand);
     LogHand::Kind store(const LogDetectorPtr &detector, const Said::KeysStored &stored, int code,
                         int value);
@@ -130,6 +134,9 @@ private:
     LogDevices m_devices;
     LogOrigins m_origins;
     LogDetectors m_detectors;
+    std::vector<LogRecordPtr> m_packet; ///< in progress, without a descriptor
+    std::deque<std::vector<LogRecordPtr>> m_packets; ///< that another listener may read, too
+    std::deque<LogRecordPtr> m_twins; ///< the last ones
     std::deque<LogRead> m_reads; ///< the last one is in progress; a slot has held up the others
     std::optional<Said::EventReported> m_report; ///< whose line on the bus is to come
     std::optional<Said::FoundAlready> m_found; ///< whose other line is to come

@@ -8,6 +8,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 using namespace Vorn::Workbench;
 
 namespace {
@@ -33,8 +35,13 @@ TEST(LogRoundTrip, EachScenarioIsReadBackFromItsLog)
         std::vector<SessionEntry> stated;
         const TakenLog log;
         simulate(loaded, [&stated](const SessionEntry &entry) { stated.push_back(entry); });
+        const auto &steps = loaded.scenario.steps;
         // A log does not tell a clock that was set from time that has passed.
-        const Times times = file == "clock-steps.scenario" ? Times::Ignored : Times::Compared;
+        const bool isClockSet =
+            std::any_of(steps.begin(), steps.end(), [](const ScenarioStep &step) {
+                return std::holds_alternative<Step::StepClock>(step.what);
+            });
+        const Times times = isClockSet ? Times::Ignored : Times::Compared;
         const std::vector<std::string> found = differences(stated, log.session(), times);
         EXPECT_TRUE(found.empty()) << file.toStdString() << ":\n" << listed(found);
     }

@@ -1,0 +1,328 @@
+#include "LogSessions.h"
+
+#include "LogLine.h"
+#include "Session.h"
+
+#include <gmock/gmock.h>
+
+#include <linux/input.h>
+
+namespace {
+
+using namespace Vorn::Workbench;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+constexpr const char *handlers = "BasicInputHandler";
+constexpr const char *listeners = "LinuxInputListener";
+constexpr const char *detectors = "KeyProcessing";
+
+/// A log that is written line by line, a line each 10 ms.
+class Log
+{
+public:
+    Log &add(const char *logger, const QString &message)
+    {
+        LogLine line;
+        line.number = ++m_number;
+        line.time = 1'767'348'000'000'000 + m_number * 10'000;
+        line.hasDate = true;
+        line.logger = QString::fromLatin1(logger);
+        line.message = message;
+        line.process = m_process;
+        m_sessions.add(line);
+        return *this;
+    }
+
+    Log &of(const char *process)
+    {
+        m_process = QString::fromLatin1(process);
+        return *this;
+    }
+
+    Log &device(int number, const QString &name)
+    {
+        const QString path = QStringLiteral("/dev/input/event%1").arg(number);
+        add(handlers, QStringLiteral(" ---> added '%1'").arg(path));
+        add(listeners, QStringLiteral("Event device %1 ready").arg(path));
+        add(listeners, QStringLiteral("bustype: 25"));
+        add(listeners, QStringLiteral("name: ") + name);
+        return add(listeners, QStringLiteral("Event device %1 does not support EV_SW").arg(path));
+    }
+
+    Log &record(int code, int value)
+    {
+        add(listeners, QStringLiteral(" type: 1 code:%1 value:%2").arg(code).arg(value));
+        return add(listeners, QStringLiteral(" type: 0 code:0 value:0"));
+    }
+
+    Log &stored(const QStringList &keys)
+    {
+        QStringList list;
+        for (const QString &key : keys)
+            list += QStringLiteral("input_event: code:%1 value:%2 time:10:00:00,000")
+                        .arg(key.section(' ', 0, 0), key.section(' ', 1, 1));
+        return add(detectors, QStringLiteral("Stored:(%1)").arg(list.join(", ")));
+    }
+
+    std::vector<SessionEntry> session()
+    {
+        m_sessions.finish();
+        return m_entries;
+    }
+
+private:
+    std::vector<SessionEntry> m_entries;
+    LogSessions m_sessions{QStringLiteral("a.log"),
+                           [this](const SessionEntry &entry) { m_entries.push_back(entry); }};
+    QString m_process;
+    int m_number = 0;
+};
+
+template <typename What>
+std::vector<What> all(const std::vector<SessionEntry> &entries)
+{
+    std::vector<What> list;
+    for (const SessionEntry &entry : entries) {
+        if (const auto *what = std::get_if<What>(&entry.what))
+            list.push_back(*what);
+    }
+    return list;
+}
+
+std::vector<std::string> remarks(const std::vector<SessionEntry> &entries)
+{
+    std::vector<std::string> texts;
+    for (const Remark &remark : all<Remark>(entries))
+        texts.push_back(remark.text.toStdString());
+    return texts;
+}
+
+std::vector<std::string> reasons(const std::vector<SessionEntry> &entries)
+{
+    std::vector<std::string> texts;
+    for (const RecordOutcome &outcome : all<RecordOutcome>(entries))
+        texts.push_back(outcome.reason.toStdString());
+    return texts;
+}
+
+} // namespace
+
+TEST(LogSession, SaysFirstWhichLinesAreMissing)
+{
+    Log log;
+    log.add(listeners, "Event device /dev/input/event0 ready");
+    log.add("Input", "Vorn::InputEvent(16) press");
+    const std::vector<SessionEntry> session = log.session();
+    ASSERT_GT(session.size(), 3U);
+    EXPECT_TRUE(std::holds_alternative<SessionStart>(session[0].what));
+    EXPECT_TRUE(std::holds_alternative<Remark>(session[1].what));
+    EXPECT_THAT(remarks(session),
+                Contains(HasSubstr("no records: the log has no line of logger "
+                                   "LinuxInputListener at DEBUG")));
+    EXPECT_THAT(remarks(session), Contains(HasSubstr("who reported them")));
+    const std::vector<EventPublished> events = all<EventPublished>(session);
+    ASSERT_THAT(events, SizeIs(1));
+    EXPECT_EQ(events[0].command, InputEvent::VolumeUp);
+    EXPECT_TRUE(events[0].codes.isEmpty());
+    EXPECT_TRUE(events[0].device.isEmpty());
+}
+
+TEST(LogSession, DoesNotCallAQuietLogIncomplete)
+{
+    Log log;
+    log.device(0, "panel");
+    EXPECT_THAT(remarks(log.session()), Not(Contains(HasSubstr("no records"))));
+}
+
+TEST(LogSession, LeavesTheDeviceOpenWithoutDescriptors)
+{
+    Log log;
+    log.device(0, "panel").device(1, "remote");
+    log.record(KEY_A, 1).stored({"30 press"});
+    log.record(KEY_B, 1).stored({"48 press"});
+    log.record(KEY_A, 0).add(detectors, "Found already event for code:30").stored({"30 release"});
+    const std::vector<SessionEntry> session = log.session();
+    EXPECT_THAT(remarks(session), Contains(HasSubstr("do not say which device they are of")));
+    for (const RecordRead &record : all<RecordRead>(session))
+        EXPECT_EQ(record.device, "unknown device");
+    EXPECT_THAT(all<DetectorStep>(session), IsEmpty()) << "two detectors, no chord";
+}
+
+TEST(LogSession, FindsTheOnlyDeviceWithoutDescriptors)
+{
+    Log log;
+    log.device(0, "panel").record(KEY_A, 1).stored({"30 press"});
+    for (const RecordRead &record : all<RecordRead>(log.session()))
+        EXPECT_EQ(record.device, "/dev/input/event0");
+}
+
+TEST(LogSession, DoesNotRuleOutDevicesThatWereOpenedBeforeTheLog)
+{
+    Log log;
+    log.record(KEY_A, 1).stored({"30 press"});
+    log.device(1, "remote").record(KEY_B, 1);
+    const std::vector<RecordRead> records = all<RecordRead>(log.session());
+    ASSERT_THAT(records, SizeIs(4));
+    EXPECT_EQ(records[2].device, "unknown device");
+}
+
+TEST(LogSession, TellsALostRelease)
+{
+    Log log;
+    log.device(0, "panel").record(KEY_A, 1).stored({"30 press"});
+    log.record(KEY_A, 1).add(detectors, "Found already event for code:30").stored({"30 press"});
+    EXPECT_THAT(remarks(log.session()),
+                Contains("KEY_A is pressed although it was down: the "
+                         "release in between was lost"));
+}
+
+TEST(LogSession, TellsThatTheKernelHasDroppedRecords)
+{
+    Log log;
+    log.device(0, "panel").add(listeners, " type: 0 code:3 value:0");
+    EXPECT_THAT(remarks(log.session()), Contains(HasSubstr("SYN_DROPPED")));
+}
+
+TEST(LogSession, SaysThatLinesAreMissing)
+{
+    Log log;
+    log.device(0, "panel").record(KEY_A, 1).stored({"30 press"});
+    log.record(KEY_B, 1).stored({"48 press"});
+    log.add(detectors, "Found already event for code:99").stored({"48 press"});
+    const std::vector<SessionEntry> session = log.session();
+    EXPECT_THAT(remarks(session), Contains(HasSubstr("contradict each other")));
+}
+
+TEST(LogSession, AStartIsASession)
+{
+    Log log;
+    log.device(0, "panel").record(KEY_A, 1);
+    log.device(0, "panel").record(KEY_A, 1);
+    EXPECT_THAT(all<SessionStart>(log.session()), SizeIs(2));
+}
+
+TEST(LogSession, ProcessesAreSessionsOneAfterTheOther)
+{
+    Log log;
+    log.of("1").device(0, "panel");
+    log.of("2").device(0, "other");
+    log.of("1").record(KEY_A, 1);
+    log.of("2").record(KEY_B, 1);
+    const std::vector<SessionEntry> session = log.session();
+    std::vector<int> codes;
+    std::vector<std::string> sources;
+    for (const RecordRead &record : all<RecordRead>(session)) {
+        if (record.type == EV_KEY)
+            codes.push_back(record.code);
+    }
+    for (const SessionStart &start : all<SessionStart>(session))
+        sources.push_back(start.source.toStdString());
+    EXPECT_THAT(codes, ElementsAre(KEY_A, KEY_B));
+    EXPECT_THAT(sources, ElementsAre("a.log, process 1", "a.log, process 2"));
+    EXPECT_TRUE(std::holds_alternative<SessionStart>(session.front().what));
+}
+
+TEST(LogSession, TwoListenersReadEachRecordOnce)
+{
+    Log log;
+    log.add(handlers, " ---> added '/dev/input/event0'");
+    for (int i = 0; i < 2; ++i)
+        log.add(listeners, "Event device /dev/input/event0 ready");
+    for (const int descriptor : {5, 6}) {
+        log.add(listeners,
+                QStringLiteral("Enter LinuxInputListener::readData: %1").arg(descriptor));
+        log.record(KEY_A, 1);
+        if (descriptor == 5)
+            log.stored({"30 press"});
+    }
+    EXPECT_THAT(all<RecordRead>(log.session()), SizeIs(2));
+}
+
+TEST(LogSession, ARecordThatNoHandlerTakesIsUnread)
+{
+    Log log;
+    log.device(0, "panel");
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 1);
+    log.add("Input", "Vorn::InputEvent(16) release");
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_B, 1);
+    log.stored({"48 press"});
+    EXPECT_THAT(reasons(log.session()), Contains(HasSubstr("no key handler took it")));
+}
+
+TEST(LogSession, AKeyWithoutACommandIsTold)
+{
+    Log log;
+    log.device(0, "panel").add("Input", "Vorn::InputEvent(16) release");
+    log.record(KEY_A, 1).stored({"30 press"}).add(handlers, "key:30 value 1");
+    log.record(KEY_A, 0).add(detectors, "Found already event for code:30");
+    log.stored({"30 release"}).add(handlers, "key:30 value 0");
+    EXPECT_THAT(reasons(log.session()),
+                testing::Each(HasSubstr("neither for the press nor for the release")));
+}
+
+TEST(LogSession, WarningsNameTheKeys)
+{
+    Log log;
+    log.add(handlers, "Trying to remove a non-existing key 30");
+    EXPECT_THAT(remarks(log.session()),
+                Contains("the library complains: Trying to remove a non-existing key 30 (KEY_A)"));
+}
+
+TEST(LogSession, SaysWhichLineIsNotTheLibrarys)
+{
+    Log log;
+    log.device(0, "panel").add(detectors, "Stored:(half a li");
+    EXPECT_THAT(remarks(log.session()),
+                Contains("line 6 of logger KeyProcessing is none of the library's: "
+                         "'Stored:(half a li'"));
+}
+
+TEST(LogSession, LinesOfTheLibraryInAnyOrderDoNoHarm)
+{
+    const std::pair<const char *, const char *> lines[] = {
+        {handlers, "key:30 value 0"},
+        {handlers, "Device: ; id: ; id: ; command [cmd=Stop, state=KeyLongPress]"},
+        {handlers, "Removing /dev/input/event3"},
+        {handlers, "Enter BasicInputHandler::selectKeyHandler: "},
+        {detectors, "Found already event for code:30"},
+        {detectors, "Double key press detected and new press event received -> drop"},
+        {detectors, "Received release for non existing press -> drop"},
+        {detectors,
+         "Stored:(input_event: code:30 value:press time:00:00:00,000, input_event: "
+         "code:48 value:press time:00:00:00,000)"},
+        {detectors, "Stored:(input_event: code:30 value:release time:00:00:00,000)"},
+        {listeners, "Enter LinuxInputListener::readData: -1"},
+        {listeners, " type: 1 code:30 value:0"},
+        {listeners, " type: 5 code:13 value:1"},
+        {listeners, "Error reading from event device /dev/input/event3"},
+        {listeners, "Event device /dev/input/event3 ready"},
+        {listeners, "name: "},
+        {"Input", "Vorn::InputEvent(11) press"},
+        {"Input", "Vorn::InputEvent(11) release"},
+        {"Input", "Vorn::InputEvent(40) switch enable"},
+    };
+    // Each line after each other two: 5832 times three lines, in one log.
+    Log log;
+    for (const auto &first : lines) {
+        for (const auto &second : lines) {
+            for (const auto &third : lines) {
+                for (const auto *line : {&first, &second, &third})
+                    log.add(line->first, QString::fromLatin1(line->second));
+            }
+        }
+    }
+    const std::vector<SessionEntry> session = log.session();
+    EXPECT_GT(session.size(), 1000U);
+    qint64 time = 0;
+    for (const SessionEntry &entry : session) {
+        if (std::holds_alternative<SessionStart>(entry.what))
+            time = 0;
+        EXPECT_GE(entry.time, time);
+        time = entry.time;
+    }
+}
