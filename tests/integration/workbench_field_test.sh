@@ -47,11 +47,18 @@ grep -q 'no records: the log has no line of logger LinuxInputListener at DEBUG' 
 grep -q 'published VolumeUp KeyPressed; the log does not say what caused it' out ||
     failed "expected the events"
 
+# With the levels for the field, records that both listeners read are no lost releases.
+grep -v -E ' TRACE | BasicInputHandler: key:| BasicInputHandler:  --->' "$log" >field.log
+run "$program" explain field.log
+expect_status 0
+[ "$(grep -c 'the release in between was lost' out)" -eq 1 ] || failed "expected one lost release"
+if grep -q 'no key handler took it' out; then failed "expected that all records are taken"; fi
+
 # Two starts are two sessions.
 cat "$log" "$log" >twice.log
 run "$program" timeline twice.log -o twice.svg
 expect_status 2
-expect_line_on_stderr '.*contains 2 sessions; choose one with --session.*'
+grep -q 'contains 2 sessions; choose one with --session' err || failed "expected a choice"
 run "$program" timeline --session 2 twice.log -o twice.svg
 expect_status 0
 

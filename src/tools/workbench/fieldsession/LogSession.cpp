@@ -385,14 +385,14 @@ void LogSession::untaken(const LogRecordPtr &record, const LogRead &read)
 {
     if (record->isTaken)
         return;
-    if (record->type == EV_KEY && record->value != 0)
+    const bool mayBeTwin = !record->origin->descriptor() && !record->isPaired && mayHaveTwins();
+    if (record->type == EV_KEY && record->value != 0 && !mayBeTwin)
         leaveWaiting(*record->origin, record->code);
     const bool isPassedOver =
         record->type == EV_KEY
         && std::any_of(read.records.begin(), read.records.end(), [&](const LogRecordPtr &other) {
                return other->isTaken && other->type == EV_KEY && other->origin == record->origin;
            });
-    const bool mayBeTwin = !record->origin->descriptor() && !record->isPaired && mayHaveTwins();
     if (mayBeTwin && record->type == EV_KEY && !isPassedOver)
         m_queue.addOutcome(m_lastTime, record,
                            outcomeOf(Outcome::Open,
