@@ -1,5 +1,8 @@
 #include "LogClock.h"
 #include "LogReader.h"
+#include "LogSessions.h"
+#include "SessionReader.h"
+#include "SessionWriter.h"
 
 #include <QMap>
 
@@ -42,7 +45,8 @@ private:
 } // namespace
 
 /// Behind "--pattern " the first line is one; the rest is the log. Each of its lines must be
-/// accounted for, in order, and session time never goes back.
+/// accounted for, in order, session time never goes back, and what is made of them is a session
+/// that can be read.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     QByteArray log(reinterpret_cast<const char *>(data), static_cast<int>(size));
@@ -58,6 +62,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     LogReader reader({file.path()}, options);
     QMap<QString, LogClock> clocks;
     QMap<QString, qint64> times;
+    QByteArray session;
+    LogSessions sessions(QStringLiteral("log"),
+                         [&session](const SessionEntry &entry) { session += toJsonLine(entry); });
     qint64 lines = 0;
     qint64 lastNumber = 0;
     while (const std::optional<LogLine> line = reader.next()) {
@@ -67,7 +74,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         const qint64 time = clocks[line->process].at(*line).time;
         require(time >= times.value(line->process));
         times[line->process] = time;
+        sessions.add(*line);
     }
+    sessions.finish();
+    require(session.isEmpty()
+            || parseSession(session, QStringLiteral("session")).diagnostics.isEmpty());
     const LogCounts counts = reader.counts();
     require(counts.lines == lines + counts.before + counts.notUnderstood);
     for (const Diagnostic &diagnostic : reader.diagnostics())
