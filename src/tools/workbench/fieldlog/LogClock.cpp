@@ -14,6 +14,11 @@ constexpr qint64 tolerance = second / 10;
 /// Nothing logged for so long is stranger than a clock that was wrong until the network was there.
 constexpr qint64 leap = 24 * 3600 * second;
 
+/// A product may be silent in a warehouse, but a picture of a session cannot show that.
+constexpr qint64 longestSilence = 100 * leap;
+/// What a session can hold.
+constexpr qint64 longestSession = 365 * longestSilence;
+
 /// "2 h 5 min": the two largest units.
 QString durationText(qint64 microseconds)
 {
@@ -80,15 +85,25 @@ void LogClock::advance(const LogLine &line, QString *remark)
         const qint64 passed = *line.uptime - *m_uptime;
         if (std::abs(stated - passed) > second / 2)
             *remark = setBy(stated - passed);
-        m_time += passed;
+        pass(passed);
         return;
     }
-    m_time += std::max<qint64>(0, stated);
+    pass(stated);
     if (stated < -tolerance)
         *remark = setBy(stated) + QStringLiteral(", or the lines are out of order");
+    else if (stated > longestSilence)
+        *remark = QStringLiteral("the time leaps by %1: the clock was set, or nothing was logged; "
+                                 "the session goes on without a gap")
+                      .arg(durationText(stated));
     else if (stated > leap)
         *remark = QStringLiteral("the time leaps by %1: nothing was logged, or the clock was set")
                       .arg(durationText(stated));
+}
+
+void LogClock::pass(qint64 microseconds)
+{
+    if (microseconds > 0 && microseconds <= longestSilence)
+        m_time = std::min(m_time + microseconds, longestSession);
 }
 
 } // namespace Vorn::Workbench

@@ -10,7 +10,8 @@
 namespace Vorn::Workbench {
 
 /// Makes times that never go back of the times that one process's lines state. Where these go back,
-/// the clock was set, and time stands still; where they leap, it may have been.
+/// the clock was set, and time stands still; where they leap, it may have been. A leap of months is
+/// no part of a session.
 class LogClock
 {
 public:
@@ -26,6 +27,7 @@ public:
 
 private:
     void advance(const LogLine &line, QString *remark);
+    void pass(qint64 microseconds);
 
     std::optional<qint64> m_stated;
     bool m_hasDate = false;

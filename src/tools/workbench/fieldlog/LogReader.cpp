@@ -67,6 +67,7 @@ private:
     bool learnFirstLayout();
     bool guessFrom(Sample *sample);
     void learnFurtherLayout(const RawLine &first);
+    bool fitsMore(LogLayout layout, const Sample &sample);
     std::optional<LogLine> lineOf(const RawLine &raw);
     void finish();
     void report(Diagnostic::Severity severity, int file, qint64 line, const QString &message);
@@ -193,6 +194,20 @@ std::optional<LogLine> LogReader::Parts::lineOf(const RawLine &raw)
     return line;
 }
 
+/// Whether a layout reads what no known one does. A single line may just be damaged.
+bool LogReader::Parts::fitsMore(LogLayout layout, const Sample &sample)
+{
+    int lines = 0;
+    for (const LogSource::Copy &copy : sample) {
+        LogFields known;
+        LogFields fields;
+        if (m_layouts.parse(copy.text, &known) != LogLayout::Fit::Whole
+            && layout.parse(copy.text, &fields) == LogLayout::Fit::Whole)
+            ++lines;
+    }
+    return lines > 1;
+}
+
 /// A line of the library does not fit: the product may have been updated.
 void LogReader::Parts::learnFurtherLayout(const RawLine &first)
 {
@@ -202,13 +217,10 @@ void LogReader::Parts::learnFurtherLayout(const RawLine &first)
     while (sample.size() < lines && m_source.next(&raw))
         sample.push_back(LogSource::copyOf(raw));
     const std::optional<LogLayout> layout = guessLayout(textsOf(sample));
-    LogFields fields;
-    LogLayout found = layout.value_or(m_layouts.current());
-    const bool isNew = layout && found.parse(sample.front().text, &fields) == LogLayout::Fit::Whole
-        && m_layouts.add(found);
+    const bool isNew = layout && fitsMore(*layout, sample) && m_layouts.add(*layout);
     if (isNew)
         report(Diagnostic::Severity::Warning, first.file, first.number,
-               QStringLiteral("the layout changes here: ") + found.text());
+               QStringLiteral("the layout changes here: ") + layout->text());
     // A message that only looks like one of the library's is looked at less and less often.
     else
         m_noGuessBefore =

@@ -127,8 +127,7 @@ std::optional<qint64> microsecondsOf(const QJsonValue &value)
 {
     bool isNumber = false;
     const qint64 number = value.toString().toLongLong(&isNumber);
-    constexpr qint64 endOfYear9999 = 253'402'300'800'000'000;
-    const bool isTime = isNumber && number >= 0 && number < endOfYear9999;
+    const bool isTime = isNumber && number >= 0 && number < endOfTimes;
     return isTime ? std::optional(number) : std::nullopt;
 }
 

@@ -26,6 +26,9 @@ int weightOf(const LogFields &fields)
         weight += 2;
     if (fields.stamp || fields.sinceStart)
         weight += 2;
+    // So that no damaged line makes a pattern win that passes over the dates of all lines.
+    if (fields.stamp && fields.stamp->day > 0)
+        weight += 4;
     if (fields.isUnevenlyFilled)
         weight -= 1;
     return weight;

@@ -12,6 +12,10 @@ constexpr std::array<const char *, 12> months = {"Jan", "Feb", "Mar", "Apr", "Ma
 constexpr std::array<const char *, 7> weekdays = {"Mon", "Tue", "Wed", "Thu", "Fri", "Sat", "Sun"};
 constexpr qint64 second = 1'000'000;
 
+/// Damaged lines may state any year; clocks that nobody has set state one of these.
+constexpr int firstYear = 1900;
+constexpr int lastYear = 2110;
+
 bool isDigit(char character)
 {
     return character >= '0' && character <= '9';
@@ -119,7 +123,7 @@ bool takeEpoch(std::string_view *text, LogStamp *stamp)
     text->remove_prefix(count);
     stamp->microseconds += seconds * second;
     stamp->isSinceEpoch = true;
-    return count > 0;
+    return count > 0 && stamp->microseconds < endOfTimes;
 }
 
 /// What the conversions stand for that are short for others.
@@ -149,7 +153,7 @@ bool takeDate(char conversion, std::string_view *text, LogStamp *stamp)
 {
     switch (conversion) {
     case 'Y':
-        return takeDigits(text, 4, &stamp->year, 1, 9999);
+        return takeDigits(text, 4, &stamp->year, firstYear, lastYear);
     case 'y': {
         const bool isTaken = takeDigits(text, 2, &stamp->year);
         // As POSIX has it.

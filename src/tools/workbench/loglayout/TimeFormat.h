@@ -10,6 +10,9 @@
 
 namespace Vorn::Workbench {
 
+/// In microseconds since the epoch: 2111, later than which no session can be.
+constexpr qint64 endOfTimes = qint64{4'449'513'600} * 1'000'000;
+
 /// A time as a line of a log states it. What the line does not state is 0 or missing.
 struct LogStamp
 {

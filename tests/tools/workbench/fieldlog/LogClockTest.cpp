@@ -64,6 +64,20 @@ TEST(LogClock, TellsALeapWithoutAnOpinion)
               "the time leaps by 2 d 2 h: nothing was logged, or the clock was set");
 }
 
+TEST(LogClock, LeavesOutLeapsThatNoSessionCanHold)
+{
+    LogClock clock;
+    clock.at(lineAt(0));
+    LogClock::Reading reading = clock.at(lineAt(20'000 * 86'400 * second));
+    EXPECT_EQ(reading.time, 0);
+    EXPECT_EQ(remark(reading),
+              "the time leaps by 20000 d: the clock was set, or nothing was logged; the session "
+              "goes on without a gap");
+    reading = clock.at(lineAt((20'000 * 86'400 + 1) * second));
+    EXPECT_EQ(reading.time, second);
+    EXPECT_EQ(remark(reading), "");
+}
+
 TEST(LogClock, KnowsFromTheUptimeHowMuchTimeHasPassed)
 {
     LogClock clock;

@@ -156,6 +156,13 @@ TEST(LogReader, LeavesOutWhatDoesNotFitAndCountsIt)
                               "4, 5, 6 …")));
 }
 
+TEST(LogReader, TakesNoLineOfAnotherCentury)
+{
+    const QByteArray good = record("2026-01-02 10:00:00 DEBUG ").repeated(30);
+    EXPECT_THAT(resultOf(good + record("2726-01-02 10:00:00 DEBUG ") + good).diagnostics,
+                ElementsAre(HasSubstr("1 line does not fit the layout and is left out: line 31")));
+}
+
 TEST(LogReader, SaysThatALogIsNotTheLibrarys)
 {
     const Result other = resultOf("hello\nINFO foo: bar\nInput is here\n");
