@@ -22,6 +22,8 @@ qint64 monotonicClock()
     return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
 }
 
+constexpr int quietPollsOfIdleLoop = 5;
+
 /// What the library asks the kernel for, with its terminator.
 constexpr int nameSize = 255;
 
@@ -90,6 +92,7 @@ void Agent::readOperations()
 
 void Agent::run(const Operation &operation)
 {
+    m_quietPolls = 0;
     std::visit([this](const auto &kind) { (*this)(kind); }, operation);
 }
 
@@ -131,15 +134,13 @@ void Agent::onIdle()
     answer(given);
 }
 
-void Agent::onPoll()
+// A loop that is never idle must not stop real time. What the last operation led to is done when
+// nothing was ready for some rounds; virtual time stands still for such a loop, whatever is said.
+void Agent::onPoll(bool isReady)
 {
-    // A loop that is never idle must not stop real time.
-    if (m_clock || !m_pending || !m_isManaged)
-        return;
-    if (std::holds_alternative<Operations::Wait>(*m_pending) && isWaitOver()) {
-        m_pending.reset();
-        answer();
-    }
+    m_quietPolls = isReady ? 0 : m_quietPolls + 1;
+    if (!m_clock && m_quietPolls >= quietPollsOfIdleLoop)
+        onIdle();
 }
 
 bool Agent::isTimeHeld() const

@@ -37,7 +37,7 @@ private:
     void end();
 
     void onIdle() override;
-    void onPoll() override;
+    void onPoll(bool isReady) override;
     bool isTimeHeld() const override;
     qint64 limit() const override;
     bool isWaitOver() const;
@@ -71,6 +71,7 @@ private:
     QHash<int, QByteArray> m_names; ///< of devices, by node
     /// That waits for the loop to be idle, or for a time.
     std::optional<Operation> m_pending;
+    int m_quietPolls = 0; ///< in a row, of a loop that is not idle
     bool m_isManaged = false; ///< the scenario runs
     bool m_hasEnded = false;
 };

@@ -2,13 +2,13 @@
 
 #include "Agent.h"
 #include "Operation.h"
+#include "RealCalls.h"
 
 #include <QCoreApplication>
 
 #include <cstdlib>
 
 #include <pthread.h>
-#include <unistd.h>
 
 namespace Vorn::Drive {
 
@@ -30,7 +30,8 @@ void restorePreload()
 void abandonChild()
 {
     LoopWatch::abandon();
-    ::close(socketDescriptor);
+    // Past the simulation, whose lock another thread may have held at the fork.
+    Sim::Real::close(socketDescriptor);
 }
 
 // As early as possible: programs that this one starts must not inherit it.

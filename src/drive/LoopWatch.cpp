@@ -97,7 +97,7 @@ bool LoopWatch::poll(const Poll &call, int &result)
     if (result == 0 && isWait)
         result = pollIdle(call);
     else
-        m_listener->onPoll();
+        m_listener->onPoll(result != 0);
     return true;
 }
 

@@ -25,8 +25,10 @@ public:
         virtual ~Listener() = default;
         /// The loop has nothing to do.
         virtual void onIdle() = 0;
-        /// The loop has looked for something to do; it may never be idle.
-        virtual void onPoll() = 0;
+        /// The loop has looked for something to do without being idle, as one that has a timer of
+        /// 0 ms never is.
+        /// @param isReady whether it found a descriptor that is ready
+        virtual void onPoll(bool isReady) = 0;
         /// Whether time stands still until the driver says what is next; virtual time only.
         virtual bool isTimeHeld() const = 0;
         /// When to call again, in ns from now; -1: not by itself.

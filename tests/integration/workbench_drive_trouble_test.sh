@@ -22,7 +22,7 @@ END
 drive_all() {
     # shellcheck disable=SC2016 # for the inner shell
     printf '%s\n' crashes hangs never-starts never-runs exits-at-start quits leaves executes forks helper \
-        closes prints-binary prints-a-lot stays threads plain |
+        closes prints-binary prints-a-lot stays spins threads plain |
         xargs -P 8 -I NAME timeout 120 bash -c '
             name=$1
             shift
@@ -113,9 +113,12 @@ none_left() {
 drive_all --timeout 10s
 check_all
 passes threads
+passes spins
 none_left
 drive_all --timeout 10s --virtual-time
 check_all
+# Time stands still while a timer is due.
+not_driven spins 'makes no device manager of the library.s, or never comes to the event loop'
 none_left
 
 # interrupt SIGNAL BEHAVIOUR PATTERN: as soon as stderr shows PATTERN.

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QProcess>
+#include <QTimer>
 
 #include <unistd.h>
 
@@ -117,6 +118,13 @@ void startThread(const QString &)
     }).detach();
 }
 
+/// A timer that is always due, as for an animation.
+void spin(const QString &)
+{
+    auto *timer = new QTimer(QCoreApplication::instance());
+    timer->start(0);
+}
+
 const Behaviour behaviours[] = {
     {"plain", nullptr, nullptr, nullptr},
     {"crashes", nullptr, nullptr, crash},
@@ -133,6 +141,7 @@ const Behaviour behaviours[] = {
     {"prints-binary", nullptr, nullptr, printBinary},
     {"prints-a-lot", nullptr, printALot, nullptr},
     {"stays", nullptr, ignoreRequests, nullptr},
+    {"spins", nullptr, spin, nullptr},
     {"threads", nullptr, startThread, nullptr},
 };
 
