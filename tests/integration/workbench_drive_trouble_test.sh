@@ -118,7 +118,7 @@ none_left
 drive_all --timeout 10s --virtual-time
 check_all
 # Time stands still while a timer is due.
-not_driven spins 'makes no device manager of the library.s, or never comes to the event loop'
+not_driven spins 'has made no device manager of the library.s, or has not come to its event loop, '
 none_left
 
 # interrupt SIGNAL BEHAVIOUR PATTERN: as soon as stderr shows PATTERN.

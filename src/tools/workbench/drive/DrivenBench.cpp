@@ -38,7 +38,7 @@ DrivenBench::DrivenBench(ProgramRun *program, const Settings &settings, SessionL
 
 void DrivenBench::begin(const LoadedScenario &loaded)
 {
-    m_phase = QStringLiteral("makes no QCoreApplication");
+    m_phase = QStringLiteral("has made no QCoreApplication");
     const Answer hello =
         ask(Operations::Begin{m_settings.version, m_settings.virtualTime, loaded.scenario.start});
     if (!m_failure.isEmpty())
@@ -50,8 +50,8 @@ void DrivenBench::begin(const LoadedScenario &loaded)
     start.profile = QFileInfo(loaded.profileFile).fileName();
     start.wallClock = hello.wallClock;
     m_sink({0, start});
-    m_phase = QStringLiteral("makes no device manager of the library's, or never comes to the "
-                             "event loop that it works in");
+    m_phase = QStringLiteral("has made no device manager of the library's, or has not come to "
+                             "its event loop,");
     ask(Operations::AwaitManager());
     m_phase.clear();
 }
@@ -202,10 +202,10 @@ std::optional<Answer> DrivenBench::waitForAnswer(qint64 patience)
         case Ready::TimedOut:
             fail(
                 m_phase.isEmpty()
-                    ? QStringLiteral("the program does not answer for %1; its event loop hangs or "
+                    ? QStringLiteral("the program has not answered for %1: its event loop hangs or "
                                      "is never idle (--timeout)")
                           .arg(durationText(m_settings.timeout))
-                    : QStringLiteral("the program %1, after %2 (--timeout)")
+                    : QStringLiteral("the program %1 within %2 (--timeout)")
                           .arg(m_phase, durationText(m_settings.timeout)));
             break;
         case Ready::Interrupted:
