@@ -49,7 +49,7 @@ QString machineOf(const QByteArray &start)
 }
 
 /// @return nothing where the file has less than @p size bytes there
-QByteArray bytesAt(QFile *file, quint64 offset, quint64 size)
+QByteArray bytesAt(QIODevice *file, quint64 offset, quint64 size)
 {
     const auto length = static_cast<quint64>(file->size());
     if (offset > length || size > length - offset || !file->seek(static_cast<qint64>(offset)))
@@ -65,7 +65,7 @@ void damaged(ElfFile *result, const char *what)
 }
 
 /// @param header of the loader's name
-void readLoader(QFile *file, const ElfW(Phdr) & header, ElfFile *result)
+void readLoader(QIODevice *file, const ElfW(Phdr) & header, ElfFile *result)
 {
     const QByteArray name = header.p_filesz <= PATH_MAX
         ? bytesAt(file, header.p_offset, header.p_filesz)
@@ -75,7 +75,7 @@ void readLoader(QFile *file, const ElfW(Phdr) & header, ElfFile *result)
     result->loader = QFile::decodeName(name.constData());
 }
 
-void readProgramHeaders(QFile *file, const QByteArray &start, ElfFile *result)
+void readProgramHeaders(QIODevice *file, const QByteArray &start, ElfFile *result)
 {
     ElfW(Ehdr) header = {};
     if (static_cast<std::size_t>(start.size()) < sizeof header)
@@ -103,16 +103,10 @@ void readProgramHeaders(QFile *file, const QByteArray &start, ElfFile *result)
 
 } // namespace
 
-ElfFile readElfFile(const QString &path)
+ElfFile readElfFile(QIODevice *file)
 {
     ElfFile result;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        result.kind = ElfFile::Kind::Damaged;
-        result.error = file.errorString();
-        return result;
-    }
-    const QByteArray start = file.read(sizeof(ElfW(Ehdr)));
+    const QByteArray start = file->read(sizeof(ElfW(Ehdr)));
     if (!start.startsWith(ELFMAG))
         return result;
     if (start.size() < EI_NIDENT + 4) {
@@ -122,7 +116,7 @@ ElfFile readElfFile(const QString &path)
     result.machine = machineOf(start);
     static const QString own = ownMachine();
     if (result.machine == own || own.isEmpty())
-        readProgramHeaders(&file, start, &result);
+        readProgramHeaders(file, start, &result);
     else
         result.kind = ElfFile::Kind::Foreign;
     return result;

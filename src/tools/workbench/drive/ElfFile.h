@@ -1,6 +1,7 @@
 #ifndef VORN_WORKBENCH_ELFFILE_H
 #define VORN_WORKBENCH_ELFFILE_H
 
+#include <QIODevice>
 #include <QString>
 
 namespace Vorn::Workbench {
@@ -16,8 +17,8 @@ struct ElfFile
     QString loader; ///< the file that loads it; empty if it is linked statically
 };
 
-/// @param path a regular file. One that cannot be opened is Damaged.
-ElfFile readElfFile(const QString &path);
+/// @param file open, and not sequential
+ElfFile readElfFile(QIODevice *file);
 
 /// The machine that this process is for.
 QString ownMachine();

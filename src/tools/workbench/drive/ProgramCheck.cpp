@@ -43,13 +43,10 @@ QString obstacleOfFile(const QString &path)
 }
 
 /// The program that runs a script; empty if it is none.
-QString scriptRunner(const QString &path)
+QString scriptRunner(QFile *file)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
     // As much as the kernel reads of it.
-    const QByteArray line = file.read(256).split('\n').constFirst();
+    const QByteArray line = file->peek(256).split('\n').constFirst();
     return line.startsWith("#!")
         ? QString::fromLocal8Bit(line.mid(2).trimmed().replace('\t', ' ').split(' ').constFirst())
         : QString();
@@ -100,11 +97,14 @@ QString obstacleOf(const QString &path)
     QString obstacle = obstacleOfFile(path);
     if (!obstacle.isEmpty())
         return obstacle;
-    const QString runner = scriptRunner(path);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("cannot be read: %1").arg(file.errorString());
+    const QString runner = scriptRunner(&file);
     if (!runner.isEmpty())
         return QStringLiteral("is a script, run by %1; name the program that it starts")
             .arg(runner);
-    const ElfFile elf = readElfFile(path);
+    const ElfFile elf = readElfFile(&file);
     obstacle = obstacleOfElf(elf);
     return obstacle.isEmpty() ? obstacleOfLibraries(loadedLibraries(path, elf.loader)) : obstacle;
 }
