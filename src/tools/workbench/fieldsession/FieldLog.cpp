@@ -11,21 +11,22 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace Vorn::Workbench {
 
 namespace {
 
-constexpr int headSize = 64 * 1024;
+constexpr std::size_t headSize = 64 * 1024;
 
 /// The beginning of the standard input, which stays there for whoever reads it.
 QByteArray headOfInput()
 {
-    QByteArray head(headSize, '\0');
+    std::vector<char> head(headSize);
     const off_t at = ::lseek(STDIN_FILENO, 0, SEEK_CUR);
     ssize_t size = -1;
     if (at >= 0) {
-        size = ::pread(STDIN_FILENO, head.data(), headSize, at);
+        size = ::pread(STDIN_FILENO, head.data(), head.size(), at);
     } else {
         int copy[2];
         if (::pipe2(copy, O_CLOEXEC) != 0)
@@ -37,8 +38,7 @@ QByteArray headOfInput()
         ::close(copy[0]);
         ::close(copy[1]);
     }
-    head.truncate(static_cast<int>(std::max<ssize_t>(size, 0)));
-    return head;
+    return {head.data(), static_cast<int>(std::max<ssize_t>(size, 0))};
 }
 
 QByteArray headOf(const QString &path)
@@ -47,7 +47,7 @@ QByteArray headOf(const QString &path)
         return headOfInput();
     // To look into a pipe is to take from it.
     QFile file(path);
-    return QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly) ? file.read(headSize)
+    return QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly) ? file.read(qint64{headSize})
                                                                       : QByteArray();
 }
 
