@@ -68,6 +68,7 @@ void Agent::begin(const Operations::Begin &operation)
         SessionLog::Holding::No);
     m_observer = std::make_unique<ProgramObserver>(
         m_log.get(), [this](const QString &path) { return deviceName(path); });
+    // NOLINTNEXTLINE(modernize-make-unique): that it listens is private.
     m_watch.reset(new LoopWatch(m_socket.descriptor(), this));
     auto *notifier = new QSocketNotifier(m_socket.descriptor(), QSocketNotifier::Read, this);
     Vorn::connect(notifier, &QSocketNotifier::activated, this, [this] { readOperations(); });

@@ -36,7 +36,7 @@ void AgentSocket::send(const QByteArray &line)
 std::optional<QByteArray> AgentSocket::waitForLine()
 {
     while (m_isOpen) {
-        if (const std::optional<QByteArray> line = takeLine())
+        if (std::optional<QByteArray> line = takeLine())
             return line;
         receive(0);
     }

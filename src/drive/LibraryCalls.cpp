@@ -32,7 +32,6 @@
 #define VORN_KEY_RECORDS VORN_KEYS "12processEventERK5QListI11input_eventE"
 #define VORN_SWITCH_RECORDS VORN_SWITCHES "12processEventERK5QListI11input_eventE"
 
-using Vorn::Drive::ProgramObserver;
 using Records = QList<input_event>;
 
 namespace Vorn::Drive::Replacement {
@@ -179,9 +178,8 @@ struct VirtualFunction
 void makeWritable(void *table, std::size_t size, int protection)
 {
     const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-    const auto first = reinterpret_cast<std::uintptr_t>(table) & ~(page - 1);
-    const auto end = reinterpret_cast<std::uintptr_t>(table) + size;
-    ::mprotect(reinterpret_cast<void *>(first), end - first, protection);
+    const auto before = reinterpret_cast<std::uintptr_t>(table) & (page - 1);
+    ::mprotect(static_cast<char *>(table) - before, before + size, protection);
 }
 
 /// @return whether the table calls the replacement now

@@ -211,7 +211,7 @@ void ProgramObserver::lookForLostReleases()
     }
 }
 
-void ProgramObserver::select(const QString &identifier)
+void ProgramObserver::select(const QString &identifier) const
 {
     if (!manager())
         return;

@@ -74,7 +74,7 @@ public:
     /// How many events were published.
     qint64 events() const { return m_events; }
     /// Selects as the program would.
-    void select(const QString &identifier);
+    void select(const QString &identifier) const;
 
 private:
     struct Device

@@ -23,6 +23,7 @@ struct Rows
 
     constexpr Rows() = default;
     template <std::size_t size>
+    // NOLINTNEXTLINE(google-explicit-constructor): a table is written where its rows are wanted.
     constexpr Rows(const Row (&table)[size])
         : first(table)
         , count(static_cast<int>(size))
@@ -40,6 +41,7 @@ struct TextData
 
     constexpr TextData() = default;
     template <std::size_t sizeWithEnd>
+    // NOLINTNEXTLINE(google-explicit-constructor): so that a literal stands for a text.
     constexpr TextData(const char16_t (&literal)[sizeWithEnd])
         : utf16(literal)
         , size(static_cast<int>(sizeWithEnd - 1))

@@ -55,7 +55,7 @@ struct Device
 /// Whether it depends on its bus which entry a device of that name uses.
 bool dependsOnBus(const Profile &profile, const QString &name)
 {
-    const auto first = std::find_if(
+    const auto *const first = std::find_if(
         profile.devices.begin(), profile.devices.end(),
         [&name](const DeviceProfile &device) { return device.name.value_or(name) == name; });
     return first != profile.devices.end() && first->bus;
@@ -123,11 +123,11 @@ public:
 private:
     Registered registerNew(const QString &path, Device *device, const HandlerProfile &handler);
     void addKeys(const QString &path, Device *device, BasicKeyInputHandler *handler,
-                 const QString &id);
+                 const QString &id) const;
     void addSwitches(const QString &path, Device *device, BasicSwInputHandler *handler,
-                     const QString &id);
+                     const QString &id) const;
     void correctReceivers(const QString &path, Device *device);
-    InputEvent::Bus busOf(const QString &path, Device *device);
+    InputEvent::Bus busOf(const QString &path, Device *device) const;
 };
 
 void ProfileInputHandler::Private::connectRules()
@@ -210,14 +210,15 @@ Registered ProfileInputHandler::Private::registerNew(const QString &path, Device
 }
 
 void ProfileInputHandler::Private::addKeys(const QString &path, Device *device,
-                                           BasicKeyInputHandler *handler, const QString &id)
+                                           BasicKeyInputHandler *handler, const QString &id) const
 {
     q->addKeyHandler(path, handler, id);
     device->keyReceivers.insert(id, handler);
 }
 
 void ProfileInputHandler::Private::addSwitches(const QString &path, Device *device,
-                                               BasicSwInputHandler *handler, const QString &id)
+                                               BasicSwInputHandler *handler,
+                                               const QString &id) const
 {
     q->addSwitchHandler(path, handler, id);
     device->switchReceivers.insert(id, handler);
@@ -248,7 +249,7 @@ void ProfileInputHandler::Private::correctReceivers(const QString &path, Device 
 }
 
 // A listener that does not read its node does not know the bus, so both are asked.
-InputEvent::Bus ProfileInputHandler::Private::busOf(const QString &path, Device *device)
+InputEvent::Bus ProfileInputHandler::Private::busOf(const QString &path, Device *device) const
 {
     if (!dependsOnBus(profile, device->name))
         return InputEvent::Bus::NoBus;

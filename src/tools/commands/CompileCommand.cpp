@@ -83,7 +83,7 @@ QString writeFiles(const CompileOptions &options, const QString &header,
 {
     const Overwrite overwrite{compiledSignature(), options.force};
     for (const QString &path : {header, options.output}) {
-        const QString obstacle = path.isEmpty() ? QString() : obstacleTo(path, overwrite);
+        QString obstacle = path.isEmpty() ? QString() : obstacleTo(path, overwrite);
         if (!obstacle.isEmpty())
             return obstacle;
     }

@@ -3,9 +3,9 @@
 #include <QFile>
 
 #include <elf.h>
-#include <limits.h>
 #include <link.h>
 
+#include <climits>
 #include <cstring>
 
 namespace Vorn::Workbench {
@@ -13,7 +13,7 @@ namespace Vorn::Workbench {
 namespace {
 
 // As the kernel limits it: a damaged count does not fill the memory.
-constexpr quint64 maxTableSize = 64 * 1024;
+constexpr quint64 maxTableSize = quint64{64} * 1024;
 
 QString architecture(int machine)
 {

@@ -27,7 +27,7 @@ QString programPath(const QString &program)
         return program;
     const QStringList all = folders();
     for (const QString &folder : all) {
-        const QString path =
+        QString path =
             (folder.isEmpty() ? QStringLiteral(".") : folder) + QLatin1Char('/') + program;
         if (QFileInfo(path).isFile() && access(QFile::encodeName(path).constData(), X_OK) == 0)
             return path;

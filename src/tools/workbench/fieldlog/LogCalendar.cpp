@@ -3,7 +3,6 @@
 #include <QDateTime>
 
 #include <cstdlib>
-#include <utility>
 
 namespace Vorn::Workbench {
 
@@ -26,8 +25,8 @@ qint64 daysSinceEpoch(int year, int month, int dayOfMonth)
 
 } // namespace
 
-LogCalendar::LogCalendar(QTimeZone zone)
-    : m_zone(std::move(zone))
+LogCalendar::LogCalendar(const QTimeZone &zone)
+    : m_zone(zone)
     , m_isUtc(m_zone == QTimeZone::utc())
 { }
 

@@ -14,7 +14,7 @@ namespace Vorn::Workbench {
 class LogCalendar
 {
 public:
-    explicit LogCalendar(QTimeZone zone);
+    explicit LogCalendar(const QTimeZone &zone);
 
     /// The day when the file was last written, for dates without a year.
     void setLastDay(const QDate &day) { m_lastDay = day; }

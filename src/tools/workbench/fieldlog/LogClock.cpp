@@ -12,7 +12,7 @@ constexpr qint64 second = 1'000'000;
 /// Threads that log at the same time may get into each other's way by so much.
 constexpr qint64 tolerance = second / 10;
 /// Nothing logged for so long is stranger than a clock that was wrong until the network was there.
-constexpr qint64 leap = 24 * 3600 * second;
+constexpr qint64 leap = qint64{24} * 3600 * second;
 
 /// A product may be silent in a warehouse, but a picture of a session cannot show that.
 constexpr qint64 longestSilence = 100 * leap;
@@ -27,7 +27,7 @@ QString durationText(qint64 microseconds)
         const char *name;
         qint64 size;
     };
-    constexpr std::array<Unit, 5> units = {{{"d", 24 * 3600 * second},
+    constexpr std::array<Unit, 5> units = {{{"d", qint64{24} * 3600 * second},
                                             {"h", 3600 * second},
                                             {"min", 60 * second},
                                             {"s", second},

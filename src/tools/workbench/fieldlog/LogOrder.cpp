@@ -86,7 +86,7 @@ QStringList rotatedFiles(const QString &path)
 QStringList inLogOrder(const QStringList &files, const FirstTime &firstTime,
                        Diagnostics *diagnostics)
 {
-    const QStringList unique = withoutDoubles(files);
+    QStringList unique = withoutDoubles(files);
     if (unique.size() < 2)
         return unique;
     std::vector<Part> parts;

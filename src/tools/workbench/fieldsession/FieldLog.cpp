@@ -17,7 +17,7 @@ namespace Vorn::Workbench {
 
 namespace {
 
-constexpr std::size_t headSize = 64 * 1024;
+constexpr std::size_t headSize = std::size_t{64} * 1024;
 
 /// The beginning of the standard input, which stays there for whoever reads it.
 QByteArray headOfInput()

@@ -70,7 +70,7 @@ public:
             m_fits = false;
             return {};
         }
-        const QString before = m_rest.left(at).toString();
+        QString before = m_rest.left(at).toString();
         m_rest = m_rest.mid(at + literal.size());
         return before;
     }
@@ -278,7 +278,7 @@ std::optional<LibraryLine> handlerLine(const QString &message)
         return entered(message);
     if (const std::optional<EventReported> event = report(message))
         return line(logger, LogLevel::Trace, *event);
-    if (const std::optional<LibraryLine> node = nodeLine(message))
+    if (std::optional<LibraryLine> node = nodeLine(message))
         return node;
     if (const std::optional<Complaint> complaint = registrationComplaint(message))
         return line(logger, LogLevel::Warn, *complaint);
@@ -354,9 +354,9 @@ std::optional<LibraryLine> listenerLine(const QString &message)
         return recordLine(QLatin1Char(' ') + message);
     if (message.startsWith(literal("Enter ")))
         return readLine(message);
-    if (const std::optional<LibraryLine> opened = openedLine(message))
+    if (std::optional<LibraryLine> opened = openedLine(message))
         return opened;
-    if (const std::optional<LibraryLine> identity = identityLine(message))
+    if (std::optional<LibraryLine> identity = identityLine(message))
         return identity;
     if (const auto node = path(message, "Error reading from event device ", ""))
         return line(logger, LogLevel::Error, ReadFailed{*node});
@@ -443,7 +443,7 @@ std::optional<LibraryLine> libraryLine(LibraryLogger logger, const QString &mess
 std::optional<LibraryLine> libraryLine(const QString &message)
 {
     for (std::size_t i = 0; i < loggerNames.size(); ++i) {
-        if (const auto found = libraryLine(static_cast<LibraryLogger>(i), message))
+        if (auto found = libraryLine(static_cast<LibraryLogger>(i), message))
             return found;
     }
     return std::nullopt;

@@ -68,7 +68,7 @@ LogDevicePtr LogDevices::finishOpening()
     // The name that the product got, if the log has it.
     if (opening.device.name.isEmpty())
         opening.device.name = opening.listenerName;
-    const auto device = std::make_shared<const LogDevice>(opening.device);
+    auto device = std::make_shared<const LogDevice>(opening.device);
     m_devices.insert(device->path, device);
     return device;
 }

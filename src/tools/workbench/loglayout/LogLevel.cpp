@@ -6,7 +6,7 @@ namespace Vorn::Workbench {
 
 std::optional<LogLevel> levelOf(std::string_view name)
 {
-    const auto found = std::find(levelNames.begin(), levelNames.end(), name);
+    const auto *const found = std::find(levelNames.begin(), levelNames.end(), name);
     if (found == levelNames.end())
         return std::nullopt;
     return static_cast<LogLevel>(found - levelNames.begin());

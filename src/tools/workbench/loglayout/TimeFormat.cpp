@@ -91,7 +91,7 @@ bool takeOffset(std::string_view *text, LogStamp *stamp)
 
 bool takeZoneName(std::string_view *text, LogStamp *stamp)
 {
-    const auto end = std::find_if(text->begin(), text->end(), [](char character) {
+    const auto *const end = std::find_if(text->begin(), text->end(), [](char character) {
         return (character < 'A' || character > 'Z') && (character < 'a' || character > 'z');
     });
     const std::string_view name = text->substr(0, static_cast<std::size_t>(end - text->begin()));
@@ -187,11 +187,11 @@ bool takeTime(char conversion, std::string_view *text, LogStamp *stamp, int *hou
     switch (conversion) {
     case 'H':
         isTaken = takeDigits(text, 2, &number, 0, 23);
-        stamp->microseconds += number * 3600 * second;
+        stamp->microseconds += qint64{number} * 3600 * second;
         return isTaken;
     case 'k':
         isTaken = takePadded(text, &number, 0, 23);
-        stamp->microseconds += number * 3600 * second;
+        stamp->microseconds += qint64{number} * 3600 * second;
         return isTaken;
     case 'I':
         return takeDigits(text, 2, hour, 1, 12);
@@ -205,7 +205,7 @@ bool takeTime(char conversion, std::string_view *text, LogStamp *stamp, int *hou
         return isTaken;
     case 'M':
         isTaken = takeDigits(text, 2, &number, 0, 59);
-        stamp->microseconds += number * 60 * second;
+        stamp->microseconds += qint64{number} * 60 * second;
         return isTaken;
     case 'S': // with a leap second
         isTaken = takeDigits(text, 2, &number, 0, 60);
@@ -223,7 +223,7 @@ bool takePart(char conversion, std::string_view *text, LogStamp *stamp, int *hou
     case 'q':
         if (!takeDigits(text, 3, &number))
             return false;
-        stamp->microseconds += number * 1000;
+        stamp->microseconds += qint64{number} * 1000;
         return true;
     case 'Q': { // log4cplus writes milliseconds and their fraction: "123.456"
         int fraction = 0;
@@ -297,7 +297,7 @@ bool TimeFormat::take(std::string_view *text, LogStamp *stamp) const
             return false;
     }
     if (hour >= 0)
-        result.microseconds += hour * 3600 * second;
+        result.microseconds += qint64{hour} * 3600 * second;
     *stamp = result;
     *text = rest;
     return true;

@@ -126,7 +126,7 @@ std::optional<TimeInText> timeAtFrontOf(std::string_view text)
     if (text.empty())
         return std::nullopt;
     for (const auto form : {usualForm, sinceEpoch}) {
-        if (const std::optional<TimeInText> found = form(text))
+        if (std::optional<TimeInText> found = form(text))
             return found;
     }
     std::string format;

@@ -161,7 +161,7 @@ QString Compiler::table(const char *type, const char *what, const QStringList &r
 {
     if (rows.isEmpty())
         return QStringLiteral("{}");
-    const QString name = m_name + QLatin1String(what) + QString::number(++m_count);
+    QString name = m_name + QLatin1String(what) + QString::number(++m_count);
     m_tables += QStringLiteral("constexpr %1 %2[] = {\n").arg(QLatin1String(type), name);
     for (const QString &text : rows)
         m_tables += QStringLiteral("    ") + text + QLatin1Char('\n');
