@@ -112,10 +112,11 @@ class Player
 public:
     template <typename Make>
     explicit Player(Make make)
-        : m_node(m_subsystem.plug(
-            0,
-            DeviceDescription::keyboard("panel", BUS_HOST, {KEY_A, KEY_B, KEY_C, KEY_D})
-                .withSwitches({SW_LINEIN_INSERT})))
+        : m_subsystem(Vorn::Sim::InputSubsystem::Directory::Persistent)
+        , m_node(m_subsystem.plug(
+              0,
+              DeviceDescription::keyboard("panel", BUS_HOST, {KEY_A, KEY_B, KEY_C, KEY_D})
+                  .withSwitches({SW_LINEIN_INSERT})))
         , m_product(make())
     {
         QObject::connect(Input::instance(), &Input::inputEvent, &m_context,

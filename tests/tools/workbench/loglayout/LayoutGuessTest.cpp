@@ -202,7 +202,8 @@ TEST(LayoutGuess, ReadsLevelsThatTheSampleDoesNotHave)
             for (const LogLevel level : {LogLevel::Debug, LogLevel::Info, LogLevel::Warn}) {
                 const ProductMessage message = {"Input", level, "Vorn::InputEvent(4) click", 0};
                 const std::string line = withoutEnd(writtenBy(pattern, message));
-                SCOPED_TRACE(layout->text().toStdString() + " after '" + sample + "': " + line);
+                SCOPED_TRACE(testing::Message() << layout->text().toStdString() << " after '"
+                                                << sample << "': " << line);
                 LogFields fields;
                 ASSERT_EQ(layout->parse(line, &fields), LogLayout::Fit::Whole);
                 EXPECT_EQ(fields.message, message.message);
