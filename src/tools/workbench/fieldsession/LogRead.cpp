@@ -9,6 +9,9 @@ namespace Vorn::Workbench {
 bool LogHand::accepts(InputEvent::Command command, InputEvent::State state) const
 {
     const bool isPress = state == InputEvent::KeyPressed;
+    // What may have been its event already is not followed by another one.
+    if (!openEvent.isEmpty() && !click && kind != Kind::ChordBegun)
+        return false;
     if (!isPress && state != InputEvent::KeyReleased)
         return false;
     switch (kind) {
@@ -18,7 +21,9 @@ bool LogHand::accepts(InputEvent::Command command, InputEvent::State state) cons
             return isPress && events.isEmpty();
         return events.isEmpty() || (!isPress && click == command);
     case Kind::ChordBegun:
-        return isPress ? !isChordTold : !isPairPassedOn && events.isEmpty();
+        if (isPress || isReleasedInBetween)
+            return !isChordTold;
+        return !isPairPassedOn && events.isEmpty();
     case Kind::ChordEnded:
         return !isPress && events.isEmpty();
     case Kind::ChordPart:

@@ -46,9 +46,11 @@ struct LogHand
     int value = 0;
     int keyLines = 0; ///< of what the detector has passed on
     bool isPairPassedOn = false; ///< the withdrawal is over
+    bool isReleasedInBetween = false; ///< a key of the pair, in a slot of the withdrawal
     bool isChordTold = false;
     QStringList events;
     std::optional<InputEvent::Command> click; ///< pressed, and not yet released
+    QString openEvent; ///< that may be of this record or of another one
     qint64 time = 0; ///< of the last line about it
 
     /// Whether an event may come of it.

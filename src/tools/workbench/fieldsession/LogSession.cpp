@@ -579,10 +579,16 @@ void LogSession::take(const Said::ReleaseDropped &)
             reason =
                 QStringLiteral("dropped: the handlers were selected at %1, which ended its press")
                     .arg(seconds(detector->forgotten.take(code)));
+        } else if (detector->identifier != cause.read->identifier) {
+            // The rest of a read goes to the handler that began it: a slot had selected another.
+            reason = QStringLiteral("dropped: its press went to the handler of identifier '%1'")
+                         .arg(detector->identifier);
         } else {
             reason =
                 QStringLiteral("dropped: its press had been forgotten, by a selection that the "
                                "log does not show");
+            // A detector of long presses hears of no release that is dropped.
+            detector->leftTimed.insert(code);
             detector->keys.remove(detector->indexOf(code));
             tellWaiting(detector, code, Outcome::Open,
                         QStringLiteral("forgotten before its release at ") + seconds(m_time));
@@ -619,6 +625,9 @@ void LogSession::take(const Said::KeyPassedOn &key)
         ++hand.keyLines;
         // First the release of the first key, then both.
         hand.isPairPassedOn = hand.kind == Kind::ChordBegun && hand.keyLines > 1;
+        // The pair counts as released then: a slot let its first key go meanwhile.
+        if (hand.isPairPassedOn && key.value == 0)
+            hand.isReleasedInBetween = true;
         hand.time = m_time;
         return;
     }
@@ -646,6 +655,11 @@ void LogSession::publish(InputEvent::Command command, InputEvent::State state,
                          const std::optional<Said::EventReported> &report)
 {
     m_hasActivity = true;
+    // The event of a pair comes at once, or there is none.
+    LogHand *last = m_reads.empty() || !m_reads.back().hand ? nullptr : &*m_reads.back().hand;
+    if (last && last->hasPairPassed()
+        && !(last->accepts(command, state) && mayBeOf(*last->origin, report)))
+        tellChord(last, false);
     if (state == InputEvent::KeyLongPress)
         publishLongPress(command, report);
     else if (state == InputEvent::SwitchEnabled || state == InputEvent::SwitchDisabled)
@@ -669,11 +683,30 @@ LogHand *LogSession::handFor(InputEvent::Command command, InputEvent::State stat
         const LogHand &hand = *read->hand;
         if (!report && hand.events.isEmpty() && m_time - hand.time > atOnce)
             continue;
+        if (LogHand *outer = outerClick(read, command, state, report)) {
+            for (LogHand *each : {&*read->hand, outer})
+                each->openEvent = eventText(command, state);
+            return nullptr;
+        }
         closeAfter(&*read);
         nameBy(m_reads.back().hand->origin, report);
         return &*m_reads.back().hand;
     }
     return m_coverage.hasDetectors() ? nullptr : handByOrder(command, state);
+}
+
+/// The record whose click a slot may have held up until now, so that its release looks like that of
+/// the record in hand.
+LogHand *LogSession::outerClick(std::deque<LogRead>::reverse_iterator inner,
+                                InputEvent::Command command, InputEvent::State state,
+                                const std::optional<Said::EventReported> &report)
+{
+    if (state != InputEvent::KeyReleased || inner->hand->click)
+        return nullptr;
+    const auto outer = std::find_if(std::next(inner), m_reads.rend(), [&](const LogRead &read) {
+        return read.hand && read.hand->click == command && mayBeOf(*read.hand->origin, report);
+    });
+    return outer == m_reads.rend() ? nullptr : &*outer->hand;
 }
 
 /// The key that an event comes of, where no line of a detector says it: the only one that can be.
@@ -758,7 +791,8 @@ void LogSession::publishFrom(LogHand *hand, InputEvent::Command command, InputEv
     event.state = state;
     event.type = EV_KEY;
     event.codes = hand->codes;
-    if (hand->kind == Kind::ChordBegun && state == InputEvent::KeyReleased) {
+    if (hand->kind == Kind::ChordBegun && !hand->isPairPassedOn && state == InputEvent::KeyReleased)
+    {
         event.codes = {hand->codes.first()};
     } else if (hand->isPair()) {
         event.codes = pairOf(*hand, command);
@@ -922,11 +956,17 @@ void LogSession::finishHand(LogRead *read)
 
 void LogSession::tellSingle(LogHand *hand)
 {
+    if (!hand->openEvent.isEmpty() && hand->events.isEmpty()) {
+        if (hand->detector)
+            tellWaiting(hand->detector, hand->code, Outcome::Open, openEventReason(*hand));
+        tell(*hand, Outcome::Open, openEventReason(*hand));
+        return;
+    }
     if (!hand->events.isEmpty()) {
         if (hand->value == 0 && hand->detector)
             tellWaiting(hand->detector, hand->code, Outcome::Held,
                         QStringLiteral("held back until the release"));
-        tell(*hand, Outcome::Published, {});
+        tell(*hand, Outcome::Published, hand->click ? openEventReason(*hand) : QString());
         return;
     }
     if (hand->value != 0) {
@@ -958,7 +998,9 @@ void LogSession::tellPair(LogHand *hand)
             tellChord(hand, false);
     }
     const QString second = keyName(hand->codes.last());
-    if (hand->events.isEmpty())
+    if (hand->events.isEmpty() && !hand->openEvent.isEmpty())
+        tell(*hand, Outcome::Open, openEventReason(*hand));
+    else if (hand->events.isEmpty())
         tell(*hand, Outcome::Unmapped,
              QStringLiteral("%1 have no command together, nor has %2 one").arg(pair, second),
              Doubt::Unmapped);
@@ -975,6 +1017,15 @@ QString LogSession::openPairReason(const LogHand &hand) const
     const auto alone = commandOf(*hand.detector, second);
     return alone ? reason + QStringLiteral(", which published %1 before").arg(commandName(*alone))
                  : reason;
+}
+
+QString LogSession::openEventReason(const LogHand &hand)
+{
+    if (hand.openEvent.isEmpty())
+        return {};
+    return QStringLiteral("the log does not say whether %1 is of this record or of another one: a "
+                          "slot ran an event loop")
+        .arg(hand.openEvent);
 }
 
 void LogSession::forgetKeys()

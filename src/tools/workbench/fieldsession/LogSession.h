@@ -98,6 +98,8 @@ private:
                  const std::optional<Said::EventReported> &report);
     LogHand *handFor(InputEvent::Command command, InputEvent::State state,
                      const std::optional<Said::EventReported> &report);
+    LogHand *outerClick(std::deque<LogRead>::reverse_iterator inner, InputEvent::Command command,
+                        InputEvent::State state, const std::optional<Said::EventReported> &report);
     LogHand *handByOrder(InputEvent::Command command, InputEvent::State state);
     bool mayBeOf(const LogOrigin &origin, const std::optional<Said::EventReported> &report) const;
     void nameBy(const LogOriginPtr &origin, const std::optional<Said::EventReported> &report);
@@ -121,6 +123,7 @@ private:
     void tell(const LogHand &hand, RecordOutcome::What what, const QString &reason,
               LogQueue::Doubt doubt = LogQueue::Doubt::None);
     QString openPairReason(const LogHand &hand) const;
+    static QString openEventReason(const LogHand &hand);
     void forgetKeys();
     void step(DetectorStep::What what, const LogDetector &detector, const QVector<int> &keys,
               bool isMapped = false);

@@ -7,6 +7,8 @@
 
 #include <linux/input.h>
 
+#include <algorithm>
+
 namespace {
 
 using namespace Vorn::Workbench;
@@ -67,6 +69,22 @@ public:
             list += QStringLiteral("input_event: code:%1 value:%2 time:10:00:00,000")
                         .arg(key.section(' ', 0, 0), key.section(' ', 1, 1));
         return add(detectors, QStringLiteral("Stored:(%1)").arg(list.join(", ")));
+    }
+
+    Log &passedOn(int code, int value)
+    {
+        return add(handlers, QStringLiteral("key:%1 value %2").arg(code).arg(value));
+    }
+
+    /// Of the panel, or the remote's Number1.
+    Log &event(const QString &identifier, const QString &command, const QString &state, int number,
+               const QString &word)
+    {
+        const QString device = command == "Number1" ? "remote" : "panel";
+        add(handlers,
+            QStringLiteral("Device: %1; id: %2; command [cmd=%3, state=%4]")
+                .arg(device, identifier, command, state));
+        return add("Input", QStringLiteral("Vorn::InputEvent(%1) %2").arg(number).arg(word));
     }
 
     std::vector<SessionEntry> session()
@@ -325,4 +343,98 @@ TEST(LogSession, LinesOfTheLibraryInAnyOrderDoNoHarm)
         EXPECT_GE(entry.time, time);
         time = entry.time;
     }
+}
+
+TEST(LogSession, LeavesAKeyTimedWhoseReleaseWentToAnotherHandler)
+{
+    Log log;
+    log.device(0, "panel");
+    log.add(handlers, "Enter BasicInputHandler::selectKeyHandler: ");
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_D, 1).record(KEY_A, 1);
+    log.stored({"32 press"}).passedOn(KEY_D, 1).event("", "CharD", "KeyPressed", 1100, "press");
+    // The rest of the read goes to the handler that began it.
+    log.add(handlers, "Enter BasicInputHandler::selectKeyHandler: text");
+    log.stored({"30 press"}).passedOn(KEY_A, 1).event("", "CharA", "KeyPressed", 1097, "press");
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 0);
+    log.add(detectors, "Received release for non existing press -> drop");
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_B, 1);
+    log.stored({"48 press"}).passedOn(KEY_B, 1);
+    log.event("", "CharA", "KeyLongPress", 1097, "long press");
+    const std::vector<SessionEntry> session = log.session();
+    EXPECT_THAT(reasons(session),
+                Contains("dropped: its press went to the handler of identifier ''"));
+    const std::vector<EventPublished> events = all<EventPublished>(session);
+    ASSERT_THAT(events, SizeIs(3));
+    EXPECT_EQ(events[2].state, InputEvent::KeyLongPress);
+    EXPECT_EQ(events[2].codes, QVector<int>{KEY_A});
+}
+
+TEST(LogSession, LeavesOpenWhichOfTwoKeysAReleaseIsOf)
+{
+    Log log;
+    log.device(0, "panel");
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 1);
+    log.stored({"30 press"}).passedOn(KEY_A, 1);
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 0);
+    log.add(detectors, "Found already event for code:30").stored({"30 release"});
+    log.passedOn(KEY_A, 0).event("", "CharA", "KeyPressed", 1097, "press");
+    // A slot runs an event loop between the two events of a click.
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_D, 1);
+    log.stored({"32 press"}).passedOn(KEY_D, 1);
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_D, 0);
+    log.add(detectors, "Found already event for code:32").stored({"32 release"});
+    log.passedOn(KEY_D, 0).event("", "CharA", "KeyReleased", 1097, "release");
+    const std::vector<SessionEntry> session = log.session();
+    const std::vector<EventPublished> events = all<EventPublished>(session);
+    ASSERT_THAT(events, SizeIs(2));
+    EXPECT_EQ(events[0].codes, QVector<int>{KEY_A});
+    EXPECT_THAT(events[1].codes, IsEmpty());
+    EXPECT_THAT(reasons(session),
+                testing::UnorderedElementsAre(HasSubstr("held back until"),
+                                              HasSubstr("of this record or of another one"),
+                                              HasSubstr("of this record or of another one"),
+                                              HasSubstr("of this record or of another one")));
+}
+
+TEST(LogSession, TellsAPairWhoseFirstKeyWasReleasedMeanwhile)
+{
+    Log log;
+    log.device(0, "panel");
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 1);
+    log.stored({"30 press"}).passedOn(KEY_A, 1).event("", "CharA", "KeyPressed", 1097, "press");
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_B, 1);
+    log.stored({"30 press", "48 press"}).passedOn(KEY_A, 0);
+    log.event("", "CharA", "KeyReleased", 1097, "release");
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 0);
+    log.add(detectors, "Found already event for code:30").stored({"30 release", "48 press"});
+    log.passedOn(KEY_A, 0).passedOn(KEY_B, 1);
+    log.event("", "Power", "KeyReleased", 22, "release");
+    const std::vector<EventPublished> events = all<EventPublished>(log.session());
+    ASSERT_THAT(events, SizeIs(3));
+    EXPECT_EQ(events[1].codes, QVector<int>{KEY_A});
+    EXPECT_EQ(events[2].codes, (QVector<int>{KEY_A, KEY_B}));
+}
+
+TEST(LogSession, TellsAPairWithoutACommandBeforeAnEventOfAnotherKey)
+{
+    Log log;
+    log.device(0, "panel").device(1, "remote");
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_1, 1);
+    log.stored({"2 press"}).passedOn(KEY_1, 1);
+    log.add(listeners, "Enter LinuxInputListener::readData: 6").record(KEY_A, 1);
+    log.stored({"30 press"}).passedOn(KEY_A, 1);
+    log.add(listeners, "Enter LinuxInputListener::readData: 6").record(KEY_B, 1);
+    log.stored({"30 press", "48 press"});
+    log.passedOn(KEY_A, 0).passedOn(KEY_A, 1).passedOn(KEY_B, 1);
+    log.event("", "Number1", "KeyLongPress", 1049, "long press");
+    const std::vector<SessionEntry> session = log.session();
+    const auto found = std::find_if(session.begin(), session.end(), [](const SessionEntry &entry) {
+        const auto *step = std::get_if<DetectorStep>(&entry.what);
+        return step && step->what == DetectorStep::What::ChordFound;
+    });
+    const auto event = std::find_if(session.begin(), session.end(), [](const SessionEntry &entry) {
+        return std::holds_alternative<EventPublished>(entry.what);
+    });
+    ASSERT_NE(event, session.end());
+    EXPECT_LT(found - session.begin(), event - session.begin());
 }
