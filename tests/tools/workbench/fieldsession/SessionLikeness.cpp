@@ -309,6 +309,26 @@ void checkPairs(const std::vector<SessionEntry> &stated, const std::vector<Sessi
         differences->emplace_back("an event has other keys, and no outcome leaves it open");
 }
 
+std::vector<std::string> outcomeDifferences(const std::map<std::string, std::vector<Told>> &stated,
+                                            const std::vector<SessionEntry> &read)
+{
+    std::vector<std::string> found;
+    auto readOutcomes = outcomes(read, Order::FirstFirst);
+    for (const auto &[record, list] : stated) {
+        const std::vector<Told> &other = readOutcomes[record];
+        if (list.size() != other.size())
+            found.push_back(std::to_string(list.size()) + " outcomes of " + record + ", read "
+                            + std::to_string(other.size()));
+        for (std::size_t i = 0; i < std::min(list.size(), other.size()); ++i) {
+            if (!agree(list[i], other[i]))
+                found.push_back("outcome " + std::to_string(i) + " of " + record + ": stated "
+                                + outcomeName(list[i].what).toStdString() + ", read "
+                                + outcomeName(other[i].what).toStdString());
+        }
+    }
+    return found;
+}
+
 } // namespace
 
 std::vector<std::string> differences(const std::vector<SessionEntry> &statedSession,
@@ -336,19 +356,13 @@ std::vector<std::string> differences(const std::vector<SessionEntry> &statedSess
         compare("record of " + device, list, readRecords[device], &found);
     if (readRecords.size() != statedRecords.size())
         found.emplace_back("records of other devices were read");
-    auto readOutcomes = outcomes(read, Order::FirstFirst);
-    for (const auto &[record, list] : outcomes(stated, Order::LastFirst)) {
-        const std::vector<Told> &other = readOutcomes[record];
-        if (list.size() != other.size())
-            found.push_back(std::to_string(list.size()) + " outcomes of " + record + ", read "
-                            + std::to_string(other.size()));
-        for (std::size_t i = 0; i < std::min(list.size(), other.size()); ++i) {
-            if (!agree(list[i], other[i]))
-                found.push_back("outcome " + std::to_string(i) + " of " + record + ": stated "
-                                + outcomeName(list[i].what).toStdString() + ", read "
-                                + outcomeName(other[i].what).toStdString());
-        }
-    }
+    // One press in a slot of another of the same key: a log may tell of the outer one first.
+    const std::vector<std::string> byRecord =
+        outcomeDifferences(outcomes(stated, Order::LastFirst), read);
+    const std::vector<std::string> asTold =
+        outcomeDifferences(outcomes(stated, Order::FirstFirst), read);
+    if (!byRecord.empty() && !asTold.empty())
+        found.insert(found.end(), asTold.begin(), asTold.end());
     return found;
 }
 

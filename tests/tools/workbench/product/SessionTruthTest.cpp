@@ -632,3 +632,14 @@ TEST(SessionTruth, SaysWhatTheLibraryAndTheBusSay)
         ASSERT_THAT(RandomSession(seed).run(), testing::IsEmpty()) << "seed " << seed;
     }
 }
+
+/// Slots that run event loops or select in the middle of a click or a chord.
+TEST(SessionTruth, HoldsForSlotsThatInterfereWithKeys)
+{
+    for (const unsigned seed :
+         {262U, 315U, 386U,  460U,  480U,  482U,  621U,  629U,  768U,  878U, 901U,
+          931U, 964U, 1214U, 1286U, 1334U, 1529U, 1539U, 1634U, 1965U, 1990U})
+    {
+        EXPECT_THAT(RandomSession(seed).run(), testing::IsEmpty()) << "seed " << seed;
+    }
+}
