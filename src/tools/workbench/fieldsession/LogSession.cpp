@@ -330,7 +330,7 @@ LogRecordPtr LogSession::takeBackTwin(std::optional<int> code, KeyValue value)
     });
     if (found == m_twins.end())
         return nullptr;
-    const LogRecordPtr record = *found;
+    LogRecordPtr record = *found;
     m_twins.erase(found);
     record->twin->isPaired = false;
     record->twin.reset();
@@ -439,7 +439,7 @@ LogSession::Cause LogSession::causeOf(std::optional<int> code, KeyValue value)
     return {read->origin, read, nullptr};
 }
 
-void LogSession::hold(const Cause &cause, LogHand hand)
+void LogSession::hold(const Cause &cause, LogHand hand) const
 {
     hand.record = cause.record;
     hand.origin = cause.origin;
@@ -457,8 +457,8 @@ void LogSession::take(const Said::KeysStored &stored)
     const bool isFound = m_found.has_value();
     const int code = isFound ? m_found->code : stored.keys.last().code;
     m_found.reset();
-    const auto key = std::find_if(stored.keys.begin(), stored.keys.end(),
-                                  [code](const auto &other) { return other.code == code; });
+    const auto *const key = std::find_if(stored.keys.begin(), stored.keys.end(),
+                                         [code](const auto &other) { return other.code == code; });
     if (key == stored.keys.end()) {
         m_queue.add(m_time,
                     Remark{QStringLiteral("lines of the chord detector contradict each "
@@ -697,7 +697,7 @@ LogHand *LogSession::handFor(InputEvent::Command command, InputEvent::State stat
 
 /// The record whose click a slot may have held up until now, so that its release looks like that of
 /// the record in hand.
-LogHand *LogSession::outerClick(std::deque<LogRead>::reverse_iterator inner,
+LogHand *LogSession::outerClick(const std::deque<LogRead>::reverse_iterator &inner,
                                 InputEvent::Command command, InputEvent::State state,
                                 const std::optional<Said::EventReported> &report)
 {

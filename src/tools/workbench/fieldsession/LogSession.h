@@ -59,7 +59,7 @@ private:
     void take(const Said::NodeAdded &added);
     void take(const Said::NodeRemoved &removed);
     void take(const Said::ListenerOpened &);
-    void take(const Said::RecordLogged &record);
+    void take(const Said::RecordLogged &logged);
     void take(const Said::ReadFailed &failed);
     void take(const Said::FoundAlready &found);
     void take(const Said::ThirdKeyDropped &);
@@ -90,7 +90,7 @@ private:
     bool mayHaveTwins() const;
     void finishPacket(LogRead *read);
     LogRecordPtr takeBackTwin(std::optional<int> code, KeyValue value);
-    void hold(const Cause &cause, LogHand hand);
+    void hold(const Cause &cause, LogHand hand) const;
     LogHand::Kind store(const LogDetectorPtr &detector, const Said::KeysStored &stored, int code,
                         int value);
     void publishReport();
@@ -98,8 +98,9 @@ private:
                  const std::optional<Said::EventReported> &report);
     LogHand *handFor(InputEvent::Command command, InputEvent::State state,
                      const std::optional<Said::EventReported> &report);
-    LogHand *outerClick(std::deque<LogRead>::reverse_iterator inner, InputEvent::Command command,
-                        InputEvent::State state, const std::optional<Said::EventReported> &report);
+    LogHand *outerClick(const std::deque<LogRead>::reverse_iterator &inner,
+                        InputEvent::Command command, InputEvent::State state,
+                        const std::optional<Said::EventReported> &report);
     LogHand *handByOrder(InputEvent::Command command, InputEvent::State state);
     bool mayBeOf(const LogOrigin &origin, const std::optional<Said::EventReported> &report) const;
     void nameBy(const LogOriginPtr &origin, const std::optional<Said::EventReported> &report);
