@@ -164,6 +164,9 @@ void LogQueue::resolve(Item *item) const
     } else if (!isKey) {
         outcome->reason = QStringLiteral("nothing was published: it has no handler, or the handler "
                                          "has no command for it");
+    } else if (m_coverage->hasDetectors() && item->record && !item->record->origin->isKnown()) {
+        outcome->reason = QStringLiteral("no key handler took it: the listener had no receiver, or "
+                                         "it is that of the switches of a device");
     } else if (m_coverage->hasDetectors()) {
         outcome->what = Outcome::Unread;
         outcome->reason = QStringLiteral("no key handler took it: the listener had no receiver");

@@ -272,6 +272,22 @@ TEST(LogSession, ARecordThatNoHandlerTakesIsUnread)
     EXPECT_THAT(reasons(log.session()), Contains(HasSubstr("no key handler took it")));
 }
 
+// It may be the listener of the panel's switches, which have a handler, or that of the remote,
+// which has none.
+TEST(LogSession, LeavesOpenWhyNobodyTookTheRecordOfAnUnknownListener)
+{
+    Log log;
+    log.device(0, "panel").add(listeners, "Event device /dev/input/event0 ready");
+    log.device(1, "remote");
+    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 1);
+    log.stored({"30 press"}).passedOn(KEY_A, 1).event("", "Confirm", "KeyPressed", 1, "press");
+    log.add(listeners, "Enter LinuxInputListener::readData: 6").record(KEY_A, 1);
+    const std::vector<RecordOutcome> outcomes = all<RecordOutcome>(log.session());
+    ASSERT_THAT(outcomes, SizeIs(2));
+    EXPECT_EQ(outcomes[1].what, RecordOutcome::What::Open);
+    EXPECT_THAT(outcomes[1].reason.toStdString(), HasSubstr("or it is that of the switches"));
+}
+
 TEST(LogSession, AKeyWithoutACommandIsTold)
 {
     Log log;
