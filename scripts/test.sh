@@ -117,7 +117,7 @@ report() {
         tail -n 20 "$log"
     fi
     echo "$name tests: $passes passed, $failures failed, $skips skipped"
-    [ "$status" -eq 0 ] || sed -n '/\*\*\*/,/^$/p' "$log" | head -n 200
+    [ "$status" -eq 0 ] || sed -n '/\*\*\*/,/^$/p' "$log" | head -n 200 || true
     tail -n +2 <<<"$results"
     passed=$((passed + passes))
     failed=$((failed + failures))
