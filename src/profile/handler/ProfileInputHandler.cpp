@@ -168,7 +168,11 @@ void ProfileInputHandler::Private::reload()
 
 void ProfileInputHandler::Private::registerProfile(const QString &path)
 {
-    Device &device = devices.at(path);
+    const auto found = devices.find(path);
+    // Reports of positions call the product, which may have let the device go.
+    if (found == devices.end())
+        return;
+    Device &device = found->second;
     const std::vector<Registered> before = std::exchange(device.registered, {});
     const InputEvent::Bus bus = busOf(path, &device);
     if (const DeviceProfile *entry = profile.deviceFor(device.name, bus)) {

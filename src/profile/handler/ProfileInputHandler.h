@@ -41,7 +41,8 @@
 ///
 /// **Ownership, thread**: as BasicInputHandler. The profile is copied. Call everything on the
 /// object's thread; setProfile() may be called from slots connected to the event bus, and never
-/// takes effect before it has returned.
+/// takes effect before it has returned. A slot that is told of a position while a profile is
+/// registered must not run an event loop, as the library demands of addDevice().
 ///
 /// **Errors**: none of its own, and it throws nothing. A profile that was read has been checked; in
 /// one made by hand, `LongPress::timeouts` must not be empty (see

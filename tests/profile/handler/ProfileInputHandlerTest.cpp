@@ -522,6 +522,27 @@ TEST_F(ProfileInputHandlerTest, ForgetsADeviceThatGoes)
     EXPECT_THAT(click(panel, KEY_VOLUMEUP).front(), pressed(InputEvent::Next));
 }
 
+TEST_F(ProfileInputHandlerTest, SurvivesThatADeviceGoesWhileAnotherOneIsReported)
+{
+    const auto jacks = [](const char *command) {
+        return profileOf(QByteArray("[[device]]\n[device.handler]\npositions-at-start = true\n"
+                                    "switches.SW_LINEIN_INSERT = \"")
+                         + command + "\"\n");
+    };
+    start(jacks("SWLineIn"));
+    plug(0, "first");
+    plug(1, "second");
+    // The first one's position is reported before the second is registered.
+    events.onEvent([this](const InputEvent &event) {
+        if (event.command() == InputEvent::Info)
+            devices->removeDevice(QStringLiteral("/dev/input/event1"));
+    });
+    events.take();
+    devices->setProfile(jacks("Info"));
+    clock.settle();
+    EXPECT_THAT(events.take(), testing::SizeIs(1));
+}
+
 TEST_F(ProfileInputHandlerTest, SurvivesAThousandExchanges)
 {
     start(keys(volume));
