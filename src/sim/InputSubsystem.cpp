@@ -108,6 +108,12 @@ QString InputSubsystem::folder() const
     return QFile::decodeName(m_state->directory.realPath(deviceFolder));
 }
 
+void InputSubsystem::setPathHook(const PathHook &hook)
+{
+    const Lock lock(m_state->lock);
+    m_state->hook = hook;
+}
+
 int InputSubsystem::openDescriptors() const
 {
     const Lock lock(m_state->lock);

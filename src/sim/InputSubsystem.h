@@ -11,6 +11,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <memory>
 
 namespace Vorn::Sim {
@@ -101,6 +102,22 @@ public:
 
     /// The temporary folder that stands in for /dev.
     QString folder() const;
+
+    /// What is about to be done with /dev, /dev/input or a path below.
+    enum class PathCall {
+        Status, ///< `stat` and the like
+        Open, ///< `open` and the like, of nodes and of directories
+        Watch, ///< `inotify_add_watch`
+    };
+
+    /// Is called before each such call, on the caller's thread. Returns the error (`errno`) that it
+    /// fails with, or 0 to let it go on.
+    using PathHook = std::function<int(PathCall call, const QByteArray &path)>;
+
+    /// Lets a test step in between two calls of the code under test: plug, unplug, remove the
+    /// directory, or fail a call. Calls that @p hook makes itself do not come back to it. An empty
+    /// one ends that.
+    void setPathHook(const PathHook &hook);
 
     /// How many descriptors are open, on all nodes together.
     int openDescriptors() const;

@@ -62,8 +62,22 @@ void ServedCalls::translate(const char *path, char *buffer, std::size_t size) co
     m_tables.directory.translate(path, buffer, size);
 }
 
+int ServedCalls::beforeStatus(const char *path)
+{
+    return errorFromHook(InputSubsystem::PathCall::Status, path);
+}
+
+int ServedCalls::beforeWatch(const char *path)
+{
+    return errorFromHook(InputSubsystem::PathCall::Watch, path);
+}
+
 bool ServedCalls::open(const char *path, int flags, mode_t mode, int &result)
 {
+    if (const int error = errorFromHook(InputSubsystem::PathCall::Open, path)) {
+        result = finish<int>(-error);
+        return true;
+    }
     Lock lock(m_tables.lock);
     NodeState *node = visibleNode(m_tables, path);
     long outcome = 0;
@@ -169,6 +183,22 @@ bool ServedCalls::attributes(int fd, Attributes &result)
         return false;
     result = {client->node->mode, client->node->minorNumber()};
     return true;
+}
+
+int ServedCalls::errorFromHook(InputSubsystem::PathCall call, const char *path) const
+{
+    // A hook may look at paths itself.
+    thread_local bool isInHook = false;
+    Lock lock(m_tables.lock);
+    if (!m_tables.hook || isInHook)
+        return 0;
+    // Called without the lock, for the sake of what it does with devices.
+    const InputSubsystem::PathHook hook = m_tables.hook;
+    lock.unlock();
+    isInHook = true;
+    const int error = hook(call, path);
+    isInHook = false;
+    return error;
 }
 
 } // namespace Vorn::Sim

@@ -2,6 +2,7 @@
 #define VORN_SIM_SERVEDCALLS_H
 
 #include "FileCalls.h"
+#include "InputSubsystem.h"
 
 #include <cstddef>
 #include <mutex>
@@ -27,11 +28,14 @@ public:
         NodeMap &nodes;
         ClientTable &clients;
         CallLog &log;
+        InputSubsystem::PathHook &hook;
     };
 
     explicit ServedCalls(const Tables &tables);
 
     void translate(const char *path, char *buffer, std::size_t size) const override;
+    int beforeStatus(const char *path) override;
+    int beforeWatch(const char *path) override;
     bool open(const char *path, int flags, mode_t mode, int &result) override;
     bool read(int fd, void *buffer, std::size_t size, ssize_t &result) override;
     bool ioctl(int fd, unsigned long request, void *argument, int &result) override;
@@ -41,6 +45,8 @@ public:
     bool attributes(int fd, Attributes &result) override;
 
 private:
+    int errorFromHook(InputSubsystem::PathCall call, const char *path) const;
+
     const Tables m_tables;
 };
 

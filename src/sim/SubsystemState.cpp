@@ -23,7 +23,7 @@ std::atomic<bool> isAlive{false};
 SubsystemState::SubsystemState(InputSubsystem::Directory directoryKind)
     : kind(directoryKind)
     , nodes(lock)
-    , m_calls({lock, directory, nodes, clients, log})
+    , m_calls({lock, directory, nodes, clients, log, hook})
 {
     if (isAlive.exchange(true))
         qFatal("InputSubsystem: only one may be alive at a time");

@@ -41,6 +41,7 @@ public:
     NodeMap nodes;
     ClientTable clients;
     CallLog log;
+    InputSubsystem::PathHook hook;
 
 private:
     void checkInterposition() const;

@@ -24,6 +24,10 @@ public:
     /// Writes the real path for @p path, which is /dev, /dev/input or below the latter. If that
     /// does not fit, writes a path that is too long for the kernel as well.
     virtual void translate(const char *path, char *buffer, std::size_t size) const = 0;
+    /// The error that a status call on @p path fails with; 0 to make the real call.
+    virtual int beforeStatus(const char *path) = 0;
+    /// The error that a watch on @p path fails with; 0 to make the real call.
+    virtual int beforeWatch(const char *path) = 0;
     virtual bool open(const char *path, int flags, mode_t mode, int &result) = 0;
     virtual bool read(int fd, void *buffer, std::size_t size, ssize_t &result) = 0;
     virtual bool ioctl(int fd, unsigned long request, void *argument, int &result) = 0;

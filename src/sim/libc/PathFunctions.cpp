@@ -4,6 +4,7 @@
 #include "PathFunctions.h"
 #include "RealPath.h"
 
+#include <cerrno>
 #include <cstdint>
 
 #include <dirent.h>
@@ -40,6 +41,12 @@ VORN_SIM_INTERPOSED int access(const char *path, int mode) noexcept
 // Watches and listings need no more than the real path: the temporary folder has the same entries.
 VORN_SIM_INTERPOSED int inotify_add_watch(int fd, const char *path, uint32_t mask) noexcept
 {
+    if (FileCalls *calls = fileCallsFor(path)) {
+        if (const int error = calls->beforeWatch(path)) {
+            errno = error;
+            return -1;
+        }
+    }
     return nextInotifyAddWatch(fd, RealPath(path).get(), mask);
 }
 

@@ -4,6 +4,8 @@
 #include "RealPath.h"
 #include "StatusFunctions.h"
 
+#include <cerrno>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -36,9 +38,21 @@ void showAsDevice(const FileCalls::Attributes &attributes, Status *status)
     status->st_rdev = makedev(inputMajor, attributes.minor);
 }
 
+// Whether a test lets the call fail; errno is set then.
+bool isRefused(const char *path)
+{
+    FileCalls *calls = fileCallsFor(path);
+    const int error = calls ? calls->beforeStatus(path) : 0;
+    if (error != 0)
+        errno = error;
+    return error != 0;
+}
+
 template <typename Status, typename Function>
 int statusOfPath(Function &next, const char *path, Status *status)
 {
+    if (isRefused(path))
+        return -1;
     const RealPath real(path);
     const int result = next(real.get(), status);
     FileCalls::Attributes attributes;
@@ -98,6 +112,8 @@ VORN_SIM_INTERPOSED int fstat64(int fd, struct stat64 *status) noexcept
 VORN_SIM_INTERPOSED int statx(int folder, const char *path, int flags, unsigned int mask,
                               struct statx *status) noexcept
 {
+    if (isRefused(path))
+        return -1;
     const int result = nextStatx(folder, RealPath(path).get(), flags, mask, status);
     const bool isOfDescriptor = isEmpty(path) && (flags & AT_EMPTY_PATH) != 0;
     FileCalls *calls = isOfDescriptor ? fileCalls() : fileCallsFor(path);
