@@ -60,6 +60,44 @@ void report(const char *function, const InputHandler &handler, const QString &de
     Input::reportInputEvent(InputEvent(command, state, busOf(handler.listener())));
 }
 
+bool inputDirectoryExists()
+{
+    return QDir(inputDirectory()).exists();
+}
+
+/// Adds the directory @p path to what is watched, and returns whether it really is.
+bool addDirectory(QFileSystemWatcher &watcher, const QString &path)
+{
+    watcher.addPath(path);
+    // A directory that comes back while it is added is taken for a file, and nobody would hear of
+    // what changes in it.
+    if (watcher.files().contains(path))
+        watcher.removePath(path);
+    return watcher.directories().contains(path);
+}
+
+/// Watches the input directory, or /dev/ for as long as that does not exist. The directory may come
+/// and go at any moment, so every watch is followed by another look: what happens after that is
+/// notified. @p changed tells whether the input directory changed; otherwise /dev/ did.
+/// @return whether there is something to scan
+bool watchInputDirectory(QFileSystemWatcher &watcher, bool changed)
+{
+    if (!inputDirectoryExists()) {
+        if (!changed)
+            return false;
+        watcher.addPath(deviceDirectory());
+        if (!inputDirectoryExists())
+            return false;
+    }
+    if (!addDirectory(watcher, inputDirectory())) {
+        watcher.addPath(deviceDirectory());
+        if (!addDirectory(watcher, inputDirectory()))
+            return inputDirectoryExists();
+    }
+    watcher.removePath(deviceDirectory());
+    return true;
+}
+
 /// Deletes each handler in @p records once, although several identifiers may share it.
 template <typename Records>
 void deleteHandlers(const Records &records)
@@ -459,18 +497,12 @@ QMap<QString, QString> BasicInputHandler::getDeviceNameMap() const
 
 void BasicInputHandler::on_inputWatcher_changed(const QString &file)
 {
-    QMap<QString, QString> gone = deviceNames;
-    const bool inputDirectoryExists = QDir(inputDirectory()).exists();
-    if (!inputDirectoryExists) {
-        // Wait for the directory, and keep the known devices until it is back: it vanishes with its
-        // last node, so without it an unplugged device looks the same as a slow restart.
-        if (file.startsWith(inputDirectory()))
-            inputWatcher->addPath(deviceDirectory());
+    // Without the directory, keep the known devices until it is back: it vanishes with its last
+    // node, so an unplugged device looks the same as a slow restart.
+    if (!watchInputDirectory(*inputWatcher, file.startsWith(inputDirectory())))
         return;
-    }
-    inputWatcher->addPath(inputDirectory());
-    inputWatcher->removePath(deviceDirectory());
 
+    QMap<QString, QString> gone = deviceNames;
     const QMap<QString, QString> present = getDeviceNameMap();
     QMap<QString, QString> added;
     for (auto it = present.cbegin(); it != present.cend(); ++it) {
