@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileSystemWatcher>
+#include <QPointer>
 #include <QTimer>
 
 #include <log4cplus/logger.h>
@@ -15,6 +16,7 @@
 #include <sys/ioctl.h>
 
 #include <sstream>
+#include <utility>
 
 // The entry trace of a function: its name as the core library formats it, and its arguments.
 #define ENTRY_TRACE(arguments) \
@@ -45,11 +47,11 @@ InputEvent::Bus busOf(const LinuxInputListener *listener)
 }
 
 /// Logs and publishes a command. The logged event has no bus because the line names the device.
-/// @p function is the caller's signature, which the log line is attributed to. @p mayTrace is
-/// false if the caller has just found that even DEBUG is off.
-void report(const char *function, const InputHandler &handler, const QString &device,
-            const QString &id, InputEvent::Command command, InputEvent::State state,
-            bool mayTrace = true)
+/// Receivers may delete the handler that calls this. @p function is the caller's signature, which
+/// the log line is attributed to. @p mayTrace is false if the caller has just found that even DEBUG
+/// is off.
+void report(const char *function, InputEvent::Bus bus, const QString &device, const QString &id,
+            InputEvent::Command command, InputEvent::State state, bool mayTrace = true)
 {
     if (mayTrace && logger.isEnabledFor(log4cplus::TRACE_LOG_LEVEL)) {
         std::ostringstream text;
@@ -57,7 +59,7 @@ void report(const char *function, const InputHandler &handler, const QString &de
              << InputEvent(command, state, InputEvent::Bus::NoBus).toString();
         logger.forcedLog(log4cplus::TRACE_LOG_LEVEL, text.str(), __FILE__, __LINE__, function);
     }
-    Input::reportInputEvent(InputEvent(command, state, busOf(handler.listener())));
+    Input::reportInputEvent(InputEvent(command, state, bus));
 }
 
 bool inputDirectoryExists()
@@ -111,22 +113,41 @@ void deleteHandlers(const Records &records)
     }
 }
 
-/// Makes the handler last registered under @p id the receiver of its device's listener. Listeners
-/// of devices without such a handler get no receiver.
-template <typename Records>
-void route(const QMap<QString, LinuxInputListener *> &listeners, const Records &handlers,
-           const QString &id)
+/// Deletes handlers and then the listeners that they use: a handler's destructor requests deferred
+/// deletion of its listener, which deleting that directly withdraws. None of them may be in a map
+/// any more, because whoever hears of a deletion may select handlers, remove devices or delete the
+/// device manager.
+template <typename KeyRecords, typename SwitchRecords>
+void deleteAll(const KeyRecords &keyRecords, const SwitchRecords &switchRecords,
+               const QList<LinuxInputListener *> &listeners)
 {
-    for (auto it = listeners.cbegin(); it != listeners.cend(); ++it) {
+    deleteHandlers(keyRecords);
+    deleteHandlers(switchRecords);
+    qDeleteAll(listeners);
+}
+
+/// Makes the handler last registered under @p id the receiver of its device's listener. Listeners
+/// of devices without such a handler get no receiver. The receivers that are invalidated may remove
+/// devices, and delete the @p manager whose maps these are.
+template <typename Records>
+void route(const BasicInputHandler *manager, const QMap<QString, LinuxInputListener *> &listeners,
+           const Records &handlers, const QString &id)
+{
+    const QPointer<const BasicInputHandler> self(manager);
+    const QStringList devices = listeners.keys();
+    for (const QString &device : devices) {
+        LinuxInputListener *listener = self ? listeners.value(device) : nullptr;
+        if (!listener)
+            continue;
         InputHandler *receiver = nullptr;
-        const auto records = handlers.values(it.key());
+        const auto records = handlers.values(device);
         for (const auto &record : records) {
             if (record.id == id) {
                 receiver = record.handler;
                 break;
             }
         }
-        it.value()->setHandler(receiver);
+        listener->setHandler(receiver);
     }
 }
 
@@ -162,9 +183,13 @@ void BasicKeyInputHandler::invalidate()
 
 void BasicKeyInputHandler::processEvent(const QList<input_event> &events)
 {
+    const QPointer<BasicKeyInputHandler> self(this);
     for (const input_event &event : events) {
-        if (event.type == EV_KEY)
-            doubleKeyDetect->checkDoubleKeyDetect(event);
+        if (event.type != EV_KEY)
+            continue;
+        doubleKeyDetect->checkDoubleKeyDetect(event);
+        if (!self)
+            return;
     }
 }
 
@@ -263,7 +288,7 @@ void BasicKeyInputHandler::on_keyLongPress(int code, int repeat)
     // The coming release ends a long press and is no longer a click.
     if (heldKeys.contains(code))
         heldKeys.insert(code, true);
-    report(__PRETTY_FUNCTION__, *this, device, id, command, InputEvent::KeyLongPress);
+    report(__PRETTY_FUNCTION__, busOf(listener()), device, id, command, InputEvent::KeyLongPress);
 }
 
 /*
@@ -314,7 +339,7 @@ void BasicKeyInputHandler::on_doubleKeyDetect(const QList<input_event> &keys, bo
     // Receivers of a report may change the registrations, but not what this record means: do not
     // read the maps after the first report.
     const auto reportState = [&, function = __PRETTY_FUNCTION__](InputEvent::State state) {
-        report(function, *this, device, id, command, state, isLogging);
+        report(function, busOf(listener()), device, id, command, state, isLogging);
         // A receiver may have changed the log level.
         isLogging = true;
     };
@@ -325,8 +350,18 @@ void BasicKeyInputHandler::on_doubleKeyDetect(const QList<input_event> &keys, bo
     } else if (heldKeys.take(record.code)) {
         reportState(InputEvent::KeyReleased);
     } else if (!fake) {
+        // Whoever was told of the press is told of the release, even if this handler was deleted
+        // in between.
+        const QPointer<BasicKeyInputHandler> self(this);
+        const InputEvent::Bus lastBus = busOf(listener());
+        const QString lastDevice = device;
+        const QString lastId = id;
         reportState(InputEvent::KeyPressed);
-        reportState(InputEvent::KeyReleased);
+        if (self)
+            reportState(InputEvent::KeyReleased);
+        else
+            report(__PRETTY_FUNCTION__, lastBus, lastDevice, lastId, command,
+                   InputEvent::KeyReleased);
     }
 }
 
@@ -367,14 +402,17 @@ void BasicSwInputHandler::deregisterSwitch(int code)
 
 void BasicSwInputHandler::processEvent(const QList<input_event> &events)
 {
+    const QPointer<BasicSwInputHandler> self(this);
     for (const input_event &event : events) {
         if (event.type != EV_SW)
             continue;
         const auto command = switchMap.constFind(event.code);
         if (command == switchMap.constEnd())
             continue;
-        report(__PRETTY_FUNCTION__, *this, device, id, *command,
+        report(__PRETTY_FUNCTION__, busOf(listener()), device, id, *command,
                event.value != 0 ? InputEvent::SwitchEnabled : InputEvent::SwitchDisabled);
+        if (!self)
+            return;
     }
 }
 
@@ -390,12 +428,17 @@ BasicInputHandler::BasicInputHandler()
 
 BasicInputHandler::~BasicInputHandler()
 {
-    // Handlers first: their destructors request deferred deletion of the listeners, which deleting
-    // the listeners directly then withdraws.
-    deleteHandlers(keyHandlers);
-    deleteHandlers(switchHandlers);
-    qDeleteAll(keyListeners);
-    qDeleteAll(switchListeners);
+    // If a product deletes its device manager from inside addDevice() or removeDevice(), this is
+    // the watcher's own signal, which it must survive.
+    if (sender() == inputWatcher) {
+        inputWatcher->setParent(nullptr);
+        inputWatcher->deleteLater();
+    }
+    const auto keyOwners = std::exchange(keyHandlers, {});
+    const auto switchOwners = std::exchange(switchHandlers, {});
+    const auto listeners =
+        std::exchange(keyListeners, {}).values() + std::exchange(switchListeners, {}).values();
+    deleteAll(keyOwners, switchOwners, listeners);
 }
 
 void BasicInputHandler::addKeyHandler(const QString &device, BasicKeyInputHandler *handler,
@@ -454,21 +497,23 @@ void BasicInputHandler::selectHandler(const QString &id)
     ENTRY_TRACE(id);
     if (id == currentId)
         return;
+    const QPointer<BasicInputHandler> self(this);
     currentId = id;
     selectKeyHandler(id);
-    selectSwitchHandler(id);
+    if (self)
+        selectSwitchHandler(id);
 }
 
 void BasicInputHandler::selectKeyHandler(const QString &id)
 {
     ENTRY_TRACE(id);
-    route(keyListeners, keyHandlers, id);
+    route(this, keyListeners, keyHandlers, id);
 }
 
 void BasicInputHandler::selectSwitchHandler(const QString &id)
 {
     ENTRY_TRACE(id);
-    route(switchListeners, switchHandlers, id);
+    route(this, switchListeners, switchHandlers, id);
 }
 
 void BasicInputHandler::on_init()
@@ -512,8 +557,11 @@ void BasicInputHandler::on_inputWatcher_changed(const QString &file)
         }
         gone.remove(it.key());
     }
+    const QPointer<BasicInputHandler> self(this);
     for (auto it = gone.cbegin(); it != gone.cend(); ++it) {
         removeDevice(it.key());
+        if (!self)
+            return;
         deviceNames.remove(it.key());
     }
     for (auto it = added.cbegin(); it != added.cend(); ++it) {
@@ -522,6 +570,8 @@ void BasicInputHandler::on_inputWatcher_changed(const QString &file)
         switchListeners.insert(path,
                                new LinuxInputListener(nullptr, path, LinuxInputListener::Switch));
         addDevice(path, it.value());
+        if (!self)
+            return;
         deviceNames.insert(path, it.value());
     }
 }
@@ -529,10 +579,9 @@ void BasicInputHandler::on_inputWatcher_changed(const QString &file)
 void BasicInputHandler::removeDevice(const QString &device)
 {
     LOG4CPLUS_INFO(logger, "Removing " << device);
-    deleteHandlers(keyHandlers.values(device));
+    const auto keyOwners = keyHandlers.values(device);
+    const auto switchOwners = switchHandlers.values(device);
     keyHandlers.remove(device);
-    deleteHandlers(switchHandlers.values(device));
     switchHandlers.remove(device);
-    delete keyListeners.take(device);
-    delete switchListeners.take(device);
+    deleteAll(keyOwners, switchOwners, {keyListeners.take(device), switchListeners.take(device)});
 }

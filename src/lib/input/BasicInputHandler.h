@@ -46,7 +46,8 @@ class InputProbe;
 /// reports only its long presses.
 ///
 /// **Thread**: that of the listener's event loop; no locks. Registrations may be made at any time,
-/// including from a slot connected to the event bus.
+/// including from a slot connected to the event bus. Such a slot may also delete the handler;
+/// nothing more is reported then, except the release that completes a click.
 ///
 /// **Log**, logger "BasicInputHandler":
 ///
@@ -207,7 +208,8 @@ private:
 ///
 /// **Thread**: call everything on the thread that owns the object, which must run a Qt event loop.
 /// selectHandler() and the registrations may be called from addDevice() and from slots connected
-/// to the event bus. Neither addDevice() nor removeDevice() may run an event loop.
+/// to the event bus. Neither addDevice() nor removeDevice() may run an event loop. Both, as well as
+/// those slots and the handlers that are invalidated, may remove devices and delete this object.
 ///
 /// **Log**, logger "BasicInputHandler", in addition to entry traces ("Enter " function ": "
 /// arguments) at TRACE:

@@ -3,6 +3,7 @@
 #include "dbglog.h"
 #include "vorn.h"
 
+#include <QPointer>
 #include <QTimer>
 #include <QVarLengthArray>
 
@@ -29,6 +30,14 @@ QDateTime timeOf(const input_event &event)
     // The microseconds are signed, except on 32-bit systems with 64-bit time_t.
     return dateTime(static_cast<qint64>(event.input_event_sec) * 1000
                     + static_cast<long>(event.input_event_usec) / 1000);
+}
+
+/// Lets guarded pointers to @p object be made without an allocation from now on: none belongs on
+/// the path of a key.
+template <typename Object>
+void prepareGuards(Object *object)
+{
+    const QPointer<Object> first(object);
 }
 
 // Wraps a list of records for a log line; formatted only if the line is written.
@@ -72,6 +81,7 @@ LongPressDetect::LongPressDetect(QObject *parent)
     : QObject(parent)
     , timer(new QTimer)
 {
+    prepareGuards(this);
     Vorn::connect(timer, &QTimer::timeout, this, &LongPressDetect::update);
 }
 
@@ -123,9 +133,10 @@ void LongPressDetect::update()
 {
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
 
-    // An application may respond to a long press by running a nested event loop or re-registering
-    // keys, so the detector must be consistent whenever it emits. Hence the loop iterates over a
-    // copy of the codes, looks up each key's state in its turn, and updates it before the signal.
+    // An application may respond to a long press by running a nested event loop, re-registering
+    // keys or deleting this detector, so it must be consistent whenever it emits. Hence the loop
+    // iterates over a copy of the codes, looks up each key's state in its turn, and updates it
+    // before the signal.
     QVarLengthArray<int, 32> held;
     for (auto it = keyData.constBegin(); it != keyData.constEnd(); ++it)
         held.append(it.key());
@@ -146,8 +157,12 @@ void LongPressDetect::update()
             stages.insert(key, stage + 1);
         // Count from this tick, not from when the timeout was due: repetitions never come early.
         keyData.insert(key, KeyData{count + 1, dateTime(now)});
-        if (count == 1 || event.repeat)
-            Q_EMIT keyLongPress(key, count);
+        if (count != 1 && !event.repeat)
+            continue;
+        const QPointer<LongPressDetect> self(this);
+        Q_EMIT keyLongPress(key, count);
+        if (!self)
+            return;
     }
 
     if (keyData.isEmpty())
@@ -162,7 +177,9 @@ void LongPressDetect::update()
 
 DoubleKeyDetect::DoubleKeyDetect(QObject *parent)
     : QObject(parent)
-{ }
+{
+    prepareGuards(this);
+}
 
 DoubleKeyDetect::~DoubleKeyDetect() = default;
 
@@ -194,8 +211,8 @@ void DoubleKeyDetect::checkDoubleKeyDetect(const input_event &event)
     if (isLogging)
         LOG4CPLUS_DEBUG(logger, "Stored:" << Records{storedEvents});
 
-    // The receiver may reset the detector from inside each signal, so update the state before
-    // emitting, and emit a copy of the list.
+    // The receiver may reset or delete the detector from inside each signal, so update the state
+    // before emitting, and emit a copy of the list.
     if (storedEvents.size() == 1) {
         QList<input_event> single;
         if (event.value == 0)
@@ -209,7 +226,10 @@ void DoubleKeyDetect::checkDoubleKeyDetect(const input_event &event)
         detected = true;
         input_event withdrawn = storedEvents.first();
         withdrawn.value = 0;
+        const QPointer<DoubleKeyDetect> self(this);
         Q_EMIT keyDoubleDetect(QList<input_event>{withdrawn}, true);
+        if (!self)
+            return;
         // Copied only now: if the receiver has reset the detector, the chord is no longer wanted.
         const QList<input_event> chord = storedEvents;
         Q_EMIT keyDoubleDetect(chord, false);

@@ -41,7 +41,8 @@ VORN_INPUT_EXPORT std::ostream &operator<<(std::ostream &stream, const input_eve
 /// the future, or a clock set back during a hold, delays the next notification by the same amount;
 /// a stamp far in the past, or a clock set forward, triggers it at the next tick.
 ///
-/// **Thread**: the owner's, no locks. **Log**: nothing.
+/// **Thread**: the owner's, no locks. The signal's receivers may delete the detector. **Log**:
+/// nothing.
 ///
 /// **Errors**: if a held code has no timeouts, because it was registered with an empty list or
 /// deregistered during the hold, the next tick ends the process with the assertion
@@ -118,7 +119,8 @@ private:
 /// | A release | nothing |
 /// | B release | ([A release, B release], false) |
 ///
-/// **Thread**: the owner's, no locks; the signal is emitted from inside checkDoubleKeyDetect().
+/// **Thread**: the owner's, no locks; the signal is emitted from inside checkDoubleKeyDetect(), and
+/// its receivers may delete the detector.
 ///
 /// **Log**, logger "KeyProcessing", all DEBUG: "Found already event for code:" code; "Double key
 /// press detected and new press event received -> drop", also for a release; "Received release

@@ -127,6 +127,8 @@ LinuxInputListener::LinuxInputListener(InputHandler *handler, const QString &dev
     , m_device(device)
 {
     m_fd = ::open(device.toUtf8().constData(), O_RDONLY);
+    // Not with O_CLOEXEC: stand-ins for the C library, in products' tests, know no other flags.
+    ::fcntl(m_fd, F_SETFD, FD_CLOEXEC);
     if (m_fd < 0) {
         LOG4CPLUS_ERROR(logger, "Cannot open input device " << m_device);
     } else if (testCapability(m_fd, m_type == Key ? EV_KEY : EV_SW)) {
@@ -180,9 +182,11 @@ const QString &LinuxInputListener::device() const
 
 void LinuxInputListener::setHandler(InputHandler *handler)
 {
+    const QPointer<LinuxInputListener> self(this);
     if (m_handler)
         m_handler->invalidate();
-    m_handler = handler;
+    if (self)
+        m_handler = handler;
 }
 
 void LinuxInputListener::close()
@@ -226,8 +230,10 @@ void LinuxInputListener::getInputStatus()
     else
         ::ioctl(m_fd, EVIOCGSW(requestedStatusBytes), m_status.get());
 
+    const QPointer<LinuxInputListener> self(this);
     const int codes = m_type == Key ? scannedKeyCodes : scannedSwitchCodes;
-    for (int code = 0; code < codes; ++code) {
+    // The receiver may delete this listener.
+    for (int code = 0; self && code < codes; ++code) {
         const bool set = testBit(code, m_status.get());
         if (!set && m_type != Switch)
             continue;

@@ -87,7 +87,11 @@ private:
 /// whatever bus it had learnt. It stays inert; a device that comes back needs a new listener.
 ///
 /// **Thread**: everything runs on the thread whose event loop owns the listener. Each activation
-/// makes one `read` of at most 1024 bytes.
+/// makes one `read` of at most 1024 bytes. A receiver may delete the listener, and itself, from
+/// inside each call it gets.
+///
+/// **Descriptor**: child processes do not inherit it, except for one that another thread starts at
+/// the very moment it is opened.
 ///
 /// **Log**, logger "LinuxInputListener":
 ///

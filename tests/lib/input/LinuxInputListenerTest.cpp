@@ -13,8 +13,10 @@
 #include <gmock/gmock.h>
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -150,6 +152,21 @@ TEST_F(LinuxInputListenerTest, MakesExactlyTheseSystemCallsInThisOrder)
     // The keyboard has no auto-repeat to turn off, which is harmless.
     EXPECT_EQ(calls[4].error, ENOSYS);
     EXPECT_EQ(calls[5].kind, SystemCall::Kind::Close);
+}
+
+TEST_F(LinuxInputListenerTest, KeepsItsDescriptorFromChildren)
+{
+    subsystem.plug(0, DeviceDescription::keyboard("keys", BUS_HOST, {KEY_A}));
+    const auto listener = listen(LinuxInputListener::Key);
+    const int fd = subsystem.systemCalls().first().fd;
+    const int inherited = ::dup(fd);
+    const auto isOpenInAChild = [](int number) {
+        const std::string command = "[ -e /proc/self/fd/" + std::to_string(number) + " ]";
+        return std::system(command.c_str()) == 0;
+    };
+    EXPECT_FALSE(isOpenInAChild(fd));
+    EXPECT_TRUE(isOpenInAChild(inherited));
+    ::close(inherited);
 }
 
 TEST_F(LinuxInputListenerTest, ChecksTheCapabilityOfItsType)
