@@ -8,8 +8,9 @@ EventRecorder::EventRecorder()
 {
     Vorn::connect(Input::instance(), &Input::inputEvent, this, [this](const InputEvent &event) {
         m_texts.push_back(event.toString().toStdString());
-        if (m_callback)
-            m_callback(event);
+        // A copy, because the callback may replace itself.
+        if (const auto callback = m_callback)
+            callback(event);
     });
 }
 

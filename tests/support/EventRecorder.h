@@ -20,7 +20,8 @@ public:
     /// The texts recorded since the last call.
     std::vector<std::string> take();
 
-    /// Sets a callback for each event once it is recorded; plays the application's slot.
+    /// Sets a callback for each event once it is recorded; plays the application's slot. It may
+    /// set another one.
     void onEvent(std::function<void(const InputEvent &)> callback);
 
 private:

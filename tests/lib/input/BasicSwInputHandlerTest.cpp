@@ -85,7 +85,10 @@ TEST_F(SwitchHandlerTest, ReportsSwitchesMappedToNone)
 TEST_F(SwitchHandlerTest, DropsEverythingElseWithoutALine)
 {
     LogRecorder log;
-    handler->processEvent({switchRecord(0, 1), keyRecord(0, 1), record(EV_SYN, 0, 0)});
+    handler->registerSwitch(1, InputEvent::SWLineIn);
+    handler->processEvent({switchRecord(0, 1)});
+    for (const int type : {EV_SYN, EV_KEY, EV_MSC, EV_LED, EV_REP, EV_FF, EV_SW + 256})
+        handler->processEvent({record(type, 1, 1)});
     handler->processEvent({});
     EXPECT_THAT(events.take(), IsEmpty());
     EXPECT_THAT(log.lines(), IsEmpty());

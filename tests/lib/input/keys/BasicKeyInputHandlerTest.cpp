@@ -60,6 +60,13 @@ TEST_F(ImmediateKey, HasItsReleaseAfterALongPress)
                             longPressed(InputEvent::VolumeUp), released(InputEvent::VolumeUp)));
 }
 
+TEST_F(ImmediateKey, OfANegativeValueIsPressed)
+{
+    handler->registerKey(A, InputEvent::VolumeUp, true);
+    feed(A, -1);
+    EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::VolumeUp)));
+}
+
 TEST_F(DeferredKey, IsReportedAsAClickOnRelease)
 {
     handler->registerKey(A, InputEvent::Confirm, false);
@@ -143,6 +150,56 @@ TEST_F(DeferredKey, KeepsItsHoldThroughADeregistration)
     EXPECT_THAT(events.take(), ElementsAre(released(InputEvent::Info)));
 }
 
+TEST_F(DeferredKey, ThatWasImmediateWhenItWentDownIsStillAClick)
+{
+    handler->registerKey(A, InputEvent::Info, true);
+    press(A);
+    EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::Info)));
+    handler->registerKey(A, Bus::LocalUI, InputEvent::Info, false);
+    release(A);
+    EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::Info), released(InputEvent::Info)));
+}
+
+TEST_F(DeferredKey, ThatWasImmediateAtItsLongPressIsStillAClick)
+{
+    handler->registerKey(A, InputEvent::Info, true);
+    handler->enableLongPress(A, false, {100});
+    press(A);
+    clock.advance(100ms);
+    events.take();
+    handler->registerKey(A, Bus::LocalUI, InputEvent::Info, false);
+    release(A);
+    EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::Info), released(InputEvent::Info)));
+}
+
+TEST_F(DeferredKey, MadeImmediateWhileItIsDownKeepsItsHold)
+{
+    handler->registerKey(A, InputEvent::Info, false);
+    handler->enableLongPress(A, false, {100});
+    press(A);
+    clock.advance(100ms);
+    events.take();
+    handler->registerKey(A, Bus::LocalUI, InputEvent::Info, true);
+    release(A);
+    EXPECT_THAT(events.take(), ElementsAre(released(InputEvent::Info)));
+    // Only the release of a deferred key ends a hold, so the long press still counts for it.
+    handler->registerKey(A, Bus::LocalUI, InputEvent::Info, false);
+    detect({keyRecord(A, 0)}, false);
+    EXPECT_THAT(events.take(), ElementsAre(released(InputEvent::Info)));
+    detect({keyRecord(A, 0)}, false);
+    EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::Info), released(InputEvent::Info)));
+}
+
+TEST_F(DeferredKey, OfANegativeValueIsDown)
+{
+    handler->registerKey(A, InputEvent::Confirm, false);
+    feed(A, -1);
+    EXPECT_THAT(events.take(), IsEmpty());
+    release(A);
+    EXPECT_THAT(events.take(),
+                ElementsAre(pressed(InputEvent::Confirm), released(InputEvent::Confirm)));
+}
+
 TEST_F(KeySlots, AStrayReleaseIsAClickUnlessItIsMadeUp)
 {
     handler->registerKey(A, InputEvent::Confirm, false);
@@ -166,10 +223,24 @@ TEST_F(KeySlots, AMadeUpReleaseEndsALongPressAndAnImmediateKey)
     EXPECT_THAT(events.take(), ElementsAre(released(InputEvent::VolumeUp)));
 }
 
+TEST_F(KeySlots, ALongPressOfARemovedKeyLeavesItsHoldAClick)
+{
+    handler->registerKey(A, InputEvent::Info, false);
+    press(A);
+    handler->deregisterKey(A);
+    QMetaObject::invokeMethod(handler.get(), "on_keyLongPress", Q_ARG(int, A), Q_ARG(int, 1));
+    EXPECT_THAT(events.take(), IsEmpty());
+    handler->registerKey(A, InputEvent::Info, false);
+    release(A);
+    EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::Info), released(InputEvent::Info)));
+}
+
 TEST_F(KeySlots, OfThreeRecordsOnlyTheFirstCounts)
 {
     handler->registerKey(A, InputEvent::VolumeUp, true);
     handler->registerKey(B, InputEvent::VolumeDown, true);
+    handler->registerDoubleKey(A, B, InputEvent::Mute);
+    handler->registerDoubleKey(A, C, InputEvent::Mute);
     detect({keyRecord(A, 1), keyRecord(B, 1), keyRecord(C, 1)}, false);
     EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::VolumeUp)));
 }
@@ -185,7 +256,8 @@ TEST_F(KeySlots, AnEmptyListReportsNothing)
 TEST_F(KeySlots, ARecordOfAnotherTypeReportsNothing)
 {
     handler->registerKey(A, InputEvent::VolumeUp, true);
-    detect({switchRecord(A, 1)}, false);
+    for (const int type : {EV_SYN, EV_REL, EV_SW})
+        detect({record(type, A, 1)}, false);
     EXPECT_THAT(events.take(), IsEmpty());
 }
 
@@ -285,6 +357,35 @@ TEST_F(LongPress, OfAnotherBusIsIgnored)
     press(A);
     clock.advance(1s);
     EXPECT_THAT(events.take(), ElementsAre(longPressed(InputEvent::Info)));
+}
+
+TEST_F(LongPress, HasEachOfItsTimeoutsInBothForms)
+{
+    handler->registerKey(A, InputEvent::Info, true);
+    handler->registerKey(B, InputEvent::Search, true);
+    handler->enableLongPress(A, true, {300, 200, 100});
+    handler->enableLongPress(B, Bus::LocalUI, true, {300, 200, 100});
+    for (const int code : {A, B}) {
+        SCOPED_TRACE(code);
+        press(code);
+        std::vector<qint64> times;
+        const qint64 start = clock.now();
+        events.onEvent([&](const InputEvent &) { times.push_back(clock.now() - start); });
+        clock.advance(700ms);
+        events.onEvent({});
+        EXPECT_THAT(times, ElementsAre(300, 500, 600, 700));
+        release(code);
+    }
+}
+
+TEST_F(LongPress, OfTheListenersBusRepeatsOnlyOnRequest)
+{
+    handler->registerKey(A, InputEvent::Info, true);
+    handler->enableLongPress(A, Bus::LocalUI, false, {100, 100});
+    press(A);
+    clock.advance(1s);
+    EXPECT_THAT(events.take(),
+                ElementsAre(pressed(InputEvent::Info), longPressed(InputEvent::Info)));
 }
 
 TEST_F(LongPress, AnAutoRepeatRestartsIt)

@@ -219,6 +219,31 @@ TEST_F(ChordRegistration, OfAnUnknownPairCannotBeRemoved)
     EXPECT_EQ(handler->getDoubleKeyEvent({1, 2}), InputEvent::FactoryReset);
 }
 
+TEST_F(ChordRegistration, OfAKeyWithItselfLeavesTheKeyASingleOne)
+{
+    handler->registerKey(A, InputEvent::Info, true);
+    handler->registerDoubleKey(A, A, InputEvent::FactoryReset);
+    press(A);
+    press(A);
+    release(A);
+    EXPECT_THAT(events.take(),
+                ElementsAre(pressed(InputEvent::Info), pressed(InputEvent::Info),
+                            released(InputEvent::Info)));
+    detect({keyRecord(A, 1), keyRecord(A, 1)}, false);
+    EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::FactoryReset)));
+}
+
+TEST_F(ChordRegistration, OfAKeyWithItselfWarnsOfASecondOne)
+{
+    handler->registerDoubleKey(A, A, InputEvent::FactoryReset);
+    LogRecorder log;
+    handler->registerDoubleKey(A, A, InputEvent::Mute);
+    EXPECT_THAT(log.texts(),
+                ElementsAre("Duplicate keys in double key input map: QPair(30,30), overwriting old "
+                            "value"));
+    EXPECT_EQ(handler->getDoubleKeyEvent({A, A}), InputEvent::Mute);
+}
+
 TEST_F(ChordRegistration, OfAKeyWithItselfIsOneEntry)
 {
     handler->registerDoubleKey(1, 1, InputEvent::FactoryReset);

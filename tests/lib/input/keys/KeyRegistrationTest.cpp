@@ -95,6 +95,16 @@ TEST_F(KeyRegistration, OfAnUnknownCodeCannotBeRemoved)
     EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::Info)));
 }
 
+TEST_F(KeyRegistration, OfAnUnknownCodeKeepsItsLongPressThroughARemoval)
+{
+    handler->enableLongPress(A, false, {100});
+    handler->deregisterKey(A);
+    handler->registerKey(A, InputEvent::Info, false);
+    press(A);
+    clock.advance(100ms);
+    EXPECT_THAT(events.take(), ElementsAre(longPressed(InputEvent::Info)));
+}
+
 TEST_F(KeyRegistration, IsRemovedWithItsImmediacyAndItsLongPress)
 {
     handler->registerKey(A, InputEvent::Info, true);
