@@ -559,6 +559,8 @@ void BasicInputHandler::on_inputWatcher_changed(const QString &file)
     }
     const QPointer<BasicInputHandler> self(this);
     for (auto it = gone.cbegin(); it != gone.cend(); ++it) {
+        if (deviceNames.value(it.key()).isNull())
+            continue;
         removeDevice(it.key());
         if (!self)
             return;
@@ -566,6 +568,11 @@ void BasicInputHandler::on_inputWatcher_changed(const QString &file)
     }
     for (auto it = added.cbegin(); it != added.cend(); ++it) {
         const QString &path = it.key();
+        if (deviceNames.contains(path))
+            continue;
+        // Without a name until it is added: if a product lets events in meanwhile, passes from
+        // inside addDevice() neither add the device once more nor remove it.
+        deviceNames.insert(path, QString());
         keyListeners.insert(path, new LinuxInputListener(nullptr, path, LinuxInputListener::Key));
         switchListeners.insert(path,
                                new LinuxInputListener(nullptr, path, LinuxInputListener::Switch));

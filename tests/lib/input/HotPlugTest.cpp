@@ -256,6 +256,57 @@ TEST_F(HotPlugTest, ADeviceThatIsGoneIsRemovedOnceWithItsListeners)
     EXPECT_THAT(devices->take(), ElementsAre("add /dev/input/event5 keys"));
 }
 
+TEST_F(HotPlugTest, ADeviceWithoutANameComesAndGoesLikeAnyOther)
+{
+    start();
+    plug(0, "");
+    clock.settle();
+    EXPECT_THAT(devices->take(), ElementsAre("add /dev/input/event0 "));
+    subsystem.unplug(0);
+    clock.settle();
+    EXPECT_THAT(devices->take(), ElementsAre("remove /dev/input/event0"));
+    EXPECT_EQ(subsystem.openDescriptors(), 0);
+}
+
+TEST_F(HotPlugTest, PassesFromInsideAddDeviceAddEachDeviceOnce)
+{
+    // As when a product lets events in while it waits for something.
+    const auto pass = [this] {
+        QMetaObject::invokeMethod(devices.get(), "on_inputWatcher_changed",
+                                  Q_ARG(QString, QStringLiteral("/dev/input/")));
+    };
+    devices = std::make_unique<Devices>();
+    devices->onAdd = [&](const QString &, const QString &) { pass(); };
+    plug(0);
+    plug(1);
+    clock.settle();
+    EXPECT_THAT(devices->take(),
+                ElementsAre("add /dev/input/event0 keys", "add /dev/input/event1 keys"));
+    EXPECT_EQ(subsystem.openDescriptors(), 2);
+    subsystem.unplug(0);
+    subsystem.unplug(1);
+    clock.settle();
+    EXPECT_THAT(devices->take(),
+                ElementsAre("remove /dev/input/event0", "remove /dev/input/event1"));
+    EXPECT_EQ(subsystem.openDescriptors(), 0);
+}
+
+TEST_F(HotPlugTest, ADeviceThatGoesWhileItIsAddedIsRemovedAfterwards)
+{
+    devices = std::make_unique<Devices>();
+    plug(0);
+    devices->onAdd = [&](const QString &, const QString &) {
+        subsystem.unplug(0);
+        QMetaObject::invokeMethod(devices.get(), "on_inputWatcher_changed",
+                                  Q_ARG(QString, QStringLiteral("/dev/input/")));
+        EXPECT_THAT(devices->calls, ElementsAre("add /dev/input/event0 keys"));
+    };
+    clock.settle();
+    EXPECT_THAT(devices->calls,
+                ElementsAre("add /dev/input/event0 keys", "remove /dev/input/event0"));
+    EXPECT_EQ(subsystem.openDescriptors(), 0);
+}
+
 TEST_F(HotPlugTest, ADeviceThatComesBackIsNew)
 {
     plug(0, "first");
