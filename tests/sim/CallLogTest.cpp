@@ -5,7 +5,10 @@
 
 #include <gmock/gmock.h>
 
+#include <vector>
+
 using namespace Vorn::Sim;
+using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -68,15 +71,33 @@ TEST(Recording, ShowsOpensThatFailAlsoWhereNoDeviceIs)
     EXPECT_EQ(calls[0].error, ENOENT);
 }
 
+TEST(Recording, ShowsNothingOfTheDirectories)
+{
+    InputSubsystem subsystem;
+    for (const char *path : {"/dev", "/dev/input", "/dev/input/"})
+        EXPECT_TRUE(OpenNode(QString::fromLatin1(path), O_RDONLY | O_DIRECTORY).isOpen()) << path;
+    EXPECT_THAT(subsystem.systemCalls(), IsEmpty());
+}
+
 TEST(Recording, CanBeAskedForOnePathAndForgotten)
 {
     InputSubsystem subsystem;
     EXPECT_TRUE(OpenNode(subsystem.plug(0, panel).path()).isOpen());
     EXPECT_TRUE(OpenNode(subsystem.plug(1, panel).path()).isOpen());
-    EXPECT_THAT(subsystem.systemCalls("/dev/input/event1"), SizeIs(2));
+    EXPECT_FALSE(OpenNode(QStringLiteral("/dev/input/event7")).isOpen());
+    const auto pathsOf = [&](const QByteArray &path) {
+        std::vector<QByteArray> paths;
+        for (const SystemCall &call : subsystem.systemCalls(path))
+            paths.push_back(call.path);
+        return paths;
+    };
+    EXPECT_THAT(pathsOf("/dev/input/event1"),
+                ElementsAre("/dev/input/event1", "/dev/input/event1"));
+    EXPECT_THAT(pathsOf("/dev/input/event7"), ElementsAre("/dev/input/event7"));
+    EXPECT_THAT(pathsOf("/dev/input/event2"), IsEmpty());
     subsystem.clearSystemCalls();
     EXPECT_THAT(subsystem.systemCalls(), IsEmpty());
-    EXPECT_EQ(subsystem.callCounts().opens, 2U);
+    EXPECT_EQ(subsystem.callCounts().opens, 3U);
 }
 
 TEST(Recording, CanBeSwitchedOffWhileTheCountsGoOn)
@@ -93,6 +114,25 @@ TEST(Recording, CanBeSwitchedOffWhileTheCountsGoOn)
     EXPECT_EQ(counts.ioctls, 1U);
     EXPECT_EQ(counts.reads, 1U);
     EXPECT_EQ(counts.closes, 0U);
+}
+
+TEST(Recording, CountsEachKindOfCall)
+{
+    InputSubsystem subsystem;
+    {
+        const OpenNode node(subsystem.plug(0, panel).path());
+        int version = 0;
+        for (int i = 0; i < 3; ++i)
+            node.ioctl(EVIOCGVERSION, &version);
+        for (int i = 0; i < 4; ++i)
+            node.readError();
+    }
+    EXPECT_FALSE(OpenNode(QStringLiteral("/dev/input/event1")).isOpen());
+    const CallCounts counts = subsystem.callCounts();
+    EXPECT_EQ(counts.opens, 2U);
+    EXPECT_EQ(counts.closes, 1U);
+    EXPECT_EQ(counts.ioctls, 3U);
+    EXPECT_EQ(counts.reads, 4U);
 }
 
 TEST(Recording, StartsWithNothing)

@@ -125,3 +125,50 @@ TEST(AutoRepeat, StartsFromAPressOnAnotherThread)
         reader.read(),
         ElementsAre(Event{EV_KEY, KEY_OK, 1}, report, Event{EV_KEY, KEY_OK, 2}, syntheticReport));
 }
+
+TEST(AutoRepeat, NeedsADelayAndAPeriod)
+{
+    VirtualClock clock;
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(0, panel.withAutoRepeat());
+    const OpenNode reader(node.path());
+    const unsigned int settings[][2] = {{0, 33}, {250, 0}};
+    for (const auto &setting : settings) {
+        ASSERT_EQ(reader.ioctl(EVIOCSREP, setting), 0);
+        node.press(KEY_OK);
+        reader.read();
+        clock.advance(std::chrono::seconds(1));
+        EXPECT_FALSE(reader.isReadable());
+        node.release(KEY_OK);
+        reader.read();
+    }
+}
+
+TEST(AutoRepeat, IsNotPutOffByRepeatsOfTheDriver)
+{
+    VirtualClock clock;
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(0, panel.withAutoRepeat());
+    const OpenNode reader(node.path());
+    node.press(KEY_OK);
+    clock.advance(std::chrono::milliseconds(200));
+    node.repeat(KEY_OK);
+    reader.read();
+    clock.advance(std::chrono::milliseconds(50));
+    EXPECT_THAT(reader.read(), ElementsAre(Event{EV_KEY, KEY_OK, 2}, syntheticReport));
+}
+
+TEST(AutoRepeat, WakesNobodyAfterTheDeviceIsGone)
+{
+    VirtualClock clock;
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(0, panel.withAutoRepeat());
+    // Keeps what is left of the device.
+    const OpenNode reader(node.path());
+    node.press(KEY_OK);
+    subsystem.unplug(0);
+    clock.settle();
+    const quint64 before = clock.wakeUps();
+    clock.advance(std::chrono::seconds(10));
+    EXPECT_EQ(clock.wakeUps(), before);
+}

@@ -97,6 +97,37 @@ TEST(Delivery, PutsSeveralEventsIntoOnePacket)
                             Event{EV_KEY, KEY_VOLUMEUP, 1}, report));
 }
 
+TEST(Delivery, OfARefusedEventEndsThePacketAllTheSame)
+{
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(0, panel);
+    const OpenNode reader(node.path());
+    EXPECT_TRUE(node.report(EV_KEY, KEY_OK, 1));
+    EXPECT_FALSE(node.press(KEY_OK));
+    EXPECT_THAT(reader.read(), ElementsAre(Event{EV_KEY, KEY_OK, 1}, report));
+}
+
+TEST(Delivery, KnowsNoCodesOutsideTheirRange)
+{
+    InputSubsystem subsystem;
+    InputNode &node =
+        subsystem.plug(0,
+                       DeviceDescription::keyboard("odd", BUS_HOST, {-1, KEY_CNT, KEY_MAX})
+                           .withSwitches({SW_MAX}, {-1, SW_CNT}));
+    EXPECT_TRUE(node.press(KEY_MAX));
+    EXPECT_TRUE(node.isKeyDown(KEY_MAX));
+    EXPECT_TRUE(node.setSwitch(SW_MAX, true));
+    EXPECT_TRUE(node.isSwitchOn(SW_MAX));
+    for (const int code : {-1, KEY_CNT}) {
+        EXPECT_FALSE(node.press(code));
+        EXPECT_FALSE(node.isKeyDown(code));
+    }
+    for (const int code : {-1, SW_CNT}) {
+        EXPECT_FALSE(node.setSwitch(code, true));
+        EXPECT_FALSE(node.isSwitchOn(code));
+    }
+}
+
 TEST(Delivery, StampsThePacketWithTheWallClock)
 {
     VirtualClock clock;

@@ -169,3 +169,19 @@ TEST(ScriptedFailure, OfReadIsTakenBackFromTheQueues)
     EXPECT_EQ(node.readError(), EAGAIN);
     EXPECT_FALSE(node.isReadable());
 }
+
+TEST(ScriptedFailure, OfReadIsTakenBackFromWhatIsNotRead)
+{
+    InputSubsystem subsystem;
+    InputNode &device = subsystem.plug(0, panel);
+    const OpenNode node(device.path());
+    device.failRead(EIO);
+    device.press(KEY_OK);
+    device.failRead(EIO);
+    device.release(KEY_OK);
+    EXPECT_EQ(node.readError(), EIO);
+    EXPECT_THAT(node.read(1), ElementsAre(Event{EV_KEY, KEY_OK, 1}));
+    device.clearFailures();
+    EXPECT_THAT(node.read(), ElementsAre(report, Event{EV_KEY, KEY_OK, 0}, report));
+    EXPECT_FALSE(node.isReadable());
+}

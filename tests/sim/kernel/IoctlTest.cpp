@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <vector>
 
 using namespace Vorn::Sim;
 using testing::ElementsAre;
@@ -178,6 +180,7 @@ TEST(Ioctl, ForStatesTakesTheirRecordsOutOfTheAskersQueueOnly)
     const OpenNode other(device.path());
     device.press(KEY_OK);
     device.setSwitch(SW_LID, true);
+    device.press(KEY_VOLUMEUP);
     device.report(EV_KEY, KEY_OK, 0);
     device.report(EV_SW, SW_LID, 0);
     device.sync();
@@ -188,7 +191,46 @@ TEST(Ioctl, ForStatesTakesTheirRecordsOutOfTheAskersQueueOnly)
     EXPECT_THAT(
         asker.read(),
         ElementsAre(report, Event{EV_SW, SW_LID, 1}, report, Event{EV_SW, SW_LID, 0}, report));
-    EXPECT_THAT(other.read(), SizeIs(7));
+    EXPECT_THAT(other.read(), SizeIs(9));
+}
+
+TEST(Ioctl, ForStatesGoesOnWhereAReaderHasStoppedInAPacket)
+{
+    InputSubsystem subsystem;
+    InputNode &device = subsystem.plug(0, panel);
+    const OpenNode node(device.path());
+    device.press(KEY_OK);
+    device.setSwitch(SW_LID, true);
+    device.release(KEY_OK);
+    EXPECT_THAT(node.read(1), ElementsAre(Event{EV_KEY, KEY_OK, 1}));
+    Bitmap bitmap = {};
+    node.ioctl(EVIOCGKEY(96), bitmap.data());
+    EXPECT_THAT(node.read(), ElementsAre(report, Event{EV_SW, SW_LID, 1}, report));
+    EXPECT_FALSE(node.isReadable());
+}
+
+TEST(Ioctl, ForStatesLeavesOddBytesErrorsAndDroppedMarksInTheQueue)
+{
+    InputSubsystem subsystem;
+    InputNode &device = subsystem.plug(0, panel);
+    const OpenNode node(device.path());
+    device.setSwitch(SW_LID, true);
+    device.press(KEY_OK);
+    device.send({InputNode::record(EV_SYN, SYN_DROPPED, 0), InputNode::record(EV_SYN, 0, 0)});
+    device.sendBytes("odd");
+    device.failRead(EIO);
+    device.release(KEY_OK);
+    Bitmap bitmap = {};
+    node.ioctl(EVIOCGKEY(96), bitmap.data());
+    EXPECT_THAT(
+        node.read(),
+        ElementsAre(Event{EV_SW, SW_LID, 1}, report, Event{EV_SYN, SYN_DROPPED, 0}, report));
+    char buffer[64] = {};
+    EXPECT_EQ(node.readInto(buffer, sizeof(buffer)), 3);
+    EXPECT_STREQ(buffer, "odd");
+    EXPECT_EQ(node.readError(), EIO);
+    // The report of the release ends no packet any more, but neither does it follow another report.
+    EXPECT_THAT(node.read(), ElementsAre(report));
 }
 
 TEST(Ioctl, ForStatesLeavesADescriptorUnreadableWithoutRecords)
@@ -237,6 +279,12 @@ TEST(Ioctl, ChangesTheRepeatSettingsAndTellsEveryReaderWithTheNextPacket)
     EXPECT_EQ(node.ioctl(EVIOCSREP, changed), 0);
     device.release(KEY_OK);
     EXPECT_THAT(node.read(), ElementsAre(Event{EV_KEY, KEY_OK, 0}, report));
+    int negative[2] = {-1, 60};
+    EXPECT_EQ(node.ioctl(EVIOCSREP, negative), 0);
+    EXPECT_EQ(node.ioctl(EVIOCGREP, repeat), 0);
+    EXPECT_THAT(repeat, ElementsAre(250, 60));
+    EXPECT_FALSE(device.report(EV_REP, REP_CNT, 1));
+    EXPECT_FALSE(device.report(EV_REP, -1, 1));
 }
 
 TEST(Ioctl, GrabsTheDeviceForOneDescriptor)
@@ -248,6 +296,8 @@ TEST(Ioctl, GrabsTheDeviceForOneDescriptor)
     EXPECT_EQ(owner.ioctl(EVIOCGRAB, 0), -EINVAL);
     EXPECT_EQ(owner.ioctl(EVIOCGRAB, 1), 0);
     EXPECT_EQ(other.ioctl(EVIOCGRAB, 1), -EBUSY);
+    EXPECT_EQ(owner.ioctl(EVIOCGRAB, 1), -EBUSY);
+    EXPECT_EQ(other.ioctl(EVIOCGRAB, 0), -EINVAL);
     device.press(KEY_OK);
     device.send({InputNode::record(EV_KEY, KEY_A, 1)});
     EXPECT_THAT(owner.read(), SizeIs(3));
@@ -279,6 +329,39 @@ TEST(Ioctl, ChoosesTheClockOfTheStamps)
     EXPECT_THAT(node.read(), ElementsAre(Event{EV_SYN, SYN_DROPPED, 0}));
     id = CLOCK_PROCESS_CPUTIME_ID;
     EXPECT_EQ(node.ioctl(EVIOCSCLOCKID, &id), -EINVAL);
+}
+
+TEST(Ioctl, OfTheSameClockDropsNothing)
+{
+    InputSubsystem subsystem;
+    InputNode &device = subsystem.plug(0, panel);
+    const OpenNode node(device.path());
+    device.press(KEY_OK);
+    int id = CLOCK_REALTIME;
+    EXPECT_EQ(node.ioctl(EVIOCSCLOCKID, &id), 0);
+    EXPECT_THAT(node.read(), ElementsAre(Event{EV_KEY, KEY_OK, 1}, report));
+}
+
+TEST(Ioctl, OfAnotherClockDropsOddBytesTooAndStampsTheMarkWithIt)
+{
+    VirtualClock clock;
+    clock.advance(std::chrono::milliseconds(7));
+    InputSubsystem subsystem;
+    InputNode &device = subsystem.plug(0, panel);
+    const OpenNode node(device.path());
+    device.sendBytes("old");
+    int id = CLOCK_BOOTTIME;
+    EXPECT_EQ(node.ioctl(EVIOCSCLOCKID, &id), 0);
+    device.sendBytes("new");
+    device.press(KEY_OK);
+    const std::vector<input_event> mark = node.readRecords();
+    ASSERT_THAT(mark, SizeIs(1));
+    EXPECT_EQ(mark[0].code, SYN_DROPPED);
+    EXPECT_EQ(msecsOf(mark[0]), 10'007);
+    char buffer[64] = {};
+    EXPECT_EQ(node.readInto(buffer, sizeof(buffer)), 3);
+    EXPECT_STREQ(buffer, "new");
+    EXPECT_EQ(msecsOf(node.readRecords().at(0)), 10'007);
 }
 
 TEST(Ioctl, RefusesEverythingElse)

@@ -64,6 +64,51 @@ TEST(Node, WithoutAReadBitCannotBeOpenedNotEvenByRoot)
     EXPECT_NE(::access("/dev/input/event0", W_OK), 0);
 }
 
+TEST(Node, GivesAccessToWhomeverABitGivesIt)
+{
+    InputSubsystem subsystem;
+    const QString path = subsystem.plug(0, panel).path();
+    const struct
+    {
+        mode_t mode;
+        int flags;
+        int access;
+    } ways[] = {
+        {0400, O_RDONLY, R_OK},      {0040, O_RDONLY, R_OK},      {0004, O_RDONLY, R_OK},
+        {0200, O_WRONLY, W_OK},      {0020, O_WRONLY, W_OK},      {0002, O_WRONLY, W_OK},
+        {0600, O_RDWR, R_OK | W_OK}, {0420, O_RDWR, R_OK | W_OK},
+    };
+    for (const auto &way : ways) {
+        SCOPED_TRACE(way.mode);
+        subsystem.setPermissions(0, way.mode);
+        for (const int flags : {O_RDONLY, O_WRONLY, O_RDWR}) {
+            const bool isAllowed = flags == way.flags || way.flags == O_RDWR;
+            EXPECT_EQ(OpenNode(path, flags).openError(), isAllowed ? 0 : EACCES) << flags;
+        }
+        for (const int access : {R_OK, W_OK, X_OK, R_OK | W_OK}) {
+            const bool isAllowed = (access & ~way.access) == 0;
+            EXPECT_EQ(::access("/dev/input/event0", access) == 0, isAllowed) << access;
+        }
+    }
+    for (const mode_t mode : {0100U, 0010U, 0001U}) {
+        subsystem.setPermissions(0, mode);
+        EXPECT_EQ(::access("/dev/input/event0", X_OK), 0) << mode;
+    }
+}
+
+TEST(Node, ShowsItsPermissionsOnOpenDescriptorsToo)
+{
+    InputSubsystem subsystem;
+    const OpenNode open(subsystem.plug(0, panel).path());
+    // Bits beyond those of access are not taken over.
+    subsystem.setPermissions(0, S_IFREG | S_ISUID | 0444);
+    struct stat status = {};
+    ASSERT_EQ(::fstat(open.fd(), &status), 0);
+    EXPECT_EQ(status.st_mode, static_cast<mode_t>(S_IFCHR | 0444));
+    ASSERT_EQ(::stat("/dev/input/event0", &status), 0);
+    EXPECT_EQ(status.st_mode, static_cast<mode_t>(S_IFCHR | 0444));
+}
+
 TEST(Node, StaysOpenWhenItsPermissionsGo)
 {
     InputSubsystem subsystem;
@@ -94,6 +139,17 @@ TEST(Node, WithALeadingZeroIsAnother)
     EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/event")).openError(), ENOENT);
     EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/event1x")).openError(), ENOENT);
     EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/mouse1")).openError(), ENOENT);
+}
+
+TEST(Node, HasANumberOfDigitsOnly)
+{
+    InputSubsystem subsystem;
+    // As if a colon were a ten, and a slash one less than zero.
+    subsystem.plug(10, panel);
+    subsystem.plug(9, panel);
+    EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/event:")).openError(), ENOENT);
+    EXPECT_NE(OpenNode(QStringLiteral("/dev/input/event1/")).openError(), 0);
+    EXPECT_TRUE(OpenNode(QStringLiteral("/dev/input/event10")).isOpen());
 }
 
 TEST(OpenDescriptors, AreCountedByNodeAndTogether)

@@ -47,6 +47,15 @@ TEST(Read, WithTooSmallABufferIsInvalidAndTakesNothing)
     EXPECT_EQ(reader.readInto(buffer, 0), -EAGAIN);
 }
 
+TEST(Read, OfNothingNeverBlocks)
+{
+    InputSubsystem subsystem;
+    const OpenNode reader(subsystem.plug(0, panel).path(), O_RDONLY);
+    char byte = 'x';
+    EXPECT_EQ(reader.readInto(&byte, 0), 0);
+    EXPECT_EQ(byte, 'x');
+}
+
 TEST(Read, FollowsALaterChangeToNonBlocking)
 {
     InputSubsystem subsystem;

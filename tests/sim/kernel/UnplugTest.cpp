@@ -57,7 +57,47 @@ TEST(Unplug, OfAnIdleDeviceDeliversNothing)
     InputSubsystem subsystem;
     InputNode &node = subsystem.plug(0, panel);
     const OpenNode reader(node.path());
+    EXPECT_FALSE(reader.isReadable());
     subsystem.unplug(0);
+    EXPECT_TRUE(reader.isReadable());
+    EXPECT_EQ(reader.readError(), ENODEV);
+    EXPECT_TRUE(reader.isReadable());
+}
+
+TEST(Unplug, EndsAPacketThatTheDriverHasBegun)
+{
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(0, panel);
+    const OpenNode reader(node.path());
+    node.report(EV_SW, SW_LINEIN_INSERT, 1);
+    EXPECT_FALSE(reader.isReadable());
+    subsystem.unplug(0);
+    EXPECT_THAT(reader.read(), ElementsAre(Event{EV_SW, SW_LINEIN_INSERT, 1}, syntheticReport));
+    EXPECT_EQ(reader.readError(), ENODEV);
+}
+
+TEST(Unplug, MayLoseWhatAReaderHasNotFinished)
+{
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(0, panel);
+    const OpenNode reader(node.path());
+    const OpenNode other(node.path());
+    node.press(KEY_OK);
+    node.release(KEY_OK);
+    EXPECT_THAT(reader.read(1), ElementsAre(Event{EV_KEY, KEY_OK, 1}));
+    subsystem.unplug(0, InputSubsystem::Unread::Lost);
+    for (const OpenNode *open : {&reader, &other}) {
+        EXPECT_TRUE(open->isReadable());
+        EXPECT_EQ(open->readError(), ENODEV);
+    }
+}
+
+TEST(Unplug, OfAReplacedDeviceWakesItsReaders)
+{
+    InputSubsystem subsystem;
+    const OpenNode reader(subsystem.plug(0, panel).path());
+    subsystem.replace(0, panel);
+    EXPECT_TRUE(reader.isReadable());
     EXPECT_EQ(reader.readError(), ENODEV);
 }
 
