@@ -2,7 +2,7 @@
 # shellcheck shell=bash disable=SC2034
 
 build_packages=(cmake g++ libcli11-dev libevdev-dev libgmock-dev libgtest-dev liblog4cplus-dev
-    libtomlplusplus-dev ninja-build pkg-config qtbase5-dev scdoc zlib1g-dev)
+    librapidcheck-dev libtomlplusplus-dev ninja-build pkg-config qtbase5-dev scdoc zlib1g-dev)
 demo_packages=("${build_packages[@]}" umockdev)
 bench_packages=("${build_packages[@]}" gnuplot-nox libbenchmark-dev python3 strace valgrind)
 test_packages=("${demo_packages[@]}" "${bench_packages[@]}" clang jq libclang-rt-14-dev

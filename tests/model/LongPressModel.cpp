@@ -59,8 +59,10 @@ void LongPressModel::tick(std::int64_t now, const std::vector<int> &order, const
         if (stage + 1 < registration.timeouts.size())
             ++stage;
         hold->second = {count + 1, now};
-        if (isNotified)
+        if (isNotified) {
+            ++m_notifications;
             slot(code, count);
+        }
     }
     if (m_holds.empty())
         m_isTiming = false;

@@ -25,6 +25,8 @@ public:
     bool isTiming() const { return m_isTiming; }
     /// How often the timer was started so far.
     int starts() const { return m_starts; }
+    /// How often its slot was called so far.
+    int notifications() const { return m_notifications; }
     /// Whether the next tick would look at a timeout of @p code.
     bool isHeld(int code) const { return m_holds.count(code) > 0; }
 
@@ -49,6 +51,7 @@ private:
     std::map<int, std::size_t> m_stages;
     bool m_isTiming = false;
     int m_starts = 0;
+    int m_notifications = 0;
 };
 
 } // namespace Model
