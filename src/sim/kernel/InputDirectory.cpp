@@ -46,15 +46,11 @@ void InputDirectory::remove()
 
 void InputDirectory::addNode(const QByteArray &path, mode_t mode) const
 {
-    // Made with its mode in one step, so that watchers see one change. A FIFO, because directory
-    // listings tell files from devices, and nothing else that is neither can be made without
-    // privileges.
-    const mode_t oldMask = ::umask(0);
-    const int result = ::mkfifo(realPath(path), mode);
-    const int error = errno;
-    ::umask(oldMask);
-    if (result != 0)
-        qFatal("InputSubsystem: cannot make a node: %s", std::strerror(error));
+    // A FIFO, because directory listings tell files from devices, and nothing else that is neither
+    // can be made without privileges. What the umask takes from its mode nobody sees: who asks for
+    // the status of a node or opens it is answered with the mode that it should have.
+    if (::mkfifo(realPath(path), mode) != 0)
+        qFatal("InputSubsystem: cannot make a node: %s", std::strerror(errno));
 }
 
 void InputDirectory::removeNode(const QByteArray &path) const

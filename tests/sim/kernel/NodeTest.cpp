@@ -8,6 +8,7 @@
 
 #include <cerrno>
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,7 +20,30 @@ namespace {
 
 const DeviceDescription panel = DeviceDescription::keyboard("panel", BUS_HOST, {KEY_OK});
 
+int umaskCalls = 0;
+
 } // namespace
+
+// In place of the C library's: the mask belongs to all threads of the process.
+extern "C" __attribute__((visibility("default"))) mode_t umask(mode_t mask)
+{
+    ++umaskCalls;
+    return reinterpret_cast<mode_t (*)(mode_t)>(dlsym(RTLD_NEXT, "umask"))(mask);
+}
+
+TEST(Node, HasItsModeWhateverTheUmaskWhichStaysAsItIs)
+{
+    const mode_t former = ::umask(0077);
+    umaskCalls = 0;
+    InputSubsystem subsystem;
+    subsystem.plug(3, panel.withMode(0666));
+    struct stat status = {};
+    EXPECT_EQ(::stat("/dev/input/event3", &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0666U);
+    EXPECT_TRUE(OpenNode(QStringLiteral("/dev/input/event3")).isOpen());
+    EXPECT_EQ(umaskCalls, 0);
+    ::umask(former);
+}
 
 TEST(Node, LooksLikeACharacterDevice)
 {
