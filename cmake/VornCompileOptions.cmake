@@ -6,6 +6,15 @@ set(VORN_PREFIX_MAP
     "-ffile-prefix-map=${PROJECT_BINARY_DIR}/=build/"
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
 
+# What optimised builds ship with: overflows of buffers and stacks end the process, and nothing that the
+# loader fills in stays writable.
+set(VORN_HARDENING_COMPILE
+    -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong -fstack-clash-protection)
+if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+    list(APPEND VORN_HARDENING_COMPILE -fcf-protection)
+endif()
+set(VORN_HARDENING_LINK LINKER:-z,relro,-z,now LINKER:-z,noexecstack)
+
 function(vorn_compile_options target)
     target_compile_options(${target} PRIVATE
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion
@@ -13,6 +22,15 @@ function(vorn_compile_options target)
     if(CMAKE_SYSTEM_PROCESSOR STREQUAL "arm")
         # GCC's notes on calls whose convention changed in GCC 7; nothing here is older.
         target_compile_options(${target} PRIVATE -Wno-psabi)
+    endif()
+    get_target_property(type ${target} TYPE)
+    if(VORN_INPUT_HARDENING AND NOT VORN_INPUT_SANITIZE)
+        # The checks of buffers need the optimiser.
+        set(optimised "$<CONFIG:Release,RelWithDebInfo,MinSizeRel>")
+        target_compile_options(${target} PRIVATE "$<${optimised}:${VORN_HARDENING_COMPILE}>")
+        if(NOT type STREQUAL "OBJECT_LIBRARY")
+            target_link_options(${target} PRIVATE "$<${optimised}:${VORN_HARDENING_LINK}>")
+        endif()
     endif()
     if(VORN_INPUT_WERROR)
         target_compile_options(${target} PRIVATE -Werror)

@@ -95,9 +95,9 @@ PlayerOptions parsePlayerOptions(ProfileOption profileOption)
         parser.showHelp();
     if (parser.isSet(version))
         parser.showVersion();
-    if (!parser.positionalArguments().isEmpty())
-        refuse(
-            QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().first()));
+    const QStringList unexpected = parser.positionalArguments();
+    if (!unexpected.isEmpty())
+        refuse(QStringLiteral("Unexpected argument '%1'.").arg(unexpected.first()));
 
     PlayerOptions options;
     options.config = parser.value(config);

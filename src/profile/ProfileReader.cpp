@@ -76,7 +76,8 @@ void ProfileReader::readRoot()
     TableReader table(*m_places.root, QStringLiteral("a profile"), &m_codes);
     table.allow({"initial", "select", "device"});
     m_profile.initial = table.text("initial");
-    for (const TomlValue *value : table.tables("select")) {
+    const auto rules = table.tables("select");
+    for (const TomlValue *value : rules) {
         if (const auto rule = readRule(*value)) {
             m_profile.select.append(*rule);
             m_places.select.append(value);
@@ -86,7 +87,8 @@ void ProfileReader::readRoot()
         m_findings->error(m_places.root->position,
                           QStringLiteral("a profile needs at least one [[device]]"));
     }
-    for (const TomlValue *value : table.tables("device"))
+    const auto devices = table.tables("device");
+    for (const TomlValue *value : devices)
         readDevice(*value);
 }
 
@@ -101,7 +103,8 @@ void ProfileReader::readDevice(const TomlValue &value)
     if (const TomlValue *name = table.member("name", Type::String))
         device.name = name->string;
     device.bus = readBus(table);
-    for (const TomlValue *handler : table.tables("handler"))
+    const auto handlers = table.tables("handler");
+    for (const TomlValue *handler : handlers)
         readHandler(*handler, &device, &places);
     m_profile.devices.append(device);
     m_places.devices.append(places);

@@ -327,7 +327,7 @@ bool ProfileInputHandler::isReloadPending() const
 
 void ProfileInputHandler::followRules(const InputEvent &event)
 {
-    for (const SelectRule &rule : d->profile.select) {
+    for (const SelectRule &rule : std::as_const(d->profile.select)) {
         if (rule.command == event.command() && rule.state == event.state()) {
             // A copy: whoever is told of the selection may change the profile.
             selectHandler(QString(rule.identifier));

@@ -125,7 +125,7 @@ std::optional<int> CodeReader::named(const QString &text, const TextPosition &po
     if (isWord && code)
         return code;
     bool isNumber = false;
-    text.toLongLong(&isNumber, 0);
+    static_cast<void>(text.toLongLong(&isNumber, 0));
     if (isNumber) {
         m_findings->error(position,
                           QStringLiteral("the code of a %1 is a whole number from 0 to %2, not %3")

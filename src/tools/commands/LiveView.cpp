@@ -23,6 +23,8 @@
 #include <QFileInfo>
 #include <QTimer>
 
+#include <utility>
+
 #include <unistd.h>
 
 namespace Vorn::Tools {
@@ -40,7 +42,8 @@ void complain(const QString &text)
 void printIndented(const QString &text)
 {
     constexpr int indent = 15;
-    for (const QString &line : wrapped(printable(text), SessionPrinter::width - indent))
+    const QStringList lines = wrapped(printable(text), SessionPrinter::width - indent);
+    for (const QString &line : lines)
         printLine(stdout, QString(indent, QLatin1Char(' ')) + line);
 }
 
@@ -173,7 +176,8 @@ void LiveView::showHint(qint64 time, const Hints::Hint &hint, const QString &ide
         ? QStringLiteral(", not in the profile under %1").arg(quoted(identifier))
         : QString();
     const QString text = QStringLiteral("register for %1%2:").arg(hint.device, place);
-    for (const QString &line : wrapped(printable(text), SessionPrinter::width - start.size())) {
+    const QStringList lines = wrapped(printable(text), SessionPrinter::width - start.size());
+    for (const QString &line : lines) {
         printLine(stdout, start + line);
         start.fill(QLatin1Char(' '));
     }
@@ -270,7 +274,7 @@ void LiveView::showHelp()
     if (!SingleKeys::areOn())
         items += QStringLiteral("(each with Enter)");
     QString line = items.takeFirst();
-    for (const QString &item : items) {
+    for (const QString &item : std::as_const(items)) {
         const QString longer = line + QStringLiteral("   ") + item;
         if (textWidth(longer) > SessionPrinter::width)
             printLine(stderr, line);

@@ -208,7 +208,8 @@ int runBatch(const ScenarioOptions &options, const ScenarioRunner &runner)
             Interruption::request();
     }
     if (files.size() > 1 && (status != Success || (!options.quiet && !options.json))) {
-        for (const QString &line : totals(files))
+        const QStringList lines = totals(files);
+        for (const QString &line : lines)
             printLine(options.json ? stderr : stdout, line);
     }
     if (!fileRunner.hasWritten())

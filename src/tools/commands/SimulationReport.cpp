@@ -57,9 +57,9 @@ struct FailureParts
 QStringList indented(const QString &text)
 {
     const QString indent(4, QLatin1Char(' '));
-    QStringList lines;
-    for (const QString &line : wrapped(text, SessionPrinter::width - indent.size()))
-        lines += indent + line;
+    QStringList lines = wrapped(text, SessionPrinter::width - indent.size());
+    for (QString &line : lines)
+        line.prepend(indent);
     return lines;
 }
 

@@ -57,7 +57,8 @@ QString listOf(const QStringList &names, const QString &one, const QString &many
 QStringList keyNamesOf(const NodeInfo &node)
 {
     QStringList names;
-    for (const int code : node.device.codesOf(EV_KEY))
+    const auto codes = node.device.codesOf(EV_KEY);
+    for (const int code : codes)
         names += keyName(code);
     return names;
 }
@@ -65,7 +66,8 @@ QStringList keyNamesOf(const NodeInfo &node)
 QStringList switchNamesOf(const NodeInfo &node, bool withPositions)
 {
     QStringList names;
-    for (const int code : node.device.codesOf(EV_SW)) {
+    const auto codes = node.device.codesOf(EV_SW);
+    for (const int code : codes) {
         names += switchName(code);
         if (withPositions)
             names.last() += node.device.switchesOn.contains(code) ? QStringLiteral(" (on)")
