@@ -129,6 +129,8 @@ LibraryKeys::LibraryKeys(const QString &device, LinuxInputListener *listener, Ob
 
 LibraryKeys::~LibraryKeys()
 {
+    // A handler leaves its timer behind; millions of them would not fit into memory.
+    const std::unique_ptr<QTimer> timer(InputProbe::timer(*m_handler));
     m_handler.reset();
     // The handler has asked for the end of the listener, which others are to use.
     if (m_listener)
