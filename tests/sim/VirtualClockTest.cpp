@@ -48,6 +48,11 @@ TEST(VirtualClock, CanStartAtAnyInstant)
 {
     EXPECT_EQ(VirtualClock(0).now(), 0);
     EXPECT_EQ(VirtualClock(1).now(), 1);
+    {
+        const VirtualClock whole(2000);
+        EXPECT_EQ(clockOf(CLOCK_REALTIME).tv_sec, 2);
+        EXPECT_EQ(clockOf(CLOCK_REALTIME).tv_nsec, 0);
+    }
     const VirtualClock clock(-1);
     EXPECT_EQ(clock.now(), -1);
     EXPECT_EQ(QDateTime::currentMSecsSinceEpoch(), -1);

@@ -45,6 +45,25 @@ TEST(Node, HasItsModeWhateverTheUmaskWhichStaysAsItIs)
     ::umask(former);
 }
 
+TEST(Node, GivesRecordsTheTimeOfAnyInstant)
+{
+    const input_event record = InputNode::record(EV_KEY, KEY_OK, 1, 1'700'000'000'123);
+    EXPECT_EQ(record.input_event_sec, 1'700'000'000);
+    EXPECT_EQ(record.input_event_usec, 123'000);
+}
+
+TEST(Node, IsExecutableToWhomeverABitSaysSo)
+{
+    InputSubsystem subsystem;
+    subsystem.plug(0, panel.withMode(0666));
+    EXPECT_NE(::access("/dev/input/event0", X_OK), 0);
+    EXPECT_EQ(errno, EACCES);
+    for (const mode_t mode : {0100, 0010, 0001}) {
+        subsystem.setPermissions(0, mode);
+        EXPECT_EQ(::access("/dev/input/event0", X_OK), 0) << mode;
+    }
+}
+
 TEST(Node, LooksLikeACharacterDevice)
 {
     InputSubsystem subsystem;
