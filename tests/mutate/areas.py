@@ -14,6 +14,8 @@ class Executable:
     filter: str = "*"
     # Tests that only count if they are the first of their process.
     alone: tuple = ()
+    # For a program that is a test by itself: what it is started with.
+    arguments: tuple = ()
     # Memcheck and what replaces malloc exclude each other.
     memcheck: bool = True
 
@@ -50,6 +52,10 @@ AREAS = {area.name: area for area in [
         executables=[
             Executable("tests/sim/vorn_sim_tests", "vorn_sim_tests"),
             Executable("tests/sim/vorn_sim_tests", "vorn_sim_tests", {"QT_NO_GLIB": "1"}),
+            Executable("tests/sim/vorn_sim_hidden", "vorn_sim_hidden",
+                       arguments=("InputSubsystem",)),
+            Executable("tests/sim/vorn_sim_hidden", "vorn_sim_hidden",
+                       arguments=("VirtualClock",)),
         ]),
     Area(
         name="workbench",

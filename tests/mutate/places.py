@@ -1,6 +1,7 @@
 """Finds the places of a source that can be mutated, with libclang."""
 
 import bisect
+import ctypes
 import re
 
 from clang import cindex
@@ -57,23 +58,22 @@ class Finder:
         self.source = source
         self.found = {}
         self.function = ""
-        # Whether a break and a continue would mean something else than in the code as it is.
+        # Of the function that is being read.
+        self.is_void = False
+        self.last_statement = 0
+        # Of the statement: a break and a continue may stand for each other in loops only.
         self.in_loop = False
+        self.in_switch = False
         self.lambdas = 0
 
     def find(self, unit):
+        cursors = in_main_file(unit)
         self.macros = sorted(
             (cursor.extent.start.offset, cursor.extent.end.offset, cursor.spelling)
-            for cursor in unit.cursor.get_children()
-            if cursor.kind == CursorKind.MACRO_INSTANTIATION and self.is_here(cursor))
-        for cursor in unit.cursor.get_children():
-            if self.is_here(cursor):
-                self.declaration(cursor)
+            for cursor in cursors if cursor.kind == CursorKind.MACRO_INSTANTIATION)
+        for cursor in cursors:
+            self.declaration(cursor)
         return sorted(self.found.values(), key=lambda item: (item.start, -item.end))
-
-    def is_here(self, cursor):
-        file = cursor.location.file
-        return file is not None and file.name == self.path
 
     # What is remembered.
 
@@ -185,7 +185,7 @@ class Finder:
         elif kind in LOOPS:
             self.loop(cursor)
         elif kind == CursorKind.SWITCH_STMT:
-            outer, self.in_switch = getattr(self, "in_switch", False), True
+            outer, self.in_switch = self.in_switch, True
             children = list(cursor.get_children())
             for child in children[:-1]:
                 self.visit(child)
@@ -332,7 +332,7 @@ class Finder:
     def jump(self, cursor):
         start, end = cursor.extent.start.offset, self.statement_end(cursor)
         self.add("jump removed", "remove", start, end, "")
-        if self.in_loop and not getattr(self, "in_switch", False):
+        if self.in_loop and not self.in_switch:
             is_break = cursor.kind == CursorKind.BREAK_STMT
             self.add("jump exchanged", "statement", start, end,
                      "continue;" if is_break else "break;")
@@ -385,7 +385,7 @@ class Finder:
                 self.visit(child)
 
     def lambda_body(self, body):
-        outer = self.in_loop, getattr(self, "in_switch", False), self.last_statement
+        outer = self.in_loop, self.in_switch, self.last_statement
         self.in_loop = self.in_switch = False
         self.lambdas += 1
         self.compound(body)
@@ -534,6 +534,23 @@ HANDLERS = {
     CursorKind.CONDITIONAL_OPERATOR: Finder.ternary,
     CursorKind.CALL_EXPR: Finder.call,
 }
+
+
+def in_main_file(unit):
+    """What is declared in the file itself: far less than with all that it includes."""
+    library = cindex.conf.lib
+    library.clang_Location_isFromMainFile.argtypes = [cindex.SourceLocation]
+    library.clang_Location_isFromMainFile.restype = ctypes.c_int
+    found = []
+
+    def visit(cursor, parent, data):
+        if library.clang_Location_isFromMainFile(library.clang_getCursorLocation(cursor)):
+            cursor._tu = unit
+            found.append(cursor)
+        return 1  # CXChildVisit_Continue
+
+    library.clang_visitChildren(unit.cursor, cindex.callbacks["cursor_visit"](visit), found)
+    return found
 
 
 def qualified(cursor):

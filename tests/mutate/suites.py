@@ -23,9 +23,6 @@ class Test:
     executable: int
     name: str
 
-    def suite(self):
-        return self.name.split(".")[0]
-
 
 @dataclasses.dataclass
 class Run:
@@ -86,9 +83,13 @@ class Suites:
         return [test for index in range(len(self.area.executables)) for test in self.listed(index)]
 
     def listed(self, index):
-        filtered = self.area.executables[index].filter
-        result = run([self.program(index), "--gtest_list_tests", f"--gtest_filter={filtered}"],
-                     self.environment(index), 60)
+        executable = self.area.executables[index]
+        if executable.arguments:
+            yield Test(index, " ".join([executable.target, *executable.arguments]))
+            return
+        command = [self.program(index), "--gtest_list_tests",
+                   f"--gtest_filter={executable.filter}"]
+        result = run(command, self.environment(index), 60)
         if result.status != 0:
             raise Failure(f"{self.program(index)} cannot list its tests")
         suite = ""
@@ -100,8 +101,9 @@ class Suites:
                 yield Test(index, suite + name)
 
     def run_tests(self, index, names, extra, limit):
-        command = [self.program(index), "--gtest_fail_fast", "--gtest_brief=1",
-                   "--gtest_filter=" + ":".join(names)]
+        arguments = self.area.executables[index].arguments or [
+            "--gtest_fail_fast", "--gtest_brief=1", "--gtest_filter=" + ":".join(names)]
+        command = [self.program(index), *arguments]
         return run(command, {**self.environment(index), **extra}, limit)
 
     def baseline(self, count):

@@ -76,7 +76,7 @@ class Trials:
             return Result(mutation.key(), "hung", by, result.seconds)
         if result.status == 0:
             return Result(mutation.key(), "survived", "", result.seconds)
-        if result.status == 1 and failed:
+        if result.status == 1 and by:
             return Result(mutation.key(), "caught", by, result.seconds)
         return Result(mutation.key(), "crashed", by, result.seconds)
 
@@ -84,6 +84,7 @@ class Trials:
         """Tries once more, under valgrind: lost memory and invalid reads count, too."""
         tests = [test for test in self.suites.reaching(mutation.number)
                  if self.suites.area.executables[test.executable].memcheck
+                 and not self.suites.area.executables[test.executable].arguments
                  and "DeathTest" not in test.name]
         suppressions = os.path.join(self.project, "tests/support/valgrind.supp")
         seconds = 0.0
