@@ -14,6 +14,7 @@ TEST(ScopedFunctionText, NamesLoggerAndFunction)
               "BasicInputHandler::BasicInputHandler");
     EXPECT_EQ(dbglog_scopedFunction("virtual void A::b(const QString&)", "L"), "L::b");
     EXPECT_EQ(dbglog_scopedFunction("QMap<QString, QString> A::c() const", "L"), "L::c");
+    EXPECT_EQ(dbglog_scopedFunction("virtual A::~A()", "L"), "L::~A");
 }
 
 TEST(ScopedFunctionText, TakesAnyText)

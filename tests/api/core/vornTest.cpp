@@ -70,7 +70,10 @@ TEST(CheckedConnection, VerifiesOnlyWhatIsQueued)
                static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection)));
     EXPECT_TRUE(verify(&Sender::unregistered,
                        static_cast<Qt::ConnectionType>(Qt::AutoConnection | Qt::UniqueConnection)));
+    // Waits for the slot, which reads the sender's own arguments.
+    EXPECT_TRUE(verify(&Sender::unregistered, Qt::BlockingQueuedConnection));
     EXPECT_TRUE(verify(&Sender::number, Qt::QueuedConnection));
+    EXPECT_TRUE(verify(&Sender::numbers, Qt::QueuedConnection));
     EXPECT_TRUE(verify(&Sender::pointer, Qt::QueuedConnection));
     EXPECT_TRUE(verify(&Sender::nothing, Qt::QueuedConnection));
 }
@@ -129,6 +132,10 @@ TEST(CheckedConnectionDeathTest, AConnectionWithoutSenderIsFatal)
     EXPECT_DEATH(Vorn::connect(static_cast<Sender *>(nullptr), &Sender::number, &receiver,
                                &Receiver::onNumber),
                  "ASSERT: \"connection\" in file src/api/core/vorn.h, line [0-9]+");
+    // The parameters are checked first.
+    EXPECT_DEATH(Vorn::connect(static_cast<Sender *>(nullptr), &Sender::unregistered, &receiver,
+                               &Receiver::onUnregistered, Qt::QueuedConnection),
+                 "ASSERT: \"verifyConnectionSignalParameters");
 }
 
 TEST(CheckedConnectionDeathTest, AConnectionWithoutReceiverIsFatal)

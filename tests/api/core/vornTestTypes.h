@@ -32,6 +32,7 @@ public:
 Q_SIGNALS:
     void nothing();
     void number(int);
+    void numbers(int, int, int);
     void unregistered(Unregistered);
     void numberAndUnregistered(int, Unregistered);
     void registeredByName(RegisteredByName);

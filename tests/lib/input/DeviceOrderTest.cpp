@@ -122,6 +122,18 @@ TEST_F(DeviceOrder, AHandlerHasItsListenerWhenItIsToldItsIdentifier)
     EXPECT_EQ(path, panelPath);
 }
 
+TEST_F(DeviceOrder, AHandlerIsToldItsIdentifierBeforeItIsRegistered)
+{
+    plug(0);
+    start();
+    ToldKeyHandler *handler = keys();
+    handler->onSetId = [&] { devices->selectKeyHandler(browse); };
+    devices->addKeyHandler(panelPath, handler, browse);
+    EXPECT_THAT(press(0), IsEmpty());
+    devices->selectKeyHandler(browse);
+    EXPECT_THAT(press(0), ElementsAre(pressed(InputEvent::Mute)));
+}
+
 TEST_F(DeviceOrder, AHandlerIsToldItsIdentifierBeforeItReceives)
 {
     plug(0);
@@ -173,6 +185,59 @@ TEST_F(DeviceOrder, KeysAreSelectedBeforeSwitches)
     buttons->onInvalidate = [&] { sequence.emplace_back("keys"); };
     devices->selectHandler(browse);
     EXPECT_THAT(sequence, ElementsAre("keys", "switches"));
+}
+
+TEST_F(DeviceOrder, ASelectionIsTracedBeforeItIsMade)
+{
+    plug(0);
+    start();
+    devices->addKeyHandler(panelPath, keys(), QString());
+    auto *leaving = keys();
+    devices->addKeyHandler(panelPath, leaving, QString());
+    std::vector<std::string> sequence;
+    leaving->onInvalidate = [&] { sequence.emplace_back("deselected"); };
+    LogRecorder log;
+    log.onLine([&](const LogLine &line) { sequence.push_back(line.text); });
+    devices->selectKeyHandler(browse);
+    EXPECT_THAT(sequence,
+                ElementsAre("Enter BasicInputHandler::selectKeyHandler: browse", "deselected"));
+}
+
+TEST_F(DeviceOrder, ARemovalIsLoggedBeforeItIsMade)
+{
+    plug(0);
+    start();
+    auto *handler = keys();
+    devices->addKeyHandler(panelPath, handler, QString());
+    std::vector<std::string> sequence;
+    QObject::connect(handler, &QObject::destroyed, [&] { sequence.emplace_back("deleted"); });
+    LogRecorder log;
+    log.onLine([&](const LogLine &line) { sequence.push_back(line.text); });
+    devices->removeDevice(panelPath);
+    EXPECT_THAT(sequence, ElementsAre("Removing /dev/input/event0", "deleted"));
+}
+
+TEST_F(DeviceOrder, AHandlerOfSeveralIdentifiersDoesNotKeepOthersFromTheirDeletion)
+{
+    plug(0);
+    plug(1);
+    start();
+    std::vector<QPointer<QObject>> handlers;
+    for (const QString &path : {panelPath, remotePath}) {
+        ToldKeyHandler *other = keys();
+        ToldKeyHandler *shared = keys();
+        devices->addKeyHandler(path, other, QString());
+        devices->addKeyHandler(path, shared, QString());
+        devices->addKeyHandler(path, shared, browse);
+        handlers.insert(handlers.end(), {other, shared});
+    }
+    devices->removeDevice(panelPath);
+    EXPECT_EQ(handlers[0], nullptr);
+    EXPECT_EQ(handlers[1], nullptr);
+    EXPECT_NE(handlers[2], nullptr);
+    devices.reset();
+    EXPECT_EQ(handlers[2], nullptr);
+    EXPECT_EQ(handlers[3], nullptr);
 }
 
 TEST_F(DeviceOrder, ADeviceWithoutHandlersLosesItsReceiverToo)
@@ -265,8 +330,12 @@ TEST_F(DeviceOrder, AChangeElsewhereLeavesTheWatchAloneWhileTheDirectoryIsMissin
                                   Q_ARG(QString, QString::fromLatin1(file)));
         EXPECT_THAT(watched(), IsEmpty()) << file;
     }
-    pass();
-    EXPECT_THAT(watched(), ElementsAre("/dev/"));
+    for (const char *file : {"/dev/input/", "/dev/input/event3"}) {
+        watcher->removePath(QStringLiteral("/dev/"));
+        QMetaObject::invokeMethod(devices.get(), "on_inputWatcher_changed",
+                                  Q_ARG(QString, QString::fromLatin1(file)));
+        EXPECT_THAT(watched(), ElementsAre("/dev/")) << file;
+    }
 }
 
 } // namespace

@@ -239,9 +239,11 @@ TEST(InputEventValue, KeepsItsFieldsThroughCopyAndAssignment)
     {
         const InputEvent event(InputEvent::Mute, InputEvent::KeyReleased, Bus::CEC);
         const InputEvent copy(event);
-        EXPECT_EQ(copy.command(), event.command());
-        EXPECT_EQ(copy.state(), event.state());
-        EXPECT_EQ(copy.bus(), event.bus());
+        for (const InputEvent &each : {event, copy}) {
+            EXPECT_EQ(each.command(), InputEvent::Mute);
+            EXPECT_EQ(each.state(), InputEvent::KeyReleased);
+            EXPECT_EQ(each.bus(), Bus::CEC);
+        }
         assigned = copy;
     }
     EXPECT_EQ(assigned.toString(), "[cmd=Mute, state=KeyReleased, bus=CEC]");

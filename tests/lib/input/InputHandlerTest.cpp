@@ -135,6 +135,19 @@ TEST_F(InputHandlerTest, DestructionLeavesTheListenerAliveUntilDeferredDeletions
     EXPECT_EQ(node.openDescriptors(), 0);
 }
 
+TEST_F(InputHandlerTest, DestructionWithoutAListenerIsSilent)
+{
+    static QStringList messages;
+    messages.clear();
+    const QtMessageHandler before = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &text) { messages << text; });
+    {
+        const RecordingHandler handler;
+    }
+    qInstallMessageHandler(before);
+    EXPECT_EQ(messages, QStringList());
+}
+
 TEST_F(InputHandlerTest, ADirectDeletionOfTheListenerWithdrawsTheDeferredOne)
 {
     LinuxInputListener *listener = makeListener().release();

@@ -752,12 +752,14 @@ TEST_F(LinuxInputListenerTest, OfAnyOtherTypeIsASwitchListenerThatReportsWhatIsO
     }
     subsystem.unplug(0);
     plugKeyboard();
-    LogRecorder log;
-    listen(static_cast<LinuxInputListener::Type>(2));
-    EXPECT_THAT(
-        log.lines(),
-        ElementsAre(constructorLine(log4cplus::DEBUG_LOG_LEVEL,
-                                    "Event device /dev/input/event0 does not support EV_SW")));
+    for (int type : {2, -1}) {
+        LogRecorder log;
+        listen(static_cast<LinuxInputListener::Type>(type));
+        EXPECT_THAT(
+            log.lines(),
+            ElementsAre(constructorLine(log4cplus::DEBUG_LOG_LEVEL,
+                                        "Event device /dev/input/event0 does not support EV_SW")));
+    }
 }
 
 TEST_F(LinuxInputListenerTest, ClosesAsOftenAsItIsAsked)

@@ -177,6 +177,17 @@ TEST_F(ListenerOrder, AnEmptyNameIsLoggedLikeAnyOther)
     EXPECT_EQ(listener->bus(), InputEvent::Bus::USB);
 }
 
+TEST_F(ListenerOrder, AReadIsTracedBeforeItFails)
+{
+    const auto listener = listen(LinuxInputListener::Key);
+    node.failRead(EIO);
+    LogRecorder log;
+    clock.settle();
+    EXPECT_THAT(log.texts(),
+                ElementsAre(testing::StartsWith("Enter LinuxInputListener::readData: "),
+                            "Error reading from event device /dev/input/event0"));
+}
+
 TEST_F(ListenerOrder, ABatchIsCompleteAndLoggedBeforeItIsDelivered)
 {
     const auto listener = listen(LinuxInputListener::Key);

@@ -52,6 +52,18 @@ TEST_F(KeyRegistration, OfAnotherBusIsIgnoredWithoutALine)
     EXPECT_THAT(log.texts(log4cplus::WARN_LOG_LEVEL), IsEmpty());
 }
 
+TEST_F(KeyRegistration, OfAnotherBusLeavesWhatIsThere)
+{
+    handler->registerKey(A, InputEvent::Info, true);
+    handler->registerDoubleKey(A, B, InputEvent::Mute);
+    handler->registerKey(A, Bus::Hostlink, InputEvent::Power, false);
+    handler->registerDoubleKey(A, B, Bus::Hostlink, InputEvent::Power);
+    press(A);
+    EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::Info)));
+    EXPECT_EQ(handler->getDoubleKeyEvent({A, B}), InputEvent::Mute);
+    EXPECT_EQ(handler->getDoubleKeyEvent({B, A}), InputEvent::Mute);
+}
+
 TEST_F(KeyRegistration, OfTheListenersBusNeverWarnsAndKeepsTheLongPress)
 {
     handler->registerKey(A, InputEvent::Info, true);

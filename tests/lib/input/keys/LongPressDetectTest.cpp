@@ -425,6 +425,7 @@ TEST(LongPressDetectRecords, DefaultsAreAnUnregisteredKey)
 {
     EXPECT_TRUE(LongPressDetect::Event().timeouts.isEmpty());
     EXPECT_FALSE(LongPressDetect::Event().repeat);
+    EXPECT_EQ(LongPressDetect::KeyData().count, 0);
 }
 
 const char *const indexAssertion =
