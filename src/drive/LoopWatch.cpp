@@ -3,6 +3,8 @@
 #include "RealCalls.h"
 
 #include <algorithm>
+#include <chrono>
+#include <optional>
 
 #include <dlfcn.h>
 
@@ -10,34 +12,14 @@ namespace Vorn::Drive {
 
 namespace {
 
-constexpr qint64 second = 1'000'000'000;
+using Nanoseconds = std::chrono::nanoseconds;
+
 // Qt waits a millisecond longer than for the next timer, which the virtual clock takes off again.
 constexpr qint64 qtRounding = 1'000'000;
 
-qint64 toNanoseconds(const timespec &time)
-{
-    return static_cast<qint64>(time.tv_sec) * second + time.tv_nsec;
-}
-
-timespec toTimespec(qint64 nanoseconds)
-{
-    timespec time = {};
-    time.tv_sec = static_cast<time_t>(nanoseconds / second);
-    time.tv_nsec = static_cast<decltype(time.tv_nsec)>(nanoseconds % second);
-    return time;
-}
-
 int pollNow(const Sim::ClockCalls::Poll &call)
 {
-    const timespec noWait = {};
-    return Sim::Real::ppoll(call.fds, call.count, &noWait, call.mask);
-}
-
-int realClock(clockid_t clock, timespec *result)
-{
-    using Function = int(clockid_t, timespec *);
-    static auto *const function = reinterpret_cast<Function *>(dlsym(RTLD_NEXT, "clock_gettime"));
-    return function(clock, result);
+    return Sim::Real::ppoll(call.fds, call.count, Nanoseconds::zero(), call.mask);
 }
 
 } // namespace
@@ -61,16 +43,14 @@ void LoopWatch::stepWallClock(qint64 milliseconds)
     m_wallOffset += milliseconds * 1'000'000;
 }
 
-bool LoopWatch::get(clockid_t clock, timespec &result)
+bool LoopWatch::get(clockid_t clock, Nanoseconds &result)
 {
     if (m_virtual)
         return m_virtual->get(clock, result);
     const qint64 offset = m_wallOffset;
     if (offset == 0 || (clock != CLOCK_REALTIME && clock != CLOCK_REALTIME_COARSE))
         return false;
-    if (realClock(clock, &result) != 0)
-        return false;
-    result = toTimespec(toNanoseconds(result) + offset);
+    result = Sim::Real::clock(clock) + Nanoseconds(offset);
     return true;
 }
 
@@ -93,7 +73,7 @@ bool LoopWatch::poll(const Poll &call, int &result)
     if (!isOfLoop(call))
         return m_virtual && m_virtual->poll(call, result);
     result = pollNow(call);
-    const bool isWait = !call.timeout || toNanoseconds(*call.timeout) != 0;
+    const bool isWait = call.timeout != Nanoseconds::zero();
     if (result == 0 && isWait)
         result = pollIdle(call);
     else
@@ -103,19 +83,20 @@ bool LoopWatch::poll(const Poll &call, int &result)
 
 int LoopWatch::pollIdle(const Poll &call)
 {
-    const qint64 timeout = call.timeout ? toNanoseconds(*call.timeout) : -1;
+    const qint64 timeout = call.timeout ? call.timeout->count() : -1;
     m_listener->onIdle();
     if (m_virtual && m_listener->isTimeHeld())
-        return Sim::Real::ppoll(call.fds, call.count, nullptr, call.mask);
+        return Sim::Real::ppoll(call.fds, call.count, std::nullopt, call.mask);
     qint64 limit = m_listener->limit();
     if (m_virtual && limit > 0)
         limit += qtRounding;
     qint64 wait = timeout;
     if (limit >= 0 && (timeout < 0 || limit < timeout))
         wait = limit;
-    const timespec limited = toTimespec(std::max<qint64>(wait, 0));
     Poll shorter = call;
-    shorter.timeout = wait < 0 ? nullptr : &limited;
+    shorter.timeout.reset();
+    if (wait >= 0)
+        shorter.timeout = Nanoseconds(wait);
     // It is the loop's, even if a function of a sanitizer has called in its place.
     shorter.caller = dlsym(RTLD_DEFAULT, "qVersion");
     int result = 0;

@@ -6,6 +6,7 @@
 #include <QtGlobal>
 
 #include <atomic>
+#include <chrono>
 
 #include <pthread.h>
 
@@ -45,7 +46,7 @@ public:
 
     void stepWallClock(qint64 milliseconds);
 
-    bool get(clockid_t clock, timespec &result) override;
+    bool get(clockid_t clock, std::chrono::nanoseconds &result) override;
     bool poll(const Poll &call, int &result) override;
 
 private:

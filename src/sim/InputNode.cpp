@@ -63,7 +63,7 @@ bool InputNode::isPlugged() const
 int InputNode::openDescriptors() const
 {
     const Lock lock(m_state->lock);
-    return static_cast<int>(m_state->clients.size());
+    return static_cast<int>(m_state->openDescriptors());
 }
 
 bool InputNode::press(int code)

@@ -56,7 +56,8 @@ public:
     /// Whether a device is plugged in here.
     bool isPlugged() const;
 
-    /// How many descriptors of this node are open, including those of devices unplugged since.
+    /// How many descriptors of this node are open, including duplicates and those of devices
+    /// unplugged since.
     int openDescriptors() const;
 
     /// @name Events as a driver reports them, filtered by the kernel

@@ -119,7 +119,7 @@ int InputSubsystem::openDescriptors() const
     const Lock lock(m_state->lock);
     std::size_t count = 0;
     for (const auto &[number, node] : m_state->nodes.all())
-        count += node->clients.size();
+        count += node->openDescriptors();
     return static_cast<int>(count);
 }
 

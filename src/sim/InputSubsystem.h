@@ -30,15 +30,16 @@ class SubsystemState;
 /// Linking `vorn::sim` is all that an executable has to do. The constructor checks that the calls
 /// really get here, and ends the process (`qFatal`) if they do not.
 ///
-/// **Limits**: not simulated are duplicated descriptors (`dup`), `write` to a node, `epoll`'s
-/// hang-up flags, calls that bypass the C library's dynamic symbols (`fopen`, `std::ifstream`, raw
+/// **Limits**: not simulated are `write` to a node, `epoll`'s hang-up flags, descriptors passed to
+/// other processes, calls that bypass the C library's dynamic symbols (`fopen`, `std::ifstream`, raw
 /// system calls), and paths that are relative, not normalised or reached through links. Queues are
 /// unlimited: a slow reader sees `SYN_DROPPED` only if a test sends it or the reader changes its
 /// clock.
 ///
 /// **Thread**: use it on one thread, except for what InputNode allows on others. Only one may exist
-/// per process; a second one is fatal. Close all descriptors of nodes before destroying it: those
-/// left open are reported in a warning and deliver nothing from then on.
+/// per process; a second one is fatal. Nodes may be read on any thread, also while it is destroyed:
+/// a `read` that waits then fails with `ENODEV`. Descriptors that are left open are reported in a
+/// warning; they deliver nothing from then on, and their reads fail.
 ///
 /// @code
 /// InputSubsystem subsystem;
@@ -119,7 +120,7 @@ public:
     /// one ends that.
     void setPathHook(const PathHook &hook);
 
-    /// How many descriptors are open, on all nodes together.
+    /// How many descriptors are open, on all nodes together, duplicates included.
     int openDescriptors() const;
 
     /// @name Calls that were made

@@ -107,7 +107,7 @@ bool ServedCalls::read(int fd, void *buffer, std::size_t size, ssize_t &result)
     const std::shared_ptr<Client> client = m_tables.clients.find(fd);
     if (!client)
         return false;
-    const long outcome = client->read(lock, buffer, size);
+    const long outcome = client->read(lock, fd, buffer, size);
     if (SystemCall *call = m_tables.log.add(SystemCall::Kind::Read, outcome)) {
         call->path = client->node->path;
         call->fd = fd;
@@ -147,11 +147,32 @@ bool ServedCalls::close(int fd, int &result)
     const std::shared_ptr<Client> client = m_tables.clients.find(fd);
     if (!client)
         return false;
-    result = m_tables.clients.close(*client);
+    m_tables.clients.forget(fd);
+    result = Real::close(fd);
     if (SystemCall *call = m_tables.log.add(SystemCall::Kind::Close, result)) {
         call->path = client->node->path;
         call->fd = fd;
     }
+    return true;
+}
+
+bool ServedCalls::duplicate(int fd, const std::function<int()> &call, int &result)
+{
+    // Called under the lock, lest another thread uses the new descriptor before it is known.
+    const Lock lock(m_tables.lock);
+    result = call();
+    if (result >= 0)
+        m_tables.clients.duplicate(fd, result);
+    return true;
+}
+
+bool ServedCalls::closeRange(unsigned int first, unsigned int last,
+                             const std::function<int()> &call, int &result)
+{
+    const Lock lock(m_tables.lock);
+    result = call();
+    if (result == 0)
+        m_tables.clients.forget(first, last);
     return true;
 }
 

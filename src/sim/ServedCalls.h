@@ -5,6 +5,7 @@
 #include "InputSubsystem.h"
 
 #include <cstddef>
+#include <functional>
 #include <mutex>
 
 #include <sys/types.h>
@@ -40,6 +41,9 @@ public:
     bool read(int fd, void *buffer, std::size_t size, ssize_t &result) override;
     bool ioctl(int fd, unsigned long request, void *argument, int &result) override;
     bool close(int fd, int &result) override;
+    bool duplicate(int fd, const std::function<int()> &call, int &result) override;
+    bool closeRange(unsigned int first, unsigned int last, const std::function<int()> &call,
+                    int &result) override;
     bool access(const char *path, int mode, int &result) override;
     bool attributes(const char *path, Attributes &result) override;
     bool attributes(int fd, Attributes &result) override;

@@ -11,6 +11,8 @@
 #include <QtGlobal>
 
 #include <atomic>
+#include <cstddef>
+#include <mutex>
 
 namespace Vorn::Sim {
 
@@ -37,12 +39,17 @@ SubsystemState::SubsystemState(InputSubsystem::Directory directoryKind)
 
 SubsystemState::~SubsystemState()
 {
+    std::unique_lock<std::mutex> guard(lock);
     for (const auto &[number, node] : nodes.all()) {
-        if (!node->clients.empty())
-            qWarning("InputSubsystem: %zu descriptor(s) of /dev/input/event%d left open",
-                     node->clients.size(), number);
+        if (const std::size_t count = node->openDescriptors())
+            qWarning("InputSubsystem: %zu descriptor(s) of /dev/input/event%d left open", count,
+                     number);
     }
+    clients.end(guard);
+    clients.leave();
     serveFiles(nullptr);
+    guard.unlock();
+    awaitFileCallers();
     isAlive = false;
 }
 

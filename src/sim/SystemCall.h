@@ -11,7 +11,8 @@ namespace Vorn::Sim {
 /// One system call on a node in /dev/input, as its caller saw it.
 ///
 /// `open` is recorded for every path below /dev/input, whether or not a device is plugged in there;
-/// the other calls only for descriptors of simulated devices.
+/// the other calls only for descriptors of simulated devices. What duplicates descriptors, and what
+/// closes them by other means than `close`, is not recorded.
 struct SystemCall
 {
     enum class Kind {

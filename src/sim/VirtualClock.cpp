@@ -14,6 +14,7 @@
 
 #include <atomic>
 #include <ctime>
+#include <optional>
 
 #include <dlfcn.h>
 #include <pthread.h>
@@ -30,23 +31,6 @@ using Nanoseconds = std::chrono::nanoseconds;
 constexpr Nanoseconds monotonicStart = std::chrono::microseconds(10'000'500);
 // After so many polls in a row without time moving, something keeps the loop busy forever.
 constexpr int busyLimit = 1'000'000;
-
-constexpr Nanoseconds toNanoseconds(const timespec &time)
-{
-    return std::chrono::seconds(time.tv_sec) + Nanoseconds(time.tv_nsec);
-}
-
-timespec toTimespec(Nanoseconds time)
-{
-    // Rounds down, even before the epoch.
-    auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
-    if (seconds > time)
-        seconds -= std::chrono::seconds(1);
-    timespec result = {};
-    result.tv_sec = static_cast<time_t>(seconds.count());
-    result.tv_nsec = static_cast<decltype(result.tv_nsec)>((time - seconds).count());
-    return result;
-}
 
 constexpr Nanoseconds qtRounding = std::chrono::milliseconds(1);
 
@@ -82,18 +66,18 @@ public:
         : m_wallOffset(wallStart.count())
     { }
 
-    bool get(clockid_t clock, timespec &result) override
+    bool get(clockid_t clock, Nanoseconds &result) override
     {
         switch (clock) {
         case CLOCK_REALTIME:
         case CLOCK_REALTIME_COARSE:
-            result = toTimespec(wallClock());
+            result = wallClock();
             return true;
         case CLOCK_MONOTONIC:
         case CLOCK_MONOTONIC_COARSE:
         case CLOCK_MONOTONIC_RAW:
         case CLOCK_BOOTTIME:
-            result = toTimespec(monotonicStart + elapsed());
+            result = monotonicStart + elapsed();
             return true;
         default:
             return false;
@@ -114,10 +98,8 @@ public:
         if (!pthread_equal(pthread_self(), m_thread))
             return false;
 
-        const timespec noWait = {};
-        result = Real::ppoll(call.fds, call.count, &noWait, call.mask);
-        const bool isWait =
-            !call.timeout || call.timeout->tv_sec != 0 || call.timeout->tv_nsec != 0;
+        result = Real::ppoll(call.fds, call.count, Nanoseconds::zero(), call.mask);
+        const bool isWait = call.timeout != Nanoseconds::zero();
         if (result != 0 || !isWait) {
             countBusy();
             m_wakeUps += isWait ? 1 : 0;
@@ -165,7 +147,7 @@ private:
     // early just polls again.
     static Nanoseconds waitOf(const Poll &call)
     {
-        const Nanoseconds wait = toNanoseconds(*call.timeout);
+        const Nanoseconds wait = *call.timeout;
         return wait > qtRounding && isDispatcher(call.caller) ? wait - qtRounding : wait;
     }
 
@@ -173,7 +155,7 @@ private:
     {
         const bool isRunning = m_run && !m_run->isFinished;
         if (!call.timeout && !isRunning) {
-            const int result = Real::ppoll(call.fds, call.count, nullptr, call.mask);
+            const int result = Real::ppoll(call.fds, call.count, std::nullopt, call.mask);
             ++m_wakeUps;
             return result;
         }
@@ -205,8 +187,7 @@ private:
         if (!dispatcher || !dispatcher->inherits("QEventDispatcherGlib"))
             return 0;
         dispatcher->wakeUp();
-        const timespec noWait = {};
-        return Real::ppoll(call.fds, call.count, &noWait, call.mask);
+        return Real::ppoll(call.fds, call.count, Nanoseconds::zero(), call.mask);
     }
 
     void countBusy()
@@ -249,6 +230,7 @@ VirtualClock::VirtualClock(qint64 msecsSinceEpoch)
 VirtualClock::~VirtualClock()
 {
     serveClocks(nullptr);
+    awaitClockCallers();
     isAlive = false;
 }
 

@@ -3,16 +3,100 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <memory>
+#include <thread>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 using namespace Vorn::Sim;
+using testing::AnyOf;
+using testing::Each;
 
 namespace {
 
 const DeviceDescription panel = DeviceDescription::keyboard("panel", BUS_HOST, {KEY_OK});
 
+/// For tests that leave descriptors open on purpose.
+class NoWarnings
+{
+public:
+    NoWarnings() { qInstallMessageHandler(ignore); }
+    ~NoWarnings() { qInstallMessageHandler(nullptr); }
+    NoWarnings(const NoWarnings &) = delete;
+    NoWarnings &operator=(const NoWarnings &) = delete;
+
+private:
+    static void ignore(QtMsgType, const QMessageLogContext &, const QString &) { }
+};
+
 } // namespace
+
+TEST(InputSubsystem, EndsTheReadsThatWaitWhenItIsDestroyed)
+{
+    const NoWarnings quiet;
+    for (int i = 0; i < 20; ++i) {
+        auto subsystem = std::make_unique<InputSubsystem>();
+        const OpenNode node(subsystem->plug(0, panel).path(), O_RDONLY);
+        int errors[3] = {};
+        std::vector<std::thread> readers;
+        for (int &error : errors)
+            readers.emplace_back([&node, &error] { error = node.readError(); });
+        subsystem.reset();
+        for (std::thread &reader : readers)
+            reader.join();
+        // The latter if it came too late to wait.
+        EXPECT_THAT(errors, Each(AnyOf(ENODEV, EAGAIN)));
+    }
+}
+
+// Whether a call comes before, during or after the destruction, it is served or it is not.
+TEST(InputSubsystem, CanBeDestroyedWhileOtherThreadsCallIt)
+{
+    const NoWarnings quiet;
+    std::atomic<bool> isDone{false};
+    std::atomic<int> rounds{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 2; ++i) {
+        threads.emplace_back([&] {
+            while (!isDone) {
+                const OpenNode node(QStringLiteral("/dev/input/event0"));
+                struct stat status;
+                ::stat("/dev/input/event0", &status);
+                if (node.isOpen() && S_ISCHR(status.st_mode))
+                    node.read();
+                ++rounds;
+            }
+        });
+    }
+    for (int i = 0; i < 50; ++i) {
+        InputSubsystem subsystem;
+        InputNode &node = subsystem.plug(0, panel);
+        const int before = rounds;
+        node.press(KEY_OK);
+        while (rounds < before + 4)
+            std::this_thread::yield();
+    }
+    isDone = true;
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_GE(rounds, 200);
+}
+
+TEST(InputSubsystem, LeavesDescriptorsBehindWhoseReadsFail)
+{
+    const NoWarnings quiet;
+    auto subsystem = std::make_unique<InputSubsystem>();
+    InputNode &panelNode = subsystem->plug(0, panel);
+    const OpenNode node(panelNode.path(), O_RDONLY);
+    panelNode.press(KEY_OK);
+    subsystem.reset();
+    EXPECT_FALSE(node.isReadable());
+    EXPECT_EQ(node.readError(), EAGAIN);
+}
 
 TEST(InputSubsystemDeathTest, MisuseIsFatal)
 {

@@ -7,7 +7,9 @@
 
 #include <linux/input.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <optional>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -31,9 +33,9 @@ void Client::setReadable(bool readable)
     isReadable = readable;
     eventfd_t value = 1;
     if (readable)
-        eventfd_write(fd, value);
+        eventfd_write(fds.front(), value);
     else
-        Real::read(fd, &value, sizeof(value));
+        Real::read(fds.front(), &value, sizeof(value));
 }
 
 void Client::updateReadable()
@@ -41,14 +43,16 @@ void Client::updateReadable()
     setReadable(!queue.isEmpty() || node->readError != 0 || !device->isPresent);
 }
 
-long Client::read(std::unique_lock<std::mutex> &lock, void *buffer, std::size_t size)
+long Client::read(std::unique_lock<std::mutex> &lock, int fd, void *buffer, std::size_t size)
 {
     if (size != 0 && size < sizeof(input_event))
         return -EINVAL;
     for (;;) {
         // Another thread may have closed the descriptor during the wait below.
-        if (!isOpen)
+        if (std::find(fds.begin(), fds.end(), fd) == fds.end())
             return -EBADF;
+        if (isEnded)
+            return -ENODEV;
         if (!queue.isEmpty()) {
             const long outcome = size == 0 ? 0 : queue.take(buffer, size);
             updateReadable();
@@ -63,10 +67,12 @@ long Client::read(std::unique_lock<std::mutex> &lock, void *buffer, std::size_t 
         if (size == 0)
             return 0;
         pollfd descriptor = {fd, POLLIN, 0};
+        ++waiting;
         lock.unlock();
-        const int result = Real::ppoll(&descriptor, 1, nullptr, nullptr);
+        const int result = Real::ppoll(&descriptor, 1, std::nullopt, nullptr);
         const int error = errno;
         lock.lock();
+        --waiting;
         if (result < 0)
             return -error;
     }
@@ -90,6 +96,19 @@ void Client::setClock(clockid_t id)
     record.code = SYN_DROPPED;
     setTime(record, now);
     queue.append(record);
+}
+
+void Client::end()
+{
+    isEnded = true;
+    queue.clear();
+    setReadable(true);
+}
+
+void Client::leave()
+{
+    setReadable(false);
+    ::fcntl(fds.front(), F_SETFL, ::fcntl(fds.front(), F_GETFL) | O_NONBLOCK);
 }
 
 } // namespace Vorn::Sim

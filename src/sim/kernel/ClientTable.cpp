@@ -2,7 +2,6 @@
 
 #include "Client.h"
 #include "NodeState.h"
-#include "RealCalls.h"
 #include "SimulatedDevice.h"
 
 #include <algorithm>
@@ -10,6 +9,7 @@
 #include <cstddef>
 
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
@@ -30,14 +30,12 @@ long ClientTable::open(NodeState &node, int flags)
     const int fd = ::eventfd(0, flags & (O_NONBLOCK | O_CLOEXEC));
     if (fd < 0)
         return -errno;
+    // If the program closed it in a way that was not seen.
+    forget(fd);
     const auto client = std::make_shared<Client>();
-    client->fd = fd;
     client->device = node.device;
     client->node = &node;
-    const auto index = static_cast<std::size_t>(fd);
-    if (index >= m_clients.size())
-        m_clients.resize(index + 1);
-    m_clients[index] = client;
+    add(fd, client);
     node.clients.push_back(client.get());
     node.device->clients.push_back(client.get());
     client->updateReadable();
@@ -50,20 +48,73 @@ std::shared_ptr<Client> ClientTable::find(int fd) const
     return fd >= 0 && index < m_clients.size() ? m_clients[index] : nullptr;
 }
 
-int ClientTable::close(Client &client)
+void ClientTable::duplicate(int original, int fd)
 {
-    const auto forget = [&client](std::vector<Client *> &clients) {
-        clients.erase(std::remove(clients.begin(), clients.end(), &client), clients.end());
-    };
-    forget(client.node->clients);
-    forget(client.device->clients);
-    if (client.device->grabber == &client)
-        client.device->grabber = nullptr;
-    client.isOpen = false;
-    const int fd = client.fd;
-    // May destroy the client.
+    if (fd == original)
+        return;
+    const std::shared_ptr<Client> client = find(original);
+    // Its number may have been that of another node.
+    forget(fd);
+    if (client)
+        add(fd, client);
+}
+
+void ClientTable::forget(int fd)
+{
+    const std::shared_ptr<Client> client = find(fd);
+    if (!client)
+        return;
     m_clients[static_cast<std::size_t>(fd)].reset();
-    return Real::close(fd);
+    client->fds.erase(std::remove(client->fds.begin(), client->fds.end(), fd), client->fds.end());
+    if (!client->fds.empty())
+        return;
+
+    const auto forgetClient = [&client](std::vector<Client *> &clients) {
+        clients.erase(std::remove(clients.begin(), clients.end(), client.get()), clients.end());
+    };
+    forgetClient(client->node->clients);
+    forgetClient(client->device->clients);
+    if (client->device->grabber == client.get())
+        client->device->grabber = nullptr;
+}
+
+void ClientTable::forget(unsigned int first, unsigned int last)
+{
+    for (std::size_t fd = first; fd <= last && fd < m_clients.size(); ++fd)
+        forget(static_cast<int>(fd));
+}
+
+void ClientTable::end(std::unique_lock<std::mutex> &lock)
+{
+    const auto isWaitedFor = [](const std::shared_ptr<Client> &client) {
+        return client && client->waiting != 0;
+    };
+    for (const std::shared_ptr<Client> &client : m_clients) {
+        if (client)
+            client->end();
+    }
+    while (std::any_of(m_clients.begin(), m_clients.end(), isWaitedFor)) {
+        lock.unlock();
+        ::sched_yield();
+        lock.lock();
+    }
+}
+
+void ClientTable::leave()
+{
+    for (const std::shared_ptr<Client> &client : m_clients) {
+        if (client)
+            client->leave();
+    }
+}
+
+void ClientTable::add(int fd, const std::shared_ptr<Client> &client)
+{
+    const auto index = static_cast<std::size_t>(fd);
+    if (index >= m_clients.size())
+        m_clients.resize(index + 1);
+    m_clients[index] = client;
+    client->fds.push_back(fd);
 }
 
 } // namespace Vorn::Sim

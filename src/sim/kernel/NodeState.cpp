@@ -1,5 +1,6 @@
 #include "NodeState.h"
 
+#include "Client.h"
 #include "NodePath.h"
 
 #include <sys/stat.h>
@@ -33,6 +34,14 @@ bool NodeState::allows(int access) const
     return ((access & R_OK) == 0 || (mode & anyRead) != 0)
         && ((access & W_OK) == 0 || (mode & anyWrite) != 0)
         && ((access & X_OK) == 0 || (mode & anyExecute) != 0);
+}
+
+std::size_t NodeState::openDescriptors() const
+{
+    std::size_t count = 0;
+    for (const Client *client : clients)
+        count += client->fds.size();
+    return count;
 }
 
 unsigned int NodeState::minorNumber() const

@@ -7,6 +7,7 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -31,6 +32,9 @@ public:
     /// privileged: tests often run as root, to whom every real file is accessible.
     bool allows(int access) const;
 
+    /// How many descriptors are open, duplicates included.
+    std::size_t openDescriptors() const;
+
     /// The minor device number.
     unsigned int minorNumber() const;
 
@@ -45,7 +49,7 @@ public:
     std::map<unsigned long, ScriptedFailure> ioctlFailures;
     /// What every read fails with once its queue is empty; 0 for none.
     int readError = 0;
-    /// Open descriptors of all devices that have been plugged in here.
+    /// Open files of all devices that have been plugged in here.
     std::vector<Client *> clients;
 };
 

@@ -1,24 +1,31 @@
 #include "ClockCalls.h"
 
-#include <atomic>
-
 namespace Vorn::Sim {
 
 namespace {
 
-// Read before any constructor of the executable has run, see NextFunction.
-std::atomic<ClockCalls *> servedBy{nullptr};
+CallReceiver<ClockCalls> receiver;
 
 } // namespace
 
 void serveClocks(ClockCalls *calls)
 {
-    servedBy.store(calls, std::memory_order_release);
+    receiver.set(calls);
+}
+
+void awaitClockCallers()
+{
+    receiver.awaitCallers();
 }
 
 ClockCalls *clockCalls()
 {
-    return servedBy.load(std::memory_order_acquire);
+    return receiver.get();
+}
+
+ClockCallsUse useClockCalls()
+{
+    return ClockCallsUse(&receiver);
 }
 
 } // namespace Vorn::Sim

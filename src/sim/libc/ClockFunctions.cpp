@@ -2,6 +2,10 @@
 
 #include "ClockCalls.h"
 #include "ClockFunctions.h"
+#include "ServedClock.h"
+
+#include <chrono>
+#include <optional>
 
 #include <poll.h>
 #include <sys/time.h>
@@ -24,21 +28,16 @@ NextFunction<int(clockid_t, timespec *)> nextClockGettime("clock_gettime");
 NextFunction<int(struct timeval *, void *)> nextGettimeofday("gettimeofday");
 NextFunction<time_t(time_t *)> nextTime("time");
 
-bool servePoll(const ClockCalls::Poll &call, int &result)
+using Timeout = std::optional<std::chrono::nanoseconds>;
+
+Timeout timeoutOf(int milliseconds)
 {
-    ClockCalls *calls = clockCalls();
-    return calls && calls->poll(call, result);
+    return milliseconds < 0 ? Timeout() : std::chrono::milliseconds(milliseconds);
 }
 
-timespec toTimespec(int milliseconds)
+Timeout timeoutOf(const timespec *time)
 {
-    return {milliseconds / 1000, milliseconds % 1000 * 1'000'000L};
-}
-
-bool serveClock(clockid_t clock, timespec &result)
-{
-    ClockCalls *calls = clockCalls();
-    return calls && calls->get(clock, result);
+    return time ? pollTimeout(time->tv_sec, time->tv_nsec) : Timeout();
 }
 
 } // namespace
@@ -51,8 +50,7 @@ using namespace Vorn::Sim;
 // returns to, so each function takes its own.
 VORN_SIM_INTERPOSED int poll(pollfd *fds, nfds_t count, int timeout)
 {
-    const timespec limit = toTimespec(timeout);
-    const ClockCalls::Poll call = {fds, count, timeout < 0 ? nullptr : &limit, nullptr,
+    const ClockCalls::Poll call = {fds, count, timeoutOf(timeout), nullptr,
                                    __builtin_return_address(0)};
     int result = -1;
     return servePoll(call, result) ? result : nextPoll(fds, count, timeout);
@@ -60,8 +58,7 @@ VORN_SIM_INTERPOSED int poll(pollfd *fds, nfds_t count, int timeout)
 
 VORN_SIM_INTERPOSED int __poll_chk(pollfd *fds, nfds_t count, int timeout, size_t capacity)
 {
-    const timespec limit = toTimespec(timeout);
-    const ClockCalls::Poll call = {fds, count, timeout < 0 ? nullptr : &limit, nullptr,
+    const ClockCalls::Poll call = {fds, count, timeoutOf(timeout), nullptr,
                                    __builtin_return_address(0)};
     int result = -1;
     // The C library ends the process for more entries than the array has.
@@ -73,7 +70,8 @@ VORN_SIM_INTERPOSED int __poll_chk(pollfd *fds, nfds_t count, int timeout, size_
 VORN_SIM_INTERPOSED int ppoll(pollfd *fds, nfds_t count, const timespec *timeout,
                               const sigset_t *mask)
 {
-    const ClockCalls::Poll call = {fds, count, timeout, mask, __builtin_return_address(0)};
+    const ClockCalls::Poll call = {fds, count, timeoutOf(timeout), mask,
+                                   __builtin_return_address(0)};
     int result = -1;
     return servePoll(call, result) ? result : nextPpoll(fds, count, timeout, mask);
 }
@@ -81,7 +79,8 @@ VORN_SIM_INTERPOSED int ppoll(pollfd *fds, nfds_t count, const timespec *timeout
 VORN_SIM_INTERPOSED int __ppoll_chk(pollfd *fds, nfds_t count, const timespec *timeout,
                                     const sigset_t *mask, size_t capacity)
 {
-    const ClockCalls::Poll call = {fds, count, timeout, mask, __builtin_return_address(0)};
+    const ClockCalls::Poll call = {fds, count, timeoutOf(timeout), mask,
+                                   __builtin_return_address(0)};
     int result = -1;
     return count <= capacity / sizeof(*fds) && servePoll(call, result)
         ? result
@@ -90,26 +89,32 @@ VORN_SIM_INTERPOSED int __ppoll_chk(pollfd *fds, nfds_t count, const timespec *t
 
 VORN_SIM_INTERPOSED int clock_gettime(clockid_t clock, timespec *result) noexcept
 {
-    return serveClock(clock, *result) ? 0 : nextClockGettime(clock, result);
+    ClockReading now;
+    if (!serveClock(clock, now))
+        return nextClockGettime(clock, result);
+    result->tv_sec = static_cast<time_t>(now.seconds);
+    result->tv_nsec = now.nanoseconds;
+    return 0;
 }
 
 VORN_SIM_INTERPOSED int gettimeofday(struct timeval *result, void *zone) noexcept
 {
-    timespec now = {};
+    ClockReading now;
     if (!serveClock(CLOCK_REALTIME, now))
         return nextGettimeofday(result, zone);
-    *result = {now.tv_sec, now.tv_nsec / 1000};
+    *result = {static_cast<time_t>(now.seconds), now.nanoseconds / 1000};
     return 0;
 }
 
 VORN_SIM_INTERPOSED time_t time(time_t *result) noexcept
 {
-    timespec now = {};
+    ClockReading now;
     if (!serveClock(CLOCK_REALTIME, now))
         return nextTime(result);
+    const auto seconds = static_cast<time_t>(now.seconds);
     if (result)
-        *result = now.tv_sec;
-    return now.tv_sec;
+        *result = seconds;
+    return seconds;
 }
 
 namespace Vorn::Sim {

@@ -35,8 +35,20 @@ NextFunction<int(int, unsigned long, ...)> nextIoctl("ioctl");
 
 bool serveOpen(const char *path, int flags, mode_t mode, int &result)
 {
-    FileCalls *calls = fileCallsFor(path);
+    const FileCallsUse calls = fileCallsFor(path);
     return calls && calls->open(path, flags, mode, result);
+}
+
+bool serveClose(int fd, int &result)
+{
+    const FileCallsUse calls = fileCalls();
+    return calls && calls->close(fd, result);
+}
+
+bool serveRead(int fd, void *buffer, size_t size, ssize_t &result)
+{
+    const FileCallsUse calls = fileCalls();
+    return calls && calls->read(fd, buffer, size, result);
 }
 
 // Whether the caller passed a mode: reading one that is not there is undefined.
@@ -46,6 +58,12 @@ bool hasMode(int flags)
 }
 
 } // namespace
+
+bool serveIoctl(int fd, unsigned long request, void *argument, int &result)
+{
+    const FileCallsUse calls = fileCalls();
+    return calls && calls->ioctl(fd, request, argument, result);
+}
 
 } // namespace Vorn::Sim
 
@@ -117,24 +135,21 @@ VORN_SIM_INTERPOSED int __openat64_2(int folder, const char *path, int flags)
 
 VORN_SIM_INTERPOSED int close(int fd)
 {
-    FileCalls *calls = fileCalls();
     int result = -1;
-    return calls && calls->close(fd, result) ? result : nextClose(fd);
+    return serveClose(fd, result) ? result : nextClose(fd);
 }
 
 VORN_SIM_INTERPOSED ssize_t read(int fd, void *buffer, size_t size)
 {
-    FileCalls *calls = fileCalls();
     ssize_t result = -1;
-    return calls && calls->read(fd, buffer, size, result) ? result : nextRead(fd, buffer, size);
+    return serveRead(fd, buffer, size, result) ? result : nextRead(fd, buffer, size);
 }
 
 VORN_SIM_INTERPOSED ssize_t __read_chk(int fd, void *buffer, size_t size, size_t capacity)
 {
-    FileCalls *calls = fileCalls();
     ssize_t result = -1;
     // The C library ends the process for a read that overflows its buffer.
-    return calls && size <= capacity && calls->read(fd, buffer, size, result)
+    return size <= capacity && serveRead(fd, buffer, size, result)
         ? result
         : nextReadChk(fd, buffer, size, capacity);
 }
@@ -146,10 +161,8 @@ VORN_SIM_INTERPOSED int ioctl(int fd, unsigned long request, ...) noexcept
     // The C library takes every argument for a pointer, too, whether or not there is one.
     void *argument = va_arg(arguments, void *);
     va_end(arguments);
-    FileCalls *calls = fileCalls();
     int result = -1;
-    return calls && calls->ioctl(fd, request, argument, result) ? result
-                                                                : nextIoctl(fd, request, argument);
+    return serveIoctl(fd, request, argument, result) ? result : nextIoctl(fd, request, argument);
 }
 
 namespace Vorn::Sim {

@@ -7,6 +7,9 @@ namespace Vorn::Sim {
 /// libraries do not get; null if they get them all.
 const char *missingDescriptorFunction();
 
+/// Whether the `ioctl` is served; its result is in @p result then.
+bool serveIoctl(int fd, unsigned long request, void *argument, int &result);
+
 } // namespace Vorn::Sim
 
 #endif

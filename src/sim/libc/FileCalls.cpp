@@ -1,14 +1,12 @@
 #include "FileCalls.h"
 
-#include <atomic>
 #include <cstring>
 
 namespace Vorn::Sim {
 
 namespace {
 
-// Read before any constructor of the executable has run, see NextFunction.
-std::atomic<FileCalls *> servedBy{nullptr};
+CallReceiver<FileCalls> receiver;
 
 bool isInputPath(const char *path)
 {
@@ -24,20 +22,24 @@ bool isInputPath(const char *path)
 
 void serveFiles(FileCalls *calls)
 {
-    servedBy.store(calls, std::memory_order_release);
+    receiver.set(calls);
 }
 
-FileCalls *fileCalls()
+void awaitFileCallers()
 {
-    return servedBy.load(std::memory_order_acquire);
+    receiver.awaitCallers();
 }
 
-FileCalls *fileCallsFor(const char *path)
+FileCallsUse fileCalls()
+{
+    return FileCallsUse(&receiver);
+}
+
+FileCallsUse fileCallsFor(const char *path)
 {
     // Most paths are not simulated, so they are ruled out here, before anything is locked or
     // copied.
-    FileCalls *calls = fileCalls();
-    return calls && isInputPath(path) ? calls : nullptr;
+    return FileCallsUse(receiver.get() && isInputPath(path) ? &receiver : nullptr);
 }
 
 } // namespace Vorn::Sim

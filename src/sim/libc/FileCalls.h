@@ -1,7 +1,10 @@
 #ifndef VORN_SIM_FILECALLS_H
 #define VORN_SIM_FILECALLS_H
 
+#include "CallReceiver.h"
+
 #include <cstddef>
+#include <functional>
 
 #include <sys/types.h>
 
@@ -32,6 +35,12 @@ public:
     virtual bool read(int fd, void *buffer, std::size_t size, ssize_t &result) = 0;
     virtual bool ioctl(int fd, unsigned long request, void *argument, int &result) = 0;
     virtual bool close(int fd, int &result) = 0;
+    /// @param call duplicates @p fd for real and returns the new descriptor, which may have been
+    /// open before
+    virtual bool duplicate(int fd, const std::function<int()> &call, int &result) = 0;
+    /// @param call closes the descriptors from @p first to @p last for real
+    virtual bool closeRange(unsigned int first, unsigned int last, const std::function<int()> &call,
+                            int &result) = 0;
     virtual bool access(const char *path, int mode, int &result) = 0;
     virtual bool attributes(const char *path, Attributes &result) = 0;
     virtual bool attributes(int fd, Attributes &result) = 0;
@@ -40,11 +49,17 @@ public:
 /// Offers file system calls to @p calls from now on; null to leave them alone.
 void serveFiles(FileCalls *calls);
 
+/// Waits until the last call has left whoever was offered it before.
+void awaitFileCallers();
+
+/// Not kept beyond the call that is served: whoever wants to go waits for its end.
+using FileCallsUse = CallReceiver<FileCalls>::Use;
+
 /// Who is offered calls on descriptors; null for nobody.
-FileCalls *fileCalls();
+FileCallsUse fileCalls();
 
 /// Who is offered calls on @p path; null if it is not simulated.
-FileCalls *fileCallsFor(const char *path);
+FileCallsUse fileCallsFor(const char *path);
 
 } // namespace Vorn::Sim
 

@@ -2,6 +2,7 @@
 
 #include "ClockFunctions.h"
 #include "DescriptorFunctions.h"
+#include "DuplicateFunctions.h"
 #include "InterposedFunction.h"
 #include "PathFunctions.h"
 #include "StatusFunctions.h"
@@ -16,8 +17,9 @@ namespace Vorn::Sim {
 
 const char *missingInterposition()
 {
-    for (const auto &missingFunction : {missingDescriptorFunction, missingPathFunction,
-                                        missingStatusFunction, missingClockFunction})
+    for (const auto &missingFunction :
+         {missingDescriptorFunction, missingDuplicateFunction, missingPathFunction,
+          missingStatusFunction, missingClockFunction})
     {
         if (const char *name = missingFunction())
             return name;

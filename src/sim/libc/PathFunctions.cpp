@@ -25,6 +25,12 @@ NextFunction<int(const char *, dirent64 ***, int (*)(const dirent64 *),
                  int (*)(const dirent64 **, const dirent64 **))>
     nextScandir64("scandir64");
 
+bool serveAccess(const char *path, int mode, int &result)
+{
+    const FileCallsUse calls = fileCallsFor(path);
+    return calls && calls->access(path, mode, result);
+}
+
 } // namespace
 
 } // namespace Vorn::Sim
@@ -33,15 +39,14 @@ using namespace Vorn::Sim;
 
 VORN_SIM_INTERPOSED int access(const char *path, int mode) noexcept
 {
-    FileCalls *calls = fileCallsFor(path);
     int result = -1;
-    return calls && calls->access(path, mode, result) ? result : nextAccess(path, mode);
+    return serveAccess(path, mode, result) ? result : nextAccess(path, mode);
 }
 
 // Watches and listings need no more than the real path: the temporary folder has the same entries.
 VORN_SIM_INTERPOSED int inotify_add_watch(int fd, const char *path, uint32_t mask) noexcept
 {
-    if (FileCalls *calls = fileCallsFor(path)) {
+    if (const FileCallsUse calls = fileCallsFor(path)) {
         if (const int error = calls->beforeWatch(path)) {
             errno = error;
             return -1;

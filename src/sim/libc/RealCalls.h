@@ -1,9 +1,11 @@
 #ifndef VORN_SIM_REALCALLS_H
 #define VORN_SIM_REALCALLS_H
 
+#include <chrono>
 #include <csignal>
 #include <cstddef>
 #include <ctime>
+#include <optional>
 
 #include <poll.h>
 #include <sys/types.h>
@@ -16,7 +18,11 @@ int open(const char *path, int flags, mode_t mode);
 ssize_t read(int fd, void *buffer, std::size_t size);
 int close(int fd);
 int access(const char *path, int mode);
-int ppoll(pollfd *fds, nfds_t count, const timespec *timeout, const sigset_t *mask);
+/// @param timeout none to wait indefinitely
+int ppoll(pollfd *fds, nfds_t count, std::optional<std::chrono::nanoseconds> timeout,
+          const sigset_t *mask);
+/// Does not fail for the clocks that every system has.
+std::chrono::nanoseconds clock(clockid_t id);
 
 } // namespace Vorn::Sim::Real
 

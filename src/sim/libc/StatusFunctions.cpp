@@ -2,13 +2,13 @@
 
 #include "FileCalls.h"
 #include "RealPath.h"
+#include "ServedStatus.h"
 #include "StatusFunctions.h"
 
 #include <cerrno>
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 
 namespace Vorn::Sim {
 
@@ -22,58 +22,21 @@ NextFunction<int(const char *, struct stat64 *)> nextLstat64("lstat64");
 NextFunction<int(int, struct stat64 *)> nextFstat64("fstat64");
 NextFunction<int(int, const char *, int, unsigned int, struct statx *)> nextStatx("statx");
 
-// The major device number of every evdev node.
-constexpr unsigned int inputMajor = 13;
-
 bool isEmpty(const char *path)
 {
     return !path || path[0] == '\0';
 }
 
-// The real node is a FIFO and the real descriptor an eventfd; callers expect a device.
-template <typename Status>
-void showAsDevice(const FileCalls::Attributes &attributes, Status *status)
-{
-    status->st_mode = S_IFCHR | attributes.mode;
-    status->st_rdev = makedev(inputMajor, attributes.minor);
-}
+} // namespace
 
-// Whether a test lets the call fail; errno is set then.
-bool isRefused(const char *path)
+bool isStatusRefused(const char *path)
 {
-    FileCalls *calls = fileCallsFor(path);
+    const FileCallsUse calls = fileCallsFor(path);
     const int error = calls ? calls->beforeStatus(path) : 0;
     if (error != 0)
         errno = error;
     return error != 0;
 }
-
-template <typename Status, typename Function>
-int statusOfPath(Function &next, const char *path, Status *status)
-{
-    if (isRefused(path))
-        return -1;
-    const RealPath real(path);
-    const int result = next(real.get(), status);
-    FileCalls::Attributes attributes;
-    FileCalls *calls = fileCallsFor(path);
-    if (result == 0 && calls && calls->attributes(path, attributes))
-        showAsDevice(attributes, status);
-    return result;
-}
-
-template <typename Status, typename Function>
-int statusOfDescriptor(Function &next, int fd, Status *status)
-{
-    const int result = next(fd, status);
-    FileCalls::Attributes attributes;
-    FileCalls *calls = fileCalls();
-    if (result == 0 && calls && calls->attributes(fd, attributes))
-        showAsDevice(attributes, status);
-    return result;
-}
-
-} // namespace
 
 } // namespace Vorn::Sim
 
@@ -112,11 +75,11 @@ VORN_SIM_INTERPOSED int fstat64(int fd, struct stat64 *status) noexcept
 VORN_SIM_INTERPOSED int statx(int folder, const char *path, int flags, unsigned int mask,
                               struct statx *status) noexcept
 {
-    if (isRefused(path))
+    if (isStatusRefused(path))
         return -1;
     const int result = nextStatx(folder, RealPath(path).get(), flags, mask, status);
     const bool isOfDescriptor = isEmpty(path) && (flags & AT_EMPTY_PATH) != 0;
-    FileCalls *calls = isOfDescriptor ? fileCalls() : fileCallsFor(path);
+    const FileCallsUse calls = isOfDescriptor ? fileCalls() : fileCallsFor(path);
     if (result != 0 || !calls)
         return result;
 

@@ -93,7 +93,7 @@ public:
     ClockReads(const ClockReads &) = delete;
     ClockReads &operator=(const ClockReads &) = delete;
 
-    bool get(clockid_t clock, timespec &result) override
+    bool get(clockid_t clock, std::chrono::nanoseconds &result) override
     {
         ++count;
         return m_clock->get(clock, result);
