@@ -3,10 +3,15 @@
 
 // Files that replace functions include this header before any system header. They define the plain
 // functions next to their large-file variants, so neither may be an alias of the other, nor an
-// inline wrapper that checks sizes.
+// inline wrapper that checks sizes. Unless VORN_SIM_TIME64 is defined, their structures are those
+// that 32-bit systems had first.
 #undef _FILE_OFFSET_BITS
 #undef _TIME_BITS
 #undef _FORTIFY_SOURCE
+#ifdef VORN_SIM_TIME64
+#define _FILE_OFFSET_BITS 64
+#define _TIME_BITS 64
+#endif
 
 #include <atomic>
 #include <cstdlib>

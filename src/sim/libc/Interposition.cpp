@@ -6,6 +6,7 @@
 #include "InterposedFunction.h"
 #include "PathFunctions.h"
 #include "StatusFunctions.h"
+#include "Time64Functions.h"
 
 // The linker takes this file out of the archive for this symbol, and the other replacements for
 // the calls below. An undefined `open` alone would not do: where a sanitizer's runtime comes first
@@ -19,7 +20,7 @@ const char *missingInterposition()
 {
     for (const auto &missingFunction :
          {missingDescriptorFunction, missingDuplicateFunction, missingPathFunction,
-          missingStatusFunction, missingClockFunction})
+          missingStatusFunction, missingClockFunction, missingTime64Function})
     {
         if (const char *name = missingFunction())
             return name;
