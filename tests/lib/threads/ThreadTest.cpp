@@ -1,0 +1,214 @@
+#include "BasicInputHandler.h"
+
+#include "Devices.h"
+#include "InputSubsystem.h"
+#include "vorn.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QTest>
+#include <QThread>
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using testing::Each;
+using Vorn::Sim::DeviceDescription;
+using Vorn::Sim::InputNode;
+using Vorn::Sim::InputSubsystem;
+
+// So long that only a hang fails.
+constexpr int patience = 60'000;
+
+constexpr InputEvent::Command commandOf(int index)
+{
+    return static_cast<InputEvent::Command>(1 + index % 50);
+}
+
+/// An application's object on a thread of its own.
+class Application
+{
+public:
+    Application()
+    {
+        m_context.moveToThread(&m_thread);
+        Vorn::connect(Input::instance(), &Input::inputEvent, &m_context,
+                      [this](const InputEvent &event) { take(event); });
+        m_thread.start();
+    }
+    ~Application()
+    {
+        m_thread.quit();
+        m_thread.wait();
+    }
+    Application(const Application &) = delete;
+    Application &operator=(const Application &) = delete;
+
+    int count() const { return m_count; }
+    /// Events that were not the next one.
+    int mistakes() const { return m_mistakes; }
+
+private:
+    // Keeps some events for a while, so that they go at other times than those that are published.
+    void take(const InputEvent &event)
+    {
+        InputEvent &kept = m_kept[static_cast<std::size_t>(m_count) % m_kept.size()];
+        kept = event;
+        const InputEvent copy = kept;
+        const int index = m_count;
+        if (copy.command() != commandOf(index) || event.state() != InputEvent::KeyPressed)
+            ++m_mistakes;
+        ++m_count;
+    }
+
+    std::array<InputEvent, 7> m_kept;
+    std::atomic<int> m_count{0};
+    std::atomic<int> m_mistakes{0};
+    QObject m_context;
+    QThread m_thread;
+};
+
+TEST(Threads, GetEveryEventInOrderWhileItIsCopiedAndDestroyedElsewhere)
+{
+    Input::instance();
+    constexpr int total = 3000;
+    std::array<Application, 3> applications;
+    // Shared with the applications' copies until it goes here, at an arbitrary moment.
+    std::array<InputEvent, 5> kept;
+    for (int i = 0; i < total; ++i) {
+        InputEvent &event = kept[static_cast<std::size_t>(i) % kept.size()];
+        event = InputEvent(commandOf(i), InputEvent::KeyPressed, InputEvent::Bus::USB);
+        Input::reportInputEvent(event);
+    }
+    for (const Application &application : applications) {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return application.count() == total; }, patience));
+        EXPECT_EQ(application.mistakes(), 0);
+    }
+}
+
+/// The library on an event loop that is not the main one.
+class LibraryThread : public QThread
+{
+public:
+    ~LibraryThread() override
+    {
+        quit();
+        wait();
+    }
+
+    std::atomic<int> devices{0};
+    std::atomic<QThread *> where{nullptr};
+
+protected:
+    void run() override
+    {
+        Devices manager;
+        manager.onAdd = [&](const QString &path, const QString &name) {
+            auto *keys = new BasicKeyInputHandler(name);
+            manager.addKeyHandler(path, keys, QString());
+            keys->registerKey(KEY_OK, InputEvent::Confirm, true);
+            where = QThread::currentThread();
+            ++devices;
+        };
+        exec();
+    }
+};
+
+class LibraryOnAnotherThread : public testing::Test
+{
+protected:
+    LibraryOnAnotherThread()
+    {
+        QObject::connect(Input::instance(), &Input::inputEvent, &m_context,
+                         [this](const InputEvent &event) {
+                             EXPECT_EQ(QThread::currentThread(), m_context.thread());
+                             states.push_back(event.state());
+                         });
+    }
+
+    InputNode &plug(int number)
+    {
+        return subsystem.plug(number, DeviceDescription::keyboard("keys", BUS_HOST, {KEY_OK}));
+    }
+
+    bool waitForDevices(int count)
+    {
+        return QTest::qWaitFor([&] { return library.devices == count; }, patience);
+    }
+
+    bool waitForEvents(std::size_t count)
+    {
+        return QTest::qWaitFor([&] { return states.size() == count; }, patience);
+    }
+
+    InputSubsystem subsystem;
+    std::vector<InputEvent::State> states;
+    LibraryThread library;
+
+private:
+    QObject m_context;
+};
+
+TEST_F(LibraryOnAnotherThread, PublishesToTheMainThread)
+{
+    InputNode &node = plug(0);
+    library.start();
+    ASSERT_TRUE(waitForDevices(1));
+    EXPECT_EQ(library.where, &library);
+    constexpr std::size_t taps = 500;
+    std::vector<InputEvent::State> expected;
+    for (std::size_t i = 0; i < taps; ++i) {
+        node.press(KEY_OK);
+        node.release(KEY_OK);
+        expected.push_back(InputEvent::KeyPressed);
+        expected.push_back(InputEvent::KeyReleased);
+    }
+    EXPECT_TRUE(waitForEvents(2 * taps));
+    EXPECT_EQ(states, expected);
+}
+
+TEST_F(LibraryOnAnotherThread, HearsOfDevicesThatComeAndGo)
+{
+    library.start();
+    for (int i = 1; i <= 20; ++i) {
+        InputNode &node = plug(i % 3);
+        ASSERT_TRUE(waitForDevices(i));
+        node.press(KEY_OK);
+        ASSERT_TRUE(waitForEvents(static_cast<std::size_t>(i)));
+        subsystem.unplug(i % 3, InputSubsystem::Unread::Lost);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return subsystem.openDescriptors() == 0; }, patience));
+    }
+    EXPECT_THAT(states, Each(InputEvent::KeyPressed));
+}
+
+// As when a program ends: the library's thread first, with a device still held.
+TEST_F(LibraryOnAnotherThread, CanEndWhileKeysArePressed)
+{
+    InputNode &node = plug(0);
+    library.start();
+    ASSERT_TRUE(waitForDevices(1));
+    std::atomic<bool> isEnded{false};
+    const std::unique_ptr<QThread> fingers(QThread::create([&] {
+        while (!isEnded) {
+            node.press(KEY_OK);
+            node.release(KEY_OK);
+            QThread::yieldCurrentThread();
+        }
+    }));
+    fingers->start();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return states.size() > 100; }, patience));
+    library.quit();
+    EXPECT_TRUE(library.wait(patience));
+    isEnded = true;
+    fingers->wait();
+    EXPECT_EQ(subsystem.openDescriptors(), 0);
+}
+
+} // namespace
