@@ -4,13 +4,13 @@ set -euo pipefail
 
 usage='usage: lint.sh [--all] [--fix] [--help]
 
-Installs missing packages and checks the formatting (clang-format), the code (clang-tidy, on the
-default build, which it makes first) and the scripts (shellcheck, pyflakes). The status is 0 if there
-is nothing to report.
+Installs missing packages and checks the formatting (clang-format), the code (cppcheck; clang-tidy and
+clazy, on the default build, which it makes first) and the scripts (shellcheck, pyflakes). The status is
+0 if there is nothing to report.
 
 clang-tidy checks the sources that changed since the commit in scripts/lint-baseline, which passed
-completely, and those that include a header that changed since. Where that commit is unknown, it
-checks every source.
+completely, and those that include a header that changed since; clazy those of them in src and examples.
+Where that commit is unknown, they check every source.
 
 --all   Check every source: weekly and before a release. After a clean run on a clean checkout, record
         it with: git rev-parse HEAD >scripts/lint-baseline
@@ -58,6 +58,14 @@ shellcheck -x "${scripts[@]}" || status=1
 mapfile -t scripts < <({ files '*.py'; find scripts -type f -name '*.py'; })
 pyflakes3 "${scripts[@]}" || status=1
 took scripts "$start"
+
+start=$SECONDS
+# Only what ships: it does not parse the user-defined literals of the tests.
+cppcheck --quiet --error-exitcode=1 --enable=warning,performance,portability --std=c++17 \
+    --library=qt --inline-suppr --suppress=missingIncludeSystem \
+    --suppressions-list=scripts/lib/cppcheck-suppressions -DQ_OBJECT= -Isrc/lib/input \
+    -Isrc/api/core src examples || status=1
+took cppcheck "$start"
 
 mkdir -p build/logs build/lint
 changed=build/lint/changed
@@ -119,6 +127,19 @@ if [ "${#checked[@]}" -gt 0 ] && ! printf '%s\0' "${checked[@]}" |
     status=1
 fi
 took "clang-tidy, ${#checked[@]} of ${#compiled[@]} sources" "$start"
+
+start=$SECONDS
+log=build/logs/clazy.log
+mapfile -t checked < <(printf '%s\n' "${checked[@]}" | grep -E '^(src|examples)/' || true)
+# The names of slots are fixed by the interface, and each source's logger is made when it is loaded.
+checks=level0,level1,qstring-arg,no-connect-by-name,no-non-pod-global-static
+if [ "${#checked[@]}" -gt 0 ] && ! printf '%s\0' "${checked[@]}" |
+    xargs -0 -n 1 -P "$(nproc)" clazy-standalone -p build/ci -checks="$checks" \
+        --header-filter='.*/(src|examples)/.*' >"$log" 2>&1; then
+    grep -E -A 4 '(error|warning):' "$log" | head -n 200
+    status=1
+fi
+took "clazy, ${#checked[@]} sources" "$start"
 
 [ "$status" -eq 0 ] || echo "lint.sh: the checks found something, see above" >&2
 exit "$status"

@@ -9,4 +9,5 @@ test_packages=("${demo_packages[@]}" "${bench_packages[@]}" clang jq libclang-rt
     libqt5svg5-dev mold python3-jsonschema zsh)
 vm_packages=("${build_packages[@]}" acpica-tools busybox-static cpio device-tree-compiler evemu-tools
     g++-arm-linux-gnueabihf mmdebstrap python3 qemu-system-arm qemu-system-x86 qemu-user)
-lint_packages=("${build_packages[@]}" clang-format clang-tidy pyflakes3 python3 shellcheck)
+lint_packages=("${build_packages[@]}" clang-format clang-tidy clazy cppcheck pyflakes3 python3
+    shellcheck)
