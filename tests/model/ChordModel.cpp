@@ -65,6 +65,8 @@ void ChordModel::take(const Record &record, Observer &observer, const Slot &slot
         Record release = m_stored.front();
         release.value = 0;
         slot({release}, true);
+        if (m_isGone)
+            return;
         // Whoever resets the detector in the slot takes the chord away.
         slot(std::vector<Record>(m_stored), false);
     } else if (down == 0 && m_isChord) {

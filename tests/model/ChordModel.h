@@ -16,6 +16,8 @@ public:
 
     void take(const Record &record, Observer &observer, const Slot &slot);
     void reset();
+    /// It is deleted, perhaps by its slot.
+    void end() { m_isGone = true; }
 
     /// The state, with times relative to @p now.
     void writeState(std::string &text, std::int64_t now) const;
@@ -23,6 +25,7 @@ public:
 private:
     std::vector<Record> m_stored;
     bool m_isChord = false;
+    bool m_isGone = false;
 };
 
 } // namespace Model

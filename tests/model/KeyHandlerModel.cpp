@@ -114,14 +114,24 @@ void KeyHandlerModel::invalidate()
     m_chordDetector.reset();
 }
 
+void KeyHandlerModel::end()
+{
+    m_isGone = true;
+    m_longPress.end();
+    m_chordDetector.end();
+}
+
 void KeyHandlerModel::process(const std::vector<Record> &records, Observer &observer)
 {
     for (const Record &record : records) {
+        if (m_isGone)
+            return;
         if (record.type != KeyType)
             continue;
         m_chordDetector.take(record, observer, [&](const std::vector<Record> &keys, bool fake) {
             take(keys, fake, observer);
-            observer.onKeys(keys, fake);
+            if (!m_isGone)
+                observer.onKeys(keys, fake);
         });
     }
 }
@@ -130,7 +140,8 @@ void KeyHandlerModel::tick(std::int64_t now, const std::vector<int> &order, Obse
 {
     m_longPress.tick(now, order, [&](int code, int repeat) {
         notify(code, observer);
-        observer.onLongPress(code, repeat);
+        if (!m_isGone)
+            observer.onLongPress(code, repeat);
     });
 }
 

@@ -26,6 +26,8 @@ public:
     /// Whether the next tick would end the process after this call: a held key lost its timeouts.
     bool isFatal(const KeyCall &call) const;
     void invalidate();
+    /// It is deleted, perhaps by one of its observers: it does nothing more but complete a click.
+    void end();
     void process(const std::vector<Record> &records, Observer &observer);
     void tick(std::int64_t now, const std::vector<int> &order, Observer &observer);
 
@@ -54,6 +56,7 @@ private:
     std::map<int, bool> m_held; ///< true after a long press
     ChordModel m_chordDetector;
     LongPressModel m_longPress;
+    bool m_isGone = false;
 };
 
 } // namespace Model

@@ -36,7 +36,7 @@ constexpr int LocalUI = 2;
 
 struct Symbol
 {
-    enum class Kind { Record, Tick, ClockStep };
+    enum class Kind { Record, Tick, ClockStep, Invalidate };
 
     Kind kind;
     int code;
@@ -55,6 +55,7 @@ const std::vector<Symbol> &alphabet()
         result.push_back({Symbol::Kind::Tick, 0, 0, 50ms});
         result.push_back({Symbol::Kind::ClockStep, 0, 0, 130ms});
         result.push_back({Symbol::Kind::ClockStep, 0, 0, -130ms});
+        result.push_back({Symbol::Kind::Invalidate, 0, 0, 0ms});
         return result;
     }();
     return symbols;
@@ -67,6 +68,8 @@ std::string text(const Symbol &symbol)
         return std::to_string(symbol.code) + "=" + std::to_string(symbol.value);
     case Symbol::Kind::Tick:
         return "tick";
+    case Symbol::Kind::Invalidate:
+        return "invalidate";
     case Symbol::Kind::ClockStep:
         break;
     }
@@ -125,6 +128,8 @@ protected:
         } else if (symbol.kind == Symbol::Kind::Tick && library.isTiming()) {
             library.tick();
             seen.sortTick();
+        } else if (symbol.kind == Symbol::Kind::Invalidate) {
+            library.handler().invalidate();
         }
     }
 
@@ -135,6 +140,8 @@ protected:
         } else if (symbol.kind == Symbol::Kind::Tick && model.longPress().isTiming()) {
             model.tick(clock.now(), {}, expected);
             expected.sortTick();
+        } else if (symbol.kind == Symbol::Kind::Invalidate) {
+            model.invalidate();
         }
     }
 

@@ -73,6 +73,13 @@ void LibraryProduct::perform(const Step &step)
 {
     m_trace.clear();
     m_trace.script.start(step.nested);
+    m_held.clear();
+    for (const std::vector<BasicKeyInputHandler *> &handlers : m_keys) {
+        for (BasicKeyInputHandler *handler : handlers) {
+            for (const int code : InputProbe::holds(*handler).keys())
+                m_held.push_back(code);
+        }
+    }
     act(step.call);
     m_clock.settle();
 }
@@ -84,6 +91,7 @@ std::vector<int> LibraryProduct::notified() const
         if (observation.kind == Observation::Kind::LongPress)
             codes.push_back(static_cast<int>(observation.numbers[0]));
     }
+    codes.insert(codes.end(), m_held.begin(), m_held.end());
     return codes;
 }
 
@@ -114,13 +122,16 @@ void LibraryProduct::act(const ProductCall &call)
             handler->deregisterSwitch(call.number);
         break;
     case Kind::Select:
-        m_manager->selectHandler(identifier(call.number));
+        if (m_manager)
+            m_manager->selectHandler(identifier(call.number));
         break;
     case Kind::SelectKeys:
-        m_manager->selectKeyHandler(identifier(call.number));
+        if (m_manager)
+            m_manager->selectKeyHandler(identifier(call.number));
         break;
     case Kind::SelectSwitches:
-        m_manager->selectSwitchHandler(identifier(call.number));
+        if (m_manager)
+            m_manager->selectSwitchHandler(identifier(call.number));
         break;
     case Kind::Invalidate:
         if (BasicKeyInputHandler *handler = keys(call))
@@ -134,13 +145,11 @@ void LibraryProduct::act(const ProductCall &call)
         if (node.isPlugged()) {
             m_subsystem.unplug(call.node, InputSubsystem::Unread::Lost);
             m_clock.settle();
-            m_keys[static_cast<std::size_t>(call.node)].clear();
-            if (call.node == SwitchNode)
-                m_switches.clear();
+            forget(call.node);
         }
         break;
     case Kind::AddHandler:
-        if (!node.isPlugged())
+        if (!m_manager)
             break;
         if (call.node == SwitchNode)
             addSwitches(call.node, new BasicSwInputHandler(QStringLiteral("more")),
@@ -166,6 +175,17 @@ void LibraryProduct::act(const ProductCall &call)
         break;
     case Kind::NewReceiver:
         newReceiver();
+        break;
+    case Kind::RemoveDevice:
+        if (m_manager) {
+            forget(call.node);
+            m_manager->removeDevice(path(call.node));
+        }
+        break;
+    case Kind::DeleteManager:
+        for (int number = 0; number < NodeCount; ++number)
+            forget(number);
+        m_manager.reset();
         break;
     }
 }
@@ -214,6 +234,13 @@ void LibraryProduct::addSwitches(int node, BasicSwInputHandler *handler, const Q
 {
     m_switches.push_back(handler);
     m_manager->addSwitchHandler(path(node), handler, id);
+}
+
+void LibraryProduct::forget(int node)
+{
+    m_keys[static_cast<std::size_t>(node)].clear();
+    if (node == SwitchNode)
+        m_switches.clear();
 }
 
 void LibraryProduct::newReceiver()

@@ -26,7 +26,8 @@ public:
     void perform(const Step &step);
     Trace &trace() { return m_trace; }
     std::int64_t now() const { return m_clock.now(); }
-    /// The codes notified in the last step, one after the other.
+    /// The codes notified in the last step, one after the other; for want of more, those that were
+    /// held before it, in the order of the library's table.
     std::vector<int> notified() const;
 
 private:
@@ -43,6 +44,7 @@ private:
     void addKeys(int node, BasicKeyInputHandler *handler, const QString &id);
     void addSwitches(int node, BasicSwInputHandler *handler, const QString &id);
     void newReceiver();
+    void forget(int node);
     void callKeys(const ProductCall &call);
     void send(const ProductCall &call);
     BasicKeyInputHandler *keys(const ProductCall &call) const;
@@ -55,6 +57,7 @@ private:
     BusAndLog m_observed{m_trace};
     std::array<std::vector<BasicKeyInputHandler *>, NodeCount> m_keys;
     std::vector<BasicSwInputHandler *> m_switches;
+    std::vector<int> m_held;
     std::unique_ptr<QObject> m_receiver;
     std::unique_ptr<Devices> m_manager;
 };

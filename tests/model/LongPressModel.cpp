@@ -39,6 +39,12 @@ void LongPressModel::reset()
     m_isTiming = false;
 }
 
+void LongPressModel::end()
+{
+    m_isTiming = false;
+    m_isGone = true;
+}
+
 void LongPressModel::tick(std::int64_t now, const std::vector<int> &order, const Slot &slot)
 {
     std::vector<int> codes = order;
@@ -62,6 +68,8 @@ void LongPressModel::tick(std::int64_t now, const std::vector<int> &order, const
         if (isNotified) {
             ++m_notifications;
             slot(code, count);
+            if (m_isGone)
+                return;
         }
     }
     if (m_holds.empty())

@@ -18,6 +18,8 @@ public:
     void disable(int code);
     void take(const Record &record);
     void reset();
+    /// It is deleted, perhaps by its slot.
+    void end();
 
     /// A tick of the timer. Keys are looked at in the order given, then the others.
     void tick(std::int64_t now, const std::vector<int> &order, const Slot &slot);
@@ -50,6 +52,7 @@ private:
     std::map<int, Hold> m_holds;
     std::map<int, std::size_t> m_stages;
     bool m_isTiming = false;
+    bool m_isGone = false;
     int m_starts = 0;
     int m_notifications = 0;
 };

@@ -8,30 +8,46 @@ namespace {
 
 using Kind = ProductCall::Kind;
 
-const std::array<Kind, 12> nestedKinds{
+const std::array<Kind, 13> nestedKinds{
     {Kind::Nothing, Kind::CallKeys, Kind::Select, Kind::SelectKeys, Kind::Invalidate,
      Kind::AddHandler, Kind::Report, Kind::GetStatus, Kind::SelectSwitches, Kind::RegisterSwitch,
-     Kind::DropReceiver, Kind::NewReceiver}};
+     Kind::DropReceiver, Kind::NewReceiver, Kind::RemoveDevice}};
 
 /// Records and ticks come more often than the rest.
-const std::array<Kind, 26> kinds{
-    {Kind::Records,        Kind::Tick,        Kind::Records,        Kind::Records,
-     Kind::Tick,           Kind::Tick,        Kind::Records,        Kind::Records,
-     Kind::Records,        Kind::Tick,        Kind::StepClock,      Kind::CallKeys,
-     Kind::CallKeys,       Kind::Select,      Kind::SelectKeys,     Kind::Invalidate,
-     Kind::AddHandler,     Kind::Report,      Kind::Unplug,         Kind::Plug,
-     Kind::SetSwitch,      Kind::GetStatus,   Kind::RegisterSwitch, Kind::DeregisterSwitch,
-     Kind::SelectSwitches, Kind::DropReceiver}};
+const std::array<Kind, 27> kinds{
+    {Kind::Records,        Kind::Tick,         Kind::Records,        Kind::Records,
+     Kind::Tick,           Kind::Tick,         Kind::Records,        Kind::Records,
+     Kind::Records,        Kind::Tick,         Kind::StepClock,      Kind::CallKeys,
+     Kind::CallKeys,       Kind::Select,       Kind::SelectKeys,     Kind::Invalidate,
+     Kind::AddHandler,     Kind::Report,       Kind::Unplug,         Kind::Plug,
+     Kind::SetSwitch,      Kind::GetStatus,    Kind::RegisterSwitch, Kind::DeregisterSwitch,
+     Kind::SelectSwitches, Kind::DropReceiver, Kind::RemoveDevice}};
 
 const std::array<int, 6> timeouts{{50, 100, 50, 150, 0, -50}};
 const std::array<int, 8> clockSteps{{130, -130, 50, -50, 1000, -1000, 86'400'000, -86'400'000}};
 const std::array<int, 9> commands{{1, 2, 11, 16, 18, 32, 44, 22, 0}};
 const std::array<int, 6> identifiers{{0, 1, 0, 1, 0, 2}};
-const std::array<const char *, 19> kindNames{
-    {"nothing", "records", "tick", "step the clock", "keys:", "register switch",
-     "deregister switch", "select", "select keys", "select switches", "invalidate", "plug",
-     "unplug", "add a handler", "report", "get status", "set switch", "drop the receiver",
-     "make the receiver"}};
+const std::array<const char *, 21> kindNames{{"nothing",
+                                              "records",
+                                              "tick",
+                                              "step the clock",
+                                              "keys:",
+                                              "register switch",
+                                              "deregister switch",
+                                              "select",
+                                              "select keys",
+                                              "select switches",
+                                              "invalidate",
+                                              "plug",
+                                              "unplug",
+                                              "add a handler",
+                                              "report",
+                                              "get status",
+                                              "set switch",
+                                              "drop the receiver",
+                                              "make the receiver",
+                                              "remove",
+                                              "delete the manager"}};
 
 template <typename Array>
 auto pick(Bytes &bytes, const Array &array)
@@ -81,6 +97,11 @@ ProductCall callFrom(Bytes &bytes, Kind kind)
         call.number = bytes.below(SwitchCount);
         call.command = pick(bytes, commands);
         call.flag = bytes.below(2) == 0;
+        break;
+    case Kind::RemoveDevice:
+        // Ends most of what can happen, so it is rare.
+        if (bytes.below(8) == 7)
+            call.kind = Kind::DeleteManager;
         break;
     case Kind::Report:
         call.command = pick(bytes, commands);
@@ -236,6 +257,7 @@ std::string text(const ProductCall &call)
         break;
     case Kind::Plug:
     case Kind::Unplug:
+    case Kind::RemoveDevice:
     case Kind::Invalidate:
         text += " " + std::to_string(call.node) + " handler " + std::to_string(call.handler);
         break;

@@ -50,6 +50,8 @@ struct ProductCall
         SetSwitch,
         DropReceiver, ///< deletes the application's second receiver
         NewReceiver,
+        RemoveDevice, ///< the device manager's own call
+        DeleteManager, ///< for good
     };
 
     struct Key

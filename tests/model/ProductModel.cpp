@@ -124,13 +124,16 @@ void ProductModel::act(const ProductCall &call)
             handler->model.remove(call.number, m_application);
         break;
     case Kind::Select:
-        select(identifierOf(call.number));
+        if (m_isManaged)
+            select(identifierOf(call.number));
         break;
     case Kind::SelectKeys:
-        selectKeys(identifierOf(call.number));
+        if (m_isManaged)
+            selectKeys(identifierOf(call.number));
         break;
     case Kind::SelectSwitches:
-        selectSwitches(identifierOf(call.number));
+        if (m_isManaged)
+            selectSwitches(identifierOf(call.number));
         break;
     case Kind::Invalidate:
         if (const Keys handler = keys(call.node, call.handler))
@@ -146,18 +149,17 @@ void ProductModel::act(const ProductCall &call)
         scan();
         break;
     case Kind::AddHandler:
-        if (!node.isKnown)
+        if (!m_isManaged)
             break;
         if (call.node == SwitchNode)
-            addSwitchHandler(call.node,
-                             std::make_shared<SwitchHandler>(
-                                 SwitchHandler{SwitchHandlerModel("more"), call.node}),
-                             identifierOf(call.number));
-        else
-            addKeyHandler(
+            addSwitchHandler(
                 call.node,
-                std::make_shared<KeyHandler>(KeyHandler{KeyHandlerModel("more"), call.node, 0}),
+                std::make_shared<SwitchHandler>(SwitchHandler{SwitchHandlerModel("more")}),
                 identifierOf(call.number));
+        else
+            addKeyHandler(call.node,
+                          std::make_shared<KeyHandler>(KeyHandler{KeyHandlerModel("more")}),
+                          identifierOf(call.number));
         break;
     case Kind::Report:
         m_application.onLine("Input", Debug, busText(call.command, call.number));
@@ -175,11 +177,20 @@ void ProductModel::act(const ProductCall &call)
     case Kind::NewReceiver:
         m_application.newReceiver();
         break;
+    case Kind::RemoveDevice:
+        if (m_isManaged)
+            remove(call.node);
+        break;
+    case Kind::DeleteManager:
+        deleteManager();
+        break;
     }
 }
 
 void ProductModel::scan()
 {
+    if (!m_isManaged)
+        return;
     std::vector<int> added;
     for (int number = 0; number < NodeCount; ++number) {
         const Node &node = m_nodes[static_cast<std::size_t>(number)];
@@ -189,12 +200,16 @@ void ProductModel::scan()
         }
     }
     for (int number = 0; number < NodeCount; ++number) {
-        const Node &node = m_nodes[static_cast<std::size_t>(number)];
-        if (!node.isPlugged && node.isKnown)
-            leave(number);
+        Node &node = m_nodes[static_cast<std::size_t>(number)];
+        if (!node.isPlugged && node.isKnown) {
+            remove(number);
+            node.isKnown = false;
+        }
     }
-    for (const int number : added)
-        arrive(number);
+    for (const int number : added) {
+        if (m_isManaged)
+            arrive(number);
+    }
 }
 
 void ProductModel::arrive(int number)
@@ -212,7 +227,9 @@ void ProductModel::arrive(int number)
         identify();
         listenerLine(Debug, "Event device " + pathOf(number) + " does not support EV_SW");
     }
-    m_nodes[static_cast<std::size_t>(number)].isKnown = true;
+    Node &node = m_nodes[static_cast<std::size_t>(number)];
+    node.isKnown = true;
+    node.hasListeners = true;
     registerPlan(number);
     m_application.note("added " + pathOf(number));
     m_application.act();
@@ -229,7 +246,7 @@ void ProductModel::registerPlan(int number)
         if (number == SwitchNode) {
             if (!plan.isShared)
                 lastSwitches = std::make_shared<SwitchHandler>(
-                    SwitchHandler{SwitchHandlerModel(identity.name), number});
+                    SwitchHandler{SwitchHandlerModel(identity.name)});
             if (plan.isAddedFirst)
                 addSwitchHandler(number, lastSwitches, id);
             for (const auto &[code, command] : plan.switches)
@@ -239,8 +256,7 @@ void ProductModel::registerPlan(int number)
             continue;
         }
         if (!plan.isShared)
-            lastKeys =
-                std::make_shared<KeyHandler>(KeyHandler{KeyHandlerModel(identity.name), number, 0});
+            lastKeys = std::make_shared<KeyHandler>(KeyHandler{KeyHandlerModel(identity.name)});
         if (plan.isAddedFirst)
             addKeyHandler(number, lastKeys, id);
         for (const KeyCall &call : plan.keys)
@@ -250,28 +266,46 @@ void ProductModel::registerPlan(int number)
     }
 }
 
-void ProductModel::leave(int number)
+void ProductModel::remove(int number)
 {
     line(Info, "Removing " + pathOf(number));
-    Node &node = m_nodes[static_cast<std::size_t>(number)];
-    for (const auto &registered : node.keys)
+    forget(m_nodes[static_cast<std::size_t>(number)]);
+}
+
+void ProductModel::forget(Node &node)
+{
+    for (const auto &registered : node.keys) {
+        registered.handler->model.end();
         m_timers.erase(std::remove(m_timers.begin(), m_timers.end(), registered.handler),
                        m_timers.end());
+    }
     node.keys.clear();
     node.switches.clear();
     node.keyReceiver.reset();
     node.switchReceiver.reset();
-    node.isKnown = false;
+    node.hasListeners = false;
+}
+
+void ProductModel::deleteManager()
+{
+    for (Node &node : m_nodes)
+        forget(node);
+    m_isManaged = false;
 }
 
 void ProductModel::addKeyHandler(int number, const Keys &handler, const std::string &id)
 {
     const auto index = static_cast<std::size_t>(number);
+    Node &node = m_nodes[index];
     enter("addKeyHandler", "Device: " + pathOf(number) + "; id: " + id);
     enter("setKeyListener", pathOf(number));
-    handler->model.setBus(identities[index].bus);
+    handler->hasListener = handler->hasListener || node.hasListeners;
+    if (handler->hasListener)
+        handler->model.setBus(identities[index].bus);
+    else
+        line(Error, "Linux input listener for " + pathOf(number) + " does not exists");
     handler->model.setId(id);
-    m_nodes[index].keys.push_back({id, handler});
+    node.keys.push_back({id, handler});
     if (id == m_currentId)
         selectKeys(id);
 }
@@ -279,10 +313,15 @@ void ProductModel::addKeyHandler(int number, const Keys &handler, const std::str
 void ProductModel::addSwitchHandler(int number, const Switches &handler, const std::string &id)
 {
     const auto index = static_cast<std::size_t>(number);
+    Node &node = m_nodes[index];
     enter("addSwitchHandler", "Device: " + pathOf(number) + "; id: " + id);
     enter("setSwitchListener", pathOf(number));
-    handler->model.setBus(identities[index].bus);
-    m_nodes[index].switches.push_back({id, handler});
+    handler->hasListener = handler->hasListener || node.hasListeners;
+    if (handler->hasListener)
+        handler->model.setBus(identities[index].bus);
+    else
+        line(Error, "Linux input listener for " + pathOf(number) + " does not exists");
+    node.switches.push_back({id, handler});
     if (id == m_currentId)
         selectSwitches(id);
 }
@@ -301,7 +340,7 @@ void ProductModel::selectKeys(const std::string &id)
 {
     enter("selectKeyHandler", id);
     for (Node &node : m_nodes) {
-        if (!node.isKnown)
+        if (!node.hasListeners)
             continue;
         const auto last = std::find_if(node.keys.rbegin(), node.keys.rend(),
                                        [&](const auto &registered) { return registered.id == id; });
@@ -313,6 +352,8 @@ void ProductModel::selectSwitches(const std::string &id)
 {
     enter("selectSwitchHandler", id);
     for (Node &node : m_nodes) {
+        if (!node.hasListeners)
+            continue;
         const auto last = std::find_if(node.switches.rbegin(), node.switches.rend(),
                                        [&](const auto &registered) { return registered.id == id; });
         node.switchReceiver = last == node.switches.rend() ? nullptr : last->handler;
@@ -329,7 +370,7 @@ void ProductModel::setReceiver(Node &node, const Keys &handler)
 void ProductModel::deliver(const ProductCall &call)
 {
     Node &node = m_nodes[static_cast<std::size_t>(call.node)];
-    if (!node.isKnown)
+    if (!node.hasListeners)
         return;
     std::vector<Record> records;
     for (const ProductCall::Key &key : call.records)
@@ -349,9 +390,11 @@ void ProductModel::setSwitch(const ProductCall &call)
 {
     Node &node = m_nodes[SwitchNode];
     bool &isOn = node.isOn[static_cast<std::size_t>(call.number)];
-    if (!node.isKnown || isOn == call.flag)
+    if (!node.isPlugged || isOn == call.flag)
         return;
     isOn = call.flag;
+    if (!node.hasListeners)
+        return;
     listenerLine(Debug,
                  " type: 5 code:" + std::to_string(call.number)
                      + " value:" + std::to_string(isOn ? 1 : 0));
@@ -363,12 +406,14 @@ void ProductModel::setSwitch(const ProductCall &call)
 
 void ProductModel::getStatus(const ProductCall &call)
 {
-    if (!switches(call.handler))
+    const Switches handler = switches(call.handler);
+    if (!handler || !handler->hasListener)
         return;
     constexpr int scannedSwitches = 16;
     const Node &node = m_nodes[SwitchNode];
     for (int code = 0; code < scannedSwitches; ++code) {
         const bool isOn = code < SwitchCount && node.isOn[static_cast<std::size_t>(code)];
+        // With the device its listener goes, and the receiver.
         const Switches receiver = node.switchReceiver;
         if (receiver)
             receiver->model.process({SwitchType, code, isOn ? 1 : 0, 0}, m_application);

@@ -53,7 +53,8 @@ class ProductModel
 public:
     ProductModel(ProductPlan plan, std::int64_t now);
 
-    /// @param order the codes that the library has notified in this step, one after the other
+    /// @param order the codes that the library has notified in this step, one after the other, and
+    /// perhaps more
     void perform(const Step &step, const std::vector<int> &order);
 
     Trace &trace() { return m_application; }
@@ -62,14 +63,14 @@ private:
     struct KeyHandler
     {
         KeyHandlerModel model;
-        int node;
         int starts = 0; ///< of its timer, as far as noticed
+        bool hasListener = false;
     };
 
     struct SwitchHandler
     {
         SwitchHandlerModel model;
-        int node;
+        bool hasListener = false;
     };
 
     using Keys = std::shared_ptr<KeyHandler>;
@@ -86,6 +87,7 @@ private:
     {
         bool isPlugged = false;
         bool isKnown = false;
+        bool hasListeners = false;
         std::vector<Registered<Keys>> keys; ///< in order of registration
         std::vector<Registered<Switches>> switches;
         Keys keyReceiver;
@@ -96,7 +98,9 @@ private:
     void act(const ProductCall &call);
     void scan();
     void arrive(int number);
-    void leave(int number);
+    void remove(int number);
+    void forget(Node &node);
+    void deleteManager();
     void registerPlan(int number);
     void addKeyHandler(int number, const Keys &handler, const std::string &id);
     void addSwitchHandler(int number, const Switches &handler, const std::string &id);
@@ -120,6 +124,7 @@ private:
     ApplicationModel m_application{true};
     std::array<Node, NodeCount> m_nodes;
     std::string m_currentId;
+    bool m_isManaged = true;
     std::vector<Keys> m_timers; ///< those that run, in the order in which they expire
     std::vector<int> m_order;
     std::size_t m_notified = 0;
