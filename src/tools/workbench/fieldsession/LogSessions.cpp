@@ -37,10 +37,14 @@ LogSessions::~LogSessions() = default;
 void LogSessions::add(const LogLine &line)
 {
     if (line.lost > 0) {
-        for (const std::unique_ptr<Process> &process : m_processes)
+        for (const std::unique_ptr<Process> &process : m_processes) {
+            // A process of which no line was understood has no session yet.
+            if (!process->session)
+                continue;
             process->session->remark(
                 QStringLiteral("the journal has dropped %1 messages here").arg(line.lost),
                 process->time);
+        }
         return;
     }
     const std::optional<LibraryLine> what = said(line);
