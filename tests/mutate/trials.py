@@ -30,6 +30,8 @@ class Trials:
     def __init__(self, suites, project):
         self.suites = suites
         self.project = project
+        # By executable and tests: whether these pass together without a mutant.
+        self.innocent = {}
 
     def run_all(self, mutations, jobs, done):
         with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
@@ -51,6 +53,8 @@ class Trials:
         for index, part in self.processes(tests):
             result = self.one_process(mutation, index, part)
             seconds += result.seconds
+            if result.outcome != "survived" and not self.is_confirmed(mutation, result, index, part):
+                result = self.one_by_one(mutation, part)
             if result.outcome != "survived":
                 return dataclasses.replace(result, seconds=seconds)
         return Result(mutation.key(), "survived", seconds=seconds)
@@ -65,6 +69,27 @@ class Trials:
                 yield index, [test for test in part if test.executable == index]
         for test in alone:
             yield test.executable, [test]
+
+    def is_confirmed(self, mutation, result, index, tests):
+        """Whether it is the mutant that fails, not the tests' being together in a process."""
+        if len(tests) == 1:
+            return True
+        named = [test for test in tests if test.name == result.by]
+        if result.outcome == "caught" and named:
+            return self.one_process(mutation, index, named).outcome != "survived"
+        key = (index, tuple(tests))
+        if key not in self.innocent:
+            names = [test.name for test in tests]
+            limit = 15 + 5 * sum(self.suites.seconds[test] for test in tests)
+            self.innocent[key] = self.suites.run_tests(index, names, {}, limit).status == 0
+        return self.innocent[key]
+
+    def one_by_one(self, mutation, tests):
+        for test in tests:
+            result = self.one_process(mutation, test.executable, [test])
+            if result.outcome != "survived":
+                return result
+        return Result(mutation.key(), "survived")
 
     def one_process(self, mutation, index, tests):
         expected = sum(self.suites.seconds[test] for test in tests)
