@@ -53,7 +53,9 @@ class Trials:
         for index, part in self.processes(tests):
             result = self.one_process(mutation, index, part)
             seconds += result.seconds
-            if result.outcome != "survived" and not self.is_confirmed(mutation, result, index, part):
+            if result.outcome == "survived":
+                continue
+            if not self.is_confirmed(mutation, result, index, part):
                 result = self.one_by_one(mutation, part)
             if result.outcome != "survived":
                 return dataclasses.replace(result, seconds=seconds)
