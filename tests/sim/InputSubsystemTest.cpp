@@ -136,5 +136,6 @@ TEST(InputSubsystemDeathTest, DescriptorsLeftOpenAreWarnedOf)
             subsystem.reset();
             std::exit(0);
         },
-        testing::ExitedWithCode(0), "^InputSubsystem: 1 descriptor\\(s\\) of /dev/input/event1 left open");
+        testing::ExitedWithCode(0),
+        "^InputSubsystem: 1 descriptor\\(s\\) of /dev/input/event1 left open");
 }

@@ -7,12 +7,14 @@
 #include <QEventLoop>
 #include <QPointer>
 #include <QSocketNotifier>
+#include <QThread>
 #include <QTimer>
 
 #include <gmock/gmock.h>
 
 #include <chrono>
 #include <ctime>
+#include <memory>
 #include <sys/time.h>
 #include <thread>
 #include <unistd.h>
@@ -403,6 +405,14 @@ TEST(VirtualClockDeathTest, MisuseIsFatal)
         {
             VirtualClock clock;
             std::thread([&clock] { clock.settle(); }).join();
+        },
+        "on another thread");
+    EXPECT_DEATH(
+        {
+            VirtualClock clock;
+            const std::unique_ptr<QThread> thread(QThread::create([&clock] { clock.settle(); }));
+            thread->start();
+            thread->wait();
         },
         "on another thread");
 }

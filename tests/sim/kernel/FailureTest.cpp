@@ -170,6 +170,17 @@ TEST(ScriptedFailure, OfReadIsTakenBackFromTheQueues)
     EXPECT_FALSE(node.isReadable());
 }
 
+TEST(ScriptedFailure, OfReadNoLongerWakesTheReaderWhenItIsTakenBack)
+{
+    InputSubsystem subsystem;
+    InputNode &device = subsystem.plug(0, panel);
+    const OpenNode node(device.path());
+    device.failRead(EIO);
+    EXPECT_TRUE(node.isReadable());
+    device.clearFailures();
+    EXPECT_FALSE(node.isReadable());
+}
+
 TEST(ScriptedFailure, OfReadIsTakenBackFromWhatIsNotRead)
 {
     InputSubsystem subsystem;

@@ -284,6 +284,7 @@ TEST(Ioctl, ChangesTheRepeatSettingsAndTellsEveryReaderWithTheNextPacket)
     EXPECT_EQ(node.ioctl(EVIOCGREP, repeat), 0);
     EXPECT_THAT(repeat, ElementsAre(250, 60));
     EXPECT_FALSE(device.report(EV_REP, REP_CNT, 1));
+    EXPECT_FALSE(device.report(EV_REP, REP_CNT, 2));
     EXPECT_FALSE(device.report(EV_REP, -1, 1));
 }
 
@@ -307,6 +308,38 @@ TEST(Ioctl, GrabsTheDeviceForOneDescriptor)
     EXPECT_THAT(other.read(), SizeIs(2));
     EXPECT_EQ(other.ioctl(EVIOCGRAB, 1), 0);
     EXPECT_EQ(other.ioctl(EVIOCGRAB, 0), 0);
+}
+
+TEST(Ioctl, KeepsAGrabUntilItsOwnDescriptorIsClosed)
+{
+    InputSubsystem subsystem;
+    InputNode &device = subsystem.plug(0, panel);
+    const OpenNode owner(device.path());
+    const OpenNode other(device.path());
+    OpenNode third(device.path());
+    EXPECT_EQ(owner.ioctl(EVIOCGRAB, 1), 0);
+    third.close();
+    device.press(KEY_OK);
+    EXPECT_THAT(owner.read(), SizeIs(2));
+    EXPECT_FALSE(other.isReadable());
+}
+
+TEST(Ioctl, AnswersAsManyBytesAsATypeHasCodes)
+{
+    InputSubsystem subsystem;
+    const OpenNode node(subsystem.plug(0, panel).path());
+    // In whole longs, and without the highest code of each type.
+    const auto bytesOf = [](int count) {
+        const int bits = 8 * static_cast<int>(sizeof(long));
+        return (count - 1 + bits - 1) / bits * static_cast<int>(sizeof(long));
+    };
+    char buffer[256] = {};
+    EXPECT_EQ(node.ioctl(EVIOCGBIT(EV_REL, sizeof(buffer)), buffer), bytesOf(REL_CNT));
+    EXPECT_EQ(node.ioctl(EVIOCGBIT(EV_ABS, sizeof(buffer)), buffer), bytesOf(ABS_CNT));
+    EXPECT_EQ(node.ioctl(EVIOCGBIT(EV_MSC, sizeof(buffer)), buffer), bytesOf(MSC_CNT));
+    EXPECT_EQ(node.ioctl(EVIOCGBIT(EV_LED, sizeof(buffer)), buffer), bytesOf(LED_CNT));
+    EXPECT_EQ(node.ioctl(EVIOCGBIT(EV_SND, sizeof(buffer)), buffer), bytesOf(SND_CNT));
+    EXPECT_EQ(node.ioctl(EVIOCGBIT(EV_FF, sizeof(buffer)), buffer), bytesOf(FF_CNT));
 }
 
 TEST(Ioctl, ChoosesTheClockOfTheStamps)
@@ -375,6 +408,7 @@ TEST(Ioctl, RefusesEverythingElse)
     EXPECT_EQ(node.ioctl(EVIOCGABS(0), buffer), -EINVAL);
     EXPECT_EQ(node.ioctl(FIONREAD, buffer), -EINVAL);
     EXPECT_EQ(node.ioctl(EVIOCGID, nullptr), -EFAULT);
+    EXPECT_EQ(node.ioctl(_IO('E', 0x77), nullptr), -EINVAL);
 }
 
 TEST(Ioctl, OfTheDescriptorItselfWorks)
@@ -384,6 +418,10 @@ TEST(Ioctl, OfTheDescriptorItselfWorks)
     int on = 1;
     EXPECT_EQ(node.ioctl(FIONBIO, &on), 0);
     EXPECT_EQ(node.readError(), EAGAIN);
+    EXPECT_EQ(node.ioctl(FIOCLEX, nullptr), 0);
+    EXPECT_EQ(::fcntl(node.fd(), F_GETFD), FD_CLOEXEC);
+    EXPECT_EQ(node.ioctl(FIONCLEX, nullptr), 0);
+    EXPECT_EQ(::fcntl(node.fd(), F_GETFD), 0);
 }
 
 TEST(Ioctl, OnAForeignDescriptorIsPassedOn)

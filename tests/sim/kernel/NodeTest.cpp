@@ -184,6 +184,29 @@ TEST(Node, WithALeadingZeroIsAnother)
     EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/mouse1")).openError(), ENOENT);
 }
 
+TEST(Node, IsToldFromNamesThatAreNearlyItsOwn)
+{
+    InputSubsystem subsystem;
+    subsystem.plug(0, panel);
+    subsystem.plug(5, panel);
+    const OpenNode node(subsystem.plug(12, panel.withMode(0400)).path());
+    EXPECT_TRUE(node.isOpen());
+    EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/event")).openError(), ENOENT);
+    EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/evenx5")).openError(), ENOENT);
+    EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/event11")).openError(), ENOENT);
+    EXPECT_EQ(OpenNode(QStringLiteral("/dev/input/event12"), O_RDWR).openError(), EACCES);
+}
+
+TEST(Node, ShowsItsStatusByPathWhateverTheFlags)
+{
+    InputSubsystem subsystem;
+    subsystem.plug(3, panel);
+    struct statx status = {};
+    ASSERT_EQ(::statx(AT_FDCWD, "/dev/input/event3", AT_EMPTY_PATH, STATX_BASIC_STATS, &status), 0);
+    EXPECT_TRUE(S_ISCHR(status.stx_mode));
+    EXPECT_EQ(status.stx_rdev_minor, 67U);
+}
+
 TEST(Node, HasANumberOfDigitsOnly)
 {
     InputSubsystem subsystem;

@@ -120,6 +120,17 @@ TEST(Read, CutsOddBytesThatDoNotFit)
     EXPECT_EQ(reader.readError(), EAGAIN);
 }
 
+TEST(Read, ReturnsASingleByte)
+{
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(0, panel);
+    const OpenNode reader(node.path());
+    node.sendBytes("x");
+    char buffer[sizeof(input_event)] = {};
+    EXPECT_EQ(reader.readInto(buffer, sizeof(buffer)), 1);
+    EXPECT_EQ(buffer[0], 'x');
+}
+
 TEST(Read, OfNoBytesIsAnEndOfFile)
 {
     InputSubsystem subsystem;
