@@ -66,8 +66,9 @@ def section(name, data, equivalents):
     values = figures(data, equivalents)
     count = values["count"]
     lines = [f"## {name}", "",
-             f"{values['total']} mutants, {data['tests']} tests. Build "
-             f"{data['built']} s, trials {data['tried']} s.", "",
+             f"{values['total']} mutants, {data['tests']} tests. Their processes took "
+             f"{sum(item['seconds'] for item in data['results']) / 60:.0f} min together; the last "
+             f"build, of what had changed, {data['built'] / 60:.0f} min.", "",
              "| outcome | mutants |", "|---|---|"]
     for outcome in ("caught", "crashed", "hung", "memcheck", "survived", "not covered",
                     "equivalent"):
