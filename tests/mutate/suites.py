@@ -77,7 +77,7 @@ class Suites:
         return os.path.join(self.build_folder, self.area.executables[index].path)
 
     def environment(self, index):
-        return {"LC_ALL": "C.UTF-8", **self.area.executables[index].environment}
+        return self.area.executables[index].environment
 
     def tests(self):
         return [test for index in range(len(self.area.executables)) for test in self.listed(index)]

@@ -450,6 +450,8 @@ TEST(Profile, IsLoadedFromAFile)
     EXPECT_THAT(loaded.diagnostics, SizeIs(0));
     EXPECT_EQ(loaded.profile.devices.size(), 1);
 
+    write(path, QByteArray(maxProfileSize, '#'));
+    EXPECT_FALSE(hasErrors(loadProfile(path).diagnostics));
     write(path, QByteArray(maxProfileSize + 1, '#'));
     EXPECT_THAT(loadProfile(path).diagnostics.value(0).message.toStdString(),
                 HasSubstr("larger than 1 MiB"));

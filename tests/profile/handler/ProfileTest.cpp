@@ -29,6 +29,22 @@ TEST(Profile, UsesTheFirstEntryThatFitsADevice)
     EXPECT_EQ(fitting("keyboard", Bus::PCI), 3);
 }
 
+TEST(Profile, DiffersFromOneWithOtherChords)
+{
+    using Bus = InputEvent::Bus;
+    const auto withChord = [](const ChordMapping &chord) {
+        HandlerProfile handler;
+        handler.chords = {chord};
+        return handler;
+    };
+    const HandlerProfile one = withChord({1, 2, InputEvent::Info, Bus::USB});
+    EXPECT_TRUE(one == withChord({1, 2, InputEvent::Info, Bus::USB}));
+    EXPECT_FALSE(one == withChord({3, 2, InputEvent::Info, Bus::USB}));
+    EXPECT_FALSE(one == withChord({1, 3, InputEvent::Info, Bus::USB}));
+    EXPECT_FALSE(one == withChord({1, 2, InputEvent::Confirm, Bus::USB}));
+    EXPECT_FALSE(one == withChord({1, 2, InputEvent::Info, Bus::PCI}));
+}
+
 TEST(Profile, ListsEachIdentifierOnce)
 {
     Profile profile;

@@ -58,6 +58,7 @@ TEST(ProgramOutput, ShowsALongLineInPieces)
 
 TEST(ProgramOutput, BreaksALongLineBetweenCharacters)
 {
+    setlocale(LC_ALL, "C");
     // The last byte that fits is the first of a character.
     const std::string lines =
         shown({QByteArray(ProgramOutput::longestLine - 1, 'x') + "\xc3\xa4 and more"});
