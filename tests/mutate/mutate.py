@@ -133,10 +133,12 @@ class Session:
             if count % 50 == 0:
                 self.save()
 
-        trials.run_all(todo, self.options.jobs, done)
-        if self.options.memcheck:
-            self.memcheck(trials, done)
-        self.save()
+        try:
+            trials.run_all(todo, self.options.jobs, done)
+            if self.options.memcheck:
+                self.memcheck(trials, done)
+        finally:
+            self.save()
         self.progress(f"{self.area.name}: {len(todo)} mutants tried in {self.tried:.0f} s")
         print(report.summary(self.area.name, self.load_all(), Equivalents.read(HERE)))
 
