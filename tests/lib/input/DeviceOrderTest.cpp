@@ -51,6 +51,22 @@ public:
     std::function<void()> onInvalidate;
 };
 
+class ToldSwitchHandler : public BasicSwInputHandler
+{
+public:
+    ToldSwitchHandler()
+        : BasicSwInputHandler(QStringLiteral("switches"))
+    { }
+
+    void invalidate() override
+    {
+        if (onInvalidate)
+            onInvalidate();
+    }
+
+    std::function<void()> onInvalidate;
+};
+
 /// In which order the device manager does what a product can see.
 class DeviceOrder : public testing::Test
 {
@@ -169,15 +185,8 @@ TEST_F(DeviceOrder, KeysAreSelectedBeforeSwitches)
     subsystem.plug(0, DeviceDescription::switchBox("jacks", BUS_HOST, {0}));
     plug(1);
     start();
-    class ToldSwitchHandler : public BasicSwInputHandler
-    {
-    public:
-        using BasicSwInputHandler::BasicSwInputHandler;
-        void invalidate() override { onInvalidate(); }
-        std::function<void()> onInvalidate;
-    };
     std::vector<std::string> sequence;
-    auto *jacks = new ToldSwitchHandler(QStringLiteral("jacks"));
+    auto *jacks = new ToldSwitchHandler;
     jacks->onInvalidate = [&] { sequence.emplace_back("switches"); };
     devices->addSwitchHandler(panelPath, jacks, QString());
     ToldKeyHandler *buttons = keys();
@@ -191,16 +200,21 @@ TEST_F(DeviceOrder, ASelectionIsTracedBeforeItIsMade)
 {
     plug(0);
     start();
-    devices->addKeyHandler(panelPath, keys(), QString());
-    auto *leaving = keys();
-    devices->addKeyHandler(panelPath, leaving, QString());
     std::vector<std::string> sequence;
-    leaving->onInvalidate = [&] { sequence.emplace_back("deselected"); };
+    const auto deselected = [&] { sequence.emplace_back("deselected"); };
+    auto *buttons = keys();
+    devices->addKeyHandler(panelPath, buttons, QString());
+    buttons->onInvalidate = deselected;
+    auto *jacks = new ToldSwitchHandler;
+    devices->addSwitchHandler(panelPath, jacks, QString());
+    jacks->onInvalidate = deselected;
     LogRecorder log;
     log.onLine([&](const LogLine &line) { sequence.push_back(line.text); });
     devices->selectKeyHandler(browse);
+    devices->selectSwitchHandler(browse);
     EXPECT_THAT(sequence,
-                ElementsAre("Enter BasicInputHandler::selectKeyHandler: browse", "deselected"));
+                ElementsAre("Enter BasicInputHandler::selectKeyHandler: browse", "deselected",
+                            "Enter BasicInputHandler::selectSwitchHandler: browse", "deselected"));
 }
 
 TEST_F(DeviceOrder, ARemovalIsLoggedBeforeItIsMade)

@@ -31,7 +31,8 @@ bool isOpen(int fd)
 
 int descriptorOf(const LinuxInputListener &listener)
 {
-    return static_cast<int>(listener.findChild<QSocketNotifier *>()->socket());
+    const auto *notifier = listener.findChild<QSocketNotifier *>();
+    return notifier ? static_cast<int>(notifier->socket()) : -1;
 }
 
 /// A descriptor that something else in the process opens, of the lowest free number.

@@ -31,7 +31,7 @@ TimelineLane *LaneTable::lane(const QString &device, int type, QVector<int> code
     if (m_lanes.size() >= maxTimelineLanes) {
         // A set, because a lane that is left out may be asked for any number of times.
         if (m_leftOut.size() < maxCountedLanes)
-            m_leftOut.insert(device + joinedNames(type, sorted));
+            m_leftOut.insert(device + QLatin1Char(' ') + joinedNames(type, sorted));
         return nullptr;
     }
     m_indexes.insert(key, m_lanes.size());

@@ -131,3 +131,80 @@ TEST(AxisRows, ShowABarInEveryRowThatItReaches)
     EXPECT_FALSE(axes.at(0).intersects(edge, edge + 1));
     EXPECT_TRUE(axes.at(1).intersects(edge, edge));
 }
+
+TEST(ActivitySpans, JoinTimesUpToTwoSecondsApart)
+{
+    using testing::ElementsAre;
+    using testing::Pair;
+    ActivitySpans activity;
+    activity.add(10'000 * ms);
+    EXPECT_FALSE(activity.isNew(12'000 * ms));
+    EXPECT_TRUE(activity.isNew(12'000 * ms + 1));
+    EXPECT_FALSE(activity.isNew(8000 * ms));
+    EXPECT_TRUE(activity.isNew(8000 * ms - 1));
+    activity.add(12'001 * ms);
+    activity.add(7999 * ms);
+    EXPECT_THAT(pairs(activity),
+                ElementsAre(Pair(7999, 7999), Pair(10'000, 10'000), Pair(12'001, 12'001)));
+    activity.add(10'001 * ms);
+    EXPECT_THAT(pairs(activity), ElementsAre(Pair(7999, 7999), Pair(10'000, 12'001)));
+    activity.add(8000 * ms);
+    EXPECT_THAT(pairs(activity), ElementsAre(Pair(7999, 12'001)));
+}
+
+TEST(AxisRows, LeaveOutWhatIsIdleForMoreThanTwoSecondsWithAMarginOnEitherSide)
+{
+    EXPECT_THAT(rowsOf({0, 2000 * ms}).first().breaks(), SizeIs(0));
+    const TimelineAxis axis = rowsOf({0, 2001 * ms}).first();
+    ASSERT_THAT(axis.breaks(), SizeIs(1));
+    const TimelineAxis::Break left = axis.breaks().first();
+    EXPECT_EQ(left.duration, 1501 * ms);
+    EXPECT_DOUBLE_EQ(left.to - left.from, 58);
+    EXPECT_DOUBLE_EQ(axis.x(250 * ms), left.from);
+    EXPECT_DOUBLE_EQ(axis.x(1751 * ms), left.to);
+    EXPECT_EQ(axis.to(), 2001 * ms);
+}
+
+TEST(AxisRows, AreAsWideAsTheirTimeNeedsWithinLimits)
+{
+    const auto widthOf = [](const QVector<qint64> &times) {
+        const auto axes = rowsOf(times, 40);
+        EXPECT_THAT(axes, SizeIs(1));
+        EXPECT_EQ(axes.first().left(), 40);
+        EXPECT_DOUBLE_EQ(axes.first().x(axes.first().to()), axes.first().right());
+        return axes.first().right() - axes.first().left();
+    };
+    EXPECT_DOUBLE_EQ(widthOf({0}), 720);
+    EXPECT_DOUBLE_EQ(widthOf({0, 2000 * ms}), 720);
+    EXPECT_DOUBLE_EQ(widthOf({0, 1500 * ms, 3000 * ms}), 780);
+    EXPECT_DOUBLE_EQ(widthOf({0, 2000 * ms, 4000 * ms, 5000 * ms}), 1200);
+    EXPECT_DOUBLE_EQ(widthOf({0, 2000 * ms, 4000 * ms, 6000 * ms, 8000 * ms, 10'000 * ms}), 1200);
+}
+
+TEST(AxisRows, BeginAtRoundTimes)
+{
+    QVector<qint64> times;
+    for (qint64 time = 0; time <= 10'130; time += 1013)
+        times.append(time * ms);
+    const auto axes = rowsOf(times);
+    ASSERT_THAT(axes, SizeIs(2));
+    EXPECT_EQ(axes.at(1).from() % (100 * ms), 0);
+    EXPECT_TRUE(axes.at(1).contains(10'130 * ms));
+    EXPECT_FALSE(axes.at(0).contains(axes.at(0).to()));
+    EXPECT_EQ(axes.at(1).right(), axes.at(0).right());
+}
+
+TEST(AxisRows, ShowOnlyWhatWasAskedFor)
+{
+    const QVector<TimelineSpan> activity{{0, 1000 * ms}, {5000 * ms, 20'000 * ms}};
+    const auto axes = axisRows({6000 * ms, 8000 * ms}, activity, 0);
+    ASSERT_THAT(axes, SizeIs(1));
+    EXPECT_EQ(axes.first().from(), 6000 * ms);
+    EXPECT_EQ(axes.first().to(), 8000 * ms);
+    EXPECT_THAT(axes.first().breaks(), SizeIs(0));
+    // What is before and after it does not keep an idle part from being left out.
+    const TimelineAxis idle = axisRows({1500 * ms, 4500 * ms}, activity, 0).first();
+    ASSERT_THAT(idle.breaks(), SizeIs(1));
+    EXPECT_EQ(idle.breaks().first().duration, 2500 * ms);
+    EXPECT_THAT(axisRows({1000 * ms, 5000 * ms}, activity, 0).first().breaks(), SizeIs(1));
+}

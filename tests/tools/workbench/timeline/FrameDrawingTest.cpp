@@ -1,8 +1,12 @@
 #include "FrameDrawing.h"
 
+#include "LaneTable.h"
 #include "SessionEntries.h"
 
 #include <gmock/gmock.h>
+
+#include <optional>
+#include <string>
 
 using namespace Vorn::Workbench;
 using namespace Vorn::Test;
@@ -100,4 +104,157 @@ TEST(FrameDrawing, TellsHowManyLanesItLeavesOut)
     const Picture picture = draw(entries);
     EXPECT_THAT(picture.texts("lane"), SizeIs(200));
     EXPECT_THAT(picture.texts("failure-label"), ElementsAre("not shown: 50 lanes"));
+}
+
+TEST(FrameDrawing, CutsALongTitleAndALongProfile)
+{
+    const QString title(91, 't');
+    const QString profile(61, 'p');
+    const Picture picture = draw({{0, SessionStart{title, profile, 0}}});
+    EXPECT_THAT(picture.texts("title"), ElementsAre(std::string(89, 't') + "…"));
+    EXPECT_THAT(picture.titles("title"), ElementsAre(title.toStdString()));
+    EXPECT_THAT(picture.texts("muted"), Contains(HasSubstr(std::string(59, 'p') + "… · ")));
+    const Picture whole = draw({{0, SessionStart{QString(90, 't'), QString(60, 'p'), 0}}});
+    EXPECT_THAT(whole.texts("title"), ElementsAre(std::string(90, 't')));
+    EXPECT_THAT(whole.texts("muted"), Contains(HasSubstr(std::string(60, 'p') + " · ")));
+}
+
+TEST(FrameDrawing, TellsWhichPartOfTheSessionIsShown)
+{
+    const auto headingOf = [](std::optional<qint64> from, std::optional<qint64> to) {
+        TimelineOptions options;
+        options.from = from;
+        options.to = to;
+        return draw({start(), remark(4000 * ms)}, options).texts("muted").front();
+    };
+    const std::string before = "player.toml · 2023-11-14 22:13:20 UTC · ";
+    EXPECT_EQ(headingOf({}, {}), before + "0.000 s to 4.000 s");
+    EXPECT_EQ(headingOf(1000 * ms, {}), before + "1.000 s to 4.000 s of 4.000 s");
+    EXPECT_EQ(headingOf({}, 3000 * ms), before + "0.000 s to 3.000 s of 4.000 s");
+}
+
+TEST(FrameDrawing, ShowsAnIdentifierThatIsReplacedAtOnce)
+{
+    const Picture picture = draw({start(),
+                                  {0, IdentifierSelected{"first"}},
+                                  {0, IdentifierSelected{"second"}},
+                                  {990 * ms, IdentifierSelected{"last"}},
+                                  remark(1000 * ms)});
+    const QVector<Element> bands = picture.ofClass("identifier");
+    ASSERT_THAT(bands, SizeIs(3));
+    EXPECT_DOUBLE_EQ(bands.at(0).number("width"), 2);
+    EXPECT_DOUBLE_EQ(bands.at(0).number("x"), bands.at(1).number("x"));
+    const QVector<Element> grid = picture.ofClass("grid");
+    EXPECT_NEAR(bands.at(2).number("x") + bands.at(2).number("width"), grid.last().number("x1"),
+                0.2);
+    // Too short for a name; the title has it.
+    EXPECT_THAT(picture.texts("identifier-label"), ElementsAre("'second'"));
+    EXPECT_THAT(picture.titles("identifier"),
+                ElementsAre("0.000 s: identifier 'first' selected",
+                            "0.000 s: identifier 'second' selected",
+                            "0.990 s: identifier 'last' selected"));
+}
+
+TEST(FrameDrawing, CutsANameToTheRoomOfItsBand)
+{
+    const Picture picture = draw({start(),
+                                  {0, IdentifierSelected{"a name that is longer than its band"}},
+                                  {100 * ms, IdentifierSelected{"b"}},
+                                  remark(1000 * ms)});
+    const std::string cut = picture.texts("identifier-label").front();
+    EXPECT_THAT(cut, testing::StartsWith("'a name"));
+    EXPECT_THAT(cut, testing::EndsWith("…"));
+    const double width = picture.ofClass("identifier").first().number("width");
+    const int characters = QString::fromStdString(cut).size();
+    EXPECT_LE(characters * 7, width - 8);
+    EXPECT_GT((characters + 1) * 7, width - 8) << "as much of it as there is room for";
+}
+
+TEST(FrameDrawing, StripesEveryOtherLaneFromTheFirst)
+{
+    const Picture picture =
+        draw({start(), key(0, KEY_A, 1), key(0, KEY_B, 1), key(0, KEY_C, 1), remark(500 * ms)});
+    const QVector<Element> stripes = picture.ofClass("stripe");
+    const QVector<Element> bars = picture.ofClass("bar");
+    ASSERT_THAT(stripes, SizeIs(2));
+    for (const int lane : {0, 1}) {
+        const Element &stripe = stripes.at(lane);
+        const double y = bars.at(2 * lane).number("y");
+        EXPECT_LT(stripe.number("y"), y);
+        EXPECT_GT(stripe.number("y") + stripe.number("height"), y);
+        EXPECT_DOUBLE_EQ(stripe.number("width"), picture.root().number("width"));
+    }
+}
+
+TEST(FrameDrawing, HasALineAndALabelForEachTick)
+{
+    const Picture picture = draw({start(), key(0, KEY_A, 1), remark(1000 * ms)});
+    const QVector<Element> grid = picture.ofClass("grid");
+    const QVector<Element> ticks = picture.ofClass("tick");
+    ASSERT_THAT(ticks, SizeIs(grid.size()));
+    for (int i = 0; i < grid.size(); ++i) {
+        EXPECT_DOUBLE_EQ(grid.at(i).number("x1"), grid.at(i).number("x2"));
+        EXPECT_DOUBLE_EQ(ticks.at(i).number("x"), grid.at(i).number("x1"));
+        EXPECT_EQ(ticks.at(i).attributes.value("text-anchor").toStdString(), "middle");
+        EXPECT_LT(ticks.at(i).number("y"), grid.at(i).number("y1"));
+        EXPECT_LT(grid.at(i).number("y1"), grid.at(i).number("y2"));
+    }
+}
+
+TEST(FrameDrawing, ClosesABreakAtItsEdgesInEachLane)
+{
+    const Picture picture = draw({start(), key(0, KEY_A, 1), key(0, KEY_B, 1),
+                                  key(60'000 * ms, KEY_A, 0), key(60'100 * ms, KEY_B, 0)});
+    const Element gap = picture.ofClass("break").first();
+    const QVector<Element> edges = picture.ofClass("break-edge");
+    ASSERT_THAT(edges, SizeIs(2 * 2));
+    for (int i = 0; i < edges.size(); ++i) {
+        const double x = gap.number("x") + (i % 2 == 0 ? 0 : gap.number("width"));
+        EXPECT_NEAR(edges.at(i).number("x1"), x, 0.11);
+        EXPECT_NEAR(edges.at(i).number("x2"), x, 0.11);
+    }
+    EXPECT_EQ(gap.title.toStdString(), "59.500 s without activity");
+}
+
+TEST(FrameDrawing, LeavesOutTheLabelOfABreakThatIsTooNarrow)
+{
+    QVector<SessionEntry> entries{start()};
+    for (qint64 i = 0; i < 2000; ++i)
+        entries.append(remark(i * 10'000 * ms));
+    const Picture picture = draw(entries);
+    EXPECT_GT(picture.ofClass("break").size(), 100);
+    for (const std::string &text : picture.texts("muted"))
+        EXPECT_THAT(text, Not(HasSubstr("⋯")));
+}
+
+TEST(FrameDrawing, TellsOfOneLaneThatItLeavesOutAndOfVeryMany)
+{
+    const auto noteOf = [](int lanes) {
+        QVector<SessionEntry> entries{start()};
+        for (int lane = 0; lane < lanes; ++lane) {
+            const std::string device = "/dev/input/event" + std::to_string(lane / 500);
+            entries.append(key(qint64(lane), lane % 500, 1, device.c_str()));
+        }
+        return draw(entries).texts("failure-label");
+    };
+    EXPECT_THAT(noteOf(200), IsEmpty());
+    EXPECT_THAT(noteOf(201), ElementsAre("not shown: 1 lane"));
+    EXPECT_THAT(noteOf(200 + maxCountedLanes - 1),
+                ElementsAre("not shown: " + std::to_string(maxCountedLanes - 1) + " lanes"));
+    EXPECT_THAT(noteOf(200 + maxCountedLanes),
+                ElementsAre("not shown: at least " + std::to_string(maxCountedLanes) + " lanes"));
+}
+
+TEST(FrameDrawing, TurnsALabelToTheLeftAtTheEdge)
+{
+    const Picture picture = draw({start(),
+                                  {0, Remark{"at the start"}},
+                                  {1000 * ms, Remark{"a remark that is near the right edge"}}});
+    const QVector<Element> labels = picture.ofClass("flag-label");
+    ASSERT_THAT(labels, SizeIs(2));
+    EXPECT_FALSE(labels.at(0).attributes.contains("text-anchor"));
+    EXPECT_EQ(labels.at(1).attributes.value("text-anchor").toStdString(), "end");
+    const QVector<Element> lines = picture.ofClass("remark");
+    EXPECT_DOUBLE_EQ(labels.at(0).number("x"), lines.first().number("x1") + 4);
+    EXPECT_DOUBLE_EQ(labels.at(1).number("x"), lines.last().number("x1") - 4);
 }

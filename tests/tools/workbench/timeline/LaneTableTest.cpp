@@ -79,5 +79,10 @@ TEST(LaneTable, CountsEachLaneThatIsLeftOutOnce)
         EXPECT_EQ(table.keyLane(front, maxTimelineLanes), nullptr);
     EXPECT_EQ(table.keyLane(keyboard, maxTimelineLanes), nullptr);
     EXPECT_EQ(table.leftOutCount(), 2);
+    // Codes without a name, whose numbers continue those of the devices.
+    for (const auto &[device, code] :
+         {std::pair("/dev/input/event1", 284), {"/dev/input/event12", 84}})
+        EXPECT_EQ(table.keyLane(device, code), nullptr);
+    EXPECT_EQ(table.leftOutCount(), 4);
     EXPECT_NE(table.keyLane(front, 0), nullptr) << "known lanes are still found";
 }
