@@ -139,3 +139,78 @@ TEST_F(HintsTest, NameTheDevice)
     add(0, RecordRead{"/dev/input/event2", EV_KEY, KEY_INFO, 1, 1});
     EXPECT_EQ(device(), "event2");
 }
+
+TEST_F(HintsTest, ShowARegistrationAgainForAnotherIdentifier)
+{
+    HandlerProfile handler;
+    handler.identifiers = QStringList{QStringLiteral("other")};
+    const Profile profile = profileWith(handler);
+    EXPECT_EQ(add(0, key(KEY_INFO, 1), &profile, "browse").size(), 1U);
+    EXPECT_THAT(add(0, key(KEY_INFO, 1), &profile, "browse"), IsEmpty());
+    EXPECT_EQ(add(0, key(KEY_INFO, 1), &profile, "text").size(), 1U);
+}
+
+TEST_F(HintsTest, TimeAHoldFromItsPressAndNotFromItsRepeats)
+{
+    EXPECT_THAT(add(0, key(KEY_INFO, 2)), IsEmpty());
+    EXPECT_THAT(add(700'000, key(KEY_INFO, 0)), IsEmpty()) << "never pressed";
+    add(1'000'000, key(KEY_INFO, 1));
+    EXPECT_THAT(add(1'500'000, key(KEY_INFO, 2)), IsEmpty());
+    EXPECT_EQ(add(1'700'000, key(KEY_INFO, 0)).size(), 1U);
+    add(2'000'000, key(KEY_MENU, 1));
+    add(2'100'000, key(KEY_MENU, 0));
+    EXPECT_THAT(add(9'000'000, key(KEY_MENU, 0)), IsEmpty()) << "released already";
+}
+
+TEST_F(HintsTest, ShowNoLongPressOfEitherKeyOfAChord)
+{
+    add(0, key(KEY_STOP, 1));
+    add(0, key(KEY_PLAY, 1));
+    add(0, key(KEY_INFO, 1));
+    DetectorStep chord;
+    chord.what = DetectorStep::What::ChordFound;
+    chord.device = panel;
+    chord.keys = {KEY_STOP, KEY_PLAY};
+    add(0, chord);
+    EXPECT_THAT(add(5'000'000, key(KEY_STOP, 0)), IsEmpty());
+    EXPECT_THAT(add(5'000'000, key(KEY_PLAY, 0)), IsEmpty());
+    EXPECT_EQ(add(5'000'000, key(KEY_INFO, 0)).size(), 1U) << "a third key";
+}
+
+TEST_F(HintsTest, SayNothingOfOtherStepsAndOfChordsWhereThereIsAProfile)
+{
+    const Profile profile = profileWith({});
+    DetectorStep step;
+    step.device = panel;
+    step.keys = {KEY_STOP, KEY_PLAY};
+    step.what = DetectorStep::What::ChordReleased;
+    EXPECT_THAT(add(0, step), IsEmpty());
+    step.what = DetectorStep::What::ChordFound;
+    EXPECT_THAT(add(0, step, &profile), IsEmpty());
+    EXPECT_EQ(add(0, step).size(), 1U);
+    EXPECT_THAT(add(0, step), IsEmpty()) << "once";
+    step.keys = {KEY_STOP, KEY_PLAY, KEY_INFO};
+    EXPECT_THAT(add(0, step), IsEmpty());
+    step.keys = {KEY_STOP};
+    EXPECT_THAT(add(0, step), IsEmpty());
+}
+
+TEST_F(HintsTest, ForgetTheNameOfADeviceThatIsGone)
+{
+    add(0, DeviceChange{panel, "front-panel", InputEvent::Bus::LocalUI, false});
+    add(0, key(KEY_INFO, 1));
+    EXPECT_EQ(device(), "event0");
+}
+
+TEST(Hints, MakeKeysImmediateThatAreHeldOrTyped)
+{
+    using E = InputEvent;
+    for (const E::Command command :
+         {E::CursorLeft, E::CursorRight, E::CursorUp, E::CursorDown, E::CursorPageUp,
+          E::CursorPageDown, E::VolumeUp, E::VolumeDown, E::PlaySpeedUp, E::PlaySpeedDown,
+          E::PushToTalk, E::Backspace, E::Delete, E::CharSpace, E::Number0, E::CharTilde})
+        EXPECT_TRUE(isUsuallyImmediate(command)) << command;
+    for (const E::Command command : {E::None, E::Confirm, E::Cancel, E::StartPlay, E::Mute,
+                                     E::Power, E::Info, E::SWLineIn, E::FactoryReset, E::Preset0})
+        EXPECT_FALSE(isUsuallyImmediate(command)) << command;
+}

@@ -30,5 +30,9 @@ TEST(Durations, AreShownInTheUnitThatReadsBest)
     EXPECT_EQ(durationText(2000).toStdString(), "2 s");
     EXPECT_EQ(durationText(-5000).toStdString(), "-5 s");
     EXPECT_EQ(durationText(12'345).toStdString(), "12.345 s");
+    EXPECT_EQ(durationText(9999).toStdString(), "9999 ms");
+    EXPECT_EQ(durationText(-9999).toStdString(), "-9999 ms");
+    EXPECT_EQ(durationText(10'001).toStdString(), "10.001 s");
+    EXPECT_EQ(durationText(-10'001).toStdString(), "-10.001 s");
     EXPECT_EQ(durationText(0).toStdString(), "0 s");
 }

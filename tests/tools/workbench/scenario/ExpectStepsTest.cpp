@@ -7,7 +7,9 @@
 namespace {
 
 using namespace ScenarioText;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 
 } // namespace
 
@@ -57,4 +59,37 @@ TEST(ExpectSteps, NameTheStateThatWasMeantOrAll)
     EXPECT_EQ(mistakeOf("expect Info press"),
               "dir/a.scenario:2:13: error: unknown state 'press'; write one of KeyPressed, "
               "KeyReleased, KeyLongPress, SwitchEnabled, SwitchDisabled");
+}
+
+TEST(ExpectSteps, ATimeMayEndWhereItBegins)
+{
+    const auto event = step<Step::ExpectEvent>(
+        parsed("device panel\nexpect Info KeyPressed after 5ms..5ms").scenario, 1);
+    EXPECT_EQ(event.earliest, 5);
+    EXPECT_EQ(event.latest, 5);
+}
+
+TEST(ExpectSteps, ATimeIsAtMostSevenDays)
+{
+    const auto mistakesOf = [](const QByteArray &after) {
+        return mistakes("device panel\nexpect Info KeyPressed after " + after);
+    };
+    EXPECT_THAT(mistakesOf("168h"), IsEmpty());
+    EXPECT_THAT(mistakesOf("604800001ms"), ElementsAre(HasSubstr("at most 7 days (168h)")));
+    EXPECT_THAT(mistakesOf("1s..168h"), IsEmpty());
+    EXPECT_THAT(mistakesOf("1s..169h"), ElementsAre(HasSubstr("at most 7 days (168h)")));
+}
+
+TEST(ExpectSteps, WaitsThatRunAtTheSameTimeCountOnce)
+{
+    // 98 days, and up to two more.
+    const QByteArray waits = "device panel\n" + QByteArray("wait 168h\n").repeated(14);
+    EXPECT_THAT(mistakes(waits + "expect Info KeyPressed after 47h within 48h"), IsEmpty());
+    EXPECT_THAT(mistakes(waits + "expect Info KeyPressed after 47h within 49h"),
+                ElementsAre(HasSubstr("at most 100 days in all")));
+    EXPECT_THAT(mistakes(waits + "expect Info KeyPressed after 48h within 1s"),
+                ElementsAre(HasSubstr("at most 100 days in all")));
+    EXPECT_THAT(mistakes(waits + "expect nothing for 48h"), IsEmpty());
+    EXPECT_THAT(mistakes(waits + "expect nothing for 49h"),
+                ElementsAre(HasSubstr("at most 100 days in all")));
 }

@@ -8,6 +8,7 @@ namespace {
 
 using namespace ScenarioText;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::SizeIs;
 
 } // namespace
@@ -52,4 +53,22 @@ TEST(GeneralSteps, WhatMakesNoSenseIsAMistake)
 {
     EXPECT_THAT(mistakeOf("ignore event"), HasSubstr("'ignore events'"));
     EXPECT_THAT(mistake("input-directory create"), HasSubstr("/dev/input already exists"));
+}
+
+TEST(GeneralSteps, TimesMayReachTheirLimits)
+{
+    EXPECT_THAT(mistakes("wait 168h"), IsEmpty());
+    EXPECT_THAT(mistake("wait 604800001ms"), HasSubstr("at most 7 days (168h)"));
+    const QByteArray hundredDays = QByteArray("wait 168h\n").repeated(14) + "wait 48h\n";
+    EXPECT_THAT(mistakes(hundredDays), IsEmpty());
+    EXPECT_THAT(mistake(hundredDays + "wait 1ms"), HasSubstr(":16:6: error: a scenario lasts"));
+    EXPECT_THAT(mistakes("clock +87600h"), IsEmpty());
+    EXPECT_THAT(mistakes("clock -87600h"), IsEmpty());
+    EXPECT_THAT(mistake("clock +315360000001ms"), HasSubstr("at most 10 years"));
+    EXPECT_THAT(mistake("clock -315360000001ms"), HasSubstr("at most 10 years"));
+    EXPECT_THAT(mistakes("start 1970-01-01T00:00:00Z\nclock +1ms\nclock -1ms"), IsEmpty());
+    EXPECT_THAT(mistake("start 1970-01-01T00:00:00Z\nclock -1ms"), HasSubstr("1970 to 2104"));
+    EXPECT_THAT(mistakes("start 2104-12-29T13:20:00Z"), IsEmpty());
+    EXPECT_THAT(mistake("start 2104-12-29T13:20:00.001Z"), HasSubstr("1970 to 2104"));
+    EXPECT_THAT(mistake("start 2104-12-29T13:20:00Z\nclock +1ms"), HasSubstr("1970 to 2104"));
 }

@@ -140,3 +140,64 @@ TEST(ScenarioParser, QuotesNothingOfAFileThatIsNoScenario)
                 ElementsAre("dir/a.scenario:1:9: error: cannot include 'dir/s': it is no "
                             "scenario"));
 }
+
+TEST(ScenarioParser, LimitsMayBeReached)
+{
+    // The scenario itself and fifteen more.
+    QMap<QString, QByteArray> chain;
+    for (int i = 0; i < 14; ++i)
+        chain.insert(QStringLiteral("dir/f%1").arg(i),
+                     "include \"f" + QByteArray::number(i + 1) + "\"\n");
+    chain.insert(QStringLiteral("dir/f14"), "wait 1s\n");
+    const ParsedScenario nested = parsed("include \"f0\"\nwait 2s", chain);
+    EXPECT_THAT(nested.diagnostics, IsEmpty());
+    ASSERT_THAT(nested.scenario.steps, SizeIs(2));
+    EXPECT_EQ(nested.scenario.steps.first().file.toStdString(), "dir/f14");
+    EXPECT_EQ(nested.scenario.steps.last().file.toStdString(), "dir/a.scenario");
+
+    const QByteArray lines = QByteArray("#\n").repeated(99'999) + "wait 1s\n";
+    EXPECT_THAT(mistakes(lines), IsEmpty());
+    EXPECT_THAT(mistake(lines + "wait 1s\n"),
+                HasSubstr(":100001:1: error: a scenario has at most"));
+
+    QByteArray devices;
+    for (int i = 0; i < 100; ++i)
+        devices += "device d" + QByteArray::number(i) + '\n';
+    EXPECT_THAT(mistakes(devices), IsEmpty());
+    EXPECT_THAT(mistakes(QByteArray("wait\n").repeated(99)), SizeIs(99));
+}
+
+TEST(ScenarioParser, AFileMayBeIncludedTwiceButNotFromWithinItself)
+{
+    const QMap<QString, QByteArray> files = {{"dir/b", "wait 1s\n"},
+                                             {"dir/c", "include \"b\"\nwait 2s\n"}};
+    EXPECT_THAT(parsed("include \"b\"\ninclude \"c\"\ninclude \"b\"\n", files).scenario.steps,
+                SizeIs(4));
+    EXPECT_THAT(mistakes("include \"b\"\n", {{"dir/b", "include \"b\"\n"}}),
+                ElementsAre("dir/b:1:9: error: 'dir/b' includes itself, by way of dir/a.scenario, "
+                            "dir/b"));
+}
+
+TEST(ScenarioParser, EndsWithTheLastLineOfTheScenarioItself)
+{
+    const QMap<QString, QByteArray> files = {{"dir/b", "\n\n\nwait 1s\n\n"}};
+    const Scenario scenario = parsed("include \"b\"\nwait 1s\n", files).scenario;
+    EXPECT_EQ(scenario.lastLine, 2);
+    ASSERT_THAT(scenario.steps, SizeIs(2));
+    EXPECT_EQ(scenario.steps.first().line, 4);
+    EXPECT_EQ(scenario.steps.last().line, 2);
+    EXPECT_EQ(parsed("").scenario.lastLine, 1);
+}
+
+TEST(ScenarioParser, TellsALineThatIncludesAndSaysMore)
+{
+    EXPECT_EQ(mistake("include \"b\" now"),
+              "dir/a.scenario:1:13: error: unexpected 'now' at the end of the step");
+}
+
+TEST(ScenarioParser, TakesAByteOrderMarkAndNoKeywordInQuotes)
+{
+    EXPECT_THAT(parsed("\xef\xbb\xbfwait 1s\n").scenario.steps, SizeIs(1));
+    EXPECT_THAT(mistakes("wait 1s\n\"wait\" 1s\n\"include\" \"b\"\n"),
+                ElementsAre(HasSubstr(":2:1:"), HasSubstr(":3:1:")));
+}

@@ -150,3 +150,71 @@ TEST_F(ScenarioRunTest, TellsThatTheProgramEndedInTheLastStep)
     EXPECT_EQ(result.outcome, Outcome::ProgramFailed);
     EXPECT_EQ(result.diagnostics.size(), 1);
 }
+
+TEST_F(ScenarioRunTest, CountsFromTheLastActionAcrossExpectationsAndWaits)
+{
+    for (const qint64 time : {700, 900, 1300})
+        m_bench.publishAt(time);
+    const SimulationResult result = run("wait 100ms\npanel press KEY_INFO\n"
+                                        "expect Info KeyLongPress after 600ms..600ms\n"
+                                        "expect Info KeyLongPress after 800ms..800ms\n"
+                                        "expect nothing\nwait 100ms\n"
+                                        "expect Info KeyLongPress after 1200ms..1200ms\n",
+                                        0);
+    EXPECT_EQ(result.outcome, Outcome::Passed);
+    EXPECT_EQ(result.expectations, 4);
+    EXPECT_EQ(result.duration, 1300);
+}
+
+TEST_F(ScenarioRunTest, CountsAnewFromEachAction)
+{
+    m_bench.publishAt(700);
+    EXPECT_EQ(run("panel press KEY_INFO\nwait 500ms\npanel release KEY_INFO\n"
+                  "expect Info KeyLongPress after 200ms..200ms\n",
+                  0)
+                  .outcome,
+              Outcome::Passed);
+}
+
+TEST_F(ScenarioRunTest, WaitsFromNowOrFromTheActionWhicheverIsLater)
+{
+    m_bench.publishAt(490);
+    EXPECT_EQ(
+        run("panel press KEY_INFO\nwait 400ms\nexpect Info KeyLongPress within 100ms\n", 0).outcome,
+        Outcome::Passed);
+}
+
+TEST_F(ScenarioRunTest, WaitsForTheTimeEvenBeyondTheWait)
+{
+    m_bench.publishAt(195);
+    EXPECT_EQ(
+        run("panel press KEY_INFO\nexpect Info KeyLongPress after 100ms..200ms within 50ms\n", 0)
+            .outcome,
+        Outcome::Passed);
+}
+
+TEST_F(ScenarioRunTest, WaitsNoLongerThanItIsAllowed)
+{
+    m_bench.publishAt(501);
+    const SimulationResult result =
+        run("panel press KEY_INFO\nwait 400ms\nexpect Info KeyLongPress within 100ms\n", 0);
+    EXPECT_EQ(result.outcome, Outcome::Failed);
+    EXPECT_EQ(m_bench.checked().found, "nothing");
+    EXPECT_EQ(m_bench.checked().line, 4);
+}
+
+TEST_F(ScenarioRunTest, IsTooEarlyByAMillisecond)
+{
+    m_bench.publishAt(699);
+    EXPECT_EQ(run("panel press KEY_INFO\nexpect Info KeyLongPress after 700ms..755ms\n", 0).outcome,
+              Outcome::Failed);
+    EXPECT_EQ(m_bench.checked().found, "Info KeyLongPress NoBus, 699 ms after the last action");
+}
+
+TEST_F(ScenarioRunTest, FailsForAnEventThatIsLeftAtTheEnd)
+{
+    m_bench.publishAt(50);
+    EXPECT_EQ(run("panel press KEY_INFO\nexpect nothing\nwait 60ms\n", 0).outcome, Outcome::Failed);
+    EXPECT_EQ(m_bench.checked().text, "expect nothing more at the end");
+    EXPECT_EQ(m_bench.checked().line, 4);
+}
