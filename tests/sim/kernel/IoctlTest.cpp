@@ -207,6 +207,13 @@ TEST(Ioctl, ForStatesGoesOnWhereAReaderHasStoppedInAPacket)
     node.ioctl(EVIOCGKEY(96), bitmap.data());
     EXPECT_THAT(node.read(), ElementsAre(report, Event{EV_SW, SW_LID, 1}, report));
     EXPECT_FALSE(node.isReadable());
+
+    device.setSwitch(SW_LID, false);
+    device.press(KEY_OK);
+    EXPECT_THAT(node.read(1), ElementsAre(Event{EV_SW, SW_LID, 0}));
+    node.ioctl(EVIOCGKEY(96), bitmap.data());
+    EXPECT_THAT(node.read(), ElementsAre(report));
+    EXPECT_FALSE(node.isReadable());
 }
 
 TEST(Ioctl, ForStatesLeavesOddBytesErrorsAndDroppedMarksInTheQueue)
@@ -351,6 +358,7 @@ TEST(Ioctl, ChoosesTheClockOfTheStamps)
     const OpenNode other(device.path());
     int id = CLOCK_MONOTONIC;
     EXPECT_EQ(node.ioctl(EVIOCSCLOCKID, &id), 0);
+    EXPECT_FALSE(node.isReadable()) << "nothing was dropped";
     device.press(KEY_OK);
     timespec now = {};
     ::clock_gettime(CLOCK_MONOTONIC, &now);
