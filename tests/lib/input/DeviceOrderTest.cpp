@@ -11,9 +11,11 @@
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -288,6 +290,33 @@ TEST_F(DeviceOrder, TheDirectoryIsWatchedBeforeItIsScanned)
     EXPECT_THAT(watchedInTheScan, ElementsAre("/dev/input/"));
     EXPECT_THAT(devices->calls,
                 ElementsAre("add /dev/input/event3 keys", "add /dev/input/event0 keys"));
+}
+
+TEST_F(DeviceOrder, AWatchThatFailsOnceIsTriedAgainAndIsTheOnlyOneThen)
+{
+    bool hasFailed = false;
+    subsystem.setPathHook([&](Vorn::Sim::InputSubsystem::PathCall call, const QByteArray &path) {
+        if (call != Vorn::Sim::InputSubsystem::PathCall::Watch || path != "/dev/input/"
+            || std::exchange(hasFailed, true))
+            return 0;
+        return ENOSPC;
+    });
+    start();
+    EXPECT_TRUE(hasFailed);
+    EXPECT_THAT(watched(), ElementsAre("/dev/input/"));
+}
+
+TEST_F(DeviceOrder, ADeviceRemovedDuringASelectionDoesNotKeepOthersFromIt)
+{
+    for (const int number : {0, 1, 2})
+        plug(number);
+    start();
+    ToldKeyHandler *leaving = keys();
+    devices->addKeyHandler(panelPath, leaving, QString());
+    devices->addKeyHandler(QStringLiteral("/dev/input/event2"), keys(InputEvent::Power), browse);
+    leaving->onInvalidate = [&] { devices->removeDevice(remotePath); };
+    devices->selectHandler(browse);
+    EXPECT_THAT(press(2), ElementsAre(pressed(InputEvent::Power)));
 }
 
 TEST_F(DeviceOrder, ADeviceThatTheProductRemovesStaysRemovedUntilItComesBack)

@@ -41,24 +41,26 @@ int openAnotherFile()
     return ::open("/dev/null", O_RDONLY | O_CLOEXEC);
 }
 
-/// Frees the number 0 while it exists, as in a daemon that has closed its standard input.
-class NoStandardInput
+/// Frees the number of a standard stream while it exists, as in a daemon that has closed them.
+class FreeNumber
 {
 public:
-    NoStandardInput()
-        : m_saved(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3))
+    explicit FreeNumber(int number)
+        : m_number(number)
+        , m_saved(::fcntl(number, F_DUPFD_CLOEXEC, 3))
     {
-        ::close(STDIN_FILENO);
+        ::close(number);
     }
-    ~NoStandardInput()
+    ~FreeNumber()
     {
-        ::dup2(m_saved, STDIN_FILENO);
+        ::dup2(m_saved, m_number);
         ::close(m_saved);
     }
-    NoStandardInput(const NoStandardInput &) = delete;
-    NoStandardInput &operator=(const NoStandardInput &) = delete;
+    FreeNumber(const FreeNumber &) = delete;
+    FreeNumber &operator=(const FreeNumber &) = delete;
 
 private:
+    const int m_number;
     const int m_saved;
 };
 
@@ -142,27 +144,30 @@ TEST_F(ListenerOrder, TheNotifierIsGoneAsSoonAsAReadHasFailed)
     EXPECT_EQ(node.openDescriptors(), 0);
 }
 
-TEST_F(ListenerOrder, TheNumberZeroIsADescriptorLikeAnyOther)
+TEST_F(ListenerOrder, TheNumbersOfStandardStreamsAreDescriptorsLikeAnyOther)
 {
-    const NoStandardInput standardInput;
-    LogRecorder log(log4cplus::INFO_LOG_LEVEL);
-    {
-        const auto listener = listen(LinuxInputListener::Key);
-        ASSERT_EQ(descriptorOf(*listener), 0);
-        node.send({keyRecord(KEY_A, 1)});
-        clock.settle();
-        EXPECT_THAT(receiver.take(), ElementsAre("1/30=1@0"));
+    for (const int number : {STDIN_FILENO, STDOUT_FILENO}) {
+        SCOPED_TRACE(number);
+        const FreeNumber free(number);
+        LogRecorder log(log4cplus::INFO_LOG_LEVEL);
+        {
+            const auto listener = listen(LinuxInputListener::Key);
+            ASSERT_EQ(descriptorOf(*listener), number);
+            node.send({keyRecord(KEY_A, 1)});
+            clock.settle();
+            EXPECT_THAT(receiver.take(), ElementsAre("1/30=1@0"));
+        }
+        EXPECT_FALSE(isOpen(number));
+        EXPECT_EQ(node.openDescriptors(), 0);
+        EXPECT_THAT(log.texts(), ElementsAre("Event device /dev/input/event0 ready"));
     }
-    EXPECT_FALSE(isOpen(0));
-    EXPECT_EQ(node.openDescriptors(), 0);
-    EXPECT_THAT(log.texts(), ElementsAre("Event device /dev/input/event0 ready"));
 }
 
 TEST_F(ListenerOrder, TheNumberZeroIsClosedAgainWithoutTheCapability)
 {
     subsystem.unplug(0);
     subsystem.plug(0, DeviceDescription::keyboard("keys", BUS_HOST, {KEY_A}));
-    const NoStandardInput standardInput;
+    const FreeNumber free(STDIN_FILENO);
     const auto listener = listen(LinuxInputListener::Switch);
     EXPECT_FALSE(isOpen(0));
 }

@@ -170,6 +170,8 @@ TEST(Ioctl, TellsHeldKeysAndSwitchesThatAreOn)
         EXPECT_THAT(bits(bitmap), IsEmpty());
     }
     EXPECT_TRUE(device.release(KEY_2)) << "a held key is declared";
+    InputNode &lid = subsystem.plug(1, DeviceDescription::switchBox("lid", BUS_HOST, {}, {SW_LID}));
+    EXPECT_TRUE(lid.setSwitch(SW_LID, false)) << "and so is a switch that is on";
 }
 
 TEST(Ioctl, ForStatesTakesTheirRecordsOutOfTheAskersQueueOnly)

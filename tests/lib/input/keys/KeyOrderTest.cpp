@@ -1,5 +1,7 @@
 #include "KeyHandlerTest.h"
 
+#include "LogRecorder.h"
+
 #include <gmock/gmock.h>
 
 namespace {
@@ -89,6 +91,43 @@ TEST_F(KeyOrder, AChordIsTimedBeforeItIsReported)
     events.onEvent({});
     clock.advance(1s);
     EXPECT_THAT(events.take(), ElementsAre(pressed(InputEvent::FactoryReset)));
+}
+
+TEST_F(KeyOrder, TheReleaseOfAClickIsTracedWithTheIdentifierOfThatMoment)
+{
+    handler->registerKey(A, InputEvent::Confirm, false);
+    LogRecorder log;
+    events.onEvent([&](const InputEvent &event) {
+        if (event.state() == InputEvent::KeyPressed)
+            handler->setId(QStringLiteral("text"));
+    });
+    press(A);
+    release(A);
+    EXPECT_THAT(log.texts(log4cplus::TRACE_LOG_LEVEL),
+                ElementsAre("Device: panel; id: browse; command [cmd=Confirm, state=KeyPressed]",
+                            "Device: panel; id: text; command [cmd=Confirm, state=KeyReleased]"));
+}
+
+TEST_F(KeyOrder, TheReleaseOfAClickIsTracedAlsoForAHandlerThatThePressDeleted)
+{
+    handler->registerKey(A, InputEvent::Confirm, false);
+    LogRecorder log;
+    events.onEvent([&](const InputEvent &event) {
+        if (event.state() != InputEvent::KeyPressed)
+            return;
+        // The handler takes the listener with it.
+        Q_UNUSED(listener.release())
+        handler.reset();
+    });
+    press(A);
+    BasicKeyInputHandler *deleted = handler.get();
+    deleted->processEvent({keyRecord(A, 0, clock.now())});
+    clock.settle();
+    EXPECT_THAT(log.texts(log4cplus::TRACE_LOG_LEVEL),
+                ElementsAre("Device: panel; id: browse; command [cmd=Confirm, state=KeyPressed]",
+                            "Device: panel; id: browse; command [cmd=Confirm, state=KeyReleased]"));
+    EXPECT_THAT(events.take(),
+                ElementsAre(pressed(InputEvent::Confirm), released(InputEvent::Confirm)));
 }
 
 } // namespace

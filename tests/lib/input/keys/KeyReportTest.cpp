@@ -139,4 +139,21 @@ TEST_F(KeyReport, CannotLeaveAChordPressedWhenASlotDeselectsTheHandlerMeanwhile)
                 ElementsAre(pressed(InputEvent::VolumeUp), released(InputEvent::VolumeUp)));
 }
 
+TEST_F(KeyReport, TakesEveryCommandButNone)
+{
+    constexpr auto below = static_cast<InputEvent::Command>(-1);
+    constexpr auto nameless = static_cast<InputEvent::Command>(57);
+    handler->registerKey(A, below, true);
+    handler->registerDoubleKey(A, B, below);
+    handler->registerKey(C, nameless, true);
+    press(A);
+    press(B);
+    EXPECT_THAT(events.take(), ElementsAre(pressed(below), released(below), pressed(below)));
+    release(A);
+    release(B);
+    EXPECT_THAT(events.take(), ElementsAre(released(below)));
+    press(C);
+    EXPECT_THAT(events.take(), ElementsAre(pressed(nameless)));
+}
+
 } // namespace

@@ -135,4 +135,37 @@ TEST_F(LongPressSlot, APressInItKeepsTheTimerRunning)
     EXPECT_THAT(take(), ElementsAre(Notification{100, 30, 1}, Notification{200, 31, 1}));
 }
 
+TEST_F(LongPressSlot, IsCalledForEachKeyThatRepeatsWhateverOthersDo)
+{
+    // Both orders of the codes, since that of the keys within a tick is unspecified.
+    for (const int repeating : {30, 31}) {
+        SCOPED_TRACE(repeating);
+        for (const int key : {30, 31}) {
+            detector->registerEvent(key, key == repeating, {100, 100});
+            press(key);
+        }
+        const qint64 begin = clock.now() - start;
+        clock.advance(100ms);
+        take();
+        clock.advance(200ms);
+        EXPECT_THAT(take(),
+                    ElementsAre(Notification{begin + 200, repeating, 2},
+                                Notification{begin + 300, repeating, 3}));
+        for (const int key : {30, 31})
+            release(key);
+        clock.advance(100ms);
+    }
+}
+
+TEST_F(LongPressSlot, IsToldTheNumberThatSilentTimeoutsHaveReached)
+{
+    detector->registerEvent(30, false, {100});
+    press(30);
+    clock.advance(300ms);
+    EXPECT_THAT(take(), ElementsAre(Notification{100, 30, 1}));
+    detector->registerEvent(30, true, {100});
+    clock.advance(100ms);
+    EXPECT_THAT(take(), ElementsAre(Notification{400, 30, 4}));
+}
+
 } // namespace
