@@ -2,6 +2,7 @@
 #include "CpuTime.h"
 #include "Pipe.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QEventLoop>
