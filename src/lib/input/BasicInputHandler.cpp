@@ -67,15 +67,36 @@ bool inputDirectoryExists()
     return QDir(inputDirectory()).exists();
 }
 
+template <typename Slot>
+QFileSystemWatcher *newWatcher(BasicInputHandler *manager, Slot slot)
+{
+    auto *watcher = new QFileSystemWatcher(manager);
+    Vorn::connect(watcher, &QFileSystemWatcher::directoryChanged, manager, slot);
+    return watcher;
+}
+
+/// Deletes a watcher in whose signal this may be.
+void abandon(QFileSystemWatcher *watcher)
+{
+    watcher->disconnect();
+    watcher->setParent(nullptr);
+    watcher->deleteLater();
+}
+
 /// Adds the directory @p path to what is watched, and returns whether it really is.
 bool addDirectory(QFileSystemWatcher &watcher, const QString &path)
 {
-    watcher.addPath(path);
-    // A directory that comes back while it is added is taken for a file, and nobody would hear of
-    // what changes in it.
-    if (watcher.files().contains(path))
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        watcher.addPath(path);
+        if (watcher.directories().contains(path))
+            return true;
+        if (!watcher.files().contains(path))
+            return false;
+        // A directory that comes back while it is added is taken for a file, and nobody would hear
+        // of what changes in it.
         watcher.removePath(path);
-    return watcher.directories().contains(path);
+    }
+    return false;
 }
 
 /// Watches the input directory, or /dev/ for as long as that does not exist. The directory may come
@@ -87,12 +108,12 @@ bool watchInputDirectory(QFileSystemWatcher &watcher, bool changed)
     if (!inputDirectoryExists()) {
         if (!changed)
             return false;
-        watcher.addPath(deviceDirectory());
+        addDirectory(watcher, deviceDirectory());
         if (!inputDirectoryExists())
             return false;
     }
     if (!addDirectory(watcher, inputDirectory())) {
-        watcher.addPath(deviceDirectory());
+        addDirectory(watcher, deviceDirectory());
         if (!addDirectory(watcher, inputDirectory()))
             return inputDirectoryExists();
     }
@@ -420,9 +441,7 @@ BasicInputHandler::BasicInputHandler()
     : currentId(QLatin1String(""))
 {
     ENTRY_TRACE("");
-    inputWatcher = new QFileSystemWatcher(this);
-    Vorn::connect(inputWatcher, &QFileSystemWatcher::directoryChanged, this,
-                  &BasicInputHandler::on_inputWatcher_changed);
+    inputWatcher = newWatcher(this, &BasicInputHandler::on_inputWatcher_changed);
     QTimer::singleShot(0, this, &BasicInputHandler::on_init);
 }
 
@@ -430,10 +449,8 @@ BasicInputHandler::~BasicInputHandler()
 {
     // If a product deletes its device manager from inside addDevice() or removeDevice(), this is
     // the watcher's own signal, which it must survive.
-    if (sender() == inputWatcher) {
-        inputWatcher->setParent(nullptr);
-        inputWatcher->deleteLater();
-    }
+    if (sender() == inputWatcher)
+        abandon(inputWatcher);
     const auto keyOwners = std::exchange(keyHandlers, {});
     const auto switchOwners = std::exchange(switchHandlers, {});
     const auto listeners =
@@ -544,7 +561,15 @@ void BasicInputHandler::on_inputWatcher_changed(const QString &file)
 {
     // Without the directory, keep the known devices until it is back: it vanishes with its last
     // node, so an unplugged device looks the same as a slow restart.
-    if (!watchInputDirectory(*inputWatcher, file.startsWith(inputDirectory())))
+    bool isPresent = watchInputDirectory(*inputWatcher, file.startsWith(inputDirectory()));
+    if (inputWatcher->files().contains(inputDirectory())) {
+        // It was watched, and then taken for a file because it was away for a moment. A watcher
+        // that has the same path twice never watches the directory again.
+        abandon(inputWatcher);
+        inputWatcher = newWatcher(this, &BasicInputHandler::on_inputWatcher_changed);
+        isPresent = watchInputDirectory(*inputWatcher, true);
+    }
+    if (!isPresent)
         return;
 
     QMap<QString, QString> gone = deviceNames;

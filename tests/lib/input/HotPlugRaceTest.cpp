@@ -144,6 +144,29 @@ TEST_F(HotPlugRaceTest, DevStaysWatchedWhileTheDirectoryCannotBe)
     EXPECT_THAT(devices->take(), ElementsAre("add /dev/input/event1 keys"));
 }
 
+TEST_F(HotPlugRaceTest, ADirectoryThatCannotBeLookedAtForAMomentStaysWatched)
+{
+    plug(0);
+    start();
+    // The watcher itself looks at each path that it is given, and watches as a file what is none.
+    for (int failing : {1, 2, 3}) {
+        SCOPED_TRACE(failing);
+        int looks = 0;
+        subsystem.setPathHook([&](PathCall call, const QByteArray &) {
+            return call == PathCall::Status && ++looks == failing ? ENOMEM : 0;
+        });
+        subsystem.setPermissions(0, 0666);
+        clock.settle();
+        subsystem.setPathHook({});
+        plug(failing);
+        clock.settle();
+        EXPECT_THAT(devices->calls,
+                    Contains("add /dev/input/event" + std::to_string(failing) + " keys"));
+        EXPECT_THAT(watched(), ElementsAre("/dev/input/"));
+    }
+    expectToHearOfDevices();
+}
+
 /// The watches that are set, and whether the directory is looked at again after each.
 TEST_F(HotPlugRaceTest, TheOrdinaryPassesMakeOneWatchEach)
 {
