@@ -17,6 +17,7 @@
 #include <poll.h>
 #include <sys/stat.h>
 #include <sys/time.h>
+#include <unistd.h>
 
 static_assert(sizeof(std::time_t) == 8, "built without -D_TIME_BITS=64");
 
