@@ -31,6 +31,8 @@ SubsystemState::SubsystemState(InputSubsystem::Directory directoryKind)
         qFatal("InputSubsystem: only one may be alive at a time");
     serveFiles(&m_calls);
     checkInterposition();
+    // Other threads may be calling already.
+    const std::lock_guard<std::mutex> guard(lock);
     // The check above leaves its own calls in the log.
     log.reset();
     if (kind == InputSubsystem::Directory::ComesAndGoes)
