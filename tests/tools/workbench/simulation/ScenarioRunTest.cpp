@@ -218,3 +218,14 @@ TEST_F(ScenarioRunTest, FailsForAnEventThatIsLeftAtTheEnd)
     EXPECT_EQ(m_bench.checked().text, "expect nothing more at the end");
     EXPECT_EQ(m_bench.checked().line, 4);
 }
+
+TEST_F(ScenarioRunTest, WaitsForATimeThatCountsFromTheActionAndNotFromNow)
+{
+    m_bench.publishAt(250);
+    const SimulationResult result = run("panel press KEY_INFO\nwait 100ms\n"
+                                        "expect Info KeyLongPress after 100ms..200ms\n",
+                                        0);
+    EXPECT_EQ(result.outcome, Outcome::Failed);
+    EXPECT_EQ(m_bench.checked().found, "nothing");
+    EXPECT_EQ(result.duration, 200);
+}
