@@ -41,13 +41,14 @@ public:
     {
         log4cplus::Logger::getDefaultHierarchy().resetConfiguration();
         log4cplus::Logger root = log4cplus::Logger::getRoot();
-        root.addAppender(log4cplus::SharedAppenderPtr(new log4cplus::NullAppender));
+        root.addAppender(m_silence);
         root.setLogLevel(log4cplus::WARN_LOG_LEVEL);
     }
     PropertiesLogging(const PropertiesLogging &) = delete;
     PropertiesLogging &operator=(const PropertiesLogging &) = delete;
 
 private:
+    const log4cplus::SharedAppenderPtr m_silence{new log4cplus::NullAppender};
     QTemporaryDir m_folder;
 };
 

@@ -31,10 +31,10 @@ class SubsystemState;
 /// really get here, and ends the process (`qFatal`) if they do not.
 ///
 /// **Limits**: not simulated are `write` to a node, `epoll`'s hang-up flags, descriptors passed to
-/// other processes, calls that bypass the C library's dynamic symbols (`fopen`, `std::ifstream`, raw
-/// system calls), and paths that are relative, not normalised or reached through links. Queues are
-/// unlimited: a slow reader sees `SYN_DROPPED` only if a test sends it or the reader changes its
-/// clock.
+/// other processes, calls that bypass the C library's dynamic symbols (`fopen`, `std::ifstream`,
+/// raw system calls), and paths that are relative, not normalised or reached through links. Queues
+/// are unlimited: a slow reader sees `SYN_DROPPED` only if a test sends it or the reader changes
+/// its clock.
 ///
 /// **Thread**: use it on one thread, except for what InputNode allows on others. Only one may exist
 /// per process; a second one is fatal. Nodes may be read on any thread, also while it is destroyed:

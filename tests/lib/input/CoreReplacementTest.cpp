@@ -106,6 +106,15 @@ TEST(CoreLibrary, OfTheMakerNamesTheFunctionsOfEntryTraces)
     EXPECT_THAT(textsOf(log, "maker"), Contains("asked for BasicInputHandler"));
 }
 
+TEST(CoreLibrary, OfTheMakerNamesTheFunctionThatReads)
+{
+    LinuxInputListener listener(nullptr, QStringLiteral("/nowhere"), LinuxInputListener::Key);
+    LogRecorder log;
+    listener.readData(-1);
+    EXPECT_EQ(textsOf(log, "LinuxInputListener").front(),
+              "Enter {void LinuxInputListener::readData(int)|LinuxInputListener}: -1");
+}
+
 TEST(CoreLibrary, OfTheMakerWritesTheTimeOfARecord)
 {
     std::ostringstream stream;

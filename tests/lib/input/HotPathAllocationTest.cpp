@@ -195,6 +195,19 @@ TEST_F(HotPathAllocation, AChordTakesItsSecondPressAndTheWithdrawalOfTheFirst)
     EXPECT_EQ(events, 2);
 }
 
+TEST_F(HotPathAllocation, TheFirstChordTakesNoMoreThanTheNext)
+{
+    DoubleKeyDetect detector;
+    const auto takenByAChord = [&] {
+        const AllocationCounter counter;
+        for (const input_event &event : chord(KEY_A, KEY_B))
+            detector.checkDoubleKeyDetect(event);
+        return counter.allocations();
+    };
+    const int first = takenByAChord();
+    EXPECT_EQ(first, takenByAChord());
+}
+
 TEST_F(HotPathAllocation, AnAutoRepeatTakesItsEvent)
 {
     const auto listener = listen(keys);

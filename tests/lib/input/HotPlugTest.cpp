@@ -307,6 +307,47 @@ TEST_F(HotPlugTest, ADeviceThatGoesWhileItIsAddedIsRemovedAfterwards)
     EXPECT_EQ(subsystem.openDescriptors(), 0);
 }
 
+TEST_F(HotPlugTest, APassFromInsideAddDeviceRemovesTheOthersThatWent)
+{
+    start();
+    plug(1);
+    clock.settle();
+    devices->take();
+    devices->onAdd = [&](const QString &, const QString &) {
+        subsystem.unplug(0);
+        subsystem.unplug(1);
+        QMetaObject::invokeMethod(devices.get(), "on_inputWatcher_changed",
+                                  Q_ARG(QString, QStringLiteral("/dev/input/")));
+    };
+    plug(0);
+    clock.settle();
+    EXPECT_THAT(devices->calls,
+                ElementsAre("add /dev/input/event0 keys", "remove /dev/input/event1",
+                            "remove /dev/input/event0"));
+    EXPECT_EQ(subsystem.openDescriptors(), 0);
+}
+
+TEST_F(HotPlugTest, APassFromInsideAddDeviceLeavesTheRestToTheOneThatFoundIt)
+{
+    plug(0);
+    plug(1);
+    plug(2);
+    devices = std::make_unique<Devices>();
+    devices->onAdd = [&](const QString &path, const QString &) {
+        if (!path.endsWith(QLatin1Char('0')))
+            return;
+        subsystem.unplug(2);
+        QMetaObject::invokeMethod(devices.get(), "on_inputWatcher_changed",
+                                  Q_ARG(QString, QStringLiteral("/dev/input/")));
+    };
+    clock.settle();
+    // The third was found before it went, and goes with the next pass.
+    EXPECT_THAT(devices->calls,
+                ElementsAre("add /dev/input/event0 keys", "add /dev/input/event1 keys",
+                            "add /dev/input/event2 keys", "remove /dev/input/event2"));
+    EXPECT_EQ(subsystem.openDescriptors(), 2);
+}
+
 TEST_F(HotPlugTest, ADeviceThatComesBackIsNew)
 {
     plug(0, "first");

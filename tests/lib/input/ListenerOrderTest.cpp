@@ -108,6 +108,8 @@ TEST_F(ListenerOrder, ANumberThatWasClosedBelongsToItsNextOwner)
     listener.reset();
     EXPECT_TRUE(isOpen(another));
     ::close(another);
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        EXPECT_TRUE(isOpen(standard)) << standard;
 }
 
 TEST_F(ListenerOrder, ANumberThatAReadErrorClosedBelongsToItsNextOwner)
