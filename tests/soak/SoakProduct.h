@@ -14,7 +14,7 @@ public:
     static constexpr int chordKeys[2] = {KEY_A, KEY_B};
     static constexpr int jack = SW_LINEIN_INSERT;
 
-    static QString menu() { return QString(); }
+    static QString menu() { return {}; }
     static QString text() { return QStringLiteral("text"); }
 
     void addDevice(const QString &device, const QString &name) override;

@@ -58,7 +58,7 @@ TEST(Node, IsExecutableToWhomeverABitSaysSo)
     subsystem.plug(0, panel.withMode(0666));
     EXPECT_NE(::access("/dev/input/event0", X_OK), 0);
     EXPECT_EQ(errno, EACCES);
-    for (const mode_t mode : {0100, 0010, 0001}) {
+    for (const mode_t mode : {0100U, 0010U, 0001U}) {
         subsystem.setPermissions(0, mode);
         EXPECT_EQ(::access("/dev/input/event0", X_OK), 0) << mode;
     }
