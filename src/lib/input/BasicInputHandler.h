@@ -203,6 +203,10 @@ private:
 /// };
 /// @endcode
 ///
+/// **Limits**: a device is known by its node. One that is replaced by another on the same node
+/// between two passes, or whose node cannot be opened a second time when it has just been found (as
+/// when the process is out of descriptors), is not read until the node has gone and come back.
+///
 /// **Ownership**: it owns the listeners, and every handler passed to addKeyHandler() or
 /// addSwitchHandler(). A handler serves one device, but several identifiers may share it.
 ///
