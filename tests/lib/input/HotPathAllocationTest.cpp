@@ -200,8 +200,8 @@ TEST_F(HotPathAllocation, TheFirstChordTakesNoMoreThanTheNext)
     DoubleKeyDetect detector;
     const auto takenByAChord = [&] {
         const AllocationCounter counter;
-        for (const input_event &event : chord(KEY_A, KEY_B))
-            detector.checkDoubleKeyDetect(event);
+        for (const input_event &key : chord(KEY_A, KEY_B))
+            detector.checkDoubleKeyDetect(key);
         return counter.allocations();
     };
     const int first = takenByAChord();
