@@ -73,7 +73,8 @@ class Session:
             self.scratch.copy({})
             self.scratch.configure()
         found = plan.find(self.scratch, self.area, self.sources)
-        self.mutations = plan.number(plan.sample(found, self.area.sample))
+        self.mutations = plan.number(plan.sample(found, self.area.sample,
+                                                 self.options.seed))
         self.progress(f"{self.area.name}: {len(self.mutations)} of {len(found)} mutants")
 
     def build(self):
@@ -194,6 +195,8 @@ def arguments():
                         help="folder of the copies and builds (default: build/mutate)")
     parser.add_argument("--jobs", type=int, default=os.cpu_count() or 1,
                         help="tests at a time (default: one for each processor)")
+    parser.add_argument("--seed", metavar="TEXT", default="",
+                        help="take another sample of the mutants; give it a --scratch of its own")
     parser.add_argument("--quiet", action="store_true", help="print the result only")
     options = parser.parse_args()
     unknown = [name for name in options.areas if name not in AREAS]

@@ -105,11 +105,11 @@ def beside(commands, path):
                  if os.path.dirname(other) == folder), None)
 
 
-def sample(found, count):
+def sample(found, count, seed=""):
     """A part of the mutants that stays the same when others come and go."""
     if not count or count >= len(found):
         return found
-    order = sorted(found, key=lambda item: hashlib.sha256(item.key().encode()).digest())
+    order = sorted(found, key=lambda item: hashlib.sha256((seed + item.key()).encode()).digest())
     taken = {id(item) for item in order[:count]}
     return [item for item in found if id(item) in taken]
 
