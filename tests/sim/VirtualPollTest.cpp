@@ -11,11 +11,38 @@
 
 #include <chrono>
 #include <ctime>
+#include <fstream>
 #include <poll.h>
+#include <string>
 #include <thread>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 using Vorn::Sim::VirtualClock;
+
+namespace {
+
+bool isMainThreadAsleep()
+{
+    const std::string pid = std::to_string(getpid());
+    std::ifstream file("/proc/self/task/" + pid + "/stat");
+    std::string status;
+    std::getline(file, status);
+    // The state follows the name, which may contain anything.
+    return status.find(") S ", status.rfind(')')) != std::string::npos;
+}
+
+// Writes once the main thread sleeps, so that its poll finds nothing ready and really waits.
+std::thread writeLater(const Pipe &pipe)
+{
+    return std::thread([&pipe] {
+        while (!isMainThreadAsleep())
+            std::this_thread::yield();
+        pipe.write();
+    });
+}
+
+} // namespace
 
 TEST(OtherEventLoops, RunInVirtualTime)
 {
@@ -48,7 +75,7 @@ TEST(OtherEventLoops, ReallyWaitForAnotherThreadWithoutATimer)
     QEventLoop loop;
     QSocketNotifier notifier(pipe.reader(), QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, &loop, &QEventLoop::quit);
-    std::thread thread([&pipe] { pipe.write(); });
+    std::thread thread = writeLater(pipe);
     loop.exec();
     thread.join();
     EXPECT_EQ(clock.now(), 0);
@@ -141,4 +168,15 @@ TEST(WakeUps, AreCountedForPollsThatMayWait)
     EXPECT_EQ(clock.wakeUps(), 2);
     EXPECT_EQ(::poll(&descriptor, 1, -1), 1);
     EXPECT_EQ(clock.wakeUps(), 3);
+}
+
+TEST(WakeUps, AreCountedForRealWaits)
+{
+    VirtualClock clock;
+    const Pipe pipe;
+    pollfd descriptor = {pipe.reader(), POLLIN, 0};
+    std::thread thread = writeLater(pipe);
+    EXPECT_EQ(::poll(&descriptor, 1, -1), 1);
+    thread.join();
+    EXPECT_EQ(clock.wakeUps(), 1);
 }
