@@ -303,14 +303,6 @@ bool TimeFormat::take(std::string_view *text, LogStamp *stamp) const
     return true;
 }
 
-bool TimeFormat::hasDate() const
-{
-    return std::any_of(m_steps.begin(), m_steps.end(), [](const Step &step) {
-        return step.conversion == 'd' || step.conversion == 'e' || step.conversion == 'j'
-            || step.conversion == 's';
-    });
-}
-
 bool TimeFormat::hasFraction() const
 {
     return std::any_of(m_steps.begin(), m_steps.end(), [](const Step &step) {

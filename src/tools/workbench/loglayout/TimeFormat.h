@@ -40,7 +40,6 @@ public:
     /// Removes a time from the front of a text; false, and the text as it was, if there is none.
     bool take(std::string_view *text, LogStamp *stamp) const;
 
-    bool hasDate() const;
     bool hasFraction() const;
 
 private:
