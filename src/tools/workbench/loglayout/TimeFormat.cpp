@@ -179,8 +179,22 @@ bool takeDate(char conversion, std::string_view *text, LogStamp *stamp)
     }
 }
 
-/// @param hour the hour, until it is known whether it is one before or after noon
-bool takeTime(char conversion, std::string_view *text, LogStamp *stamp, int *hour)
+/// An hour of a clock face, and which half of the day it is in, each as far as the line states it.
+struct HalfDay
+{
+    std::optional<int> hour;
+    std::optional<bool> isAfternoon;
+};
+
+/// An hour that is stated by a clock of 24 hours says by itself which half of the day it is in.
+int hoursOf(const HalfDay &half)
+{
+    if (!half.hour || !half.isAfternoon)
+        return half.hour.value_or(0);
+    return *half.hour % 12 + (*half.isAfternoon ? 12 : 0);
+}
+
+bool takeTime(char conversion, std::string_view *text, LogStamp *stamp, HalfDay *half)
 {
     int number = 0;
     bool isTaken = false;
@@ -194,13 +208,16 @@ bool takeTime(char conversion, std::string_view *text, LogStamp *stamp, int *hou
         stamp->microseconds += qint64{number} * 3600 * second;
         return isTaken;
     case 'I':
-        return takeDigits(text, 2, hour, 1, 12);
+        isTaken = takeDigits(text, 2, &number, 1, 12);
+        half->hour = number;
+        return isTaken;
     case 'l':
-        return takePadded(text, hour, 1, 12);
+        isTaken = takePadded(text, &number, 1, 12);
+        half->hour = number;
+        return isTaken;
     case 'p':
-        isTaken = text->substr(0, 2) == "AM" || text->substr(0, 2) == "PM";
-        if (isTaken)
-            *hour = *hour % 12 + (text->front() == 'P' ? 12 : 0);
+        half->isAfternoon = text->substr(0, 2) == "PM";
+        isTaken = *half->isAfternoon || text->substr(0, 2) == "AM";
         text->remove_prefix(isTaken ? 2 : 0);
         return isTaken;
     case 'M':
@@ -216,7 +233,7 @@ bool takeTime(char conversion, std::string_view *text, LogStamp *stamp, int *hou
     }
 }
 
-bool takePart(char conversion, std::string_view *text, LogStamp *stamp, int *hour)
+bool takePart(char conversion, std::string_view *text, LogStamp *stamp, HalfDay *half)
 {
     int number = 0;
     switch (conversion) {
@@ -242,7 +259,7 @@ bool takePart(char conversion, std::string_view *text, LogStamp *stamp, int *hou
     case 'Z':
         return takeZoneName(text, stamp);
     default:
-        return takeDate(conversion, text, stamp) || takeTime(conversion, text, stamp, hour);
+        return takeDate(conversion, text, stamp) || takeTime(conversion, text, stamp, half);
     }
 }
 
@@ -270,14 +287,16 @@ bool TimeFormat::append(std::string_view format, int offset, Error *error)
             m_steps.push_back({0, '%'});
         } else if (const char *parts = expansion(conversion)) {
             append(parts, place, error);
-        } else if (conversion != '\0' && conversions.find(conversion) != std::string_view::npos) {
+        } else if (conversions.find(conversion) != std::string_view::npos) {
             m_steps.push_back({conversion, 0});
         } else {
+            const std::string_view rest = format.substr(i);
+            const QString text =
+                QString::fromUtf8(rest.data(), static_cast<int>(rest.size())).left(1);
             *error = {place,
-                      conversion == '\0'
+                      text.isEmpty()
                           ? QStringLiteral("a time ends with '%'; write '%%' for a percent sign")
-                          : QStringLiteral("'%%1' of a time cannot be read back")
-                                .arg(QLatin1Char(conversion))};
+                          : QStringLiteral("'%%1' of a time cannot be read back").arg(text)};
             return false;
         }
     }
@@ -288,16 +307,15 @@ bool TimeFormat::take(std::string_view *text, LogStamp *stamp) const
 {
     std::string_view rest = *text;
     LogStamp result;
-    int hour = -1;
+    HalfDay half;
     for (const Step &step : m_steps) {
         const bool isTaken = step.conversion == 0
             ? takeChar(&rest, step.literal)
-            : takePart(step.conversion, &rest, &result, &hour);
+            : takePart(step.conversion, &rest, &result, &half);
         if (!isTaken)
             return false;
     }
-    if (hour >= 0)
-        result.microseconds += qint64{hour} * 3600 * second;
+    result.microseconds += qint64{hoursOf(half)} * 3600 * second;
     *stamp = result;
     *text = rest;
     return true;
