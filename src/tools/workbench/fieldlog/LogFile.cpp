@@ -9,6 +9,7 @@ namespace Vorn::Workbench {
 namespace {
 
 constexpr int bufferSize = 256 * 1024;
+static_assert(bufferSize <= LogFile::maxLineSize, "a line within a buffer is not cut");
 constexpr std::string_view gzipMagic = "\x1f\x8b";
 constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
 
@@ -54,8 +55,7 @@ bool LogFile::next()
         const bool isWhole = end != std::string_view::npos;
         m_rest.remove_prefix(isWhole ? end + 1 : m_rest.size());
         if (isWhole && m_kept.empty()) {
-            m_isTooLong = part.size() > maxLineSize;
-            finishLine(part.substr(0, maxLineSize));
+            finishLine(part);
             return true;
         }
         keep(part);
@@ -81,8 +81,7 @@ void LogFile::finishLine(std::string_view line)
         line.remove_prefix(byteOrderMark.size());
     if (!line.empty() && line.back() == '\r')
         line.remove_suffix(1);
-    if (!line.empty() && line.front() == '\0')
-        line.remove_prefix(std::min(line.find_first_not_of('\0'), line.size()));
+    line.remove_prefix(std::min(line.find_first_not_of('\0'), line.size()));
     m_line = line;
 }
 
@@ -93,7 +92,7 @@ bool LogFile::fill()
     const qint64 size =
         m_stream ? unpack(m_buffer.data(), bufferSize) : readPlain(m_buffer.data(), bufferSize);
     m_rest = {m_buffer.constData(), static_cast<std::size_t>(std::max<qint64>(size, 0))};
-    if (!m_isStarted && !m_rest.empty()) {
+    if (!m_isStarted) {
         m_isStarted = true;
         if (m_rest.substr(0, gzipMagic.size()) == gzipMagic) {
             startUnpacking();

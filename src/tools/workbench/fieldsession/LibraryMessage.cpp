@@ -4,6 +4,7 @@
 
 #include <linux/input.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace Vorn::Workbench {
@@ -190,7 +191,7 @@ std::optional<LibraryLine> entered(const QString &message)
     const QString name = functionName(words.upTo(literal(": ")));
     const QString argument = words.rest();
     for (const auto &[text, function] : functions) {
-        if (words.fits() && name == QLatin1String(text))
+        if (name == QLatin1String(text))
             return line(LibraryLogger::BasicInputHandler, LogLevel::Trace,
                         Entered{function, argument});
     }
@@ -414,15 +415,14 @@ std::optional<LibraryLine> detectorLine(const QString &message)
 std::optional<LibraryLogger> libraryLogger(const QString &name)
 {
     constexpr int shortest = 6;
-    std::optional<LibraryLogger> found;
-    for (std::size_t i = 0; i < loggerNames.size(); ++i) {
-        const QLatin1String known(loggerNames[i]);
-        if (name == known)
-            return static_cast<LibraryLogger>(i);
-        if (name.size() >= shortest && QString(known).endsWith(name))
-            found = static_cast<LibraryLogger>(i);
-    }
-    return found;
+    const auto *const found =
+        std::find_if(loggerNames.begin(), loggerNames.end(), [&name](const char *known) {
+            return name == QLatin1String(known)
+                || (name.size() >= shortest && QLatin1String(known).endsWith(name));
+        });
+    if (found == loggerNames.end())
+        return std::nullopt;
+    return static_cast<LibraryLogger>(found - loggerNames.begin());
 }
 
 std::optional<LibraryLine> libraryLine(LibraryLogger logger, const QString &message)
@@ -442,8 +442,11 @@ std::optional<LibraryLine> libraryLine(LibraryLogger logger, const QString &mess
 
 std::optional<LibraryLine> libraryLine(const QString &message)
 {
-    for (std::size_t i = 0; i < loggerNames.size(); ++i) {
-        if (auto found = libraryLine(static_cast<LibraryLogger>(i), message))
+    for (const LibraryLogger logger :
+         {LibraryLogger::Input, LibraryLogger::BasicInputHandler, LibraryLogger::LinuxInputListener,
+          LibraryLogger::KeyProcessing})
+    {
+        if (auto found = libraryLine(logger, message))
             return found;
     }
     return std::nullopt;

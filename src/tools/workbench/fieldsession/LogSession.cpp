@@ -752,8 +752,7 @@ bool LogSession::mayBeOf(const LogOrigin &origin,
         if (!origin.device())
             return origin.text() == name.first;
         const LogDevicePtr device = m_origins.named(name.first);
-        const bool isPresent = device || origin.device()->name == name.first;
-        return !isPresent || !device || device->path == origin.device()->path;
+        return !device || device->path == origin.device()->path;
     });
 }
 
@@ -944,8 +943,7 @@ void LogSession::finishHand(LogRead *read)
 {
     if (!read->hand)
         return;
-    LogHand hand = *read->hand;
-    read->hand.reset();
+    LogHand hand = *std::exchange(read->hand, std::nullopt);
     const qint64 now = std::exchange(m_time, hand.time);
     if (hand.isPair())
         tellPair(&hand);

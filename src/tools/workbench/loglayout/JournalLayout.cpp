@@ -187,11 +187,6 @@ QString JournalLayout::name() const
     return QString::fromLatin1(formats.at(static_cast<std::size_t>(m_kind)).name);
 }
 
-bool JournalLayout::hasYears() const
-{
-    return m_kind != Kind::Short && m_kind != Kind::ShortPrecise && m_kind != Kind::Syslog;
-}
-
 bool JournalLayout::takeTime(std::string_view *rest, LogFields *fields) const
 {
     if (m_kind == Kind::Monotonic)

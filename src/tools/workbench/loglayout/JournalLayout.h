@@ -25,8 +25,6 @@ public:
     /// For people: "journal (JSON)".
     QString name() const;
     bool operator==(const JournalLayout &other) const { return m_kind == other.m_kind; }
-    /// Whether dates have a day and a month alone.
-    bool hasYears() const;
 
 private:
     enum class Kind { Json, Short, ShortPrecise, Syslog, Iso, IsoPrecise, Full, Unix, Monotonic };
