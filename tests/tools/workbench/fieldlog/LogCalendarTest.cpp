@@ -28,12 +28,14 @@ public:
             .toStdString();
     }
 
-    qint64 time(std::string_view text)
+    qint64 time(std::string_view text) { return read(text).microseconds; }
+
+    LogCalendar::Time read(std::string_view text)
     {
         LogStamp stamp;
         EXPECT_TRUE(m_format.take(&text, &stamp)) << text;
         EXPECT_EQ(text, "");
-        return m_calendar.toTime(stamp).microseconds;
+        return m_calendar.toTime(stamp);
     }
 
 private:
@@ -97,4 +99,59 @@ TEST(LogCalendar, FindsTheYearsThatDatesLack)
     EXPECT_EQ(calendar.date("Dec 31 23:59:59"), "2025-12-31T23:59:59.000Z") << "out of order";
     EXPECT_EQ(Calendar("%b %e").date("Mar  1"), "2026-03-01T00:00:00.000Z");
     EXPECT_EQ(Calendar("%b %e").date("Feb 29"), "2024-02-29T00:00:00.000Z");
+    EXPECT_EQ(Calendar("%b %e").date("Mar  2"), "2026-03-02T00:00:00.000Z") << "of another zone";
+    EXPECT_EQ(Calendar("%b %e").date("Mar  3"), "2025-03-03T00:00:00.000Z");
+    EXPECT_EQ(Calendar("%j").date("060"), "2026-03-01T00:00:00.000Z");
+    EXPECT_EQ(Calendar("%j").date("365"), "2025-12-31T00:00:00.000Z");
+}
+
+TEST(LogCalendar, TakesEachDateNearTheOneBefore)
+{
+    Calendar calendar("%b %e");
+    EXPECT_EQ(calendar.date("Jul 10"), "2025-07-10T00:00:00.000Z");
+    EXPECT_EQ(calendar.date("Dec 31"), "2025-12-31T00:00:00.000Z");
+    EXPECT_EQ(calendar.date("Feb  1"), "2026-02-01T00:00:00.000Z");
+    EXPECT_EQ(calendar.date("Jul 10"), "2026-07-10T00:00:00.000Z") << "the next one";
+    EXPECT_EQ(calendar.date("Dec 31"), "2026-12-31T00:00:00.000Z");
+    EXPECT_EQ(calendar.date("Jan  1"), "2027-01-01T00:00:00.000Z");
+}
+
+TEST(LogCalendar, DoesNotTakeADateWithAYearForTheOneBefore)
+{
+    TimeFormat::Error error;
+    const auto stampOf = [&error](const char *format, std::string_view text) {
+        LogStamp stamp;
+        EXPECT_TRUE(TimeFormat::compile(format, &error)->take(&text, &stamp));
+        return stamp;
+    };
+    LogCalendar calendar(QTimeZone::utc());
+    calendar.setLastDay({2026, 3, 1});
+    calendar.toTime(stampOf("%F", "2001-01-01"));
+    EXPECT_EQ(calendar.toTime(stampOf("%b %e", "Feb  1")).microseconds / second,
+              QDateTime(QDate(2026, 2, 1), QTime(0, 0), Qt::UTC).toSecsSinceEpoch());
+}
+
+TEST(LogCalendar, SaysWhichPartsOfATimeTheLogHas)
+{
+    const auto parts = [](const char *format, std::string_view text) {
+        const LogCalendar::Time time = Calendar(format).read(text);
+        return std::string(time.hasDate ? "date" : "no date")
+            + (time.isYearGuessed ? ", year guessed" : "");
+    };
+    EXPECT_EQ(parts("%F", "2026-01-02"), "date");
+    EXPECT_EQ(parts("%b %e", "Jan  2"), "date, year guessed");
+    EXPECT_EQ(parts("%T", "10:00:00"), "no date");
+    EXPECT_EQ(parts("%s", "1767348000"), "date");
+}
+
+TEST(LogCalendar, TakesBackAnHourAndAHalf)
+{
+    Calendar calendar("%H:%M:%S");
+    EXPECT_EQ(calendar.time("03:00:00"), 3 * 3600 * second);
+    EXPECT_EQ(calendar.time("01:30:00"), 5400 * second);
+    EXPECT_EQ(calendar.time("00:00:00"), 0);
+    EXPECT_EQ(calendar.time("23:59:59"), -second) << "out of order";
+    Calendar other("%H:%M:%S");
+    EXPECT_EQ(other.time("03:00:00"), 3 * 3600 * second);
+    EXPECT_EQ(other.time("01:29:59"), (86'400 + 5399) * second) << "the next day";
 }

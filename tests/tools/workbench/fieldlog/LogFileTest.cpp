@@ -2,10 +2,13 @@
 
 #include "LogText.h"
 
+#include <algorithm>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -102,6 +105,79 @@ TEST(LogFile, CutsLinesThatAreTooLong)
     }
 }
 
+TEST(LogFile, CutsALineBehindTheLastByteThatItKeeps)
+{
+    const auto isCut = [](int before, int size) {
+        const LogFolder folder;
+        LogFile file;
+        const QByteArray content =
+            QByteArray(before, 'a') + '\n' + QByteArray(size, 'x') + "\nend\n";
+        EXPECT_EQ(file.open(folder.write("log", content)), "");
+        EXPECT_TRUE(file.next());
+        EXPECT_TRUE(file.next());
+        const bool result = file.isCut();
+        EXPECT_EQ(file.line(),
+                  std::string(static_cast<std::size_t>(
+                                  std::min(size, static_cast<int>(LogFile::maxLineSize))),
+                              'x'));
+        EXPECT_TRUE(file.next());
+        EXPECT_EQ(file.line(), "end");
+        EXPECT_FALSE(file.isCut());
+        return result;
+    };
+    const int longest = static_cast<int>(LogFile::maxLineSize);
+    for (const int before : {0, 1, 1000, longest - 1, longest}) {
+        EXPECT_FALSE(isCut(before, longest - 1)) << before;
+        EXPECT_FALSE(isCut(before, longest)) << before;
+        EXPECT_TRUE(isCut(before, longest + 1)) << before;
+        EXPECT_TRUE(isCut(before, 2 * longest)) << before;
+    }
+    for (const int before : {0, 1, 1000})
+        EXPECT_TRUE(isCut(before, 2 * longest - before - 1))
+            << "two buffers are full, and the next one begins with the end of the line";
+}
+
+TEST(LogFile, LeavesOutOneMarkAndOneReturn)
+{
+    EXPECT_THAT(contentWith("\xef\xbb\xbf\r\n\xef\xbb\xbf"
+                            "b\r\r\n\r\n")
+                    .lines,
+                ElementsAre("",
+                            "\xef\xbb\xbf"
+                            "b\r",
+                            ""));
+    EXPECT_THAT(contentWith("\xc3\xa4\n").lines, ElementsAre("\xc3\xa4"));
+    EXPECT_THAT(contentWith("\n").lines, ElementsAre(""));
+}
+
+TEST(LogFile, ReadsPipesThatGiveAByteAtATime)
+{
+    const LogFolder folder;
+    const QString path = folder.path("pipe");
+    ASSERT_EQ(mkfifo(path.toLocal8Bit().constData(), 0600), 0);
+    const QByteArray bytes = gzipped("a\nb\n");
+    LogFile file;
+    ASSERT_EQ(file.open(path), "");
+    std::thread writer([&] {
+        const int pipe = open(path.toLocal8Bit().constData(), O_WRONLY | O_CLOEXEC);
+        for (const char byte : bytes) {
+            EXPECT_EQ(write(pipe, &byte, 1), 1);
+            // The reader has to come for each.
+            int waiting = 1;
+            while (waiting > 0)
+                EXPECT_EQ(ioctl(pipe, FIONREAD, &waiting), 0);
+        }
+        close(pipe);
+    });
+    std::vector<std::string> lines;
+    while (file.next())
+        lines.emplace_back(file.line());
+    writer.join();
+    EXPECT_THAT(lines, ElementsAre("a", "b"));
+    EXPECT_EQ(file.error(), "");
+    EXPECT_EQ(file.bytes(), 4);
+}
+
 TEST(LogFile, UnpacksWhatGzipPacked)
 {
     const Content content = contentWith(gzipped(manyLines()));
@@ -111,6 +187,9 @@ TEST(LogFile, UnpacksWhatGzipPacked)
     EXPECT_EQ(content.lines.back(), "line 49999");
     EXPECT_THAT(contentWith(gzipped("a\n") + gzipped("b\n")).lines, ElementsAre("a", "b"))
         << "two files, one after the other";
+    EXPECT_EQ(contentWith(gzipped("a\n") + gzipped("b\n")).error, "");
+    EXPECT_EQ(contentWith(gzipped("a\n") + QByteArray(100, '\0')).error, "") << "a tape's block";
+    EXPECT_EQ(contentWith(gzipped("a\n")).bytes, 2);
     EXPECT_THAT(contentWith(gzipped("a\n") + QByteArray(100, '\0')).lines, ElementsAre("a"));
     EXPECT_THAT(contentWith(gzipped("")).lines, IsEmpty());
 }
