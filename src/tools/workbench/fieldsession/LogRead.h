@@ -48,6 +48,7 @@ struct LogHand
     bool isPairPassedOn = false; ///< the withdrawal is over
     bool isReleasedInBetween = false; ///< a key of the pair, in a slot of the withdrawal
     bool isChordTold = false;
+    bool hasPairEvent = false; ///< beside that of the withdrawal
     QStringList events;
     std::optional<InputEvent::Command> click; ///< pressed, and not yet released
     QString openEvent; ///< that may be of this record or of another one

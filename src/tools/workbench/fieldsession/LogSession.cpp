@@ -794,6 +794,7 @@ void LogSession::publishFrom(LogHand *hand, InputEvent::Command command, InputEv
     {
         event.codes = {hand->codes.first()};
     } else if (hand->isPair()) {
+        hand->hasPairEvent = true;
         event.codes = pairOf(*hand, command);
         if (hand->kind == Kind::ChordBegun)
             tellChord(hand, event.codes.size() == 2);
@@ -867,7 +868,13 @@ void LogSession::publishLongPress(InputEvent::Command command,
         publishLoose(command, InputEvent::KeyLongPress, report);
         return;
     }
-    const Candidate &key = left.first();
+    const Candidate key = left.first();
+    // The press may still be in hand, as nothing need have been logged since.
+    for (LogRead &read : m_reads) {
+        if (read.hand && read.hand->detector == key.detector && read.hand->code == key.code
+            && read.hand->events.isEmpty())
+            finishHand(&read);
+    }
     nameBy(key.detector->origin, report);
     learn(*key.detector, key.code, command);
     tellWaiting(key.detector, key.code, Outcome::Held,
@@ -1003,7 +1010,7 @@ void LogSession::tellPair(LogHand *hand)
              QStringLiteral("%1 have no command together, nor has %2 one").arg(pair, second),
              Doubt::Unmapped);
     else
-        tell(*hand, Outcome::Published, openPairReason(*hand));
+        tell(*hand, Outcome::Published, hand->hasPairEvent ? openPairReason(*hand) : QString());
 }
 
 /// Where the events of a pair come from is marked as open, with what there is to tell.

@@ -1,7 +1,7 @@
-#include "LogSessions.h"
+#include "LogSession.h"
 
-#include "LogLine.h"
 #include "Session.h"
+#include "WrittenLog.h"
 
 #include <gmock/gmock.h>
 
@@ -19,87 +19,11 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 
-constexpr const char *handlers = "BasicInputHandler";
-constexpr const char *listeners = "LinuxInputListener";
-constexpr const char *detectors = "KeyProcessing";
+constexpr const char *handlers = WrittenLog::handlers;
+constexpr const char *listeners = WrittenLog::listeners;
+constexpr const char *detectors = WrittenLog::detectors;
 
-/// A log that is written line by line, a line each 10 ms.
-class Log
-{
-public:
-    Log &add(const char *logger, const QString &message)
-    {
-        LogLine line;
-        line.number = ++m_number;
-        line.time = 1'767'348'000'000'000 + m_number * 10'000;
-        line.hasDate = true;
-        line.logger = QString::fromLatin1(logger);
-        line.message = message;
-        line.process = m_process;
-        m_sessions.add(line);
-        return *this;
-    }
-
-    Log &of(const char *process)
-    {
-        m_process = QString::fromLatin1(process);
-        return *this;
-    }
-
-    Log &device(int number, const QString &name)
-    {
-        const QString path = QStringLiteral("/dev/input/event%1").arg(number);
-        add(handlers, QStringLiteral(" ---> added '%1'").arg(path));
-        add(listeners, QStringLiteral("Event device %1 ready").arg(path));
-        add(listeners, QStringLiteral("bustype: 25"));
-        add(listeners, QStringLiteral("name: ") + name);
-        return add(listeners, QStringLiteral("Event device %1 does not support EV_SW").arg(path));
-    }
-
-    Log &record(int code, int value)
-    {
-        add(listeners, QStringLiteral(" type: 1 code:%1 value:%2").arg(code).arg(value));
-        return add(listeners, QStringLiteral(" type: 0 code:0 value:0"));
-    }
-
-    Log &stored(const QStringList &keys)
-    {
-        QStringList list;
-        for (const QString &key : keys)
-            list += QStringLiteral("input_event: code:%1 value:%2 time:10:00:00,000")
-                        .arg(key.section(' ', 0, 0), key.section(' ', 1, 1));
-        return add(detectors, QStringLiteral("Stored:(%1)").arg(list.join(", ")));
-    }
-
-    Log &passedOn(int code, int value)
-    {
-        return add(handlers, QStringLiteral("key:%1 value %2").arg(code).arg(value));
-    }
-
-    /// Of the panel, or the remote's Number1.
-    Log &event(const QString &identifier, const QString &command, const QString &state, int number,
-               const QString &word)
-    {
-        const QString device = command == "Number1" ? "remote" : "panel";
-        add(handlers,
-            QStringLiteral("Device: %1; id: %2; command [cmd=%3, state=%4]")
-                .arg(device, identifier, command, state));
-        return add("Input", QStringLiteral("Vorn::InputEvent(%1) %2").arg(number).arg(word));
-    }
-
-    std::vector<SessionEntry> session()
-    {
-        m_sessions.finish();
-        return m_entries;
-    }
-
-private:
-    std::vector<SessionEntry> m_entries;
-    LogSessions m_sessions{QStringLiteral("a.log"),
-                           [this](const SessionEntry &entry) { m_entries.push_back(entry); }};
-    QString m_process;
-    int m_number = 0;
-};
+using Log = WrittenLog;
 
 template <typename What>
 std::vector<What> all(const std::vector<SessionEntry> &entries)
