@@ -136,6 +136,8 @@ HeaderWord wordAt(std::string_view header, std::size_t at)
     }
     const std::string_view name = rest.substr(0, sizeOf(rest, isWordCharacter));
     word.size = name.size();
+    if (name.empty())
+        return word;
     if (sizeOf(name, isDigit) == name.size())
         classifyNumber(name, &word);
     else
@@ -156,7 +158,7 @@ std::vector<HeaderWord> headerWords(std::string_view header)
             continue;
         }
         HeaderWord word = wordAt(header, at);
-        if (word.size == 0 && !isContext) {
+        if (word.size == 0 && word.kind == HeaderWord::Kind::Other) {
             ++at;
             continue;
         }

@@ -58,11 +58,13 @@ struct Conversion
 };
 
 /// "%-18c", if what is around the name shows that the layout fills it up.
-Conversion loggerConversion(std::string_view header, const HeaderWord &word, const Choice &choice)
+/// @param at where the part before ends, with the blanks that belong to it
+Conversion loggerConversion(std::string_view header, std::size_t at, const HeaderWord &word,
+                            const Choice &choice)
 {
     const std::size_t end = word.begin + word.size;
     const std::size_t behind = blanksAt(header, end);
-    const std::size_t before = blanksBefore(header, word.begin);
+    const std::size_t before = std::min(blanksBefore(header, word.begin), word.begin - at);
     const std::size_t next = end + behind;
     const bool isClosed = next < header.size() && closes(header[next]);
     // Unless something closes the field at once, one of the blanks separates it from the next.
@@ -76,7 +78,8 @@ Conversion loggerConversion(std::string_view header, const HeaderWord &word, con
     return {QStringLiteral("%c")};
 }
 
-Conversion levelConversion(std::string_view header, const HeaderWord &word, const Choice &choice)
+Conversion levelConversion(std::string_view header, std::size_t at, const HeaderWord &word,
+                           const Choice &choice)
 {
     constexpr std::size_t width = 5;
     const QString text =
@@ -84,7 +87,7 @@ Conversion levelConversion(std::string_view header, const HeaderWord &word, cons
     const std::size_t filling = width - std::min(width, word.size);
     const std::size_t end = word.begin + word.size;
     const std::size_t behind = blanksAt(header, end);
-    const std::size_t before = blanksBefore(header, word.begin);
+    const std::size_t before = std::min(blanksBefore(header, word.begin), word.begin - at);
     // One blank separates the level from the word beside it.
     const std::size_t next = end + behind;
     const bool isClosed = next < header.size() && closes(header[next]);
@@ -96,16 +99,17 @@ Conversion levelConversion(std::string_view header, const HeaderWord &word, cons
     return {text};
 }
 
-Conversion conversion(std::string_view header, const HeaderWord &word, const Choice &choice)
+Conversion conversion(std::string_view header, std::size_t at, const HeaderWord &word,
+                      const Choice &choice)
 {
     switch (word.kind) {
     case HeaderWord::Kind::Time:
         return {QStringLiteral("%D{") + (choice.isDayFirst ? word.dayFirst : word.format)
                 + QLatin1Char('}')};
     case HeaderWord::Kind::Level:
-        return levelConversion(header, word, choice);
+        return levelConversion(header, at, word, choice);
     case HeaderWord::Kind::Logger:
-        return loggerConversion(header, word, choice);
+        return loggerConversion(header, at, word, choice);
     case HeaderWord::Kind::CutLogger:
         return {
             QString(choice.isLoggerUnlikely ? QStringLiteral("%-%1.%1c") : QStringLiteral("%.%1c"))
@@ -125,8 +129,8 @@ QString patternFor(std::string_view header, const std::vector<HeaderWord> &words
     QString pattern;
     std::size_t at = 0;
     for (const HeaderWord &word : words) {
-        const Conversion part = conversion(header, word, choice);
-        const std::size_t end = word.begin - std::min(part.blanksBefore, word.begin - at);
+        const Conversion part = conversion(header, at, word, choice);
+        const std::size_t end = word.begin - part.blanksBefore;
         pattern += literal(header.substr(at, end - at)) + part.text;
         at = word.begin + word.size + part.blanksBehind;
     }
@@ -155,10 +159,10 @@ std::array<int, 3> likelyLevels(std::string_view header, const std::vector<Heade
         constexpr std::size_t shortLevel = 4;
         if (word.kind != HeaderWord::Kind::Level || word.size != shortLevel)
             continue;
-        if (levelConversion(header, word, {0}).blanksBehind > 0)
+        if (levelConversion(header, 0, word, {0}).blanksBehind > 0)
             break;
-        return levelConversion(header, word, {2}).blanksBefore > 0 ? std::array<int, 3>{2, 1, 0}
-                                                                   : std::array<int, 3>{1, 0, 2};
+        return levelConversion(header, 0, word, {2}).blanksBefore > 0 ? std::array<int, 3>{2, 1, 0}
+                                                                      : std::array<int, 3>{1, 0, 2};
     }
     return {0, 1, 2};
 }

@@ -104,4 +104,5 @@ TEST(HeaderWords, ContextsAreInAngleBrackets)
     EXPECT_EQ(words("<x y"), "other 'x', other 'y'");
     EXPECT_EQ(words("< Input> "), "known ' Input' %x");
     EXPECT_EQ(words("<"), "");
+    EXPECT_EQ(words("a< INFO"), "other 'a', level 'INFO'");
 }

@@ -213,6 +213,25 @@ TEST(LayoutGuess, ReadsLevelsThatTheSampleDoesNotHave)
     }
 }
 
+TEST(LayoutGuess, DoesNotTakeTheBlanksOfALevelForThoseOfALogger)
+{
+    for (const std::string line :
+         {"INFO  Input: Vorn::InputEvent(3) click", "Input    INFO - Vorn::InputEvent(3) click"})
+    {
+        std::optional<LogLayout> layout = guessLayout({line});
+        ASSERT_TRUE(layout) << line;
+        LogFields fields;
+        ASSERT_EQ(layout->parse(line, &fields), LogLayout::Fit::Whole);
+        EXPECT_EQ(fields.logger, "Input") << layout->text().toStdString();
+        EXPECT_EQ(fields.level, LogLevel::Info);
+    }
+    std::optional<LogLayout> layout = guessLayout({"INFO  Input: Vorn::InputEvent(3) click"});
+    ASSERT_TRUE(layout);
+    LogFields fields;
+    ASSERT_EQ(layout->parse("DEBUG KeyProcessing: Stored:()", &fields), LogLayout::Fit::Whole);
+    EXPECT_EQ(fields.logger, "KeyProcessing") << layout->text().toStdString();
+}
+
 TEST(LayoutGuess, KnowsLoggersThatTheLayoutCut)
 {
     for (const std::string pattern : {"%-10.10c %p: %m%n", "%p %.10c: %m%n", "[%.12c] %m%n"}) {
@@ -232,6 +251,61 @@ TEST(LayoutGuess, KnowsTheDayFromTheMonthWhereItCan)
         "11/12/2026 10:00:00 DEBUG LinuxInputListener:  type: 1 code:115 value:1",
         "13/12/2026 10:00:00 DEBUG LinuxInputListener:  type: 1 code:115 value:0"};
     EXPECT_EQ(guessed(sample), "pattern '%D{%d/%m/%Y %H:%M:%S} %-5p %c: %m%n'");
+}
+
+TEST(LayoutGuess, SaysWhereItIsOpenWhichNumberIsTheDay)
+{
+    const auto isOpen = [](const Lines &dates) {
+        Lines sample;
+        for (const std::string &date : dates)
+            sample.push_back(date + " 10:00:00 DEBUG Input: Vorn::InputEvent(3) click");
+        const std::optional<LogLayout> layout = guessLayout(sample);
+        EXPECT_TRUE(layout);
+        return layout && layout->isDayOpen();
+    };
+    EXPECT_TRUE(isOpen({"02/03/2026"}));
+    EXPECT_TRUE(isOpen({"02-03-2026"}));
+    EXPECT_TRUE(isOpen({"02/03/26"}));
+    EXPECT_FALSE(isOpen({"13/03/2026"}));
+    EXPECT_FALSE(isOpen({"13-03-2026"}));
+    EXPECT_FALSE(isOpen({"03/13/2026"}));
+    EXPECT_FALSE(isOpen({"03-13-2026"}));
+    EXPECT_FALSE(isOpen({"2026-03-02"}));
+    EXPECT_TRUE(isOpen({"13/03/2026", "03/13/2026"})) << "they contradict each other";
+    EXPECT_TRUE(isOpen({"03-13-2026", "13-03-2026"}));
+    EXPECT_FALSE(isOpen({"13/03/2026", "03/13/2026", "14/03/2026"}));
+}
+
+TEST(LayoutGuess, TakesTheGivenPatternWithAndWithoutWhatIsAroundIt)
+{
+    LogPattern::Error error;
+    const auto given = LogPattern::compile("%c %p %m%n", &error);
+    const auto text = [&given](const Lines &sample) {
+        const std::optional<LogLayout> layout = guessLayout(sample, given);
+        return layout ? layout->text().toStdString() : "none";
+    };
+    const std::string outer = "Jan 02 10:00:00 bedroom player[1]: ";
+    EXPECT_EQ(text({"Input DEBUG x"}), "pattern '%c %p %m%n'");
+    EXPECT_EQ(text({outer + "hello", "Input DEBUG x"}), "pattern '%c %p %m%n'");
+    EXPECT_EQ(text({outer + "hello", outer + "Input DEBUG x"}),
+              "journal (short), in it the pattern '%c %p %m%n'");
+    EXPECT_EQ(text({"hello"}), "none");
+}
+
+TEST(LayoutGuess, LooksAtTwentyLinesOfTheLibrary)
+{
+    const std::string line = "DEBUG Input: Vorn::InputEvent(3) click";
+    Lines sample(19, line);
+    sample.insert(sample.begin(), 100, "hello");
+    Lines others(40, "10:00:00 WARN [x] Input - Vorn::InputEvent(3) click");
+    const std::string other = guessed(others);
+    EXPECT_NE(other, "pattern '%-5p %c: %m%n'");
+    Lines twenty = sample;
+    twenty.insert(twenty.end(), others.begin(), others.end());
+    EXPECT_EQ(guessed(twenty), other) << "the twentieth shows it, and there are more of them";
+    sample.push_back(line);
+    sample.insert(sample.end(), others.begin(), others.end());
+    EXPECT_EQ(guessed(sample), "pattern '%-5p %c: %m%n'");
 }
 
 TEST(LayoutGuess, IgnoresLogsOfSomethingElse)
