@@ -67,6 +67,30 @@ TEST(LogOrder, TakesTheNumbersOfFilesWithoutDates)
     EXPECT_THAT(diagnostics, SizeIs(0));
 }
 
+TEST(LogOrder, TakesNumbersForTheOrderOfOneLogOnly)
+{
+    const auto isKnown = [](const QStringList &files) {
+        Diagnostics diagnostics;
+        ordered(files, {}, &diagnostics);
+        return diagnostics.isEmpty();
+    };
+    EXPECT_TRUE(isKnown({"app.log", "app.log.1"}));
+    EXPECT_TRUE(isKnown({"app.log.gz", "app.log.1.gz"}));
+    EXPECT_TRUE(isKnown({"app.log.1", "app.log.2.gz"}));
+    EXPECT_FALSE(isKnown({"app.log", "other.log.1"}));
+    EXPECT_FALSE(isKnown({"app.log.1", "app.log.1.gz"}));
+    EXPECT_FALSE(isKnown({"app.log.1234567", "app.log"})) << "a date";
+    EXPECT_TRUE(isKnown({"app.log.123456", "app.log"}));
+    EXPECT_TRUE(isKnown({"app.log"})) << "one needs no order";
+    EXPECT_TRUE(isKnown({}));
+}
+
+TEST(LogOrder, KeepsTheOrderOfFilesThatBeginAtTheSameTime)
+{
+    Diagnostics diagnostics;
+    EXPECT_EQ(ordered({"c", "b", "a"}, {{"a", 1}, {"b", 1}, {"c", 1}}, &diagnostics), "c b a");
+}
+
 TEST(LogOrder, SaysThatItDoesNotKnowTheOrder)
 {
     Diagnostics diagnostics;

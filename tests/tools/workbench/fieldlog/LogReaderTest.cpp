@@ -136,6 +136,116 @@ TEST(LogReader, PassesOverEverythingBeforeTheLibrarysLines)
     EXPECT_GE(result.counts.before, 4600);
 }
 
+TEST(LogReader, CountsTheBytesOfAllFiles)
+{
+    const LogFolder folder;
+    const QByteArray log = record("DEBUG ");
+    const Result result = resultOf({folder.write("a.log", log), folder.write("b.log", log)});
+    EXPECT_EQ(result.counts.bytes, 2 * log.size());
+    EXPECT_EQ(result.counts.lines, 2);
+    EXPECT_EQ(result.counts.before, 0);
+}
+
+TEST(LogReader, LooksAtSoManyLinesBeforeTheLibrarysFirst)
+{
+    const auto before = [](int count) {
+        const QByteArray log = QByteArray("INFO  player: x\n").repeated(count) + record("DEBUG ");
+        return resultOf(log).counts.before;
+    };
+    EXPECT_EQ(before(0), 0);
+    EXPECT_EQ(before(399), 0);
+    EXPECT_EQ(before(400), 200);
+    EXPECT_EQ(before(599), 200);
+    EXPECT_EQ(before(600), 400);
+}
+
+TEST(LogReader, KeepsAMegabyteBeforeTheLibrarysFirstLine)
+{
+    const QByteArray line = "INFO  player: " + QByteArray(200'000, 'x') + '\n';
+    EXPECT_EQ(resultOf(line.repeated(5) + record("DEBUG ")).counts.before, 0);
+    EXPECT_EQ(resultOf(line.repeated(6) + record("DEBUG ")).counts.before, 6);
+    EXPECT_EQ(resultOf(line.repeated(8) + record("DEBUG ")).counts.before, 6);
+    const Result result = resultOf(record("DEBUG ") + line.repeated(8) + record("DEBUG ", 0));
+    EXPECT_THAT(result.lines, SizeIs(10));
+}
+
+TEST(LogReader, SeesALayoutThatChangesByTwoLines)
+{
+    const QByteArray usual = record("DEBUG ").repeated(250);
+    const Result damaged = resultOf(usual + record("10:00:00 [x] DEBUG "));
+    EXPECT_EQ(damaged.lines.size(), 250U);
+    EXPECT_THAT(damaged.diagnostics,
+                ElementsAre(HasSubstr("1 line does not fit the layout and is left out: line 251")));
+    const Result changed = resultOf(usual + record("10:00:00 [x] DEBUG ").repeated(2));
+    EXPECT_EQ(changed.lines.size(), 252U);
+    EXPECT_THAT(changed.diagnostics,
+                ElementsAre(HasSubstr("app.log:251: warning: the layout changes here: ")));
+}
+
+TEST(LogReader, SaysWhichLayoutsItHasMet)
+{
+    const Result result =
+        resultOf(record("DEBUG ").repeated(250) + record("[1] DEBUG ").repeated(9));
+    EXPECT_EQ(result.layout,
+              "pattern '%-5p %c: %m%n'; pattern '[%i] %-5p %c: %m%n' (guessed, without times)");
+}
+
+TEST(LogReader, TakesTheYearFromWhenEachFileWasWritten)
+{
+    const LogFolder folder;
+    const QString first = folder.write("a.log", record("Jan 02 10:00:00 DEBUG "));
+    const QString second = folder.write("b.log", record("Jan 03 10:00:00 DEBUG "));
+    for (const QString &path : {first, second}) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(QDateTime(QDate(2020, 5, 1), QTime(10, 0), Qt::UTC),
+                                     QFileDevice::FileModificationTime));
+    }
+    const Result result = resultOf({first, second});
+    ASSERT_THAT(result.lines, SizeIs(2));
+    EXPECT_EQ(date(result.lines[0]), "2020-01-02T10:00:00.000Z");
+    EXPECT_EQ(date(result.lines[1]), "2020-01-03T10:00:00.000Z");
+    EXPECT_THAT(result.diagnostics,
+                ElementsAre((first
+                             + ": warning: the dates have no year; the log is taken to end in the "
+                               "year in which the file was last written")
+                                .toStdString()));
+}
+
+TEST(LogReader, OrdersFilesByTheirDatesOnly)
+{
+    const LogFolder folder;
+    const QString later = folder.write("a", record("11:00:00 DEBUG "));
+    const QString earlier = folder.write("b", record("10:00:00 DEBUG "));
+    const Result result = resultOf({later, earlier});
+    EXPECT_THAT(result.files, ElementsAre(later, earlier)) << "times of a day tell no order";
+    EXPECT_THAT(result.diagnostics, testing::Contains(HasSubstr("read in the order given")));
+}
+
+TEST(LogReader, SaysThatALogWithoutLoggersIsTheLibrarys)
+{
+    EXPECT_THAT(resultOf("DEBUG - Vorn::InputEvent(3) click\n").diagnostics, IsEmpty());
+    LogReaderOptions options;
+    options.pattern = "%p - %m%n";
+    EXPECT_THAT(resultOf("DEBUG - Vorn::InputEvent(3) click\n", options).diagnostics, IsEmpty());
+    EXPECT_THAT(resultOf("DEBUG - x Vorn::InputEvent(3) click\n", options).diagnostics,
+                ElementsAre(HasSubstr("no log of the library: in 1 lines")));
+    options.pattern = "%p %c - %m%n";
+    EXPECT_THAT(resultOf("DEBUG player - Vorn::InputEvent(3) click\n", options).diagnostics,
+                ElementsAre(HasSubstr("no log of the library")));
+    EXPECT_THAT(resultOf("DEBUG Input - x\n", options).diagnostics, IsEmpty());
+}
+
+TEST(LogReader, GivesUpAfterThirtyGuesses)
+{
+    // Lines of which no layout takes the message for the library's.
+    QByteArray log;
+    for (int i = 0; i < 40 * 200; ++i)
+        log += "Event device \n";
+    const Result result = resultOf(log + record("DEBUG "));
+    EXPECT_EQ(result.counts.lines, 8001);
+}
+
 TEST(LogReader, LeavesOutWhatDoesNotFitAndCountsIt)
 {
     QByteArray log = record("DEBUG ");

@@ -42,6 +42,12 @@ std::string withoutEnd(const std::string &line)
     return line.substr(0, line.find_last_not_of('\n') + 1);
 }
 
+bool fits(const std::string &pattern, std::string_view line)
+{
+    LogFields fields;
+    return compiled(pattern).parse(line, &fields);
+}
+
 LogFields parsed(const LogPattern &pattern, std::string_view line)
 {
     LogFields fields;
@@ -148,6 +154,105 @@ TEST(LogPattern, RefusesOtherLines)
 TEST(LogPattern, TakesTimesFromBeforeTheStart)
 {
     EXPECT_EQ(parsed(compiled("%r %m%n"), "-27 x").sinceStart, -27'000);
+    EXPECT_FALSE(fits("%i %m", "-27 x"));
+    EXPECT_FALSE(fits("%L %m", "-27 x"));
+    EXPECT_FALSE(fits("%r %m", "- x"));
+    EXPECT_FALSE(fits("%r %m", "+27 x"));
+}
+
+TEST(LogPattern, NumbersHaveDigits)
+{
+    EXPECT_EQ(parsed(compiled("%i %m"), "0 x").pid, "0");
+    EXPECT_EQ(parsed(compiled("%i %m"), "9 x").pid, "9");
+    EXPECT_FALSE(fits("%i %m", " x"));
+    EXPECT_FALSE(fits("%i %m", "/ x"));
+    EXPECT_FALSE(fits("%i %m", ": x"));
+    EXPECT_FALSE(fits("%L %m", " x"));
+    EXPECT_EQ(parsed(compiled("%r %m"), "999999999999999 x").sinceStart, 999'999'999'999'999'000);
+    EXPECT_EQ(parsed(compiled("%r %m"), "-999999999999999 x").sinceStart, -999'999'999'999'999'000);
+    EXPECT_FALSE(fits("%r %m", "1000000000000000 x")) << "no product runs for so long";
+}
+
+TEST(LogPattern, ReadsWhatTheLayoutFillsUp)
+{
+    EXPECT_EQ(parsed(compiled("%5i|%m"), "   12|x").pid, "12");
+    EXPECT_EQ(parsed(compiled("%-5i|%m"), "12   |x").pid, "12");
+    EXPECT_FALSE(fits("%-5i|%m", "   12|x"));
+    EXPECT_FALSE(fits("%i|%m", " 12|x"));
+    EXPECT_EQ(parsed(compiled("%6r|%m"), "   -12|x").sinceStart, -12'000);
+    EXPECT_TRUE(parsed(compiled("%12d{%H:%M:%S}|%m"), "    10:00:00|x").stamp);
+    EXPECT_TRUE(parsed(compiled("%-12d{%H:%M:%S}|%m"), "10:00:00    |x").stamp);
+    EXPECT_FALSE(fits("%-12d{%H:%M:%S}|%m", "    10:00:00|x"));
+    EXPECT_FALSE(fits("%d{%H:%M:%S}|%m", " 10:00:00|x"));
+    EXPECT_EQ(parsed(compiled("%8c|%m"), "   Input|x").logger, "Input");
+    EXPECT_EQ(parsed(compiled("%-8c|%m"), "Input   |x").logger, "Input");
+    EXPECT_EQ(parsed(compiled("%8c|%m"), "Input   |x").logger, "Input   ");
+    EXPECT_EQ(parsed(compiled("%8c|%m"), "    Input|x").logger, "    Input") << "longer";
+    EXPECT_EQ(parsed(compiled("%8c|%m"), "        |x").logger, "");
+    EXPECT_FALSE(fits("%8c|%m", "Input|x")) << "shorter";
+    EXPECT_EQ(parsed(compiled("%8t%m"), "    mainx").thread, "main");
+    EXPECT_EQ(parsed(compiled("%8t%m"), "    main").message, "");
+    EXPECT_FALSE(fits("%8t%m", "   main"));
+    EXPECT_EQ(parsed(compiled("%m|%-8t"), "x|main").thread, "main") << "the last one";
+    EXPECT_EQ(parsed(compiled("%m|%t"), "x|").thread, "");
+    EXPECT_EQ(parsed(compiled("%-6m|"), "x     |").message, "x");
+    EXPECT_EQ(parsed(compiled("%6m"), "     x").message, "x");
+}
+
+TEST(LogPattern, SaysWhichLevelsAreFilledUpOtherwise)
+{
+    const auto isUneven = [](const char *pattern, std::string_view line) {
+        const LogFields fields = parsed(compiled(pattern), line);
+        EXPECT_EQ(fields.level, LogLevel::Info) << line;
+        EXPECT_EQ(fields.message, "x") << line;
+        return fields.isUnevenlyFilled;
+    };
+    EXPECT_FALSE(isUneven("%-5p|%m", "INFO |x"));
+    EXPECT_TRUE(isUneven("%-5p|%m", " INFO|x"));
+    EXPECT_TRUE(isUneven("%-5p|%m", "INFO|x"));
+    EXPECT_FALSE(isUneven("%5p|%m", " INFO|x"));
+    EXPECT_FALSE(isUneven("%5p|%m", "INFO|x"));
+    EXPECT_FALSE(isUneven("%p|%m", "INFO|x"));
+    EXPECT_FALSE(fits("%p|%m", " INFO|x"));
+    EXPECT_FALSE(fits("%-5p|%m", "INFO  |x"));
+    EXPECT_FALSE(fits("%5p|%m", ""));
+}
+
+TEST(LogPattern, TakesTheLibrarysMessageToTheLastPlaceThatFits)
+{
+    EXPECT_EQ(parsed(compiled("%m|%p"), "a|b|INFO").message, "a|b");
+    EXPECT_EQ(parsed(compiled("%m|%p"), "a|INFO|INFO").message, "a|INFO");
+    EXPECT_EQ(parsed(compiled("%m|%p"), "|INFO").message, "");
+    EXPECT_FALSE(fits("%m|%p", "|INF"));
+    EXPECT_FALSE(fits("%m|%p", "a"));
+    EXPECT_FALSE(fits("%m|%p", ""));
+    EXPECT_EQ(parsed(compiled("%p %m;"), "INFO a;b;").message, "a;b");
+    EXPECT_FALSE(fits("%p %m;", "INFO a"));
+}
+
+TEST(LogPattern, PrefersTheThreadsNameToItsNumber)
+{
+    EXPECT_EQ(parsed(compiled("%t %T %m"), "main 4711 x").thread, "main");
+    EXPECT_EQ(parsed(compiled("%T %t %m"), "4711 main x").thread, "main");
+    EXPECT_EQ(parsed(compiled("%T %m"), "4711 x").thread, "4711");
+}
+
+TEST(LogPattern, KnowsWhatItsLinesHave)
+{
+    EXPECT_TRUE(compiled("%c %m").hasLogger());
+    EXPECT_FALSE(compiled("c %m").hasLogger());
+    EXPECT_TRUE(compiled("%d %m").hasTime());
+    EXPECT_TRUE(compiled("%D %m").hasTime());
+    EXPECT_TRUE(compiled("%r %m").hasTime());
+    EXPECT_FALSE(compiled("%c %m").hasTime());
+    EXPECT_EQ(compiled("%c %m").text(), "%c %m");
+}
+
+TEST(LogPattern, TakesTextsOfAKilobyte)
+{
+    const std::string context(1000, 'x');
+    EXPECT_TRUE(fits("%x|%m", context + "|m"));
+    EXPECT_FALSE(fits("%x|%m", context + context + "|m"));
 }
 
 TEST(LogPattern, SaysWhereItIsWrong)
@@ -164,6 +269,54 @@ TEST(LogPattern, SaysWhereItIsWrong)
     EXPECT_THAT(errorOf("%m %m"), HasSubstr("4: '%m' for the second time"));
     EXPECT_EQ(errorOf("%c%m"), "3: nothing tells where '%c' ends and '%m' begins");
     EXPECT_EQ(errorOf("%20c%m"), "none");
+}
+
+TEST(LogPattern, HasTheConversionsOfLog4cplus)
+{
+    for (const char conversion : std::string("bcdDEFhHiIlLMmnprTtxX%")) {
+        const bool isKnown = conversion != 'I';
+        const std::string pattern = std::string("%") + conversion + " %m";
+        const std::string error = errorOf(QString::fromStdString(pattern));
+        if (conversion == 'm')
+            EXPECT_EQ(error, "4: '%m' for the second time");
+        else if (conversion == 'n')
+            EXPECT_EQ(error,
+                      "1: '%n' before the end: one message would be several lines, which cannot be "
+                      "read");
+        else
+            EXPECT_EQ(error == "none", isKnown) << pattern << ": " << error;
+    }
+    EXPECT_EQ(errorOf("%ä %m"), "1: log4cplus has no conversion '%'");
+    EXPECT_EQ(errorOf("%a %m"), "1: log4cplus has no conversion '%a'");
+    EXPECT_EQ(errorOf("%: %m"), "1: log4cplus has no conversion '%:'");
+    EXPECT_EQ(errorOf("%c{2} %E{HOME} %X{x} %m"), "none");
+    EXPECT_EQ(errorOf("%E{HOME %m"), "3: '{' without its '}'");
+    EXPECT_EQ(errorOf(""), "1: no '%m': without its messages a log says nothing");
+    EXPECT_EQ(errorOf("%"), "1: a conversion without its letter; write '%%' for a percent sign");
+    EXPECT_EQ(errorOf("%-"), "1: a conversion without its letter; write '%%' for a percent sign");
+    EXPECT_EQ(errorOf("%5"), "1: a conversion without its letter; write '%%' for a percent sign");
+}
+
+TEST(LogPattern, HasWidthsUpToAThousand)
+{
+    EXPECT_EQ(errorOf("%1000c|%m"), "none");
+    EXPECT_EQ(errorOf("%1001c|%m"), "2: a width above 1000");
+    EXPECT_EQ(errorOf("%.1000c|%m"), "none");
+    EXPECT_EQ(errorOf("%5.1001c|%m"), "4: a width above 1000");
+    EXPECT_EQ(errorOf("%5.c|%m"), "3: the greatest width is missing behind '.'");
+    EXPECT_EQ(errorOf("%0c|%m"), "none");
+    EXPECT_EQ(errorOf("%:c|%m"), "1: log4cplus has no conversion '%:'");
+    EXPECT_EQ(errorOf("%/c|%m"), "1: log4cplus has no conversion '%/'");
+}
+
+TEST(LogPattern, SeparatesWhatDoesNotEndByItself)
+{
+    for (const char *pattern : {"%d%m", "%p%m", "%i%m", "%r%m", "%L%m", "%p%i%c %m", "%5t%m",
+                                "%c|%m", "%m|%c", "%m%n", "%p%m%n"})
+        EXPECT_EQ(errorOf(pattern), "none") << pattern;
+    for (const char *pattern : {"%c%m", "%t%m", "%x%m", "%F%m", "%M%m", "%.5t%m", "%m%c", "%5m%c"})
+        EXPECT_THAT(errorOf(pattern), HasSubstr(": nothing tells where")) << pattern;
+    EXPECT_EQ(errorOf("%p %t%c %m"), "6: nothing tells where '%t' ends and '%c' begins");
 }
 
 TEST(LogPattern, IsQuickWithLinesMadeToFitInManyWays)
