@@ -208,3 +208,25 @@ TEST(AxisRows, ShowOnlyWhatWasAskedFor)
     EXPECT_EQ(idle.breaks().first().duration, 2500 * ms);
     EXPECT_THAT(axisRows({1000 * ms, 5000 * ms}, activity, 0).first().breaks(), SizeIs(1));
 }
+
+TEST(AxisRows, LeaveOutTheEndOfAPartThatIsIdleForMoreThanTwoSeconds)
+{
+    const QVector<TimelineSpan> activity{{0, 1000 * ms}};
+    const TimelineAxis whole = axisRows({0, 3000 * ms}, activity, 0).first();
+    EXPECT_THAT(whole.breaks(), SizeIs(0));
+    EXPECT_EQ(whole.to(), 3000 * ms);
+    const TimelineAxis cut = axisRows({0, 3000 * ms + 1}, activity, 0).first();
+    ASSERT_THAT(cut.breaks(), SizeIs(1));
+    EXPECT_EQ(cut.breaks().first().duration, 1500 * ms + 1);
+    EXPECT_EQ(cut.to(), 3000 * ms + 1);
+}
+
+TEST(AxisRows, LeaveOutTheStartOfAPartThatIsIdleForMoreThanTwoSeconds)
+{
+    const QVector<TimelineSpan> activity{{3000 * ms, 4000 * ms}};
+    EXPECT_THAT(axisRows({1000 * ms, 4000 * ms}, activity, 0).first().breaks(), SizeIs(0));
+    const TimelineAxis cut = axisRows({1000 * ms - 1, 4000 * ms}, activity, 0).first();
+    ASSERT_THAT(cut.breaks(), SizeIs(1));
+    EXPECT_EQ(cut.breaks().first().duration, 1500 * ms + 1);
+    EXPECT_EQ(cut.from(), 1000 * ms - 1);
+}

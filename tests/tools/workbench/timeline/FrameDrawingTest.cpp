@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -155,6 +156,20 @@ TEST(FrameDrawing, ShowsAnIdentifierThatIsReplacedAtOnce)
                             "0.990 s: identifier 'last' selected"));
 }
 
+TEST(FrameDrawing, NamesABandThatHasRoomForThreeCharacters)
+{
+    const auto labelsOf = [](qint64 end) {
+        // 720 px for a second.
+        return draw({start(),
+                     {0, IdentifierSelected{"a"}},
+                     {end, IdentifierSelected{"next"}},
+                     remark(1000 * ms)})
+            .texts("identifier-label");
+    };
+    EXPECT_THAT(labelsOf(41 * ms), ElementsAre("'a'", "'next'"));
+    EXPECT_THAT(labelsOf(40 * ms), ElementsAre("'next'"));
+}
+
 TEST(FrameDrawing, CutsANameToTheRoomOfItsBand)
 {
     const Picture picture = draw({start(),
@@ -206,6 +221,13 @@ TEST(FrameDrawing, ClosesABreakAtItsEdgesInEachLane)
     const Picture picture = draw({start(), key(0, KEY_A, 1), key(0, KEY_B, 1),
                                   key(60'000 * ms, KEY_A, 0), key(60'100 * ms, KEY_B, 0)});
     const Element gap = picture.ofClass("break").first();
+    const auto labels = picture.ofClass("muted");
+    const auto label = std::find_if(labels.begin(), labels.end(), [](const Element &element) {
+        return element.text.trimmed() == "⋯ 59.5 s";
+    });
+    ASSERT_NE(label, labels.end());
+    EXPECT_NEAR(label->number("x"), gap.number("x") + gap.number("width") / 2, 0.11);
+    EXPECT_EQ(label->title, gap.title);
     const QVector<Element> edges = picture.ofClass("break-edge");
     ASSERT_THAT(edges, SizeIs(2 * 2));
     for (int i = 0; i < edges.size(); ++i) {

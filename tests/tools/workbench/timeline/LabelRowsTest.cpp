@@ -44,12 +44,81 @@ TEST(LabelRows, KeepAwayFromLines)
     EXPECT_EQ(rowOf(rows.place(150, text, gap)), 0) << "beside the line";
 }
 
+TEST(LabelRows, MayTouchALineOnEitherSide)
+{
+    // A line is 2 px wide: from 99 to 101.
+    const auto rowAt = [](double x) {
+        LabelRows rows(1, LabelRows::Lines::FromAbove, {0, 1000});
+        rows.addLine(100);
+        return rowOf(rows.place(x, text, gap));
+    };
+    EXPECT_EQ(rowAt(99 - 68 - gap), 0);
+    EXPECT_EQ(rowAt(99 - 68 - gap + 0.5), -1);
+    EXPECT_EQ(rowAt(101 - gap - 0.5), -1);
+    EXPECT_EQ(rowAt(101 - gap), 0);
+}
+
+TEST(LabelRows, AvoidSymbolsInTheFirstRowOnly)
+{
+    LabelRows rows(2, LabelRows::Lines::FromAbove, {0, 1000});
+    rows.addSymbol(100, 5);
+    EXPECT_EQ(rowOf(rows.place(95 - 68 - gap, text, gap)), 0);
+    EXPECT_EQ(rowOf(rows.place(105 - gap, text, gap)), 0);
+    LabelRows others(2, LabelRows::Lines::FromAbove, {0, 1000});
+    others.addSymbol(100, 5);
+    EXPECT_EQ(rowOf(others.place(95 - 68 - gap + 0.5, text, gap)), 1);
+    LabelRows right(2, LabelRows::Lines::FromAbove, {0, 1000});
+    right.addSymbol(100, 5);
+    EXPECT_EQ(rowOf(right.place(105 - gap - 0.5, text, gap)), 1);
+}
+
+TEST(LabelRows, RememberLinesAndSymbolsThatOverlap)
+{
+    const auto rowAt = [](double x) {
+        LabelRows rows(1, LabelRows::Lines::FromAbove, {0, 1000});
+        rows.addSymbol(500, 100);
+        rows.addSymbol(450, 5);
+        rows.addSymbol(405, 20);
+        rows.addSymbol(600, 10);
+        rows.addLine(520);
+        return rowOf(rows.place(x, text, gap));
+    };
+    // Together they take 385 to 610.
+    EXPECT_EQ(rowAt(385 - 68 - gap), 0);
+    for (double x = 385 - 68 - gap + 0.5; x < 610 - gap; x += 0.5)
+        EXPECT_EQ(rowAt(x), -1) << x;
+    EXPECT_EQ(rowAt(610 - gap), 0);
+}
+
+TEST(LabelRows, KeepLessDistanceFromALineThanFromASymbol)
+{
+    // Only in the first row is there a symbol beside the text.
+    LabelRows rows(2, LabelRows::Lines::FromAbove, {0, 1000});
+    rows.addSymbol(120, 5);
+    ASSERT_EQ(rowOf(rows.place(100, text, gap)), 1);
+    EXPECT_EQ(rowOf(rows.place(100 + 4 + 68 - gap, text, gap)), 0);
+    LabelRows full(2, LabelRows::Lines::FromAbove, {0, 1000});
+    full.addLine(100 + 4 + 68 + 1);
+    full.addSymbol(120, 5);
+    EXPECT_EQ(rowOf(full.place(100, text, gap)), 1);
+    LabelRows tight(2, LabelRows::Lines::FromAbove, {0, 1000});
+    tight.addLine(100 + 4 + 68 + 0.5);
+    tight.addSymbol(120, 5);
+    EXPECT_EQ(rowOf(tight.place(100, text, gap)), -1);
+}
+
 TEST(LabelRows, AreToTheLeftWhereThePictureEnds)
 {
     LabelRows rows(1, LabelRows::Lines::FromAbove, {0, 200});
     const std::optional<LabelPlace> place = rows.place(180, text, gap);
     ASSERT_TRUE(place);
     EXPECT_TRUE(place->isLeft);
+    LabelRows exact(1, LabelRows::Lines::FromAbove, {0, 180 + gap + 68});
+    EXPECT_FALSE(exact.place(180, text, gap)->isLeft);
+    LabelRows edge(1, LabelRows::Lines::FromAbove, {180 - gap - 68, 200});
+    EXPECT_TRUE(edge.place(180, text, gap)) << "from edge to point";
+    LabelRows beyond(1, LabelRows::Lines::FromAbove, {180 - gap - 67.5, 200});
+    EXPECT_FALSE(beyond.place(180, text, gap));
     LabelRows narrow(1, LabelRows::Lines::FromAbove, {0, 60});
     EXPECT_FALSE(narrow.place(30, text, gap));
 }
@@ -57,5 +126,6 @@ TEST(LabelRows, AreToTheLeftWhereThePictureEnds)
 TEST(LabelRows, NeedMoreRoomForLongerTexts)
 {
     EXPECT_GT(LabelRows::width("ab"), LabelRows::width("a"));
-    EXPECT_GT(LabelRows::width("a"), 0);
+    EXPECT_DOUBLE_EQ(LabelRows::width(text), 68);
+    EXPECT_DOUBLE_EQ(LabelRows::width({}), 2);
 }

@@ -6,6 +6,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <utility>
+
 using namespace Vorn::Workbench;
 using namespace Vorn::Test;
 
@@ -233,4 +236,117 @@ TEST(LaneDrawing, ShowsAChordWithoutACommand)
     EXPECT_THAT(picture.ofClass("bar-chord-unmapped"), SizeIs(1));
     EXPECT_THAT(picture.titles("link"),
                 ElementsAre("0.100 s: chord KEY_STOP + KEY_PLAY, no command"));
+}
+
+TEST(LaneDrawing, DrawsNoLinkBetweenLanesOfWhichOneIsShown)
+{
+    // Without records of its keys, a chord has the only lane.
+    const Picture picture =
+        draw({start(), detector(100 * ms, What::ChordFound, {KEY_STOP, KEY_PLAY}, 0, true)});
+    EXPECT_THAT(picture.texts("lane"), ElementsAre("KEY_STOP + KEY_PLAY"));
+    EXPECT_THAT(picture.ofClass("link"), IsEmpty());
+    EXPECT_THAT(picture.ofClass("link-end"), IsEmpty());
+}
+
+TEST(LaneDrawing, LinksTheLanesThatAreShown)
+{
+    const Picture picture = draw({start(), key(100 * ms, KEY_STOP, 1),
+                                  detector(100 * ms, What::ChordFound, {KEY_STOP, KEY_PLAY}, 0)});
+    EXPECT_THAT(picture.texts("lane"), ElementsAre("KEY_STOP", "KEY_STOP + KEY_PLAY"));
+    EXPECT_THAT(picture.ofClass("link"), SizeIs(1));
+    EXPECT_THAT(picture.ofClass("link-end"), SizeIs(2));
+}
+
+TEST(LaneDrawing, CutsTheNameOfALaneToThirtyCharacters)
+{
+    const auto nameOf = [](int first, int second) {
+        const Picture picture =
+            draw({start(), detector(100 * ms, What::ChordFound, {first, second}, 0, true)});
+        EXPECT_THAT(picture.ofClass("lane"), SizeIs(1));
+        return std::pair(picture.texts("lane").front(), picture.titles("lane").front());
+    };
+    const std::string whole = "KEY_LEFTBRACE + KEY_RIGHTBRACE";
+    EXPECT_EQ(nameOf(KEY_LEFTBRACE, KEY_RIGHTBRACE),
+              std::pair(whole, whole + ", event0 /dev/input/event0"));
+    EXPECT_EQ(nameOf(KEY_RIGHTBRACE, KEY_RIGHTSHIFT),
+              std::pair(std::string("KEY_RIGHTBRACE + KEY_RIGHTSHI…"),
+                        std::string("KEY_RIGHTBRACE + KEY_RIGHTSHIFT, event0 /dev/input/event0")));
+}
+
+TEST(LaneDrawing, EndsAnOpenBarWithAsManyStripesAsFit)
+{
+    const auto stripesOf = [](qint64 length) {
+        // A pixel is a millisecond.
+        return draw({start(), key((720 - length) * ms, KEY_A, 1), remark(720 * ms)})
+            .ofClass("open")
+            .size();
+    };
+    EXPECT_EQ(stripesOf(3), 0);
+    EXPECT_EQ(stripesOf(5), 1);
+    EXPECT_EQ(stripesOf(9), 1);
+    EXPECT_EQ(stripesOf(11), 2);
+    EXPECT_EQ(stripesOf(15), 2);
+    EXPECT_EQ(stripesOf(17), 3);
+    EXPECT_EQ(stripesOf(100), 3);
+}
+
+TEST(LaneDrawing, PutsTheStripesOfAnOpenBarAtItsOpenEnds)
+{
+    const Picture open = draw({start(), key(620 * ms, KEY_A, 1), remark(720 * ms)});
+    const Element bar = open.ofClass("bar").first();
+    const double end = bar.number("x") + bar.number("width");
+    std::vector<double> distances;
+    for (const Element &stripe : open.ofClass("open")) {
+        distances.push_back(std::round(end - stripe.number("x")));
+        EXPECT_EQ(stripe.number("width"), 3);
+        EXPECT_EQ(stripe.number("y"), bar.number("y"));
+        EXPECT_EQ(stripe.number("height"), bar.number("height"));
+    }
+    EXPECT_THAT(distances, ElementsAre(4, 10, 16));
+
+    const Picture before = draw({start(), plugged(0), lineIn(720 * ms, 0)});
+    const double begin = before.ofClass("bar-switch").first().number("x");
+    distances.clear();
+    for (const Element &stripe : before.ofClass("open"))
+        distances.push_back(std::round(stripe.number("x") - begin));
+    EXPECT_THAT(distances, ElementsAre(1, 7, 13));
+}
+
+TEST(LaneDrawing, ThinsRepeatsThatWouldMerge)
+{
+    // A pixel is a millisecond.
+    const Picture picture =
+        draw({start(), key(0, KEY_A, 1), key(100 * ms, KEY_A, 2), key(101 * ms, KEY_A, 2),
+              detector(101 * ms, What::Dropped, {KEY_A}), key(102 * ms, KEY_A, 2),
+              key(103 * ms, KEY_A, 2), key(104 * ms, KEY_A, 2), remark(720 * ms)});
+    std::vector<std::string> repeats = picture.titles("repeat");
+    repeats.resize(repeats.size() - 2); // the legend's
+    EXPECT_THAT(
+        repeats,
+        ElementsAre("0.100 s: KEY_A repeat", "0.102 s: KEY_A repeat", "0.104 s: KEY_A repeat"));
+    EXPECT_THAT(picture.titles("dropped"), Contains("0.101 s: KEY_A record dropped"))
+        << "other marks stay";
+}
+
+TEST(LaneDrawing, LeadsFromTheBarToALabelInALowerRow)
+{
+    // The second label has no room beside the first, so it is below.
+    const Picture picture =
+        draw({start(), key(0, KEY_INFO, 1), event(0, InputEvent::Info, InputEvent::KeyLongPress),
+              event(30 * ms, InputEvent::Info, InputEvent::KeyReleased), remark(720 * ms)});
+    const Element bar = picture.ofClass("bar").first();
+    const double bottom = bar.number("y") + bar.number("height");
+    const Element longPress = picture.ofClass("leader-long-press").first();
+    const Element release = picture.ofClass("leader").first();
+    const QVector<Element> labels = picture.ofClass("event");
+    ASSERT_THAT(picture.texts("event"), ElementsAre("Info long press", "Info release"));
+    EXPECT_EQ(longPress.number("x1"), bar.number("x"));
+    EXPECT_EQ(longPress.number("y1"), bar.number("y") - 3);
+    EXPECT_EQ(longPress.number("y2"), labels.at(0).number("y") - 4 + 2);
+    EXPECT_EQ(longPress.number("y2"), bottom + 12 + 14 + 2);
+    EXPECT_EQ(release.number("y1"), bottom);
+    EXPECT_EQ(release.number("y2"), labels.at(1).number("y") - 4);
+    EXPECT_EQ(release.number("y2"), bottom + 12);
+    EXPECT_NEAR(labels.at(0).number("x"), longPress.number("x1") + 4, 0.11);
+    EXPECT_NEAR(labels.at(1).number("x"), release.number("x1") + 8, 0.11);
 }

@@ -62,6 +62,28 @@ std::vector<std::string> Picture::titles(const QString &cssClass) const
     return titles;
 }
 
+std::string Picture::drawing() const
+{
+    QString lines;
+    for (const Element &element : m_elements) {
+        if (element.cssClass.isEmpty())
+            continue;
+        lines += element.cssClass;
+        for (const char *name :
+             {"x", "y", "x1", "y1", "x2", "y2", "width", "height", "transform", "text-anchor"})
+        {
+            if (element.attributes.contains(name))
+                lines += QLatin1Char(' ') + element.attributes.value(name);
+        }
+        if (element.name == "text")
+            lines += QStringLiteral(" '%1'").arg(element.text.trimmed());
+        lines += QLatin1Char('\n');
+        if (!element.title.isEmpty())
+            lines += QStringLiteral("  %1\n").arg(element.title);
+    }
+    return lines.toStdString();
+}
+
 void Picture::addText(const QVector<int> &open, const QString &text)
 {
     Element &element = m_elements[open.last()];

@@ -33,6 +33,10 @@ public:
     std::vector<std::string> texts(const QString &cssClass) const;
     std::vector<std::string> titles(const QString &cssClass) const;
 
+    /// Everything that is drawn, from back to front: a line for the class, place and text of each
+    /// element, and an indented one for its title.
+    std::string drawing() const;
+
     const QVector<Element> &elements() const { return m_elements; }
     const Element &root() const { return m_elements.first(); }
 

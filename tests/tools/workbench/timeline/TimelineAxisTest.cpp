@@ -153,3 +153,52 @@ TEST(TimelineAxis, LeavesTheSpaceOfABreakToTheBreaksLabel)
     EXPECT_THAT(labels(broken()), ElementsAre("", "", "", "10 s", "", "", "19 s"));
     EXPECT_THAT(labels(axisTo(second, 100)), Not(Contains("")));
 }
+
+TEST(TimelineAxis, LabelsATickThatHasRoomBesideTheLastLabel)
+{
+    // A label of nine characters is 61.4 px wide, and 8 px are between two.
+    const auto labelsOf = [](double pxPerSecond) {
+        const qint64 from = 1'000'000 * second;
+        const double scale = pxPerSecond / second;
+        return labels(TimelineAxis({{from, from + 3 * second, 0}}, scale, 50, {100, 400}, true));
+    };
+    EXPECT_THAT(labelsOf(69.5), ElementsAre("1000000 s", "1000001 s", "1000002 s", "1000003 s"));
+    EXPECT_THAT(labelsOf(69.3), ElementsAre("1000000 s", "", "1000002 s", ""));
+}
+
+TEST(TimelineAxis, LabelsATickThatTouchesTheRoomOfTheLastLabel)
+{
+    // Ten characters are 68 px wide.
+    const qint64 from = 10'000'000 * second;
+    EXPECT_THAT(
+        labels(TimelineAxis({{from, from + second, 0}}, 76.0 / second, 50, {100, 200}, true)),
+        ElementsAre("10000000 s", "10000001 s"));
+}
+
+TEST(TimelineAxis, LetsALabelReachTwoPixelsIntoABreak)
+{
+    // 8192 µs are a pixel. "100 s" is 35 px wide, and its tick is before a break.
+    const auto hasLabel = [](qint64 pxToBreak, qint64 less) {
+        const qint64 tick = 100 * second;
+        const qint64 end = tick + pxToBreak * 8192 / 2 - less;
+        const TimelineAxis axis({{99 * second, end, 0}, {200 * second, 201 * second, 5 * second}},
+                                1.0 / 8192, 50, {100, 1000}, true);
+        return labels(axis).at(1) == "100 s";
+    };
+    EXPECT_TRUE(hasLabel(31, 0)) << "15.5 px, and 2 of the break";
+    EXPECT_FALSE(hasLabel(31, 1));
+}
+
+TEST(TimelineAxis, KeepsTheLabelOfABreakFreeOnItsOtherSide)
+{
+    // A label that begins 2 px before the end of the break is there, one that begins sooner is not.
+    const auto hasLabel = [](qint64 more) {
+        const qint64 tick = 100 * second;
+        const qint64 from = tick - 31 * 8192 / 2 - more;
+        const TimelineAxis axis({{0, second, 0}, {from, tick + second, 5 * second}}, 1.0 / 8192, 50,
+                                {100, 1000}, true);
+        return labels(axis).at(labels(axis).size() - 2) == "100 s";
+    };
+    EXPECT_TRUE(hasLabel(0));
+    EXPECT_FALSE(hasLabel(-8192));
+}

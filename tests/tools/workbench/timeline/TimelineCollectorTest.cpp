@@ -233,3 +233,60 @@ TEST(TimelineCollector, EndsWhereThePictureIsFullAndCountsTheRest)
     EXPECT_EQ(model.session.to, clicks * 100 * ms);
     EXPECT_FALSE(a.bars.last().isOpen) << "its end is known";
 }
+
+TEST(TimelineCollector, EndsTheBarOfAChordThatIsForgotten)
+{
+    const TimelineModel model =
+        collected({key(0, KEY_STOP, 1), key(100 * ms, KEY_PLAY, 1),
+                   detector(100 * ms, What::ChordFound, {KEY_STOP, KEY_PLAY}, 0, true),
+                   detector(300 * ms, What::Forgotten, {KEY_STOP, KEY_PLAY}), remark(900 * ms)});
+    const TimelineBar bar = onlyBar(lane(model, "KEY_STOP + KEY_PLAY"));
+    EXPECT_EQ(bar.from, 100 * ms);
+    EXPECT_EQ(bar.to, 300 * ms);
+    EXPECT_FALSE(bar.isOpen);
+    EXPECT_TRUE(onlyBar(lane(model, "KEY_STOP")).isOpen) << "the keys are still down";
+}
+
+TEST(TimelineCollector, EndsWhereTheFirstMarkIsLeftOut)
+{
+    // A remark is a mark; those within two seconds are one stretch of activity, which is one, too.
+    const auto collectedOf = [](int remarks) {
+        QVector<SessionEntry> entries;
+        for (int i = 0; i < remarks; ++i)
+            entries.append(remark(i * ms));
+        entries.append({(remarks + 500) * ms, RecordRead{front, EV_SYN, SYN_REPORT, 0, 1}});
+        return collected(entries);
+    };
+    const TimelineModel full = collectedOf(maxTimelineMarks - 1);
+    EXPECT_EQ(full.marksLeftOut, 0);
+    EXPECT_THAT(full.flags, SizeIs(maxTimelineMarks - 1));
+    EXPECT_EQ(full.shown.to, (maxTimelineMarks - 1 + 500) * ms);
+    const TimelineModel cut = collectedOf(maxTimelineMarks);
+    EXPECT_EQ(cut.marksLeftOut, 1);
+    EXPECT_THAT(cut.flags, SizeIs(maxTimelineMarks - 1));
+    EXPECT_EQ(cut.shown.to, (maxTimelineMarks - 1) * ms);
+}
+
+TEST(TimelineCollector, KeepsOnlyTheTimingsThatBeginBeforeThePictureIsFull)
+{
+    QVector<SessionEntry> entries{key(0, KEY_A, 1)};
+    const auto timed = [&entries](qint64 from, qint64 to) {
+        entries.append(detector(from, What::LongPressDue, {KEY_A}, to + 1));
+        entries.append(detector(to, What::LongPressEnded, {KEY_A}));
+    };
+    timed(0, 5 * ms);
+    for (int i = 0; i < maxTimelineMarks - 10; ++i)
+        entries.append(remark(10 * ms));
+    entries.append(detector(20 * ms, What::LongPressDue, {KEY_A}, 100'000 * ms));
+    for (int i = 0; i < 20; ++i)
+        entries.append(remark(30 * ms));
+    entries.append(detector(40 * ms, What::LongPressEnded, {KEY_A}));
+    timed(50 * ms, 60 * ms);
+    const TimelineModel model = collected(entries);
+    EXPECT_GT(model.marksLeftOut, 0);
+    const auto &spans = lane(model, "KEY_A").timed;
+    ASSERT_THAT(spans, SizeIs(2));
+    EXPECT_EQ(spans.at(0).to, 5 * ms);
+    EXPECT_EQ(spans.at(1).from, 20 * ms);
+    EXPECT_EQ(spans.at(1).to, 40 * ms);
+}

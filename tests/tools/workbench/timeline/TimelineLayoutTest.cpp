@@ -169,3 +169,53 @@ TEST(TimelineLayout, MakesLanesForEventsWithoutRecords)
     EXPECT_THAT(draw({event(0, InputEvent::Info, InputEvent::KeyPressed)}).texts("lane"),
                 ElementsAre("KEY_INFO"));
 }
+
+TEST(TimelineLayout, HasItsRowsBelowEachOtherAndTheLegendBelowThem)
+{
+    QVector<SessionEntry> entries{start(), key(0, KEY_A, 1)};
+    for (qint64 i = 0; i < 30; ++i)
+        entries.append(remark(i * 1000 * ms));
+    const Picture picture = draw(entries);
+    double bottom = 0;
+    double time = -1;
+    int rows = 0;
+    for (const Element &tick : picture.ofClass("tick")) {
+        rows += tick.number("y") > bottom ? 1 : 0;
+        EXPECT_GE(tick.number("y"), bottom);
+        bottom = tick.number("y");
+        const double labelled = tick.text.trimmed().section(' ', 0, 0).toDouble();
+        EXPECT_GT(labelled, time);
+        time = labelled;
+    }
+    EXPECT_EQ(rows, 3);
+    const Element lanes = picture.ofClass("stripe").last();
+    const Element legend = picture.ofClass("muted").last();
+    EXPECT_EQ(legend.text.trimmed().toStdString(), "key down");
+    EXPECT_EQ(legend.number("y"), lanes.number("y") + lanes.number("height") + 22 + 4);
+    EXPECT_EQ(picture.root().number("height"), legend.number("y") - 4 + 36);
+}
+
+TEST(TimelineLayout, LabelsAPressAsAClickOnlyWithItsOwnReleaseSoonAfter)
+{
+    using State = InputEvent::State;
+    const auto labelsOf = [](const SessionEntry &next) {
+        // 120 px for a second, so that a press and what follows soon are close together.
+        QVector<SessionEntry> entries{start(), event(0, InputEvent::Info, State::KeyPressed), next};
+        for (qint64 i = 1; i <= 8; ++i)
+            entries.append(remark(i * 2000 * ms));
+        return draw(entries).texts("event");
+    };
+    EXPECT_THAT(labelsOf(event(250 * ms, InputEvent::Info, State::KeyReleased)),
+                ElementsAre("Info click"));
+    EXPECT_THAT(labelsOf(event(250 * ms + 1, InputEvent::Info, State::KeyReleased)),
+                ElementsAre("Info press", "Info release"));
+    EXPECT_THAT(labelsOf(event(100 * ms, InputEvent::Info, State::KeyLongPress)),
+                ElementsAre("Info press", "Info long press"));
+    EXPECT_THAT(labelsOf(event(100 * ms, InputEvent::Info, State::KeyPressed)),
+                ElementsAre("Info press", "Info press"));
+    EXPECT_THAT(labelsOf(event(100 * ms, InputEvent::Stop, State::KeyReleased)),
+                ElementsAre("Info press", "Stop release"));
+    SessionEntry other = event(100 * ms, InputEvent::Info, State::KeyReleased);
+    std::get<EventPublished>(other.what).bus = InputEvent::Bus::USB;
+    EXPECT_THAT(labelsOf(other), ElementsAre("Info press", "Info release"));
+}
