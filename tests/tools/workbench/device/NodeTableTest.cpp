@@ -134,3 +134,55 @@ TEST(NodeJson, TellsWhyANodeIsNotUsed)
     EXPECT_THAT(json.value("reason").toString().toStdString(), HasSubstr("permission denied"));
     EXPECT_THAT(json.value("keySide").toString().toStdString(), HasSubstr("permission denied"));
 }
+
+TEST(NodeTable, ListsWhatFitsAndCountsTheRest)
+{
+    // The line is a hundred columns wide, and room is kept for "and … more" unless all fit.
+    const auto listOf = [](int last) {
+        NodeInfo info = infoOf("panel");
+        for (const int code : {KEY_ESC, KEY_1, KEY_2, KEY_3, KEY_4, KEY_5, KEY_6, KEY_7, KEY_8})
+            info.device.declare(EV_KEY, code);
+        info.device.declare(EV_KEY, last);
+        return nodeTable({info}).split('\n').at(2).toStdString();
+    };
+    const std::string nine = "        10 keys: KEY_ESC, KEY_1, KEY_2, KEY_3, KEY_4, KEY_5, KEY_6, "
+                             "KEY_7, KEY_8";
+    EXPECT_EQ(listOf(KEY_F1), nine + ", KEY_F1");
+    const std::string whole = nine + ", KEY_BRIGHTNESSDOWN";
+    EXPECT_EQ(whole.size(), 100U);
+    EXPECT_EQ(listOf(KEY_BRIGHTNESSDOWN), whole);
+    EXPECT_EQ(listOf(KEY_BRIGHTNESS_AUTO), nine + " and 1 more") << "a character longer";
+}
+
+TEST(NodeTable, ColoursHeadingsDetailsAndProblems)
+{
+    NodeInfo used = infoOf("panel");
+    used.device.declare(EV_SW, SW_LID);
+    NodeInfo other = infoOf("mouse", 1);
+    other.device.declare(EV_REL, REL_X);
+    EXPECT_EQ(nodeTable({used, other}, true).toStdString(),
+              "\x1b[1mNODE    NAME   KERNEL BUS  BUS  THE LIBRARY READS\x1b[0m\n"
+              "event0  panel  BUS_USB     USB  switches\n"
+              "        \x1b[2m1 switch: SW_LID (off)\x1b[0m\n"
+              "\x1b[2mevent1  mouse  BUS_USB     USB  nothing\x1b[0m\n"
+              "        \x1b[31mit has neither keys nor switches\x1b[0m\n");
+}
+
+TEST(NodeTable, HasADashForWhatIsUnknown)
+{
+    NodeInfo info = infoOf(QByteArray());
+    info.hasIdentity = false;
+    info.error = "permission denied";
+    EXPECT_EQ(tableOf({info}),
+              "NODE    NAME  KERNEL BUS  BUS  THE LIBRARY READS\n"
+              "event0  -     -           -    nothing\n"
+              "        permission denied\n");
+}
+
+TEST(NodeTable, CutsANameToFortyCharacters)
+{
+    EXPECT_THAT(tableOf({infoOf(QByteArray(40, 'x'))}),
+                HasSubstr("event0  " + std::string(40, 'x') + "  BUS_USB"));
+    EXPECT_THAT(tableOf({infoOf(QByteArray(41, 'x'))}),
+                HasSubstr("event0  " + std::string(39, 'x') + "…  BUS_USB"));
+}

@@ -281,3 +281,78 @@ TEST_F(LearnerTest, IsFinishedAtOnceWithoutCommands)
     EXPECT_TRUE(learner().isFinished());
     EXPECT_TRUE(learner().profile().devices.isEmpty());
 }
+
+TEST_F(LearnerTest, TellsOfDevicesThatComeAndGo)
+{
+    learn({InputEvent::Info});
+    learner().add({0, DeviceChange{"/dev/input/event2", "mouse", InputEvent::Bus::USB, true}});
+    EXPECT_EQ(lastSaid(), "+ /dev/input/event2 mouse");
+    learner().add({0, DeviceChange{"/dev/input/event2", "mouse", InputEvent::Bus::USB, false}});
+    EXPECT_EQ(lastSaid(), "- /dev/input/event2 mouse");
+}
+
+TEST_F(LearnerTest, HasNoUseForOtherEntries)
+{
+    learn({InputEvent::Info});
+    const auto before = said();
+    learner().add({0, Remark{"a"}});
+    learner().add({0, RecordRead{panel, EV_REL, REL_X, 1, 1}});
+    EXPECT_EQ(said(), before);
+    EXPECT_EQ(learner().learntCount(), 0);
+}
+
+TEST_F(LearnerTest, SaysEverythingInItsWords)
+{
+    learn({InputEvent::Info, InputEvent::VolumeUp, InputEvent::FactoryReset, InputEvent::SWLineIn,
+           InputEvent::Mute});
+    click(KEY_INFO, 1200);
+    learner().answer('y');
+    click(KEY_INFO);
+    click(KEY_VOLUMEUP, 700);
+    learner().answer('n');
+    key(KEY_STOP, 1);
+    key(KEY_PLAY, 1);
+    wait(500);
+    key(KEY_STOP, 0);
+    key(KEY_PLAY, 0);
+    learner().add({0, RecordRead{panel, EV_SW, SW_LINEIN_INSERT, 1, 1}});
+    EXPECT_THAT(
+        said(),
+        ElementsAre(
+            "[1/5] Info: press its key, two keys together, or move its switch",
+            "      KEY_INFO on front-panel, 1.2 s",
+            "      held for 1.2 s: report a long press of KEY_INFO after 700 ms? [Y/n]",
+            "[2/5] VolumeUp: press its key, two keys together, or move its switch",
+            "      KEY_INFO already means Info; press another key, or Enter to skip",
+            "      KEY_VOLUMEUP on front-panel, 0.7 s",
+            "      held for 0.7 s: report a long press of KEY_VOLUMEUP after 700 ms, repeating? "
+            "[Y/n]",
+            "[3/5] FactoryReset: press its key, two keys together, or move its switch",
+            "      chord KEY_STOP + KEY_PLAY on front-panel, 0.5 s",
+            "[4/5] SWLineIn: press its key, two keys together, or move its switch",
+            "      switch SW_LINEIN_INSERT on front-panel",
+            "[5/5] Mute: press its key, two keys together, or move its switch"));
+}
+
+TEST_F(LearnerTest, OffersNoLongPressForAChordThatIsAskedForAgain)
+{
+    learn({InputEvent::FactoryReset, InputEvent::FactoryReset, InputEvent::Mute});
+    for (int time = 0; time < 2; ++time) {
+        key(KEY_STOP, 1);
+        key(KEY_PLAY, 1);
+        wait(2000);
+        key(KEY_STOP, 0);
+        key(KEY_PLAY, 0);
+    }
+    EXPECT_THAT(lastSaid(), HasSubstr("[3/3] Mute"));
+    EXPECT_EQ(learner().learntCount(), 1);
+}
+
+TEST_F(LearnerTest, OffersALongPressOfAKeyThatWasHeldForSixTenthsOfASecond)
+{
+    learn({InputEvent::Info, InputEvent::Mute, InputEvent::Stop});
+    click(KEY_INFO, 599);
+    EXPECT_THAT(lastSaid(), HasSubstr("[2/3] Mute"));
+    click(KEY_MUTE, 600);
+    EXPECT_THAT(lastSaid(), HasSubstr("held for 0.6 s: report"));
+}

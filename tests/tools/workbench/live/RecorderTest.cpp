@@ -72,6 +72,22 @@ TEST_F(RecorderTest, DescribesEveryNodeThatTheLibraryLooksAt)
     EXPECT_THAT(devices.toStdString(), HasSubstr("\nN: input/event3\n"));
     EXPECT_THAT(devices.toStdString(), HasSubstr("\nN: input/event4=00\n"));
     EXPECT_TRUE(parseUmockdev(devices, "x").diagnostics.isEmpty());
+    EXPECT_THAT(contentOf("event3.ioctl").toStdString(),
+                testing::StartsWith(
+                    "# What /dev/input/event3 answers, for ./replay.sh PROGRAM, which runs\n"
+                    "# umockdev-run -d session.umockdev -i /dev/input/event3=event3.ioctl -- "
+                    "PROGRAM\n"));
+    EXPECT_THAT(contentOf("event3.evemu").toStdString(),
+                HasSubstr("\n#\n# E: seconds type code value; seconds from the start of the "
+                          "session.\n#\n"
+                          "# ./replay.sh PROGRAM plays it on a machine without the device, and\n"
+                          "# evemu-play /dev/input/event3 <event3.evemu on the device.\n#\n"
+                          "# A replay delivers the first line immediately, so that line means "
+                          "nothing.\n"
+                          "E: 0.000000 0000 0000 0000\n"));
+    EXPECT_EQ(contentOf("session.expect").toStdString(),
+              "# The published events, in order.\n#\n# vorn-input simulate session.umockdev\n#\n"
+              "# plays the recorded devices and fails if anything else is published.\n");
     EXPECT_THAT(contentOf("event3.ioctl").toStdString(), HasSubstr("\nEVIOCGBIT(0) 8 "));
     EXPECT_THAT(contentOf("event3.evemu").toStdString(),
                 testing::StartsWith("# EVEMU 1.3\nN: remote\n"));

@@ -335,3 +335,17 @@ TEST_F(ObservedKeyHandlerTest, StatesWhatTheLibraryBelieves)
     EXPECT_FALSE(info.isHeld);
     EXPECT_FALSE(info.isCounting);
 }
+
+TEST_F(ObservedKeyHandlerTest, SaysWhenASetClockPutsALongPressOff)
+{
+    start(panelProfile());
+    InputNode &panel = plugPanel();
+    const qint64 pressed = clock().elapsed().count();
+    panel.press(KEY_INFO);
+    take();
+    clock().stepWallClock(std::chrono::seconds(-10));
+    wait(100);
+    EXPECT_THAT(take(), ElementsAre("[due KEY_INFO " + std::to_string(pressed + 10'700) + "]"));
+    wait(100);
+    EXPECT_THAT(take(), ElementsAre()) << "once";
+}

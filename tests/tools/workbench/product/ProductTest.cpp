@@ -230,3 +230,15 @@ TEST_F(ProductTest, LeavesEachLineOfTheLibraryAlone)
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "key:128 value 0"), 1);
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "Found already event for code:128"), 1);
 }
+
+TEST_F(ProductTest, KnowsNoBusOfADeviceThatNobodyReads)
+{
+    start(panelProfile());
+    const ObservedDevice none =
+        observedDevice(devices(), QStringLiteral("/dev/input/event5"), QStringLiteral("panel"));
+    EXPECT_EQ(none.path.toStdString(), "/dev/input/event5");
+    EXPECT_EQ(none.name.toStdString(), "panel");
+    EXPECT_EQ(none.bus, InputEvent::Bus::NoBus);
+    EXPECT_FALSE(none.readsKeys);
+    EXPECT_FALSE(none.readsSwitches);
+}

@@ -218,3 +218,59 @@ TEST(Evemu, StillTellsErrorsAfterManyWarnings)
     EXPECT_TRUE(hasErrors(recording.diagnostics));
     EXPECT_EQ(recording.diagnostics.last().line, 1001);
 }
+
+TEST(Evemu, HoldsATimeThatIsEarlierThanTheLastThoughNotThanTheFirst)
+{
+    const ParsedRecording recording = parse("E: 5.000000 0001 0073 1\nE: 7.000000 0001 0073 0\n"
+                                            "E: 6.000000 0001 0073 1\nE: 7.000000 0001 0073 0\n");
+    EXPECT_THAT(timesOf(recording), ElementsAre(0, 2'000'000, 2'000'000, 2'000'000));
+    ASSERT_EQ(recording.diagnostics.size(), 1);
+    EXPECT_EQ(recording.diagnostics.first().toString().toStdString(),
+              "x.evemu:3: warning: earlier than the event before it; using that event's time");
+}
+
+TEST(Evemu, TakesACommentAfterTheValueAndNothingElse)
+{
+    EXPECT_EQ(errorOf("E: 1.500000 0001 0073 1 # EV_KEY\n"), "(none)");
+    EXPECT_EQ(errorOf("E: 1.500000 0001 0073 1 #\n"), "(none)");
+    for (const char *word : {"!", "x", "0001#"})
+        EXPECT_EQ(errorOf("E: 1.500000 0001 0073 1 " + QByteArray(word) + '\n'),
+                  "x.evemu:1: error: expected nothing after the value, found '" + std::string(word)
+                      + "'");
+}
+
+TEST(Evemu, TakesTypesUpToTheLast)
+{
+    EXPECT_EQ(errorOf("E: 1.500000 001f 0073 1\n"), "(none)");
+    EXPECT_EQ(errorOf("B: 1f 00\n"), "(none)");
+    EXPECT_EQ(errorOf("B: 20 00\n"),
+              "x.evemu:1: error: expected an event type from 00 to 1f, found '20'");
+    EXPECT_EQ(errorOf("B: x 00\n"),
+              "x.evemu:1: error: expected an event type from 00 to 1f, found 'x'");
+    EXPECT_EQ(errorOf("S: 10 1\n"), "(none)");
+    EXPECT_EQ(errorOf("S: 11 1\n"),
+              "x.evemu:1: error: expected the code of a switch in hexadecimal, and 0 or 1");
+}
+
+TEST(Evemu, WritesADeviceByteByByte)
+{
+    const std::string description = evemuDescription(panel()).toStdString();
+    EXPECT_THAT(description,
+                testing::StartsWith("# EVEMU 1.3\nN: front-panel\nI: 0019 046d c31c 0110\n"
+                                    "P: 04 00 00 00 00 00 00 00\n"
+                                    "B: 00 23 00 10 00 00 00 00 00\n"
+                                    "B: 01 00 00 00 00 00 00 00 00\n"
+                                    "B: 01 00 00 00 00 00 00 08 00\n"
+                                    "B: 01 00 00 00 00 00 00 00 00\n"));
+    EXPECT_THAT(description,
+                testing::EndsWith("B: 01 00 00 00 00 00 00 00 00\n"
+                                  "B: 05 04 20 00 00 00 00 00 00\n"
+                                  "B: 14 01 00 00 00 00 00 00 00\nS: 02 0\nS: 0d 1\n"));
+    EXPECT_EQ(QByteArray::fromStdString(description).count("B: 01 "), 12);
+}
+
+TEST(Evemu, WarnsOfAKindOfLineThatItDoesNotKnow)
+{
+    EXPECT_EQ(errorOf("Q: odd\n"), "x.evemu:1: warning: unknown kind of line 'Q', ignored");
+    EXPECT_EQ(errorOf("A: 00 0 255 0 0 0\nL: 00 0\n"), "(none)");
+}

@@ -172,3 +172,102 @@ TEST(Umockdev, HandlesManyNodesOfOneDevice)
     ASSERT_EQ(recording.nodes.size(), 20'000);
     EXPECT_EQ(recording.nodes.last().device->name.toStdString(), "a");
 }
+
+TEST(Umockdev, WritesADeviceAndItsNode)
+{
+    RecordedDevice device;
+    device.name = "panel";
+    device.phys = "port\\0";
+    device.uniq = "7";
+    device.id = {BUS_USB, 0x46d, 0xc, 0x110};
+    device.properties = QByteArray("\x04", 1);
+    device.declare(EV_KEY, KEY_ESC);
+    device.declare(EV_KEY, 64);
+    device.declare(EV_SW, SW_LINEIN_INSERT);
+    device.declare(EV_REP, REP_DELAY);
+    EXPECT_EQ(umockdevBlock(3, device).toStdString(),
+              R"(P: /devices/virtual/input/input3
+E: SUBSYSTEM=input
+A: id/bustype=0003
+A: id/vendor=046d
+A: id/product=000c
+A: id/version=0110
+A: name=panel
+A: phys=port\\0
+A: uniq=7
+A: properties=0000000000000004
+A: capabilities/ev=0000000000100023
+A: capabilities/key=0000000000000001 0000000000000002
+A: capabilities/sw=0000000000002000
+
+P: /devices/virtual/input/input3/event3
+N: input/event3
+E: DEVNAME=/dev/input/event3
+E: SUBSYSTEM=input
+A: dev=13:67
+)");
+    EXPECT_THAT(umockdevBlock(31, device).toStdString(), HasSubstr("\nA: dev=13:95\n"));
+    EXPECT_THAT(umockdevBlock(32, device).toStdString(), HasSubstr("\nA: dev=13:256\n"));
+    device.name = "caf\xe9";
+    EXPECT_THAT(umockdevBlock(3, device).toStdString(), HasSubstr("\nH: name=636166E9\nA: phys="));
+}
+
+TEST(Umockdev, TakesOneBlankOrNoneAfterTheKind)
+{
+    const auto nodesOf = [](const QByteArray &line) {
+        const ParsedRecording recording = parse("P: /a\n" + line + '\n');
+        EXPECT_TRUE(recording.diagnostics.isEmpty());
+        return recording.nodes.size();
+    };
+    EXPECT_EQ(nodesOf("N: input/event1"), 1);
+    EXPECT_EQ(nodesOf("N:input/event1"), 1);
+    EXPECT_EQ(nodesOf("N:\tinput/event1"), 0);
+    EXPECT_EQ(nodesOf("N:  input/event1"), 0);
+    EXPECT_EQ(nodesOf("N:"), 0);
+}
+
+TEST(Umockdev, TakesAProductOfFourNumbersOnly)
+{
+    const auto versionOf = [](const QByteArray &product) {
+        const ParsedRecording recording =
+            parse("P: /a\nN: input/event1\nA: name=a\nE: PRODUCT=" + product + '\n');
+        EXPECT_TRUE(recording.diagnostics.isEmpty());
+        return recording.nodes.first().device->id.version;
+    };
+    EXPECT_EQ(versionOf("19/46d/c31c/110"), 0x110);
+    EXPECT_EQ(versionOf("\"19/46d/c31c/110\""), 0x110);
+    // Of USB and of PCI.
+    EXPECT_EQ(versionOf("46d/c31c/110"), 0);
+    EXPECT_EQ(versionOf("/19/46d/c31c/110"), 0);
+}
+
+TEST(Umockdev, TakesTheIdentityAndTheCapabilitiesAsAttributes)
+{
+    const ParsedRecording recording =
+        parse("P: /a\nN: input/event1\nA: id/bustype=0003\nA: id/vendor=046d\n"
+              "A: id/product=c31c\nA: id/version=0110\nA: properties=4\n"
+              "A: capabilities/ev=3\nA: capabilities/key=2\nA: phys=here\nA: uniq=7\n");
+    ASSERT_TRUE(recording.diagnostics.isEmpty());
+    const RecordedDevice &device = *recording.nodes.first().device;
+    EXPECT_EQ(device.id.bustype, BUS_USB);
+    EXPECT_EQ(device.id.vendor, 0x46d);
+    EXPECT_EQ(device.id.product, 0xc31c);
+    EXPECT_EQ(device.id.version, 0x110);
+    EXPECT_EQ(device.properties.toHex().toStdString(), "04");
+    EXPECT_THAT(device.codesOf(EV_KEY), ElementsAre(KEY_ESC));
+    EXPECT_EQ(device.phys.toStdString(), "here");
+    EXPECT_EQ(device.uniq.toStdString(), "7");
+    EXPECT_EQ(errorOf("P: /a\nN: input/event1\nA: id/vendor=x\n"),
+              "x.umockdev:3: error: expected up to four hexadecimal digits");
+}
+
+TEST(Umockdev, TakesNodesUpToTheLastNumber)
+{
+    EXPECT_EQ(parse("P: /a\nN: input/event99999\n").nodes.first().number, 99'999);
+    EXPECT_EQ(errorOf("P: /a\nN: input/event100000\n"),
+              "x.umockdev:2: error: expected the number of a node, up to 99999, as in "
+              "'input/event0', found '100000'");
+    EXPECT_EQ(errorOf("P: /a\nE: EV\n"),
+              "x.umockdev:2: error: expected a name and a value, as in 'E: NAME=value', found "
+              "'EV'");
+}

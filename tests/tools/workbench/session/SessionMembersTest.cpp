@@ -106,6 +106,6 @@ TEST(SessionMembers, RejectWhatIsNotAListOfNames)
     number.codes("keys", EV_KEY);
     EXPECT_EQ(number.error().toStdString(), "'keys' must be a list of names");
     SessionMembers unknown = member("keys", "[\"KEY_STOP\", \"X\"]");
-    EXPECT_THAT(unknown.codes("keys", EV_KEY), testing::SizeIs(2));
+    EXPECT_THAT(unknown.codes("keys", EV_KEY), ElementsAre(KEY_STOP, 0));
     EXPECT_EQ(unknown.error().toStdString(), "'keys' contains 'X', an unknown code");
 }

@@ -273,6 +273,15 @@ TEST(SessionPrinter, TellsWhyNothingWasPublishedWhenAsked)
     EXPECT_EQ(lastLine(all(), record(KEY_INFO, 1), record(KEY_INFO, 0), unmapped),
               "    1.500      KEY_INFO press: the handler has no command for it")
         << "that is not the outcome of the line above";
+    const auto afterRecord = [&unmapped](const RecordRead &record) {
+        return lastLine(all(), record, unmapped);
+    };
+    const std::string whole = "    1.500      KEY_INFO press: the handler has no command for it";
+    EXPECT_EQ(afterRecord({"/dev/input/event1", EV_KEY, KEY_INFO, 1, 1}), whole);
+    EXPECT_EQ(afterRecord({front, EV_REL, KEY_INFO, 1, 1}), whole);
+    EXPECT_EQ(afterRecord({front, EV_KEY, KEY_INFO - 1, 1, 1}), whole);
+    EXPECT_EQ(afterRecord({front, EV_KEY, KEY_INFO + 1, 1, 1}), whole);
+    EXPECT_EQ(afterRecord({front, EV_KEY, KEY_INFO, 2, 1}), whole);
 }
 
 TEST(SessionPrinter, TellsWhatTheLibraryBelieves)
@@ -285,6 +294,19 @@ TEST(SessionPrinter, TellsWhatTheLibraryBelieves)
     EXPECT_EQ(lastLine({}, frontPanel(), states),
               "    1.500  state of front-panel: KEY_INFO down, held back, long press 1 due\n"
               "               at 1.950");
+    states.keys = {KeyState{KEY_1, true, false, false, true, 2, {}}};
+    EXPECT_EQ(lastLine({}, frontPanel(), states),
+              "    1.500  state of front-panel: KEY_1 down, no further long press");
+    states.keys = {KeyState{KEY_1, true, true, false, false, 0, {}},
+                   KeyState{KEY_2, false, true, false, false, 0, {}}};
+    states.isChord = true;
+    EXPECT_EQ(lastLine({}, states),
+              "    1.500  state of (event0): KEY_1 down, withdrawn; KEY_2 withdrawn; a\n"
+              "               chord is in progress");
+    states.keys.clear();
+    states.hasHandler = false;
+    EXPECT_EQ(lastLine({}, states),
+              "    1.500  state of (event0): a chord is in progress; no handler for its keys");
 }
 
 TEST(SessionPrinter, ShowsRecordsAndStepsOnlyWhenAsked)
@@ -375,6 +397,37 @@ TEST(SessionPrinter, ColoursOnlyWhenAsked)
     SessionPrinter::Options options = all();
     EXPECT_EQ(lastLine(options, volumeUp()).find('\x1b'), std::string::npos);
     options.coloured = true;
+    const auto coloured = [](const char *colour, const char *text) {
+        return "    1.500  " + std::string(colour) + text + plain;
+    };
+    SessionPrinter::Options few;
+    few.coloured = true;
+    EXPECT_EQ(lastLine(few, ExpectationChecked{"a", 1, "b", false, {}}),
+              coloured("\x1b[31m", "a:1: failed: b"));
+    EXPECT_EQ(lastLine(few, ExpectationChecked{"a", 1, "b", true, {}}),
+              coloured("\x1b[32m", "met: b"));
+    EXPECT_EQ(lastLine(few, Remark{"a"}), coloured("\x1b[33m", "a"));
+    EXPECT_EQ(lastLine(few, IdentifierSelected{"a"}), coloured("\x1b[36m", "identifier 'a'"));
+    EXPECT_EQ(lastLine(few, frontPanel()), coloured("\x1b[36m", "+ event0 front-panel (LocalUI)"));
+    EXPECT_EQ(lastLine(few, KeyStates{front, true, false, {}}),
+              coloured("\x1b[36m", "state of (event0): nothing down"));
+    const auto ofState = [&few](InputEvent::State state) {
+        EventPublished event{InputEvent::Info, state, InputEvent::Bus::NoBus, {}, 0, {}, {}};
+        return lastLine(few, event);
+    };
+    EXPECT_EQ(ofState(InputEvent::KeyPressed), coloured("\x1b[1;32m", "Info press"));
+    EXPECT_EQ(ofState(InputEvent::SwitchEnabled), coloured("\x1b[1;32m", "Info on"));
+    EXPECT_EQ(ofState(InputEvent::KeyLongPress), coloured("\x1b[1;33m", "Info long press"));
+    EXPECT_EQ(ofState(InputEvent::KeyReleased), coloured("\x1b[1m", "Info release"));
+    EXPECT_EQ(ofState(InputEvent::SwitchDisabled), coloured("\x1b[1m", "Info off"));
+    few.records = few.detectors = few.outcomes = true;
+    EXPECT_EQ(lastLine(few, record(KEY_INFO, 1)), coloured("\x1b[2m", "(event0) KEY_INFO press"));
+    EXPECT_EQ(lastLine(few, step(DetectorStep::What::Dropped, {KEY_INFO})),
+              "    1.500      \x1b[2mKEY_INFO dropped\x1b[0m");
+    EXPECT_EQ(
+        lastLine(few,
+                 RecordOutcome{RecordOutcome::What::Dropped, front, EV_KEY, KEY_1, 0, {}, "a"}),
+        "    1.500      \x1b[2mKEY_1 release: a\x1b[0m");
     EXPECT_THAT(lastLine(options, volumeUp()), HasSubstr("\x1b[1;32m"));
     EXPECT_THAT(lastLine(options, volumeUp()), EndsWith(plain));
     EXPECT_THAT(lastLine(options, record(KEY_INFO, 1)), HasSubstr("\x1b[2m"));

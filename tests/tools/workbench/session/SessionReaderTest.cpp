@@ -3,6 +3,7 @@
 #include "Diagnostic.h"
 #include "SessionWriter.h"
 
+#include <QBuffer>
 #include <QIODevice>
 
 #include <gmock/gmock.h>
@@ -351,4 +352,76 @@ TEST(SessionReader, IsNotUpsetByAnyBytes)
     EXPECT_THAT(parseSession(bytes, {}).entries, SizeIs(0));
     EXPECT_THAT(messagesOf(QByteArray(100'000, '[')), SizeIs(1));
     EXPECT_THAT(messagesOf({}), SizeIs(0));
+}
+
+TEST(SessionReader, TellsHowManyLinesAndBytesItHasRead)
+{
+    for (const char *end : {"", "\n"}) {
+        QBuffer buffer;
+        buffer.setData("\n" + toJsonLine({5, Remark{"a"}}).trimmed() + end);
+        ASSERT_TRUE(buffer.open(QIODevice::ReadOnly));
+        SessionReader reader(&buffer, "a.jsonl");
+        EXPECT_TRUE(reader.next());
+        EXPECT_EQ(reader.line(), 2);
+        EXPECT_FALSE(reader.next());
+        EXPECT_EQ(reader.line(), 2);
+        EXPECT_EQ(reader.bytesRead(), buffer.size());
+    }
+}
+
+TEST(SessionReader, TakesNumbersUpToTheirLimits)
+{
+    const auto errorOf = [](QByteArray line, const char *member, const QByteArray &number) {
+        const QByteArray name = '"' + QByteArray(member) + "\":";
+        const int begin = line.indexOf(name) + name.size();
+        int end = begin;
+        while (line.at(end) != ',' && line.at(end) != '}')
+            ++end;
+        const auto messages = messagesOf(line.replace(begin, end - begin, number));
+        return messages.empty() ? std::string() : messages.front();
+    };
+    const QString front = "/dev/input/event0";
+    const QByteArray record = toJsonLine({0, RecordRead{front, EV_KEY, KEY_1, 1, 1}});
+    const QByteArray outcome =
+        toJsonLine({0, RecordOutcome{RecordOutcome::What::Held, front, EV_KEY, KEY_1, 1, {}, "a"}});
+    const std::string range = " must be a whole number from ";
+    for (const QByteArray &line : {record, outcome}) {
+        for (const char *member : {"typeNumber", "codeNumber"}) {
+            const std::string error = "a.jsonl:1: error: '" + std::string(member) + "'" + range;
+            EXPECT_EQ(errorOf(line, member, "0"), "");
+            EXPECT_EQ(errorOf(line, member, "65535"), "");
+            EXPECT_EQ(errorOf(line, member, "-1"), error + "0 to 65535");
+            EXPECT_EQ(errorOf(line, member, "65536"), error + "0 to 65535");
+        }
+        EXPECT_EQ(errorOf(line, "value", "-2147483648"), "");
+        EXPECT_EQ(errorOf(line, "value", "2147483647"), "");
+        EXPECT_EQ(errorOf(line, "value", "2147483648"),
+                  "a.jsonl:1: error: 'value'" + range + "-2147483648 to 2147483647");
+    }
+    const QByteArray states =
+        toJsonLine({0, KeyStates{front, true, false, {{KEY_1, true, false, true, true, 2, {}}}}});
+    EXPECT_EQ(errorOf(states, "count", "0"), "");
+    EXPECT_EQ(errorOf(states, "count", "2147483647"), "");
+    EXPECT_EQ(errorOf(states, "count", "-1"),
+              "a.jsonl:1: error: 'keys' has an invalid entry: 'count'" + range + "0 to 2147483647");
+    EXPECT_EQ(errorOf(states, "key", "\"KEY_NONE\""),
+              "a.jsonl:1: error: 'keys' has an invalid entry: 'key' is not a key");
+    const QByteArray checked = toJsonLine({0, ExpectationChecked{"a", 1, "b", true, {}}});
+    EXPECT_EQ(errorOf(checked, "line", "0"), "");
+    EXPECT_EQ(errorOf(checked, "line", "-1"),
+              "a.jsonl:1: error: 'line'" + range + "0 to 2147483647");
+    const QByteArray begin = toJsonLine({0, SessionStart{"a", "b", 0}});
+    EXPECT_EQ(errorOf(begin, "version", "1"), "");
+    EXPECT_EQ(errorOf(begin, "version", "0"),
+              "a.jsonl:1: error: 'version'" + range + "1 to 2147483647");
+    const QByteArray event = toJsonLine({0,
+                                         EventPublished{InputEvent::Info,
+                                                        InputEvent::KeyPressed,
+                                                        InputEvent::Bus::USB,
+                                                        front,
+                                                        EV_KEY,
+                                                        {KEY_INFO},
+                                                        1}});
+    EXPECT_EQ(errorOf(event, "codeType", "\"EV_NONE\""),
+              "a.jsonl:1: error: 'codeType' is not an event type");
 }

@@ -87,3 +87,81 @@ TEST(SessionWriter, WritesWhatTheLibraryBelieves)
               "\"keys\":[{\"count\":1,\"down\":true,\"due\":2000,\"held\":false,"
               "\"key\":\"KEY_INFO\",\"withdrawn\":false}],\"kind\":\"state\",\"time\":1.5}\n");
 }
+
+TEST(SessionWriter, WritesDevicesThatComeAndGo)
+{
+    const QString device = "/dev/input/event0";
+    const std::string rest =
+        "\"device\":\"/dev/input/event0\",\"kind\":\"device\",\"name\":\"panel\","
+        "\"time\":0}\n";
+    EXPECT_EQ(
+        toJsonLine({0, DeviceChange{device, "panel", InputEvent::Bus::USB, true}}).toStdString(),
+        "{\"bus\":\"USB\",\"change\":\"added\"," + rest);
+    EXPECT_EQ(
+        toJsonLine({0, DeviceChange{device, "panel", InputEvent::Bus::USB, false}}).toStdString(),
+        "{\"bus\":\"USB\",\"change\":\"removed\"," + rest);
+}
+
+TEST(SessionWriter, WritesWhatTheDetectorsDid)
+{
+    using What = DetectorStep::What;
+    const auto written = [](What what, const QVector<int> &keys) {
+        return toJsonLine({0, DetectorStep{what, "a", keys, 1500, true, "text"}}).toStdString();
+    };
+    const std::string start = "{\"device\":\"a\",";
+    const std::string pair = "\"identifier\":\"text\",\"keys\":[\"KEY_STOP\",\"KEY_PLAY\"],"
+                             "\"kind\":\"detector\",";
+    EXPECT_EQ(
+        written(What::LongPressDue, {KEY_1}),
+        start
+            + "\"due\":1.5,\"identifier\":\"text\",\"keys\":[\"KEY_1\"],\"kind\":\"detector\","
+              "\"time\":0,\"what\":\"long-press-due\"}\n");
+    EXPECT_EQ(written(What::ChordFound, {KEY_STOP, KEY_PLAY}),
+              start + pair + "\"mapped\":true,\"time\":0,\"what\":\"chord-found\"}\n");
+    EXPECT_EQ(written(What::ChordReleased, {KEY_STOP, KEY_PLAY}),
+              start + pair + "\"time\":0,\"what\":\"chord-released\"}\n");
+}
+
+TEST(SessionWriter, WritesAnEventWithItsCause)
+{
+    EXPECT_EQ(toJsonLine({0,
+                          EventPublished{InputEvent::SWLineIn,
+                                         InputEvent::SwitchEnabled,
+                                         InputEvent::Bus::USB,
+                                         "a",
+                                         EV_SW,
+                                         {SW_LINEIN_INSERT},
+                                         -1500}})
+                  .toStdString(),
+              "{\"bus\":\"USB\",\"codeType\":\"EV_SW\",\"codes\":[\"SW_LINEIN_INSERT\"],"
+              "\"command\":\"SWLineIn\",\"device\":\"a\",\"kind\":\"event\",\"latency\":-1.5,"
+              "\"state\":\"SwitchEnabled\",\"time\":0}\n");
+}
+
+TEST(SessionWriter, WritesIdentifiersExpectationsAndRemarks)
+{
+    EXPECT_EQ(toJsonLine({0, IdentifierSelected{"text"}}).toStdString(),
+              "{\"identifier\":\"text\",\"kind\":\"identifier\",\"time\":0}\n");
+    EXPECT_EQ(toJsonLine({0, Remark{"a"}}).toStdString(),
+              "{\"kind\":\"remark\",\"text\":\"a\",\"time\":0}\n");
+    EXPECT_EQ(toJsonLine({0, ExpectationChecked{"a", 12, "b", false, "c"}}).toStdString(),
+              "{\"file\":\"a\",\"found\":\"c\",\"kind\":\"expectation\",\"line\":12,"
+              "\"met\":false,\"text\":\"b\",\"time\":0}\n");
+    EXPECT_EQ(toJsonLine({0, ExpectationChecked{"a", 12, "b", true, {}}}).toStdString(),
+              "{\"file\":\"a\",\"kind\":\"expectation\",\"line\":12,\"met\":true,"
+              "\"text\":\"b\",\"time\":0}\n");
+}
+
+TEST(SessionWriter, WritesWhatIsKnownOfAKeyOnly)
+{
+    KeyStates states;
+    states.device = "a";
+    states.isChord = true;
+    states.keys = {KeyState{KEY_1, false, true, false, false, 3, {}},
+                   KeyState{KEY_2, true, false, true, true, 0, {}}};
+    EXPECT_EQ(toJsonLine({0, states}).toStdString(),
+              "{\"chord\":true,\"device\":\"a\",\"handler\":false,\"keys\":["
+              "{\"down\":false,\"held\":false,\"key\":\"KEY_1\",\"withdrawn\":true},"
+              "{\"count\":0,\"down\":true,\"held\":true,\"key\":\"KEY_2\",\"withdrawn\":false}],"
+              "\"kind\":\"state\",\"time\":0}\n");
+}

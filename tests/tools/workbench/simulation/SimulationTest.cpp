@@ -342,6 +342,39 @@ TEST(Simulation, APressThatARecordedDeviceCannotDoIsAMistake)
               "a.scenario:2: error: panel has no KEY_INFO, or it is already down");
 }
 
+TEST(Simulation, WhatARecordedDeviceCannotDoIsToldWithItsPosition)
+{
+    const auto mistakeOf = [](const QByteArray &step) {
+        LoadedScenario scenario = loaded("device panel from \"x.evemu\"\n" + step);
+        RecordedNode node;
+        node.device = RecordedDevice();
+        node.device->name = "recorded";
+        scenario.recordings[scenario.scenario.devices.first().recording].nodes = {node};
+        const Played run = played(scenario);
+        EXPECT_EQ(run.result.outcome, Outcome::Malformed);
+        return run.result.diagnostics.value(0).toString().toStdString();
+    };
+    const std::string start = "a.scenario:2: error: panel has no ";
+    EXPECT_EQ(mistakeOf("panel release KEY_INFO"), start + "KEY_INFO, or it is already up");
+    EXPECT_EQ(mistakeOf("panel switch SW_LID on"), start + "SW_LID, or it is already on");
+    EXPECT_EQ(mistakeOf("panel switch SW_LID off"), start + "SW_LID, or it is already off");
+}
+
+TEST(Simulation, SaysWhatHappensToDevicesAndTheClock)
+{
+    const Played run = played("device panel\npanel replace name=other\npanel forbid\npanel allow\n"
+                              "clock -1s\nclock +2s\n");
+    std::vector<std::string> remarks;
+    for (const SessionEntry &entry : run.entries) {
+        if (const auto *remark = std::get_if<Remark>(&entry.what))
+            remarks.push_back(remark->text.toStdString());
+    }
+    EXPECT_THAT(remarks,
+                ElementsAre("panel is replaced by 'other'", "panel cannot be opened from now on",
+                            "panel can be opened from now on", "the clock is set back by 1 s",
+                            "the clock is set forward by 2 s"));
+}
+
 TEST_F(SimulatedFiles, ARecordingPlaysWhileTheScenarioGoesOn)
 {
     write("up.evemu",
