@@ -163,7 +163,7 @@ private:
     {
         Block &block = m_blocks.last();
         value = withoutQuotes(value);
-        if (name == "PRODUCT" && !startsWith(value, "/"))
+        if (name == "PRODUCT")
             parseProduct(value);
         else if (name == "MODALIAS")
             block.alias = toByteArray(value);
