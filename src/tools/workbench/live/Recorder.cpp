@@ -174,8 +174,7 @@ void Recorder::addNode(const DeviceChange &change, qint64 time)
             : QStringLiteral("device unplugged");
         m_folder.append(known->second.events.get(),
                         "# " + seconds(time) + ": " + onOneLine(what) + '\n');
-        if (change.added)
-            m_blanking.describe(change.device, known->second.device);
+        m_blanking.describe(change.device, known->second.device);
         return;
     }
     if (!change.added)
