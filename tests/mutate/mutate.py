@@ -72,6 +72,9 @@ class Session:
         if not os.path.exists(os.path.join(self.scratch.build_folder, "build.ninja")):
             self.scratch.copy({})
             self.scratch.configure()
+        else:
+            # The sources are compiled, with mutants in them; the headers that they include may be old.
+            self.scratch.copy({}, untouched=self.sources)
         found = plan.find(self.scratch, self.area, self.sources)
         self.mutations = plan.number(plan.sample(found, self.area.sample,
                                                  self.options.seed))

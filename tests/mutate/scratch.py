@@ -49,10 +49,10 @@ class Scratch:
         names = [name for name in listed.stdout.decode().split("\0") if name]
         return [name for name in names if os.path.isfile(os.path.join(self.project, name))]
 
-    def copy(self, instrumented):
+    def copy(self, instrumented, untouched=()):
         """Brings the copy up to date, with these sources in place of the project's."""
         names = set(self.project_files())
-        for name in names:
+        for name in names.difference(untouched):
             path = os.path.join(self.project, name)
             if name in instrumented:
                 data = instrumented[name]
