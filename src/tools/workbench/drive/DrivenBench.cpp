@@ -187,37 +187,32 @@ void DrivenBench::sendLine(const QByteArray &line)
 
 std::optional<Answer> DrivenBench::waitForAnswer(qint64 patience)
 {
-    using Ready = ProgramRun::Ready;
     m_answer.reset();
     const QDeadlineTimer deadline(patience);
-    while (m_failure.isEmpty()) {
+    while (m_failure.isEmpty() && !m_answer) {
         const qint64 left =
             std::min<qint64>(deadline.remainingTime(), std::numeric_limits<int>::max());
-        switch (m_program->wait(static_cast<int>(left))) {
-        case Ready::Socket:
+        const ProgramRun::Ready ready = m_program->wait(static_cast<int>(left));
+        if (ready == ProgramRun::Ready::Socket)
             receive();
-            if (m_answer)
-                return m_answer;
-            break;
-        case Ready::TimedOut:
-            fail(
-                m_phase.isEmpty()
-                    ? QStringLiteral("the program has not answered for %1: its event loop hangs or "
-                                     "is never idle (--timeout)")
-                          .arg(durationText(m_settings.timeout))
-                    : QStringLiteral("the program %1 within %2 (--timeout)")
-                          .arg(m_phase, durationText(m_settings.timeout)));
-            break;
-        case Ready::Interrupted:
-            fail(QStringLiteral("interrupted"));
-            break;
-        case Ready::Closed:
-        case Ready::Ended:
-            fail(howItEnded());
-            break;
-        }
+        else
+            fail(whyThereIsNoAnswer(ready));
     }
-    return {};
+    return m_answer;
+}
+
+QString DrivenBench::whyThereIsNoAnswer(ProgramRun::Ready ready)
+{
+    if (ready == ProgramRun::Ready::Interrupted)
+        return QStringLiteral("interrupted");
+    if (ready != ProgramRun::Ready::TimedOut)
+        return howItEnded();
+    const QString timeout = durationText(m_settings.timeout);
+    return m_phase.isEmpty()
+        ? QStringLiteral("the program has not answered for %1: its event loop hangs or is never "
+                         "idle (--timeout)")
+              .arg(timeout)
+        : QStringLiteral("the program %1 within %2 (--timeout)").arg(m_phase, timeout);
 }
 
 void DrivenBench::receive()

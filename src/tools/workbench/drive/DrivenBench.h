@@ -67,6 +67,7 @@ private:
     Drive::Answer ask(const Drive::Operation &operation, qint64 patience = 0);
     void sendLine(const QByteArray &line);
     std::optional<Drive::Answer> waitForAnswer(qint64 patience);
+    QString whyThereIsNoAnswer(ProgramRun::Ready ready);
     void take(const QByteArray &line);
     void receive();
     void wait(qint64 end, qint64 events);

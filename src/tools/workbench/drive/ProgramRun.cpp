@@ -184,17 +184,13 @@ bool ProgramRun::isRunning()
 {
     if (m_pid < 0)
         return false;
+    // It keeps its number until its group has been ended, so that no other can get it.
     siginfo_t info = {};
-    int result = 0;
-    do {
-        // It keeps its number until its group has been ended, so that no other can get it.
-        result = waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED | WNOHANG | WNOWAIT);
-    } while (result != 0 && errno == EINTR);
-    if (result == 0 && info.si_pid == 0)
+    const auto id = static_cast<id_t>(m_pid);
+    if (waitid(P_PID, id, &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid == 0)
         return true;
     kill(-m_pid, SIGKILL);
-    while (waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED) != 0 && errno == EINTR) {
-    }
+    waitid(P_PID, id, &info, WEXITED | WNOHANG);
     m_pid = -1;
     noteEnding(info.si_code, info.si_status);
     takeRestOfOutput();

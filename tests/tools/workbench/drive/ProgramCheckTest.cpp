@@ -150,8 +150,10 @@ TEST_F(ProgramCheckTest, SurvivesDamagedFiles)
 
 TEST_F(ProgramCheckTest, TellsWhatTheLoaderMisses)
 {
-    EXPECT_THAT(obstacle(write("a", elf("/nowhere/ld-linux.so.3"))),
-                HasSubstr("its loader /nowhere/ld-linux.so.3 does not exist; "));
+    EXPECT_EQ(obstacle(write("a", elf("/nowhere/ld-linux.so.3"))),
+              path("a").toStdString()
+                  + " cannot be driven: its loader /nowhere/ld-linux.so.3 does not exist; install "
+                    "the libraries of its system");
     EXPECT_THAT(obstacle(writeLoadedBy("echo \"$2: error while loading shared libraries: libx.so: "
                                        "cannot open\" >&2; exit 127\n")),
                 HasSubstr("it cannot be loaded (libx.so: cannot open); see that ldd"));

@@ -11,8 +11,10 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <memory>
 #include <vector>
@@ -423,4 +425,38 @@ TEST_F(ProgramRunTest, KnowsTheEndWhereTheParentIgnoredChildren)
 {
     std::signal(SIGCHLD, SIG_IGN);
     EXPECT_EQ(endingOf("exit 3"), "exited with status 3");
+}
+
+TEST_F(ProgramRunTest, KnowsTheEndThatSomebodyElseHasSeen)
+{
+    ProgramRun run(script("echo $$; read line <&$VORN_DRIVE_SOCKET"));
+    EXPECT_TRUE(prints(&run, "\n"));
+    const pid_t process = run.output().trimmed().toInt();
+    ASSERT_GT(process, 0);
+    ASSERT_EQ(::write(run.socket(), "\n", 1), 1);
+    EXPECT_EQ(waitpid(process, nullptr, 0), process);
+    EXPECT_FALSE(run.isRunning());
+    EXPECT_EQ(run.wait(0), Ready::Ended);
+}
+
+TEST_F(ProgramRunTest, LeavesNoProcessBehindInTheTable)
+{
+    ProgramRun run(script("echo $$; exit 0"));
+    EXPECT_EQ(run.wait(patienceMs), Ready::Ended);
+    const pid_t process = run.output().trimmed().toInt();
+    EXPECT_EQ(waitpid(process, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(ProgramRunTest, LeavesNoDescriptorBehind)
+{
+    const auto count = [] {
+        return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size();
+    };
+    const int before = count();
+    {
+        ProgramRun run(script("read line <&$VORN_DRIVE_SOCKET"));
+        EXPECT_GT(count(), before);
+    }
+    EXPECT_EQ(count(), before);
 }
