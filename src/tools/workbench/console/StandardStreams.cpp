@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <csignal>
 #include <initializer_list>
 
@@ -13,7 +12,7 @@ void prepareStandardStreams()
 {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         // Left closed, it would be that of the next file, and what is printed would go there.
-        if (fcntl(descriptor, F_GETFD) == -1 && errno == EBADF)
+        if (fcntl(descriptor, F_GETFD) == -1)
             static_cast<void>(open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY));
     }
     std::signal(SIGPIPE, SIG_IGN);

@@ -5,6 +5,9 @@
 
 #include <gmock/gmock.h>
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 
@@ -58,6 +61,48 @@ TEST_F(InterruptionTest, TakesTheSameOneThatIsPassedOnByAnotherProgram)
     std::raise(SIGTERM);
     EXPECT_TRUE(QTest::qWaitFor([&] { return calls == 1; }));
     EXPECT_TRUE(Interruption::isRequested());
+}
+
+TEST_F(InterruptionTest, ComesOfEverySignalThatAsksToEnd)
+{
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        int calls = 0;
+        const Interruption interruption([&] { ++calls; });
+        EXPECT_FALSE(Interruption::isRequested());
+        errno = ENOENT;
+        std::raise(signal);
+        EXPECT_EQ(errno, ENOENT);
+        EXPECT_TRUE(Interruption::isRequested()) << signal;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return calls == 1; })) << signal;
+        // One signal at a time, so that none is taken for a repetition of another.
+        struct sigaction action = {};
+        sigaction(signal, nullptr, &action);
+        for (const int other : {SIGINT, SIGTERM, SIGHUP})
+            EXPECT_EQ(sigismember(&action.sa_mask, other), 1) << signal << ' ' << other;
+    }
+}
+
+TEST_F(InterruptionTest, MayBeRequestedByTheProgramItself)
+{
+    const Interruption interruption;
+    EXPECT_FALSE(Interruption::isRequested());
+    Interruption::request();
+    EXPECT_TRUE(Interruption::isRequested());
+}
+
+TEST_F(InterruptionTest, LeavesNoDescriptorBehind)
+{
+    const int next = dup(STDIN_FILENO);
+    close(next);
+    {
+        const Interruption interruption([] {});
+        const int during = dup(STDIN_FILENO);
+        EXPECT_NE(during, next);
+        close(during);
+    }
+    const int after = dup(STDIN_FILENO);
+    EXPECT_EQ(after, next);
+    close(after);
 }
 
 TEST(InterruptionDeathTest, EndsAProcessThatDoesNotReactTheSecondTime)

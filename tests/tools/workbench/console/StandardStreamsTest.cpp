@@ -26,6 +26,34 @@ TEST(StandardStreamsDeathTest, ThatAreClosedAreNotThoseOfTheNextFile)
         testing::ExitedWithCode(3), "");
 }
 
+TEST(StandardStreamsDeathTest, ThatWereClosedCanBeUsedForNothing)
+{
+    EXPECT_EXIT(
+        {
+            for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+                close(descriptor);
+            prepareStandardStreams();
+            const bool isRight = (fcntl(STDIN_FILENO, F_GETFL) & O_ACCMODE) == O_WRONLY
+                && (fcntl(STDOUT_FILENO, F_GETFL) & O_ACCMODE) == O_RDONLY
+                && (fcntl(STDERR_FILENO, F_GETFL) & O_ACCMODE) == O_RDONLY;
+            std::_Exit(isRight ? 3 : 0);
+        },
+        testing::ExitedWithCode(3), "");
+}
+
+TEST(StandardStreamsDeathTest, ThatAreOpenStayAsTheyAre)
+{
+    EXPECT_EXIT(
+        {
+            const int next = dup(STDIN_FILENO);
+            close(next);
+            errno = EBADF;
+            prepareStandardStreams();
+            std::_Exit(dup(STDIN_FILENO) == next ? 3 : 0);
+        },
+        testing::ExitedWithCode(3), "");
+}
+
 TEST(StandardStreamsDeathTest, WithoutAReaderAreAnError)
 {
     EXPECT_EXIT(
