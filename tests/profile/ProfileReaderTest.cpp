@@ -391,6 +391,11 @@ TEST(Profile, RejectsChordsThatAreNotPairs)
                 {R"(chords."KEY_STOP+KEY_PLYA" = "Info")",
                  "8: error: unknown key 'KEY_PLYA', did you mean 'KEY_PLAY'?"}},
                withHandler);
+    // Nothing is said of a chord that it is not.
+    EXPECT_THAT(problemsIn(withHandler("chords = [ { keys = [1, 1, \"KEY_OFNOTHING\"], command = "
+                                       "\"Info\" } ]")),
+                ElementsAre("p:3:21: error: a chord has exactly two keys, not 3",
+                            "p:3:28: error: unknown key 'KEY_OFNOTHING'"));
 }
 
 TEST(Profile, RejectsWrongStatesAndBuses)

@@ -114,4 +114,10 @@ TEST(TomlValue, RefusesToNestWithoutEnd)
     EXPECT_THAT(errorIn("a = 1\n" + QByteArray("a.").repeated(100'000) + "b = 1"),
                 HasSubstr("f:2:1: error: more than 100 dots in one line"));
     EXPECT_THAT(errorIn("[" + QByteArray("a.").repeated(1000) + "b]"), HasSubstr("dots"));
+    for (const char *between : {"\t", " ", "\xc3\xa4", "\r"})
+        EXPECT_THAT(errorIn("\n# " + QByteArray(QByteArray(".") + between).repeated(101)),
+                    HasSubstr("f:2:1: error: more than 100 dots in one line"));
+    EXPECT_EQ(parsed("# " + QByteArray(100, '.') + "\n# " + QByteArray(100, '.') + "\na = 1")
+                  .children.size(),
+              1U);
 }

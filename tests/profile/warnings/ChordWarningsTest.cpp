@@ -67,6 +67,20 @@ TEST(ChordWarnings, AreAboutKeysOfTheSameBus)
     EXPECT_EQ(problemsIn("[[device]]\n[device.handler]\n" + keys + chord + "\"USB\" }").size(), 1U);
 }
 
+TEST(ChordWarnings, AreNoneForAKeyThatALaterOneReplaces)
+{
+    const auto problems = [](const QByteArray &later) {
+        return problemsBeside("keys.KEY_STOP = [ { command = \"Stop\", immediate = true }, " + later
+                              + " ]\nkeys.KEY_PLAY = \"StartPlay\"");
+    };
+    EXPECT_THAT(problems("\"Mute\""),
+                ElementsAre("p:4:6: warning: KEY_STOP already has a command, in line 4; this one "
+                            "wins"));
+    // On the other buses it stays.
+    EXPECT_THAT(problems("{ command = \"Mute\", bus = \"USB\" }"),
+                ElementsAre(testing::HasSubstr("leave out 'immediate'")));
+}
+
 TEST(ChordWarnings, NameKeysThatAreSilentAlone)
 {
     EXPECT_THAT(problemsBeside(""),

@@ -176,6 +176,16 @@ TEST(ProfileWarnings, NameABusThatAnEarlierEntryMatches)
                                     "devices on USB")));
 }
 
+TEST(ProfileWarnings, NameAnEntryWithoutDevicesOnce)
+{
+    const QByteArray onUsb = "[device.handler.keys]\n1 = { command = \"Info\", bus = \"USB\" }\n";
+    EXPECT_THAT(problemsIn("[[device]]\n" + keys + "[[device]]\n" + onUsb),
+                ElementsAre(warning(
+                    "4:1", "this entry is never used: the one in line 1 matches all its devices")));
+    EXPECT_THAT(problemsIn("[[device]]\nname = \"panel\"\nbus = \"Hostlink\"\n" + onUsb),
+                ElementsAre(testing::HasSubstr("no device matches")));
+}
+
 TEST(ProfileWarnings, NameAnEntryBehindOneThatMatchesItsDevices)
 {
     const auto second = [](const QByteArray &first, const QByteArray &next) {
@@ -259,6 +269,10 @@ TEST(ProfileWarnings, NameIdentifiersThatNoHandlerHas)
     const QByteArray devices = "[[device]]\n[device.handler]\nidentifiers = [\"browse\"]\n" + keys;
     EXPECT_THAT(problemsIn(devices),
                 ElementsAre(warning("1:1",
+                                    "the empty identifier is selected at the start, and no handler "
+                                    "has it; name one in 'initial'")));
+    EXPECT_THAT(problemsIn("\ninitial = \"\"\n" + devices),
+                ElementsAre(warning("2:11",
                                     "the empty identifier is selected at the start, and no handler "
                                     "has it; name one in 'initial'")));
     EXPECT_THAT(problemsIn("initial = \"brows\"\n" + devices),

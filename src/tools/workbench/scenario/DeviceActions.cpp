@@ -211,9 +211,13 @@ std::optional<int> takeEventCode(ScenarioLine *line, int type)
         return std::nullopt;
     const std::optional<int> code = eventCode(type, word->text);
     if (!code) {
-        const QStringList known = type == EV_SW ? switchNames() : keyNames();
+        QStringList known;
+        if (type == EV_KEY)
+            known = keyNames();
+        else if (type == EV_SW)
+            known = switchNames();
         line->unknown(word->column, QStringLiteral("code of %1").arg(eventTypeName(type)),
-                      word->text, type == EV_KEY || type == EV_SW ? known : QStringList());
+                      word->text, known);
     }
     return code;
 }

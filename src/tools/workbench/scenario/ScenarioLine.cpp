@@ -93,9 +93,8 @@ void ScenarioLine::split(const QString &line)
         if (character == QLatin1Char('"')) {
             isInQuotes = true;
             quoteColumn = column;
-        } else if (character == QLatin1Char('=') && word.option.isEmpty() && !word.isQuoted
-                   && !word.text.isEmpty())
-        {
+        } else if (character == QLatin1Char('=') && word.option.isEmpty() && !word.isQuoted) {
+            // Without a name before it, the word stays one without an option.
             word.option = word.text;
             word.text += character;
             word.valueColumn = column + 1;

@@ -136,3 +136,38 @@ TEST(DeviceActions, ARecordChangesNoKeys)
     EXPECT_THAT(mistake("device panel\npanel record EV_KEY KEY_A 1 stamped soon"),
                 HasSubstr("'soon' is not an offset"));
 }
+
+TEST(DeviceActions, AKeyThatIsHeldAndASwitchThatIsOnAreThoseOfTheDevice)
+{
+    EXPECT_THAT(mistakes("device panel keys= held=KEY_A switches= on=SW_LID\n"
+                         "panel release KEY_A\npanel switch SW_LID off"),
+                IsEmpty());
+    EXPECT_THAT(mistake("device panel keys= held=KEY_A\npanel press KEY_B"),
+                HasSubstr("panel has no KEY_B"));
+    EXPECT_THAT(mistake("device panel switches= on=SW_LID\npanel switch SW_DOCK on"),
+                HasSubstr("panel has no SW_DOCK"));
+}
+
+TEST(DeviceActions, ARecordIsOfAKnownTypeAndCode)
+{
+    EXPECT_EQ(mistakeOf("panel record EV_KYE KEY_A 1"),
+              "dir/a.scenario:2:14: error: unknown event type 'EV_KYE', did you mean 'EV_KEY'?");
+    EXPECT_EQ(mistakeOf("panel record EV_KEY KEY_INOF 1"),
+              "dir/a.scenario:2:21: error: unknown code of EV_KEY 'KEY_INOF', did you mean "
+              "'KEY_INFO'?");
+    EXPECT_EQ(mistakeOf("panel record EV_SW SW_LIDD 1"),
+              "dir/a.scenario:2:20: error: unknown code of EV_SW 'SW_LIDD', did you mean "
+              "'SW_LID'?");
+    for (const char *type : {"EV_SYN", "EV_REL", "EV_LED", "EV_REP"})
+        EXPECT_EQ(mistakeOf(QByteArray("panel record ") + type + " KEY_INOF 1"),
+                  std::string("dir/a.scenario:2:") + "21: error: unknown code of " + type
+                      + " 'KEY_INOF'");
+    EXPECT_EQ(mistakeOf("panel record"),
+              "dir/a.scenario:2:13: error: an event type like EV_KEY is missing");
+    EXPECT_EQ(mistakeOf("panel record EV_SW"),
+              "dir/a.scenario:2:19: error: a code of EV_SW is missing");
+    EXPECT_EQ(mistakeOf("panel record EV_SW SW_LID"),
+              "dir/a.scenario:2:26: error: the value, a number is missing");
+    EXPECT_EQ(mistakeOf("panel record EV_SW SW_LID 1 stamped"),
+              "dir/a.scenario:2:36: error: the offset from the wall clock, like -500ms is missing");
+}

@@ -76,3 +76,15 @@ TEST(DeviceDeclaration, NamesTheOptionOrKeyThatWasProbablyMeant)
     EXPECT_EQ(mistake("device panel keys=KEY_A,KEY_BB"),
               "dir/a.scenario:1:25: error: unknown key 'KEY_BB', did you mean 'KEY_B'?");
 }
+
+TEST(DeviceDeclaration, ADeviceThatIsRefusedIsNone)
+{
+    const std::string unknown = "dir/a.scenario:3:33: error: unknown device 'nobody'; write panel";
+    for (const char *declaration : {"device panel", "device wait", "device \"a\"", "device 1a"}) {
+        const std::vector<std::string> list =
+            mistakes(QByteArray("device panel\n") + declaration
+                     + "\nexpect VolumeUp KeyPressed from nobody");
+        ASSERT_THAT(list, SizeIs(2)) << declaration;
+        EXPECT_EQ(list.back(), unknown) << declaration;
+    }
+}

@@ -72,3 +72,30 @@ TEST(GeneralSteps, TimesMayReachTheirLimits)
     EXPECT_THAT(mistake("start 2104-12-29T13:20:00.001Z"), HasSubstr("1970 to 2104"));
     EXPECT_THAT(mistake("start 2104-12-29T13:20:00Z\nclock +1ms"), HasSubstr("1970 to 2104"));
 }
+
+TEST(GeneralSteps, StartMayHaveTheLongestTimeThereIs)
+{
+    const QByteArray text = "2026-03-04T05:06:07.000000+00:00";
+    ASSERT_THAT(text, SizeIs(32));
+    EXPECT_EQ(parsed("start " + text).scenario.start, 1'772'600'767'000);
+    EXPECT_THAT(mistake("start 2026-03-04T05:06:07.0000000+00:00"),
+                HasSubstr("is not a time like"));
+}
+
+TEST(GeneralSteps, WhatIsMissingIsNamed)
+{
+    EXPECT_EQ(mistake("start"),
+              "dir/a.scenario:1:6: error: a time like 2026-01-02T10:00:00Z is missing");
+    EXPECT_EQ(mistake("wait"),
+              "dir/a.scenario:1:5: error: a duration like 1200ms or 1.5s is missing");
+    EXPECT_EQ(mistake("clock"),
+              "dir/a.scenario:1:6: error: a clock step like +1h or -5s is missing");
+    EXPECT_EQ(mistake("select"), "dir/a.scenario:1:7: error: the identifier is missing");
+    EXPECT_EQ(mistake("input-directory"),
+              "dir/a.scenario:1:16: error: 'remove' or 'create' is missing");
+    EXPECT_EQ(mistake("play"),
+              "dir/a.scenario:1:5: error: the recording's name in quotes is missing");
+    EXPECT_EQ(mistake("play \"a\" on"),
+              "dir/a.scenario:1:12: error: the device to play it on is missing");
+    EXPECT_EQ(mistake("ignore"), "dir/a.scenario:1:1: error: the step is 'ignore events'");
+}

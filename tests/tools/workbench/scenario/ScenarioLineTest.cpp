@@ -51,6 +51,7 @@ TEST(ScenarioLine, QuotesAreRemovedAndMakeOneWord)
     ASSERT_TRUE(word);
     EXPECT_EQ(word->option.toStdString(), "name");
     EXPECT_EQ(word->value.toStdString(), "c # de");
+    EXPECT_EQ(word->text.toStdString(), "name=c # de");
     EXPECT_FALSE(word->isQuoted);
     EXPECT_EQ(word->valueColumn, word->column + 5);
     word = line.take(QString());
@@ -80,4 +81,16 @@ TEST(ScenarioLine, OnlyItsFirstMistakeIsReported)
     ASSERT_THAT(diagnostics, SizeIs(1));
     EXPECT_EQ(diagnostics.first().toString().toStdString(), "a:3:5: error: a duration is missing");
     EXPECT_FALSE(line.isOk());
+}
+
+TEST(ScenarioLine, AnOptionEndsAtItsFirstEqualsSign)
+{
+    Diagnostics diagnostics;
+    ScenarioLine line(QStringLiteral("a=b=c =d=e \"f\"=g"), QStringLiteral("a"), 1, &diagnostics);
+    std::vector<std::string> words;
+    while (const ScenarioWord *word = line.atEnd() ? nullptr : line.take(QString()))
+        words.push_back(
+            (word->option + QLatin1Char('|') + word->value + QLatin1Char('|') + word->text)
+                .toStdString());
+    EXPECT_THAT(words, testing::ElementsAre("a|b=c|a=b=c", "=d|e|=d=e", "||f=g"));
 }

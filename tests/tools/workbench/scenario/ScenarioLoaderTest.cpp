@@ -1,5 +1,6 @@
 #include "ScenarioLoader.h"
 
+#include "FilledPipe.h"
 #include "ScenarioFiles.h"
 
 #include <gmock/gmock.h>
@@ -103,4 +104,52 @@ TEST_F(ScenarioLoader, WarningsOfARecordingAreTold)
                  options),
         ElementsAre("a.evemu:3: warning: earlier than the event before it; using that "
                     "event's time"));
+}
+
+TEST_F(ScenarioLoader, APipeIsReadOnlyIfThePersonNamesIt)
+{
+    const std::string refusal = "it is a pipe; only files named on the command line can be";
+    const QByteArray profile = "[[device]]\n[device.handler.keys]\nKEY_INFO = \"Info\"\n";
+    const FilledPipe steps("wait 1s\n");
+    EXPECT_THAT(mistakes(write("a.scenario", "include \"" + steps.path().toUtf8() + "\"\n")),
+                ElementsAre("a.scenario:1:9: error: cannot include '" + steps.path().toStdString()
+                            + "': cannot be read: " + refusal));
+    const FilledPipe keys(profile);
+    EXPECT_THAT(
+        mistakes(write("a.scenario", "profile \"" + keys.path().toUtf8() + "\"\nwait 1s\n")),
+        ElementsAre("a.scenario:1: error: the profile '" + keys.path().toStdString()
+                        + "' has errors",
+                    keys.path().toStdString() + ": error: cannot be read: " + refusal));
+    QFile::link(steps.path(), path("b.expect"));
+    QFile::link(steps.path(), path("b.evemu"));
+    EXPECT_THAT(mistakes(write("a.scenario", "profile \"keys.toml\"\nplay \"b.evemu\"\n")),
+                ElementsAre("a.scenario:2: error: the recording 'b.evemu' cannot be used",
+                            "b.evemu: error: cannot be read: " + refusal));
+
+    LoadOptions options;
+    options.profile = keys.path();
+    EXPECT_THAT(mistakes(write("a.scenario", "wait 1s\n"), options), IsEmpty());
+    EXPECT_EQ(loadScenario(steps.path(), {}).diagnostics.first().message.toStdString(),
+              "no profile to say what the keys mean; write 'profile \"FILE\"' or use --profile "
+              "FILE");
+}
+
+TEST_F(ScenarioLoader, ExpectationsAreReadFromAPipeIfThePersonNamesIt)
+{
+    LoadOptions options;
+    options.profile = path("keys.toml");
+    const QString recording = write("a.evemu", "N: panel\nB: 01 00\nE: 1.000000 0001 0073 1\n");
+    const FilledPipe named("expect nothing\n");
+    options.expectations = named.path();
+    EXPECT_THAT(mistakes(recording, options), IsEmpty());
+    const FilledPipe beside("expect nothing\n");
+    QFile::link(beside.path(), path("a.expect"));
+    options.expectations.clear();
+    EXPECT_THAT(mistakes(recording, options),
+                ElementsAre("a.expect: error: cannot be read: it is a pipe; only files named on "
+                            "the command line can be"));
+    // A recording that is a pipe itself.
+    const FilledPipe events("N: panel\nB: 01 00\nE: 1.000000 0001 0073 1\n");
+    QFile::link(events.path(), path("b.evemu"));
+    EXPECT_THAT(mistakes(path("b.evemu"), options), IsEmpty());
 }
