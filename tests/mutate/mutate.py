@@ -73,7 +73,7 @@ class Session:
             self.scratch.copy({})
             self.scratch.configure()
         else:
-            # The sources are compiled, with mutants in them; the headers that they include may be old.
+            # The copies of sources have mutants in them; the headers that they include may be old.
             self.scratch.copy({}, untouched=self.sources)
         found = plan.find(self.scratch, self.area, self.sources)
         self.mutations = plan.number(plan.sample(found, self.area.sample,
