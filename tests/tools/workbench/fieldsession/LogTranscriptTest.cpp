@@ -475,7 +475,7 @@ TEST(LogTranscript, SaysThatALogHasNoEvents)
 TEST(LogTranscript, ReadsPacketsOfTwoListenersWithoutTheirDescriptors)
 {
     WrittenLog log;
-    log.device(0, "panel", true).select("");
+    log.pace(1000).device(0, "panel", true).select("");
     log.record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
     log.event("", "CharA", "KeyPressed", 1097, "press").record(KEY_A, 1).wait(1000);
     log.record(KEY_A, 0).storedAgain(30, {"30 release"}).passedOn(KEY_A, 0);
@@ -490,44 +490,38 @@ TEST(LogTranscript, ReadsPacketsOfTwoListenersWithoutTheirDescriptors)
     EXPECT_EQ(log.transcript(),
               "0.000 start of a.log\n"
               "0.000 # read from a log; records have the times of their lines\n"
-              "0.040 + event0 'panel' LocalUI\n"
-              "0.050 identifier ''\n"
-              "0.070 event0 KEY_A 1\n"
-              "0.120 => CharA KeyPressed of event0 LocalUI KEY_A\n"
-              "0.120 event0 KEY_A 1 published [CharA KeyPressed]\n"
-              "0.130 event0 KEY_A 1\n"
-              "0.140 event0 KEY_A 1 open [] no line of a handler follows it; if both listeners of "
+              "0.004 + event0 'panel' LocalUI\n"
+              "0.005 identifier ''\n"
+              "0.007 event0 KEY_A 1\n"
+              "0.012 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.012 event0 KEY_A 1 published [CharA KeyPressed]\n"
+              "1.015 event0 KEY_A 0\n"
+              "1.021 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+              "1.021 event0 KEY_A 0 published [CharA KeyReleased]\n"
+              "2.024 event0 KEY_A 1\n"
+              "2.025 event0 KEY_B 1\n"
+              "2.027 event0 KEY_A 1\n"
+              "2.028 event0 KEY_C 1\n"
+              "2.029 event0 KEY_A 1 open [] no line of a handler follows it; if both listeners of "
               "a device have read it, this is said of the other line\n"
-              "1.150 event0 KEY_A 0\n"
-              "1.210 => CharA KeyReleased of event0 LocalUI KEY_A\n"
-              "1.210 event0 KEY_A 0 published [CharA KeyReleased]\n"
-              "1.220 event0 KEY_A 0\n"
-              "1.230 event0 KEY_A 0 open [] no line of a handler follows it; if both listeners of "
+              "2.029 event0 KEY_B 1 open [] no line of a handler follows it; if both listeners of "
               "a device have read it, this is said of the other line\n"
-              "2.240 event0 KEY_A 1\n"
-              "2.250 event0 KEY_B 1\n"
-              "2.270 event0 KEY_A 1\n"
-              "2.280 event0 KEY_C 1\n"
-              "2.290 event0 KEY_A 1 open [] no line of a handler follows it; if both listeners of "
+              "2.029 event0 KEY_A 1 open [] no line of a handler follows it; if both listeners of "
               "a device have read it, this is said of the other line\n"
-              "2.290 event0 KEY_B 1 open [] no line of a handler follows it; if both listeners of "
+              "2.029 event0 KEY_C 1 open [] no line of a handler follows it; if both listeners of "
               "a device have read it, this is said of the other line\n"
-              "2.290 event0 KEY_A 1 open [] no line of a handler follows it; if both listeners of "
+              "3.030 event0 KEY_D 1\n"
+              "3.034 event0 KEY_D 1\n"
+              "3.037 event0 KEY_D 1 open [] nothing was published for it before the key was "
+              "pressed again or repeated at 3.037 s\n"
+              "3.037 # KEY_D is pressed although it was down: the release in between was lost\n"
+              "4.039 event0 KEY_E 1\n"
+              "4.101 event0 KEY_E 1\n"
+              "4.102 event0 KEY_E 1 open [] no line of a handler follows it; if both listeners of "
               "a device have read it, this is said of the other line\n"
-              "2.290 event0 KEY_C 1 open [] no line of a handler follows it; if both listeners of "
+              "4.102 event0 KEY_E 1 open [] no line of a handler follows it; if both listeners of "
               "a device have read it, this is said of the other line\n"
-              "3.300 event0 KEY_D 1\n"
-              "3.340 event0 KEY_D 1\n"
-              "3.370 event0 KEY_D 1 open [] nothing was published for it before the key was "
-              "pressed again or repeated at 3.370 s\n"
-              "3.370 # KEY_D is pressed although it was down: the release in between was lost\n"
-              "4.390 event0 KEY_E 1\n"
-              "4.470 event0 KEY_E 1\n"
-              "4.480 event0 KEY_E 1 open [] no line of a handler follows it; if both listeners of "
-              "a device have read it, this is said of the other line\n"
-              "4.480 event0 KEY_E 1 open [] no line of a handler follows it; if both listeners of "
-              "a device have read it, this is said of the other line\n"
-              "4.480 event0 KEY_D 1 open [] nothing was published for it: held back, or it has no "
+              "4.102 event0 KEY_D 1 open [] nothing was published for it: held back, or it has no "
               "command; still down at the end\n");
 }
 
@@ -741,6 +735,7 @@ TEST(LogTranscript, SaysThatKeysAndLinesContradictEachOther)
 {
     WrittenLog log;
     log.device(0, "panel").select("");
+    log.add(detectors, "Found already event for code:99").stored({"46 press"});
     log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
     log.event("", "CharA", "KeyPressed", 1097, "press");
     log.add(detectors, "Found already event for code:99").stored({"30 press"});
@@ -756,26 +751,27 @@ TEST(LogTranscript, SaysThatKeysAndLinesContradictEachOther)
               "0.000 # read from a log; records have the times of their lines\n"
               "0.040 + event0 'panel' LocalUI\n"
               "0.050 identifier ''\n"
-              "0.080 event0 KEY_A 1\n"
-              "0.130 => CharA KeyPressed of event0 LocalUI KEY_A\n"
-              "0.150 # lines of the chord detector contradict each other here: some are missing\n"
-              "0.150 event0 KEY_A 1 published [CharA KeyPressed]\n"
-              "0.170 event0 KEY_A 0\n"
-              "0.210 event0 KEY_A 0 unmapped [] nothing was published for the release\n"
-              "0.230 event0 KEY_A 1\n"
-              "0.280 event0 KEY_A 1\n"
-              "0.310 event0 KEY_A 1 open [] nothing was published for it before the key was "
-              "pressed again or repeated at 0.310 s\n"
-              "0.310 # KEY_A is pressed although it was down: the release in between was lost\n"
-              "0.340 event0 KEY_B 1\n"
-              "0.360 # /dev/input/event0 had KEY_A down, and now has not: lines are missing, or a "
+              "0.080 # lines of the chord detector contradict each other here: some are missing\n"
+              "0.100 event0 KEY_A 1\n"
+              "0.150 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.170 # lines of the chord detector contradict each other here: some are missing\n"
+              "0.170 event0 KEY_A 1 published [CharA KeyPressed]\n"
+              "0.190 event0 KEY_A 0\n"
+              "0.230 event0 KEY_A 0 unmapped [] nothing was published for the release\n"
+              "0.250 event0 KEY_A 1\n"
+              "0.300 event0 KEY_A 1\n"
+              "0.330 event0 KEY_A 1 open [] nothing was published for it before the key was "
+              "pressed again or repeated at 0.330 s\n"
+              "0.330 # KEY_A is pressed although it was down: the release in between was lost\n"
+              "0.360 event0 KEY_B 1\n"
+              "0.380 # /dev/input/event0 had KEY_A down, and now has not: lines are missing, or a "
               "selection that the log does not show\n"
-              "0.380 # the library complains: Duplicate keys in double key input map: "
+              "0.400 # the library complains: Duplicate keys in double key input map: "
               "QPair(30,48), overwriting old value (KEY_A, KEY_B)\n"
-              "0.390 # the library complains: Short read on event device /dev/input/event0\n"
-              "0.390 event0 KEY_A 1 open [] nothing was published for it: held back, or it has no "
+              "0.410 # the library complains: Short read on event device /dev/input/event0\n"
+              "0.410 event0 KEY_A 1 open [] nothing was published for it: held back, or it has no "
               "command; still down at the end\n"
-              "0.390 event0 KEY_B 1 open [] nothing was published for it: held back, or it has no "
+              "0.410 event0 KEY_B 1 open [] nothing was published for it: held back, or it has no "
               "command; still down at the end\n");
 }
 
@@ -806,4 +802,42 @@ TEST(LogTranscript, BeginsAnewWithTheProgram)
               "0.050 event0 KEY_A 0\n"
               "0.080 => CharA KeyPressed of event0 LocalUI KEY_A\n"
               "0.080 event0 KEY_A 0 published [CharA KeyPressed]\n");
+}
+
+TEST(LogTranscript, DoesNotTakeTheEventOfAnotherDevice)
+{
+    WrittenLog log;
+    log.device(0, "panel").device(1, "remote").select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.report("panel", "CharA", "KeyPressed").bus(1097, "press");
+    log.read(5).record(KEY_B, 1).stored({"30 press", "48 press"}).passedOn(KEY_A, 0);
+    log.report("remote", "CharA", "KeyReleased").bus(1097, "release");
+    log.report("panel", "CharA", "KeyReleased").bus(1097, "release");
+    log.passedOn(KEY_A, 1).passedOn(KEY_B, 1);
+    log.report("remote", "Power", "KeyPressed").bus(22, "press");
+    log.read(6).record(KEY_1, 1).stored({"2 press"}).passedOn(KEY_1, 1);
+    log.report("cupboard", "Number1", "KeyPressed").bus(1049, "press");
+    log.report("remote", "Number1", "KeyLongPress").bus(1049, "long press");
+    log.report("panel", "CharB", "KeyLongPress").bus(1098, "long press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.090 + event1 'remote' LocalUI\n"
+              "0.100 identifier ''\n"
+              "0.130 event0 KEY_A 1\n"
+              "0.180 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.180 event0 KEY_A 1 published [CharA KeyPressed]\n"
+              "0.200 event0 KEY_B 1\n"
+              "0.220 event0 first-key-withdrawn KEY_A for ''\n"
+              "0.250 => CharA KeyReleased of event1 LocalUI ?\n"
+              "0.270 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+              "0.290 event0 chord-found KEY_A+KEY_B for ''\n"
+              "0.310 => Power KeyPressed of event1 LocalUI ?\n"
+              "0.310 event0 KEY_B 1 published [CharA KeyReleased]\n"
+              "0.330 event1 KEY_1 1\n"
+              "0.380 => Number1 KeyPressed of event1 LocalUI KEY_1\n"
+              "0.400 => Number1 KeyLongPress of event1 LocalUI KEY_1\n"
+              "0.420 => CharB KeyLongPress of event0 LocalUI ?\n"
+              "0.420 event1 KEY_1 1 published [Number1 KeyPressed]\n");
 }

@@ -85,7 +85,7 @@ WrittenLog &WrittenLog::add(const char *logger, const QString &message)
 {
     LogLine line;
     line.number = ++m_number;
-    m_time += 10'000;
+    m_time += m_pace;
     line.time = 1'767'348'000'000'000 + m_time;
     line.hasDate = true;
     line.logger = QString::fromLatin1(logger);
@@ -98,6 +98,12 @@ WrittenLog &WrittenLog::add(const char *logger, const QString &message)
 WrittenLog &WrittenLog::wait(int milliseconds)
 {
     m_time += qint64{milliseconds} * 1000;
+    return *this;
+}
+
+WrittenLog &WrittenLog::pace(int microseconds)
+{
+    m_pace = microseconds;
     return *this;
 }
 

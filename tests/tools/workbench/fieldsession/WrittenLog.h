@@ -21,6 +21,8 @@ public:
     WrittenLog &add(const char *logger, const QString &message);
     /// Time passes before the next line.
     WrittenLog &wait(int milliseconds);
+    /// How long the lines from here on take each.
+    WrittenLog &pace(int microseconds);
     /// Whose the next lines are.
     WrittenLog &of(const char *process);
 
@@ -57,6 +59,7 @@ private:
     QString m_process;
     qint64 m_number = 0;
     qint64 m_time = 0;
+    qint64 m_pace = 10'000;
 };
 
 #endif
