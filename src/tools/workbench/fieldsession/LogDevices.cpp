@@ -47,7 +47,7 @@ void LogDevices::open(const Said::ListenerOpened &opened)
         m_opening->device.path = opened.path;
         m_opening->device.name = m_names.value(opened.path);
     }
-    const bool isForKeys = m_opening->listeners == 0 && opened.result != Result::NoSwitches;
+    const bool isForKeys = m_opening->listeners == 0;
     ++m_opening->listeners;
     if (opened.result != Result::Ready)
         return;

@@ -100,7 +100,7 @@ bool LogOrigins::mayBe(const LogOrigin &origin, const LogDevice &device) const
         return false;
     int taken = 0;
     for (const LogOriginPtr &other : m_descriptors) {
-        const LogDevicePtr known = other ? other->device() : nullptr;
+        const LogDevicePtr known = other->device();
         if (other.get() != &origin && known && known->path == device.path)
             ++taken;
     }
@@ -120,8 +120,7 @@ void LogOrigins::settle(const LogOriginPtr &origin)
             return;
         only = device;
     }
-    if (only)
-        origin->setDevice(only);
+    origin->setDevice(only);
 }
 
 void LogOrigins::settleAll()

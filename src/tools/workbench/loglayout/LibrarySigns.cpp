@@ -124,12 +124,9 @@ std::optional<std::size_t> libraryMessageIn(std::string_view line)
 {
     const std::size_t strong = firstOf(strongSigns, line);
     const bool isStrong = strong != std::string_view::npos && isConvincing(line, strong);
-    if (!namesLogger(line))
-        return isStrong ? std::optional(strong) : std::nullopt;
     const std::size_t weak = firstOf(weakSigns, line);
     // "Enter LinuxInputListener::readData" names a logger in the message only.
-    const bool isWeak =
-        weak != std::string_view::npos && weak > 0 && namesLogger(line.substr(0, weak));
+    const bool isWeak = weak != std::string_view::npos && namesLogger(line.substr(0, weak));
     if (!isStrong && !isWeak)
         return std::nullopt;
     return isStrong && isWeak ? std::min(strong, weak) : isStrong ? strong : weak;
