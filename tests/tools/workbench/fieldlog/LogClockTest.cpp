@@ -78,6 +78,21 @@ TEST(LogClock, LeavesOutLeapsThatNoSessionCanHold)
     EXPECT_EQ(remark(reading), "");
 }
 
+TEST(LogClock, CountsFromTheFirstLineWithoutADate)
+{
+    for (const qint64 first : {100 * second, -5 * second}) {
+        auto line = lineAt(first);
+        line.hasDate = false;
+        LogClock clock;
+        const LogClock::Reading reading = clock.at(line);
+        EXPECT_EQ(reading.time, 0);
+        EXPECT_EQ(remark(reading), "");
+        line.time = first + second;
+        EXPECT_EQ(clock.at(line).time, second);
+        EXPECT_EQ(remark(clock.at(line)), "");
+    }
+}
+
 TEST(LogClock, TellsALeapByItsTwoLargestUnits)
 {
     const auto told = [](qint64 leap) {

@@ -250,6 +250,61 @@ TEST(LibraryMessage, SaysWhatWasPublished)
     EXPECT_EQ(report.state, InputEvent::KeyPressed);
 }
 
+TEST(LibraryMessage, SaysWhatHasNoName)
+{
+    const auto reported = [](const char *event) {
+        const auto line = libraryLine(
+            handlers, QStringLiteral("Device: a; id: b; command ") + QString::fromLatin1(event));
+        if (!line || !std::holds_alternative<Said::EventReported>(line->what))
+            return std::string("none");
+        const auto report = std::get<Said::EventReported>(line->what);
+        return std::to_string(report.command) + " " + std::to_string(report.state);
+    };
+    EXPECT_EQ(reported("[cmd=5000, state=KeyReleased]"), "5000 2");
+    EXPECT_EQ(reported("[cmd=-1, state=7]"), "-1 7");
+    EXPECT_EQ(reported("[cmd=Stop, state=Unknown]"), "11 0");
+    EXPECT_EQ(reported("[cmd=Halt, state=KeyPressed]"), "none");
+    EXPECT_EQ(reported("[cmd=Stop, state=Pressed]"), "none");
+    EXPECT_EQ(reported("[cmd=Stop, state=KeyPressed"), "none");
+    EXPECT_EQ(reported("[cmd=Stop; state=KeyPressed]"), "none");
+}
+
+TEST(LibraryMessage, TakesNumbersOfTheirRange)
+{
+    const auto isKnown = [](LibraryLogger logger, const std::string &message) {
+        return libraryLine(logger, QString::fromStdString(message)).has_value();
+    };
+    for (const char *value : {"-2147483648", "2147483647", "0", "9"}) {
+        EXPECT_TRUE(isKnown(listeners, std::string(" type: 1 code:1 value:") + value)) << value;
+        EXPECT_TRUE(isKnown(handlers, std::string("Trying to remove a non-existing key ") + value))
+            << value;
+        EXPECT_TRUE(
+            isKnown(LibraryLogger::Input, "Vorn::InputEvent(" + std::string(value) + ") press"))
+            << value;
+    }
+    for (const char *value : {"-2147483649", "2147483648", "", "-", "x", "1x", "/", ":"})
+        EXPECT_FALSE(isKnown(listeners, std::string(" type: 1 code:1 value:") + value)) << value;
+    EXPECT_TRUE(isKnown(listeners, " type: 65535 code:65535 value:1"));
+    EXPECT_FALSE(isKnown(listeners, " type: 65536 code:1 value:1"));
+    EXPECT_FALSE(isKnown(listeners, " type: 1 code:65536 value:1"));
+    EXPECT_FALSE(isKnown(listeners, " type: -1 code:1 value:1"));
+    EXPECT_TRUE(isKnown(listeners, "bustype: 65535"));
+    EXPECT_FALSE(isKnown(listeners, "bustype: 65536"));
+    const auto isTime = [&isKnown](const char *time) {
+        return isKnown(detectors,
+                       "Stored:(input_event: code:1 value:press time:" + std::string(time) + ")");
+    };
+    EXPECT_TRUE(isTime("23:59:59,999"));
+    EXPECT_TRUE(isTime("00:00:00,000"));
+    for (const char *time : {"24:00:00,000", "00:60:00,000", "00:00:60,000", "00:00:00,1000",
+                             "-1:00:00,000", "00:00:00"})
+        EXPECT_FALSE(isTime(time)) << time;
+    EXPECT_FALSE(isKnown(detectors, "Stored:(input_event: code:1 value:pres time:10:00:00,000)"));
+    EXPECT_FALSE(isKnown(detectors,
+                         "Stored:(input_event: code:65536 value:press "
+                         "time:10:00:00,000)"));
+}
+
 TEST(LibraryMessage, NamesMayContainWhatSeparatesThem)
 {
     const auto report = said<Said::EventReported>(

@@ -106,6 +106,21 @@ TEST_F(LogSessionsTest, KeepTheDateAsTheTimeOfRecords)
     EXPECT_THAT(stamps, ElementsAre(1'767'348'000'000'000, 1'767'348'000'001'000));
 }
 
+TEST_F(LogSessionsTest, BeginWhenTheFirstLineSaysSo)
+{
+    LogLine dated = record();
+    dated.time = 1'767'348'000'000'000;
+    dated.hasDate = true;
+    dated.uptime = 1'000'000;
+    m_sessions.add(dated);
+    *dated.time += 3'600'000'000;
+    *dated.uptime += 1000;
+    m_sessions.add(dated);
+    m_sessions.finish();
+    EXPECT_EQ(std::get<SessionStart>(m_entries.front().what).wallClock, 1'767'348'000'000'000)
+        << "the clock was set later";
+}
+
 TEST_F(LogSessionsTest, TakeATimeWithoutADateForNoTimeOfDay)
 {
     LogLine dateless = record();

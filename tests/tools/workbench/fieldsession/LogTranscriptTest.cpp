@@ -194,6 +194,7 @@ TEST(LogTranscript, TellsWhatASelectionEnds)
     log.read(5).record(KEY_D, 0).add(detectors, "Received release for non existing press -> drop");
     log.add(detectors, "Received release for non existing press -> drop");
     log.add(detectors, "Double key press detected and new press event received -> drop");
+    log.read(5).record(KEY_E, 1).stored({"18 press"}).passedOn(KEY_E, 1);
     EXPECT_EQ(log.transcript(),
               "0.000 start of a.log\n"
               "0.000 # read from a log; records have the times of their lines\n"
@@ -252,7 +253,10 @@ TEST(LogTranscript, TellsWhatASelectionEnds)
               "selection that the log does not show\n"
               "0.790 # a key was dropped: a release without a press; which one is not in the log\n"
               "0.800 # a key was dropped, since two other keys are a pair; which one is not in the "
-              "log\n");
+              "log\n"
+              "0.820 event0 KEY_E 1\n"
+              "0.850 event0 KEY_E 1 open [] nothing was published for it: held back, or it has no "
+              "command; still down at the end\n");
 }
 
 TEST(LogTranscript, TellsWhatIsLeftWhenADeviceGoes)
@@ -355,6 +359,9 @@ TEST(LogTranscript, TellsWhatBecomesOfSwitches)
     }
     // The product's own, of which no handler speaks.
     log.bus(1097, "press").bus(40, "switch enable");
+    // Neither listener has a handler that takes it.
+    for (const int descriptor : {5, 6})
+        log.read(descriptor).record(KEY_G, 1);
     EXPECT_EQ(log.transcript(),
               "0.000 start of a.log\n"
               "0.000 # read from a log; records have the times of their lines\n"
@@ -376,7 +383,10 @@ TEST(LogTranscript, TellsWhatBecomesOfSwitches)
               "0.340 => CharA KeyPressed of event0 LocalUI KEY_A\n"
               "0.340 event0 KEY_A 1 published [CharA KeyPressed]\n"
               "0.390 => CharA KeyPressed of ? NoBus ?\n"
-              "0.400 => SWLineIn SwitchEnabled of ? NoBus ?\n");
+              "0.400 => SWLineIn SwitchEnabled of ? NoBus ?\n"
+              "0.420 event0 KEY_G 1\n"
+              "0.460 event0 KEY_G 1 unread [] no key handler took it: the listener had no "
+              "receiver\n");
 }
 
 TEST(LogTranscript, SaysWhyAKeyPublishedNothing)
@@ -393,6 +403,10 @@ TEST(LogTranscript, SaysWhyAKeyPublishedNothing)
     log.read(5).record(KEY_B, 0);
     log.read(5).record(KEY_B, 1).storedAgain(48, {"48 press"}).passedOn(KEY_B, 1);
     log.stored({"46 press"});
+    log.read(5).record(KEY_D, 1).storedAgain(32, {"32 press"}).passedOn(KEY_D, 1);
+    log.read(5).record(KEY_D, 1);
+    for (const int code : {1, 2, 4})
+        log.add(listeners, QStringLiteral(" type: 0 code:%1 value:0").arg(code));
     EXPECT_EQ(log.transcript(),
               "0.000 start of a.log\n"
               "0.000 # read from a log; records have the times of their lines\n"
@@ -421,7 +435,18 @@ TEST(LogTranscript, SaysWhyAKeyPublishedNothing)
               "0.360 # KEY_B is pressed although it was down: the release in between was lost\n"
               "0.380 # /dev/input/event0 had KEY_B down, and now has not: lines are missing, or a "
               "selection that the log does not show\n"
-              "0.380 event0 KEY_B 1 open [] nothing was published for it: held back, or it has no "
+              "0.400 event0 KEY_D 1\n"
+              "0.430 # /dev/input/event0 had KEY_C down, and now has not: lines are missing, or a "
+              "selection that the log does not show\n"
+              "0.460 event0 KEY_D 1\n"
+              "0.480 event0 SYN_CONFIG 0\n"
+              "0.490 event0 SYN_MT_REPORT 0\n"
+              "0.500 event0 4 0\n"
+              "0.500 event0 KEY_D 1 open [] nothing was published for it before the key was "
+              "pressed again or repeated at 0.500 s\n"
+              "0.500 event0 KEY_D 1 unread [] no key handler took it: the listener had no "
+              "receiver\n"
+              "0.500 event0 KEY_B 1 open [] nothing was published for it: held back, or it has no "
               "command; still down at the end\n");
 }
 
@@ -840,4 +865,148 @@ TEST(LogTranscript, DoesNotTakeTheEventOfAnotherDevice)
               "0.400 => Number1 KeyLongPress of event1 LocalUI KEY_1\n"
               "0.420 => CharB KeyLongPress of event0 LocalUI ?\n"
               "0.420 event1 KEY_1 1 published [Number1 KeyPressed]\n");
+}
+
+TEST(LogTranscript, KnowsThatADescriptorIsAnotherDevicesOnceItCannotBeRead)
+{
+    WrittenLog log;
+    log.device(0, "panel").device(1, "remote").device(2, "keypad").select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.report("panel", "CharA", "KeyPressed").bus(1097, "press");
+    log.read(6).record(KEY_1, 1).stored({"2 press"}).passedOn(KEY_1, 1);
+    log.report("remote", "Number1", "KeyPressed").bus(1049, "press");
+    log.read(6).record(KEY_2, 1).stored({"2 press", "3 press"}).passedOn(KEY_1, 0);
+    // In a slot of the withdrawal.
+    log.read(5).add(listeners, "Error reading from event device /dev/input/event0");
+    log.read(5).record(KEY_B, 1).stored({"48 press"}).passedOn(KEY_B, 1);
+    log.report("keypad", "CharB", "KeyPressed").bus(1098, "press");
+    log.passedOn(KEY_1, 1).passedOn(KEY_2, 1);
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.090 + event1 'remote' LocalUI\n"
+              "0.140 + event2 'keypad' LocalUI\n"
+              "0.150 identifier ''\n"
+              "0.180 event0 KEY_A 1\n"
+              "0.230 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.230 event0 KEY_A 1 published [CharA KeyPressed]\n"
+              "0.250 event1 KEY_1 1\n"
+              "0.300 => Number1 KeyPressed of event1 LocalUI KEY_1\n"
+              "0.300 event1 KEY_1 1 published [Number1 KeyPressed]\n"
+              "0.320 event1 KEY_2 1\n"
+              "0.340 event1 first-key-withdrawn KEY_1 for ''\n"
+              "0.370 # the library complains: Error reading from event device /dev/input/event0; "
+              "it does not read it any more\n"
+              "0.390 event2 KEY_B 1\n"
+              "0.440 => CharB KeyPressed of event2 LocalUI KEY_B\n"
+              "0.440 event2 KEY_B 1 published [CharB KeyPressed]\n"
+              "0.460 event1 chord-found KEY_1+KEY_2 for ''\n"
+              "0.460 event1 KEY_2 1 unmapped [] KEY_1 + KEY_2 have no command together, nor has "
+              "KEY_2 one\n");
+}
+
+TEST(LogTranscript, NamesADeviceByItsSwitchesAndLongPresses)
+{
+    WrittenLog log;
+    log.device(0, "panel", true).device(1, "lid", true).select("");
+    log.read(5).add(listeners, " type: 5 code:13 value:1");
+    log.report("lid", "SWLineIn", "SwitchEnabled").bus(40, "switch enable");
+    log.read(6).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1).wait(2000);
+    log.report("panel", "CharA", "KeyLongPress").bus(1097, "long press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.090 + event1 'lid' LocalUI\n"
+              "0.100 identifier ''\n"
+              "0.130 event1 SW_LINEIN_INSERT 1\n"
+              "0.150 => SWLineIn SwitchEnabled of event1 LocalUI SW_LINEIN_INSERT\n"
+              "0.150 event1 SW_LINEIN_INSERT 1 published [SWLineIn SwitchEnabled]\n"
+              "0.170 event0 KEY_A 1\n"
+              "2.220 event0 KEY_A 1 held [] held back until the release or a long press\n"
+              "2.220 => CharA KeyLongPress of event0 LocalUI KEY_A\n");
+}
+
+TEST(LogTranscript, KnowsThePairThatIsDownWhenTheLogBegins)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.read(5).record(KEY_A, 2).storedAgain(30, {"30 release", "48 press"});
+    log.read(5).record(KEY_B, 2).storedAgain(48, {"30 release", "48 release"});
+    log.read(5).record(KEY_B, 0).storedAgain(48, {"30 release", "48 release"});
+    log.read(5).record(KEY_A, 0).storedAgain(30, {"30 release", "48 release"});
+    log.passedOn(KEY_A, 0).passedOn(KEY_B, 0).event("", "Power", "KeyReleased", 22, "release");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
+              "0.080 event0 KEY_A 2\n"
+              "0.110 event0 KEY_A 2 chord [] KEY_A + KEY_B are a pair already\n"
+              "0.130 event0 KEY_B 2\n"
+              "0.160 event0 KEY_B 2 chord [] KEY_A + KEY_B are a pair already\n"
+              "0.180 event0 KEY_B 0\n"
+              "0.210 event0 KEY_B 0 chord [] KEY_A + KEY_B are a pair until both are up\n"
+              "0.230 event0 KEY_A 0\n"
+              "0.260 event0 chord-released KEY_A+KEY_B for ''\n"
+              "0.300 => Power KeyReleased of event0 LocalUI KEY_A+KEY_B\n"
+              "0.300 event0 KEY_A 0 published [Power KeyReleased] the log does not say whether for "
+              "KEY_A + KEY_B or for KEY_B alone\n");
+}
+
+TEST(LogTranscript, TellsAPairWithoutLinesOfTheHandler)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"});
+    log.report("panel", "CharA", "KeyPressed").bus(1097, "press");
+    log.read(5).record(KEY_B, 1).stored({"30 press", "48 press"});
+    log.read(5).record(KEY_A, 0).storedAgain(30, {"30 release", "48 press"});
+    log.read(5).record(KEY_B, 0).storedAgain(48, {"30 release", "48 release"});
+    log.read(5).record(KEY_C, 1).stored({"46 press"});
+    log.report("panel", "CharC", "KeyPressed").bus(1099, "press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
+              "0.080 event0 KEY_A 1\n"
+              "0.120 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.120 event0 KEY_A 1 published [CharA KeyPressed]\n"
+              "0.140 event0 KEY_B 1\n"
+              "0.160 event0 first-key-withdrawn KEY_A for ''\n"
+              "0.160 event0 chord-found KEY_A+KEY_B for ''\n"
+              "0.160 event0 KEY_B 1 unmapped [] KEY_A + KEY_B have no command together, nor has "
+              "KEY_B one\n"
+              "0.180 event0 KEY_A 0\n"
+              "0.210 event0 KEY_A 0 chord [] KEY_A + KEY_B are a pair until both are up\n"
+              "0.230 event0 KEY_B 0\n"
+              "0.260 event0 chord-released KEY_A+KEY_B for ''\n"
+              "0.260 event0 KEY_B 0 unmapped [] KEY_A + KEY_B have no command together, nor has "
+              "KEY_B one\n"
+              "0.280 event0 KEY_C 1\n"
+              "0.320 => CharC KeyPressed of event0 LocalUI KEY_C\n"
+              "0.320 event0 KEY_C 1 published [CharC KeyPressed]\n");
+}
+
+TEST(LogTranscript, TakesNoRecordOfAnotherKeyBack)
+{
+    WrittenLog log;
+    log.pace(1000).device(0, "panel", true).select("");
+    log.record(KEY_D, 1).stored({"32 press"}).passedOn(KEY_D, 1);
+    log.event("", "CharD", "KeyPressed", 1100, "press").record(KEY_D, 1);
+    log.stored({"32 press", "18 press"}).passedOn(KEY_D, 0).passedOn(KEY_D, 1);
+    log.passedOn(KEY_E, 1).event("", "Power", "KeyPressed", 22, "press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.004 + event0 'panel' LocalUI\n"
+              "0.005 identifier ''\n"
+              "0.007 event0 KEY_D 1\n"
+              "0.012 => CharD KeyPressed of event0 LocalUI KEY_D\n"
+              "0.012 event0 KEY_D 1 published [CharD KeyPressed]\n"
+              "0.015 event0 first-key-withdrawn KEY_D for ''\n"
+              "0.018 event0 chord-found KEY_D+KEY_E for '', mapped\n"
+              "0.020 => Power KeyPressed of event0 LocalUI KEY_D+KEY_E\n");
 }

@@ -47,6 +47,7 @@ TEST(HeaderWords, AreMadeOfLettersAndDigits)
     EXPECT_EQ(words("x/y@z`w[v{u:t"),
               "other 'x', other 'y', other 'z', other 'w', other 'v', other 'u', other 't'");
     EXPECT_EQ(words("-aZ09_ Az-"), "other 'aZ09_', other 'Az'");
+    EXPECT_EQ(words("\xe2\x80\x93"), "other '\xe2\x80\x93'");
 }
 
 TEST(HeaderWords, LoggersMayBeCutAtTheFront)
@@ -91,6 +92,7 @@ TEST(HeaderWords, LocationsAreFilesAndTheirLines)
     EXPECT_EQ(words("a.cpp() x"), "known 'a.cpp' %F, other 'x'");
     EXPECT_EQ(words("a.cpp(12 x"), "known 'a.cpp' %F, known '12' %i, other 'x'");
     EXPECT_EQ(words("a.cpp:1"), "known 'a.cpp:1' %l");
+    EXPECT_EQ(words("(/src/a.cpp:12)"), "known 'src/a.cpp:12' %l");
     for (const std::string end : {".cpp", ".h", ".cc", ".cxx", ".hpp", ".c"})
         EXPECT_EQ(words("a" + end), "known 'a" + end + "' %F");
     EXPECT_EQ(words("a.java:12"), "other 'a', other 'java', known '12' %i");

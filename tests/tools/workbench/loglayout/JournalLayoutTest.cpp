@@ -78,6 +78,7 @@ TEST(JournalLayout, TakesUnitsAndTheirProcessesApart)
     EXPECT_EQ(parts("player[4/]: x"), "player[4/]||x");
     EXPECT_EQ(parts("player[1:]: x"), "player[1:]||x");
     EXPECT_EQ(parts("a[1]b: x"), "a[1]b||x");
+    EXPECT_EQ(parts("a[1b: x"), "a[1b||x");
     EXPECT_EQ(parts("player1]: x"), "player1]||x");
     EXPECT_EQ(parts("a[1][2]: x"), "a[1][2]|2|x");
     EXPECT_EQ(parts("kernel: "), "kernel||");

@@ -290,6 +290,14 @@ TEST(LayoutGuess, TakesTheGivenPatternWithAndWithoutWhatIsAroundIt)
     EXPECT_EQ(text({outer + "hello", outer + "Input DEBUG x"}),
               "journal (short), in it the pattern '%c %p %m%n'");
     EXPECT_EQ(text({"hello"}), "none");
+    const auto own = LogPattern::compile("%D{%b %d %H:%M:%S} %h %p: %m%n", &error);
+    const std::optional<LogLayout> layout = guessLayout({"Jan 02 10:00:00 h x[1]: y"}, own);
+    EXPECT_FALSE(layout && layout->text().startsWith("pattern"));
+    const auto whole = LogPattern::compile("%D{%b %d %H:%M:%S} %h %x: %m [%i]%n", &error);
+    const std::optional<LogLayout> alone = guessLayout({"Jan 02 10:00:00 h x: y [1]"}, whole);
+    ASSERT_TRUE(alone);
+    EXPECT_EQ(alone->text(), "pattern '%D{%b %d %H:%M:%S} %h %x: %m [%i]%n'")
+        << "it only looks like the journal's";
 }
 
 TEST(LayoutGuess, LooksAtTwentyLinesOfTheLibrary)

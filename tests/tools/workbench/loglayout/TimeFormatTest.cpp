@@ -168,6 +168,9 @@ TEST(TimeFormat, TakesFractionsOfASecond)
     EXPECT_EQ(taken("%f", "123456789"), "0-0-0 123456");
     EXPECT_EQ(taken("%f", "1234567890"), "0-0-0 123456 | 0");
     EXPECT_EQ(taken("%f", "9:"), "0-0-0 900000 | :");
+    EXPECT_EQ(taken("%f", std::string_view("129", 2)), "0-0-0 120000") << "where the text ends";
+    EXPECT_EQ(taken("%q", std::string_view("129", 2)), "none");
+    EXPECT_EQ(taken("%s", std::string_view("129", 2)), "0-0-0 12000000 since the epoch");
     EXPECT_EQ(taken("%f", "x"), "none");
     EXPECT_EQ(taken("%f", ""), "none");
     EXPECT_TRUE(hasFraction("%S.%q"));
