@@ -255,6 +255,8 @@ TEST(Profile, NamesTheCommandThatWasProbablyMeant)
          {R"(115 = { command = 16 })",
           "19: error: 'command' is a name, not a number; 16 is 'VolumeUp'"},
          {R"(115 = { command = 57 })", "19: error: 'command' is a name, not a number"},
+         {R"(115 = { command = 0 })", "19: error: 'command' is a name, not a number; 0 is 'None'"},
+         {R"(115 = { command = -1 })", "19: error: 'command' is a name, not a number"},
          {R"(115 = { command = true })", "19: error: 'command' is a string, not true or false"}},
         withKeys);
     EXPECT_THAT(problemsIn(withKeys(R"(115 = "InputEvent::VolumeUp")")),
@@ -355,6 +357,60 @@ TEST(Profile, RejectsUnknownAndMissingMembers)
                 ElementsAre("p:1:1: error: a profile needs at least one [[device]]",
                             "p:1:3: error: a profile has no member 'devices', did you mean "
                             "'device'?"));
+}
+
+TEST(Profile, NamesTheHandlersMembersAmongTheKeys)
+{
+    for (const char *member : {"positions-at-start", "keys", "chords", "switches"}) {
+        EXPECT_THAT(problemsIn(withKeys(QByteArray(member) + " = \"Info\"")),
+                    ElementsAre(std::string("p:3:1: error: '") + member
+                                + "' belongs to the handler; write it directly below "
+                                  "[device.handler], above its tables"));
+    }
+}
+
+TEST(Profile, TakesTheFirstAndTheLastCode)
+{
+    EXPECT_THAT(keysIn(withHandler("keys = [ { key = 1, command = \"Info\" }, { key = 767, command "
+                                   "= \"Stop\" } ]")),
+                ElementsAre("1 32", "767 11"));
+    EXPECT_THAT(problemsIn(withHandler("keys = [ { key = 0, command = \"Info\" } ]")),
+                ElementsAre("p:3:18: warning: 0 is KEY_RESERVED, which no device has"));
+    EXPECT_THAT(problemsIn(withHandler("keys = [ { key = -1, command = \"Info\" } ]")),
+                ElementsAre("p:3:18: error: the code of a key is a whole number from 0 to 767, not "
+                            "-1"));
+    const HandlerProfile handler = handlerIn(
+        withHandler("switches = [ { switch = 0, command = \"SWLineIn\" }, { switch = 16, command = "
+                    "\"SWLineOut\" } ]"));
+    ASSERT_THAT(handler.switches, SizeIs(2));
+    EXPECT_EQ(handler.switches.at(0).code, 0);
+    EXPECT_EQ(handler.switches.at(1).code, 16);
+}
+
+TEST(Profile, SuggestsNoListForALongString)
+{
+    const auto problems = [](const QByteArray &text) {
+        return problemsIn(withHandler("identifiers = \"" + text + "\"\nkeys.1 = \"Info\""));
+    };
+    const std::string start = "p:3:15: error: 'identifiers' is a list, not a string";
+    EXPECT_THAT(problems(QByteArray(19, 'x')),
+                ElementsAre(start + "; write [\"" + std::string(19, 'x') + "\"]"));
+    EXPECT_THAT(problems(QByteArray(20, 'x')), ElementsAre(start));
+    EXPECT_THAT(problemsIn(withHandler("identifiers = 1\nkeys.1 = \"Info\"")),
+                ElementsAre("p:3:15: error: 'identifiers' is a list, not a number"));
+    EXPECT_THAT(problemsIn("initial = [ \"a\" ]\ndevice = []"),
+                ElementsAre("p:1:11: error: 'initial' is a string, not a list"));
+}
+
+TEST(Profile, MakesSomeSuggestionsAndThenNoMore)
+{
+    int suggestions = 0;
+    QByteArray keys;
+    for (int i = 0; i < 502; ++i)
+        keys += "{ key = \"KEY_INOF\", command = \"Info\" },\n";
+    for (const std::string &problem : problemsIn(withHandler("keys = [\n" + keys + "]")))
+        suggestions += problem.find("did you mean") == std::string::npos ? 0 : 1;
+    EXPECT_EQ(suggestions, 500);
 }
 
 TEST(Profile, RejectsImpossibleTimeouts)
@@ -461,7 +517,7 @@ TEST(Profile, IsLoadedFromAFile)
                 Not(HasSubstr("larger")));
     write(path, QByteArray(maxProfileSize + 1, '#'));
     EXPECT_THAT(loadProfile(path).diagnostics.value(0).message.toStdString(),
-                HasSubstr("larger than 1 MiB"));
+                testing::StrEq("cannot be read: it is larger than 1 MiB"));
 }
 
 TEST(Profile, IsLoadedFromRegularFilesOnly)

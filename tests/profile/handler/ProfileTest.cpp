@@ -58,3 +58,72 @@ TEST(Profile, ListsEachIdentifierOnce)
     profile.devices = {device};
     EXPECT_EQ(profile.identifiers().join('|').toStdString(), "b|c||a");
 }
+
+namespace {
+
+/// Whether each of some values equals itself alone, either way round.
+template <typename Value>
+void expectAllDifferent(const QVector<Value> &values)
+{
+    for (int i = 0; i < values.size(); ++i) {
+        for (int j = 0; j < values.size(); ++j)
+            EXPECT_EQ(values[i] == values[j], i == j) << i << ' ' << j;
+    }
+}
+
+} // namespace
+
+TEST(Profile, DiffersInEachOfItsMembers)
+{
+    using Bus = InputEvent::Bus;
+    const LongPress once{{700}, false};
+    expectAllDifferent<LongPress>({once, {{700}, true}, {{700, 600}, false}, {{600}, true}});
+    expectAllDifferent<KeyMapping>({{1, InputEvent::Info, false, {}, {}},
+                                    {2, InputEvent::Info, false, {}, {}},
+                                    {1, InputEvent::Stop, false, {}, {}},
+                                    {1, InputEvent::Info, true, {}, {}},
+                                    {1, InputEvent::Info, false, once, {}},
+                                    {1, InputEvent::Info, false, {}, Bus::USB},
+                                    {2, InputEvent::Stop, true, once, Bus::PCI}});
+    expectAllDifferent<ChordMapping>({{1, 2, InputEvent::Info, {}},
+                                      {2, 2, InputEvent::Info, {}},
+                                      {1, 1, InputEvent::Info, {}},
+                                      {1, 3, InputEvent::Info, {}},
+                                      {1, 2, InputEvent::Stop, {}},
+                                      {1, 2, InputEvent::Info, Bus::USB},
+                                      {3, 4, InputEvent::Mute, Bus::PCI}});
+    expectAllDifferent<SwitchMapping>({{1, InputEvent::SWLineIn},
+                                       {2, InputEvent::SWLineIn},
+                                       {1, InputEvent::SWLineOut},
+                                       {3, InputEvent::Info}});
+    expectAllDifferent<SelectRule>({{InputEvent::Info, InputEvent::KeyPressed, "a"},
+                                    {InputEvent::Stop, InputEvent::KeyPressed, "a"},
+                                    {InputEvent::Info, InputEvent::KeyReleased, "a"},
+                                    {InputEvent::Info, InputEvent::KeyPressed, "b"},
+                                    {InputEvent::Mute, InputEvent::KeyLongPress, "c"}});
+}
+
+TEST(Profile, DiffersInEachPartOfItsDevices)
+{
+    const HandlerProfile plain;
+    QVector<HandlerProfile> handlers(7);
+    handlers[1].identifiers = QStringList{"a"};
+    handlers[2].keys = {KeyMapping()};
+    handlers[3].chords = {ChordMapping()};
+    handlers[4].switches = {SwitchMapping()};
+    handlers[5].positionsAtStart = true;
+    handlers[6] = {{"b"}, {KeyMapping()}, {ChordMapping()}, {SwitchMapping()}, true};
+    expectAllDifferent(handlers);
+    QVector<DeviceProfile> devices(5);
+    devices[1].name = QStringLiteral("panel");
+    devices[2].bus = InputEvent::Bus::USB;
+    devices[3].handlers = {plain};
+    devices[4] = {QStringLiteral("x"), InputEvent::Bus::PCI, {plain, plain}};
+    expectAllDifferent(devices);
+    QVector<Profile> profiles(5);
+    profiles[1].initial = QStringLiteral("a");
+    profiles[2].devices = {DeviceProfile()};
+    profiles[3].select = {SelectRule()};
+    profiles[4] = {QStringLiteral("b"), {devices[1]}, {{}, {}}};
+    expectAllDifferent(profiles);
+}

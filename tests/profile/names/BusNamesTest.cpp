@@ -50,3 +50,23 @@ TEST(BusNames, KnowTheKernelsByNameAndNumber)
     EXPECT_EQ(kernelBusName(BUS_HOST).toStdString(), "BUS_HOST");
     EXPECT_EQ(kernelBusName(77).toStdString(), "77");
 }
+
+TEST(BusNames, NameEveryBusOfTheKernelSoThatItIsReadBack)
+{
+    QStringList names;
+    for (int number = 0; number < 256; ++number) {
+        EXPECT_EQ(kernelBus(kernelBusName(number)), number);
+        if (kernelBusName(number) != QString::number(number))
+            names += kernelBusName(number);
+    }
+    EXPECT_EQ(names.join(' ').toStdString(),
+              "BUS_PCI BUS_ISAPNP BUS_USB BUS_HIL BUS_BLUETOOTH BUS_VIRTUAL BUS_ISA BUS_I8042 "
+              "BUS_XTKBD BUS_RS232 BUS_GAMEPORT BUS_PARPORT BUS_AMIGA BUS_ADB BUS_I2C BUS_HOST "
+              "BUS_GSC BUS_ATARI BUS_SPI BUS_RMI BUS_CEC BUS_INTEL_ISHTP");
+    EXPECT_EQ(kernelBus("65535"), 65535);
+    EXPECT_EQ(kernelBus("65536"), std::nullopt);
+    EXPECT_EQ(kernelBus("bus_usb"), std::nullopt);
+    EXPECT_EQ(kernelBus("0X19"), BUS_HOST);
+    EXPECT_EQ(kernelBusOf(InputEvent::Bus::NoBus), BUS_VIRTUAL);
+    EXPECT_EQ(kernelBusOf(InputEvent::Bus::Hostlink), BUS_HOST);
+}

@@ -72,7 +72,14 @@ TEST(EventNames, SayWhatAValueMeans)
     EXPECT_EQ(valueName(EV_KEY, 3).toStdString(), "3");
     EXPECT_EQ(valueName(EV_SW, 1).toStdString(), "on");
     EXPECT_EQ(valueName(EV_SW, 0).toStdString(), "off");
-    EXPECT_EQ(valueName(EV_MSC, 1).toStdString(), "1");
+    EXPECT_EQ(valueName(EV_KEY, -1).toStdString(), "-1");
+    EXPECT_EQ(valueName(EV_SW, 2).toStdString(), "2");
+    EXPECT_EQ(valueName(EV_SW, -1).toStdString(), "-1");
+    for (const int type : {EV_SYN, EV_REL, EV_ABS, EV_MSC, EV_LED, EV_REP}) {
+        for (const int value : {0, 1, 2})
+            EXPECT_EQ(valueName(type, value).toInt(), value) << type;
+        EXPECT_EQ(valueName(type, 1).toStdString(), "1") << type;
+    }
 }
 
 TEST(EventNames, KnowWhichKeysTellWhatIsTyped)

@@ -28,3 +28,9 @@ TEST(Diagnostic, ControlsNoTerminal)
     const Diagnostic diagnostic{Diagnostic::Severity::Error, "a\x1b[2J.toml", 1, 2, "b\nc\u202e"};
     EXPECT_EQ(diagnostic.toString().toStdString(), R"(a\u001b[2J.toml:1:2: error: b\nc\u202e)");
 }
+
+TEST(Diagnostic, HasNoColumnWithoutALine)
+{
+    const Diagnostic diagnostic{Diagnostic::Severity::Error, "a.toml", 0, 3, "wrong"};
+    EXPECT_EQ(diagnostic.toString().toStdString(), "a.toml: error: wrong");
+}

@@ -103,3 +103,37 @@ TEST(ChordWarnings, NameKeysThatAreSilentAlone)
     // The mistake may be what their commands were in.
     EXPECT_THAT(problemsBeside("keys.KEY_STP = \"Stop\"").size(), 1U);
 }
+
+TEST(ChordWarnings, AreNoneForAKeyThatALaterOneOfTheSameBusReplaces)
+{
+    const auto count = [](const char *first, const char *second) {
+        const QByteArray keys = QByteArray("keys.2 = [ { command = \"Stop\", immediate = true")
+            + first + " }, { command = \"Mute\"" + second + " } ]\nkeys.3 = \"Next\"\n";
+        int warnings = 0;
+        for (const std::string &problem :
+             problemsIn("[[device]]\n[device.handler]\nchords.\"2+3\" = \"Info\"\n" + keys))
+            warnings += problem.find("leave out 'immediate'") == std::string::npos ? 0 : 1;
+        return warnings;
+    };
+    const char *onUsb = ", bus = \"USB\"";
+    EXPECT_EQ(count("", ""), 0);
+    EXPECT_EQ(count(onUsb, ""), 0);
+    EXPECT_EQ(count(onUsb, onUsb), 0);
+    EXPECT_EQ(count("", onUsb), 1);
+    EXPECT_EQ(count(onUsb, ", bus = \"PCI\""), 1);
+}
+
+TEST(ChordWarnings, AreAboutAChordOfAnyBus)
+{
+    const QByteArray key =
+        "keys.2 = { command = \"Stop\", immediate = true, bus = \"USB\" }\nkeys.3 = \"Next\"\n";
+    EXPECT_EQ(problemsIn("[[device]]\n[device.handler]\nchords.\"2+3\" = \"Info\"\n" + key).size(),
+              1U);
+    const QByteArray general =
+        "keys.2 = { command = \"Stop\", immediate = true }\nkeys.3 = \"Next\"\n";
+    EXPECT_EQ(problemsIn("[[device]]\n[device.handler]\nchords.\"2+3\" = { command = \"Info\", bus "
+                         "= \"USB\" }\n"
+                         + general)
+                  .size(),
+              1U);
+}

@@ -340,3 +340,81 @@ TEST(ProfileWarnings, DoNotGuessAtWhatAnErrorHides)
                                   "keys.1 = { command = \"Info\", bus = \"Usb\" }"),
                 ElementsAre("p:4:36: error: unknown bus 'Usb', did you mean 'USB'?"));
 }
+
+TEST(ProfileWarnings, GoOnAfterWhatNeverHappens)
+{
+    EXPECT_THAT(
+        problemsInHandler("keys.2 = \"Stop\"\nkeys.3 = \"Next\"\n[device.handler.chords]\n"
+                          "\"1+1\" = \"Info\"\n"
+                          "\"2+3\" = \"Info\"\n"
+                          "\"3+2\" = \"Mute\"\n"),
+        ElementsAre(warning("6:1", "a chord of a key with itself never happens"),
+                    warning("8:1",
+                            "the chord of KEY_2 and KEY_1 already has a command, in line 7; this "
+                            "one wins")));
+    EXPECT_THAT(
+        problemsIn("[[device]]\nname = \"panel\"\n[device.handler.keys]\n"
+                   "1 = { command = \"Info\", bus = \"Hostlink\" }\n"
+                   "KEY_ESC = [ \"Info\", \"Stop\" ]\n"),
+        ElementsAre(warning("4:31",
+                            "this is never registered: no device of this entry is on "
+                            "Hostlink"),
+                    warning("5:1", "KEY_ESC already has a command, in line 5; this one wins")));
+}
+
+TEST(ProfileWarnings, AreAboutWhatIsRegisteredOnly)
+{
+    // What is not registered replaces nothing, and nothing replaces it.
+    const auto problems = [](const QByteArray &entries) {
+        return problemsIn("[[device]]\nname = \"panel\"\n[device.handler]\n" + entries).size();
+    };
+    EXPECT_EQ(problems("keys.1 = [ { command = \"Info\", bus = \"Hostlink\" }, \"Stop\" ]"), 1U);
+    EXPECT_EQ(problems("keys.2 = \"Stop\"\nkeys.3 = \"Next\"\nchords.\"2+3\" = [ { command = "
+                       "\"Info\", bus = \"Hostlink\" }, \"Mute\" ]"),
+              1U);
+    EXPECT_THAT(problemsIn("[[device]]\nbus = \"USB\"\n" + keys
+                           + "[[device]]\n[device.handler.keys]\n"
+                             "1 = [ { command = \"Info\", bus = \"USB\" }, \"Stop\" ]")
+                    .size(),
+                1U);
+}
+
+TEST(ProfileWarnings, TellAKeyOfAChordFromOthers)
+{
+    // The first two are parts of the chord, and may be silent alone.
+    const auto problems = [](int code) {
+        return problemsInHandler("chords.\"20+30\" = \"Info\"\nkeys.20 = \"None\"\n"
+                                 "keys.30 = \"None\"\nkeys."
+                                 + QByteArray::number(code) + " = \"None\"");
+    };
+    for (const int code : {19, 21, 29, 31})
+        EXPECT_EQ(problems(code).size(), 1U) << code;
+    EXPECT_THAT(problemsInHandler("chords.\"20+30\" = \"Info\"\nkeys.20 = \"None\"\n"
+                                  "keys.30 = \"None\""),
+                ElementsAre());
+}
+
+TEST(ProfileWarnings, TellChordsWithOneKeyInCommonApart)
+{
+    EXPECT_THAT(problemsInHandler("keys.1 = \"Stop\"\nkeys.2 = \"Next\"\nkeys.3 = \"Mute\"\n"
+                                  "chords.\"1+2\" = \"Info\"\nchords.\"1+3\" = \"Confirm\"\n"
+                                  "chords.\"3+2\" = \"VolumeUp\""),
+                ElementsAre());
+}
+
+TEST(ProfileWarnings, FindSeveralIdentifiersInTwoHandlers)
+{
+    EXPECT_THAT(
+        problemsIn("initial = \"a\"\n[[device]]\n"
+                   "[[device.handler]]\nidentifiers = [\"a\", \"b\", \"c\"]\nkeys.1 = \"Info\"\n"
+                   "[[device.handler]]\nidentifiers = [\"x\", \"a\", \"a\", \"c\"]\nkeys.2 = "
+                   "\"Stop\""),
+        ElementsAre(
+            warning("7:21",
+                    "the keys under 'a' in line 4 are never used: those of this handler replace "
+                    "them"),
+            warning("7:26", "'a' is listed twice"),
+            warning("7:31",
+                    "the keys under 'c' in line 4 are never used: those of this handler replace "
+                    "them")));
+}

@@ -64,3 +64,12 @@ TEST(RuleWarnings, AreNoneForASelectionWhenTheKeyIsUp)
                            "keys.1 = { command = \"Mute\", immediate = true }\n"),
                 ElementsAre());
 }
+
+TEST(RuleWarnings, NameTheIdentifierThatWasProbablyMeant)
+{
+    EXPECT_THAT(problemsIn("initial = \"browse\"\nselect = [ { command = \"Info\", identifier = "
+                           "\"brwse\" } ]\n[[device]]\n[device.handler]\nidentifiers = "
+                           "[\"browse\"]\nkeys.1 = \"Info\"\n"),
+                ElementsAre("p:2:45: warning: no handler has the identifier 'brwse', did you mean "
+                            "'browse'?"));
+}
