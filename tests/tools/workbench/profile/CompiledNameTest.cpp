@@ -42,3 +42,8 @@ TEST(CompiledName, IsRefusedWhereCppWouldReadSomethingElse)
     for (const char *name : {"main", "std", "Vorn", "InputEvent", "linux"})
         EXPECT_THAT(problem(name), HasSubstr("already names something else")) << name;
 }
+
+TEST(CompiledName, IsQuotedWhereItIsRefused)
+{
+    EXPECT_EQ(problem("class"), "'class' is a keyword of C++");
+}

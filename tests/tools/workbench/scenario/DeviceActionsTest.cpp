@@ -158,10 +158,13 @@ TEST(DeviceActions, ARecordIsOfAKnownTypeAndCode)
     EXPECT_EQ(mistakeOf("panel record EV_SW SW_LIDD 1"),
               "dir/a.scenario:2:20: error: unknown code of EV_SW 'SW_LIDD', did you mean "
               "'SW_LID'?");
-    for (const char *type : {"EV_SYN", "EV_REL", "EV_LED", "EV_REP"})
-        EXPECT_EQ(mistakeOf(QByteArray("panel record ") + type + " KEY_INOF 1"),
-                  std::string("dir/a.scenario:2:") + "21: error: unknown code of " + type
-                      + " 'KEY_INOF'");
+    // Of the others, nothing is known that could have been meant.
+    for (const char *type : {"EV_SYN", "EV_REL", "EV_LED", "EV_REP"}) {
+        for (const char *code : {"KEY_INOF", "SW_LIDD"})
+            EXPECT_EQ(mistakeOf(QByteArray("panel record ") + type + ' ' + code + " 1"),
+                      std::string("dir/a.scenario:2:21: error: unknown code of ") + type + " '"
+                          + code + "'");
+    }
     EXPECT_EQ(mistakeOf("panel record"),
               "dir/a.scenario:2:13: error: an event type like EV_KEY is missing");
     EXPECT_EQ(mistakeOf("panel record EV_SW"),
@@ -170,4 +173,114 @@ TEST(DeviceActions, ARecordIsOfAKnownTypeAndCode)
               "dir/a.scenario:2:26: error: the value, a number is missing");
     EXPECT_EQ(mistakeOf("panel record EV_SW SW_LID 1 stamped"),
               "dir/a.scenario:2:36: error: the offset from the wall clock, like -500ms is missing");
+}
+
+TEST(DeviceActions, UseTheKeysAndSwitchesOfTheDevice)
+{
+    const Scenario scenario = parsed("device panel\npanel press KEY_A\npanel switch SW_LID on\n"
+                                     "panel record EV_KEY KEY_B 1\npanel record EV_SW SW_DOCK 1\n"
+                                     "panel record EV_KEY 767 1\npanel record EV_KEY 768 1\n"
+                                     "panel record EV_SW 16 1\npanel record EV_SW 17 1\n"
+                                     "panel record EV_LED 5 1\npanel record EV_MSC 4 1\n"
+                                     "panel press KEY_B")
+                                  .scenario;
+    EXPECT_THAT(scenario.devices.first().usedKeys, ElementsAre(KEY_A, KEY_B, 767));
+    EXPECT_THAT(scenario.devices.first().usedSwitches, ElementsAre(SW_LID, SW_DOCK, 16));
+    EXPECT_EQ(step<Step::Record>(scenario, 3).offset, 0);
+    EXPECT_EQ(step<Step::Record>(scenario, 6).code, 768);
+}
+
+TEST(DeviceActions, PermitAndUnplugADevice)
+{
+    const Scenario scenario = parsed("device panel\npanel forbid\npanel allow\n"
+                                     "panel repeat KEY_A KEY_B\npanel unplug losing records\n"
+                                     "panel plug\npanel unplug\npanel plug\n"
+                                     "panel replace name=x bus=USB\npanel switch SW_LID on\n"
+                                     "panel switch SW_LID off")
+                                  .scenario;
+    ASSERT_THAT(scenario.steps, SizeIs(11));
+    EXPECT_FALSE(step<Step::Permit>(scenario, 1).readable);
+    EXPECT_TRUE(step<Step::Permit>(scenario, 2).readable);
+    EXPECT_EQ(step<Step::Keys>(scenario, 3).value, 2);
+    EXPECT_THAT(step<Step::Keys>(scenario, 3).codes, ElementsAre(KEY_A, KEY_B));
+    EXPECT_TRUE(step<Step::Unplug>(scenario, 4).losingRecords);
+    EXPECT_FALSE(step<Step::Unplug>(scenario, 6).losingRecords);
+    EXPECT_EQ(step<Step::Replace>(scenario, 8).name.toStdString(), "x");
+    EXPECT_EQ(step<Step::Replace>(scenario, 8).bus, BUS_USB);
+    EXPECT_TRUE(step<Step::Switch>(scenario, 9).on);
+    EXPECT_FALSE(step<Step::Switch>(scenario, 10).on);
+    EXPECT_EQ(step<Step::Switch>(scenario, 10).code, SW_LID);
+}
+
+TEST(DeviceActions, SayWhatTheStepWouldBe)
+{
+    EXPECT_EQ(mistakeOf("panel unplug losing"),
+              "dir/a.scenario:2:14: error: the step is 'unplug losing records'");
+    EXPECT_EQ(mistakeOf("panel unplug losing it"),
+              "dir/a.scenario:2:14: error: the step is 'unplug losing records'");
+    EXPECT_EQ(mistakeOf("panel hold KEY_A"),
+              "dir/a.scenario:2:1: error: how long is missing; write 'panel hold KEY_A for 2s'");
+    EXPECT_EQ(mistakeOf("panel hold KEY_A 2s"),
+              "dir/a.scenario:2:18: error: how long is missing; write 'panel hold KEY_A for 2s'");
+    EXPECT_EQ(mistakeOf("panel switch SW_LID up"),
+              "dir/a.scenario:2:21: error: a switch goes 'on' or 'off', not 'up'");
+    EXPECT_EQ(mistakeOf("panel switch SW_LID"),
+              "dir/a.scenario:2:20: error: 'on' or 'off' is missing");
+    EXPECT_EQ(mistakeOf("panel switch"),
+              "dir/a.scenario:2:13: error: a switch like SW_LINEIN_INSERT is missing");
+    EXPECT_EQ(mistakeOf("panel record EV_KEY KEY_A x"),
+              "dir/a.scenario:2:27: error: 'x' is not a value; write a number, for a key 1 press, "
+              "0 release, 2 repeat");
+    EXPECT_EQ(mistakeOf("panel click KEY_A for"),
+              "dir/a.scenario:2:22: error: a duration like 1200ms or 1.5s is missing");
+}
+
+TEST(DeviceActions, SayHowToSendWhatTheKernelWouldDrop)
+{
+    EXPECT_EQ(mistakeOf("panel release KEY_A"),
+              "dir/a.scenario:2:15: error: KEY_A is already up, so the kernel would drop this; "
+              "'panel record EV_KEY KEY_A 0' sends it anyway");
+    EXPECT_EQ(mistakeOf("panel switch SW_LID off"),
+              "dir/a.scenario:2:21: error: SW_LID is already off, so the kernel would drop this; "
+              "'panel record EV_SW SW_LID 0' sends it anyway");
+    EXPECT_EQ(mistakeOf("panel switch SW_LID on\npanel switch SW_LID on"),
+              "dir/a.scenario:3:21: error: SW_LID is already on, so the kernel would drop this; "
+              "'panel record EV_SW SW_LID 1' sends it anyway");
+    EXPECT_THAT(mistakes("device panel\npanel switch SW_LID on\npanel switch SW_LID off\n"
+                         "panel switch SW_LID on\npanel press KEY_A\npanel release KEY_A\n"
+                         "panel click KEY_A\npanel press KEY_A"),
+                IsEmpty());
+    // A step with a mistake adds nothing, so that only it is told.
+    EXPECT_THAT(mistakes("device panel\npanel switch SW_LID up\npanel switch SW_LID on\n"
+                         "panel press KEY_INOF\npanel press KEY_A"),
+                SizeIs(2));
+}
+
+TEST(DeviceActions, AnOffsetIsAtMostSevenDays)
+{
+    const auto mistakesOf = [](const QByteArray &offset) {
+        return mistakes("device panel\npanel record EV_KEY KEY_A 1 stamped " + offset);
+    };
+    EXPECT_THAT(mistakesOf("168h"), IsEmpty());
+    EXPECT_THAT(mistakesOf("-168h"), IsEmpty());
+    for (const char *offset : {"604800001ms", "-604800001ms", "soon", "1"})
+        EXPECT_THAT(mistakesOf(offset),
+                    ElementsAre(std::string("dir/a.scenario:2:37: error: '") + offset
+                                + "' is not an offset like -500ms or +1h, at most 7 days"));
+}
+
+TEST(DeviceActions, NameEveryActionOrTypeThatWasProbablyMeant)
+{
+    for (const char *action : {"press", "release", "repeat", "click", "hold", "switch", "record",
+                               "plug", "unplug", "replace", "forbid", "allow"})
+    {
+        EXPECT_EQ(mistakeOf(QByteArray("panel ") + action + "x"),
+                  std::string("dir/a.scenario:2:7: error: unknown action '") + action
+                      + "x', did you mean '" + action + "'?");
+    }
+    for (const char *type : {"EV_SYN", "EV_KEY", "EV_REL", "EV_MSC", "EV_SND", "EV_FF_STATUS"}) {
+        EXPECT_EQ(mistakeOf(QByteArray("panel record ") + type + "x"),
+                  std::string("dir/a.scenario:2:14: error: unknown event type '") + type
+                      + "x', did you mean '" + type + "'?");
+    }
 }

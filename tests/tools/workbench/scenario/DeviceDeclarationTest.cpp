@@ -6,6 +6,8 @@
 
 #include <linux/input.h>
 
+#include <cstring>
+
 namespace {
 
 using namespace ScenarioText;
@@ -87,4 +89,105 @@ TEST(DeviceDeclaration, ADeviceThatIsRefusedIsNone)
         ASSERT_THAT(list, SizeIs(2)) << declaration;
         EXPECT_EQ(list.back(), unknown) << declaration;
     }
+}
+
+TEST(DeviceDeclaration, SaysWhyADeviceIsRefused)
+{
+    EXPECT_EQ(mistake("device"), "dir/a.scenario:1:7: error: a name for the device is missing");
+    const std::string rule = " cannot be the name of a device; use up to 64 letters, digits, '-' "
+                             "and '_', and give the kernel's name with name=\"…\"";
+    EXPECT_EQ(mistake("device 1a"), "dir/a.scenario:1:8: error: '1a'" + rule);
+    // In quotes it is none, even if it could be one.
+    EXPECT_EQ(mistake("device \"a\""), "dir/a.scenario:1:8: error: 'a'" + rule);
+    EXPECT_EQ(mistake("device wait"),
+              "dir/a.scenario:1:8: error: 'wait' is a keyword; choose another name for the device");
+    EXPECT_EQ(mistake("device include"),
+              "dir/a.scenario:1:8: error: 'include' is a keyword; choose another name for the "
+              "device");
+    EXPECT_THAT(mistakes("device " + QByteArray(64, 'a')), IsEmpty());
+    EXPECT_THAT(mistake("device " + QByteArray(65, 'a')), HasSubstr("cannot be the name"));
+    EXPECT_THAT(mistakes("device _a-B9"), IsEmpty());
+}
+
+TEST(DeviceDeclaration, NamesEveryOptionThatWasProbablyMeant)
+{
+    // Without its equals sign, it is a word that is none.
+    for (const char *option : {"name=", "bus=", "node=", "keys=", "switches=", "held=", "on="}) {
+        const std::string text(option, std::strlen(option) - 1);
+        EXPECT_EQ(mistake("device panel " + QByteArray::fromStdString(text)),
+                  "dir/a.scenario:1:14: error: unknown option '" + text + "', did you mean '"
+                      + option + "'?");
+    }
+    for (const char *option : {"auto-repeat", "unplugged", "from"}) {
+        EXPECT_EQ(mistake(QByteArray("device panel ") + option + "x"),
+                  std::string("dir/a.scenario:1:14: error: unknown option '") + option
+                      + "x', did you mean '" + option + "'?");
+    }
+    EXPECT_EQ(mistake("device panel from"),
+              "dir/a.scenario:1:18: error: the recording's name is missing");
+}
+
+TEST(DeviceDeclaration, NamesEveryBusOrSwitchThatWasProbablyMeant)
+{
+    EXPECT_EQ(mistake("device panel bus=BUS_PARPROT"),
+              "dir/a.scenario:1:18: error: unknown bus 'BUS_PARPROT', did you mean "
+              "'BUS_PARPORT'?");
+    EXPECT_EQ(mistake("device panel bus=LocalUi"),
+              "dir/a.scenario:1:18: error: unknown bus 'LocalUi', did you mean 'LocalUI'?");
+    // The last one of the kernel, and no numbers.
+    EXPECT_EQ(mistake("device panel bus=BUS_INTEL_ISHTPP"),
+              "dir/a.scenario:1:18: error: unknown bus 'BUS_INTEL_ISHTPP', did you mean "
+              "'BUS_INTEL_ISHTP'?");
+    EXPECT_EQ(mistake("device panel switches=SW_LID,SW_LIDD"),
+              "dir/a.scenario:1:30: error: unknown switch 'SW_LIDD', did you mean 'SW_LID'?");
+    EXPECT_EQ(mistake("device panel on=KEY_A"),
+              "dir/a.scenario:1:17: error: unknown switch 'KEY_A'");
+    EXPECT_EQ(mistake("device panel held=SW_LID"),
+              "dir/a.scenario:1:19: error: unknown key 'SW_LID'");
+}
+
+TEST(DeviceDeclaration, ANodeIsWrittenInOneWay)
+{
+    EXPECT_EQ(parsed("device a node=event0\n").scenario.devices.first().node, 0);
+    EXPECT_EQ(parsed("device a node=99\n").scenario.devices.first().node, 99);
+    for (const char *node : {"100", "event100", "-1", "01", "+1", "event", "", "eventx", "1x"}) {
+        EXPECT_EQ(mistake(QByteArray("device a node=") + node),
+                  std::string("dir/a.scenario:1:15: error: '") + node
+                      + "' is not a node; write one from event0 to event99")
+            << node;
+    }
+}
+
+TEST(DeviceDeclaration, TakesACodeOnceAndAnEmptyName)
+{
+    const ScenarioDevice device =
+        parsed("device a name= bus=3 keys=KEY_A,30,KEY_B from \"b.evemu\"")
+            .scenario.devices.first();
+    EXPECT_TRUE(device.name && device.name->isEmpty() && !device.name->isNull());
+    EXPECT_THAT(*device.keys, ElementsAre(KEY_A, KEY_B));
+    EXPECT_EQ(device.bus, BUS_USB);
+    EXPECT_EQ(device.recording.toStdString(), "dir/b.evemu");
+    EXPECT_FALSE(device.autoRepeat);
+    EXPECT_FALSE(device.switches);
+}
+
+TEST(DeviceDeclaration, AnotherDeviceHasANameAndABus)
+{
+    EXPECT_EQ(mistakeOf("panel replace node=1"),
+              "dir/a.scenario:2:15: error: unknown option 'node=1'; write one of name=, bus=");
+    EXPECT_EQ(mistakeOf("panel replace nme="),
+              "dir/a.scenario:2:15: error: unknown option 'nme=', did you mean 'name='?");
+    EXPECT_EQ(mistakeOf("panel replace nonsense more"),
+              "dir/a.scenario:2:15: error: unknown option 'nonsense'; write one of name=, bus=");
+    EXPECT_EQ(mistakeOf("panel replace"),
+              "dir/a.scenario:2:7: error: the other device's name=\"…\" is missing");
+    const auto step =
+        ScenarioText::step<Step::Replace>(parsed("device panel\npanel replace name=x").scenario, 1);
+    EXPECT_FALSE(step.bus);
+    EXPECT_EQ(mistakeOf("panel replace bus=Hostlink name=x"),
+              "dir/a.scenario:2:19: error: only its name puts a device on the bus Hostlink; give "
+              "it name=\"hostlink\"");
+    EXPECT_THAT(mistakes("device a bus=Hostlink from \"b.evemu\""), IsEmpty())
+        << "the recording may have the name";
+    EXPECT_THAT(mistakes("device a bus=Hostlink from \"b.evemu\" name=x"), SizeIs(1));
 }

@@ -36,3 +36,18 @@ TEST(Durations, AreShownInTheUnitThatReadsBest)
     EXPECT_EQ(durationText(-10'001).toStdString(), "-10.001 s");
     EXPECT_EQ(durationText(0).toStdString(), "0 s");
 }
+
+TEST(Durations, MayHaveASign)
+{
+    EXPECT_EQ(signedMilliseconds(QStringLiteral("5s")), 5000);
+    EXPECT_EQ(signedMilliseconds(QStringLiteral("15s")), 15'000);
+    EXPECT_EQ(signedMilliseconds(QStringLiteral("-15s")), -15'000);
+    EXPECT_EQ(signedMilliseconds(QStringLiteral("-")), std::nullopt);
+    EXPECT_EQ(signedMilliseconds(QString()), std::nullopt);
+    EXPECT_EQ(durationText(10'000).toStdString(), "10 s");
+    EXPECT_EQ(durationText(-10'000).toStdString(), "-10 s");
+    EXPECT_EQ(milliseconds(QStringLiteral("999999999999.999999h")), std::nullopt);
+    EXPECT_EQ(milliseconds(QStringLiteral("0.000001h")), std::nullopt);
+    EXPECT_EQ(milliseconds(QStringLiteral("0.025h")), 90'000);
+    EXPECT_EQ(milliseconds(QStringLiteral("100.000000s")), 100'000);
+}

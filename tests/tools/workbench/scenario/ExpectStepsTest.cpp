@@ -93,3 +93,49 @@ TEST(ExpectSteps, WaitsThatRunAtTheSameTimeCountOnce)
     EXPECT_THAT(mistakes(waits + "expect nothing for 49h"),
                 ElementsAre(HasSubstr("at most 100 days in all")));
 }
+
+TEST(ExpectSteps, WhatIsMissingOrWrongIsNamed)
+{
+    EXPECT_EQ(mistakeOf("expect"),
+              "dir/a.scenario:2:7: error: a command, 'nothing' or 'identifier' is missing");
+    EXPECT_EQ(mistakeOf("expect identifier"),
+              "dir/a.scenario:2:18: error: the identifier is missing");
+    EXPECT_EQ(mistakeOf("expect Info"),
+              "dir/a.scenario:2:12: error: a state like KeyPressed is missing");
+    EXPECT_EQ(mistakeOf("expect Info KeyPressed after"),
+              "dir/a.scenario:2:29: error: a time like 700ms or 700ms..750ms is missing");
+    EXPECT_EQ(mistakeOf("expect Info KeyPressed within"),
+              "dir/a.scenario:2:30: error: a duration like 1200ms or 1.5s is missing");
+    EXPECT_EQ(mistakeOf("expect Info KeyPressed from"),
+              "dir/a.scenario:2:28: error: the device it comes from is missing");
+    EXPECT_EQ(mistakeOf("expect nothing for"),
+              "dir/a.scenario:2:19: error: a duration like 1200ms or 1.5s is missing");
+    EXPECT_EQ(mistakeOf("expect Info KeyPressed after 2s..1s"),
+              "dir/a.scenario:2:30: error: '2s..1s' ends before it begins");
+    for (const char *time : {"soon", "1s..", "..1s", "1s..soon", "soon..1s", "1s.2s"})
+        EXPECT_EQ(mistakeOf(QByteArray("expect Info KeyPressed after ") + time),
+                  std::string("dir/a.scenario:2:30: error: '") + time
+                      + "' is not a time like 700ms or 700ms..750ms, in whole milliseconds");
+    EXPECT_EQ(mistakeOf("expect nothin"),
+              "dir/a.scenario:2:8: error: unknown command 'nothin', did you mean 'nothing'?");
+    EXPECT_EQ(mistakeOf("expect identifer"),
+              "dir/a.scenario:2:8: error: unknown command 'identifer', did you mean 'identifier'?");
+    for (const char *word : {"after", "within", "from"})
+        EXPECT_EQ(mistakeOf(QByteArray("expect Info KeyPressed ") + word + "x"),
+                  std::string("dir/a.scenario:2:24: error: unknown bus or word '") + word
+                      + "x', did you mean '" + word + "'?");
+}
+
+TEST(ExpectSteps, MayExpectNothingAnIdentifierOrAnyEventOfACommand)
+{
+    const Scenario scenario =
+        parsed("device panel\nexpect nothing\nexpect identifier text\nexpect Info KeyPressed\n"
+               "expect Info KeyPressed from \"\"")
+            .scenario;
+    EXPECT_EQ(step<Step::ExpectNothing>(scenario, 1).duration, 0);
+    EXPECT_EQ(step<Step::ExpectIdentifier>(scenario, 2).identifier.toStdString(), "text");
+    const auto any = step<Step::ExpectEvent>(scenario, 3);
+    EXPECT_FALSE(any.earliest || any.latest || any.within || any.bus);
+    EXPECT_EQ(any.device, -1);
+    EXPECT_TRUE(any.deviceName.isNull());
+}

@@ -99,3 +99,45 @@ TEST(GeneralSteps, WhatIsMissingIsNamed)
               "dir/a.scenario:1:12: error: the device to play it on is missing");
     EXPECT_EQ(mistake("ignore"), "dir/a.scenario:1:1: error: the step is 'ignore events'");
 }
+
+TEST(GeneralSteps, SayWhatIsWrong)
+{
+    EXPECT_EQ(mistake("start soon"),
+              "dir/a.scenario:1:7: error: 'soon' is not a time like 2026-01-02T10:00:00Z, in UTC");
+    EXPECT_EQ(mistakeOf("start 2026-01-02T10:00:00Z"),
+              "dir/a.scenario:2:1: error: 'start' must come before the first step with an effect");
+    EXPECT_EQ(mistake("wait soon"),
+              "dir/a.scenario:1:6: error: 'soon' is not a duration; write one like 1200ms, 1.5s, "
+              "2min or 1h, in whole milliseconds, at most 7 days");
+    EXPECT_EQ(mistake("clock soon"),
+              "dir/a.scenario:1:7: error: 'soon' is not a clock step; write one like +1h or -5s, "
+              "at most 10 years");
+    EXPECT_EQ(mistake("input-directory delete"),
+              "dir/a.scenario:1:17: error: unknown word 'delete'; write one of create, remove");
+    EXPECT_EQ(mistake("input-directory create"),
+              "dir/a.scenario:1:17: error: /dev/input already exists");
+    EXPECT_EQ(mistake("input-directory remove\ninput-directory remove"),
+              "dir/a.scenario:2:17: error: /dev/input has already been removed");
+    EXPECT_EQ(mistake("ignore event"), "dir/a.scenario:1:8: error: the step is 'ignore events'");
+    EXPECT_EQ(mistakeOf("play \"a\" on pannel"),
+              "dir/a.scenario:2:13: error: unknown device 'pannel', did you mean 'panel'?");
+    EXPECT_EQ(mistakeOf("panel unplug\nplay \"a\" on panel"),
+              "dir/a.scenario:3:13: error: panel is not plugged in");
+    EXPECT_EQ(mistake("start 2105-01-01T00:00:00Z"),
+              "dir/a.scenario:1:7: error: the wall clock can only show 1970 to 2104, the range of "
+              "the records' time stamps");
+}
+
+TEST(GeneralSteps, WithAMistakeAreNoSteps)
+{
+    EXPECT_THAT(parsed("wait soon\nclock soon\nselect\nplay\nignore\ninput-directory x\n"
+                       "start soon\nexpect nothing for x\nexpect Info\n")
+                    .scenario.steps,
+                IsEmpty());
+    EXPECT_EQ(parsed("wait end\nwait 1s\n").scenario.steps.size(), 2);
+}
+
+TEST(GeneralSteps, AScenarioStartsAtAFixedTime)
+{
+    EXPECT_EQ(parsed("wait 1s").scenario.start, 1'767'348'000'000);
+}

@@ -38,3 +38,14 @@ TEST(ScenarioLikeness, OfOtherFilesIsNone)
     EXPECT_FALSE(isLike(QByteArray("wait 1s\0", 8)));
     EXPECT_FALSE(isLike(QByteArray(1'000'000, 'x')));
 }
+
+TEST(ScenarioLikeness, IsToldByTheFirstTwoHundredLines)
+{
+    const auto steps = [](int count) { return QByteArray("wait 1s\n").repeated(count); };
+    const auto others = [](int count) { return QByteArray("nonsense\n").repeated(count); };
+    EXPECT_TRUE(isLike(steps(100) + others(1000)));
+    EXPECT_TRUE(isLike(others(100) + steps(100)));
+    EXPECT_FALSE(isLike(others(101) + steps(1000)));
+    // Comments and empty lines are none.
+    EXPECT_TRUE(isLike("# a\n\n  \n# b\nnonsense\nwait 1s # c\n"));
+}

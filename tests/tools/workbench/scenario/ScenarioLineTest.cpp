@@ -94,3 +94,40 @@ TEST(ScenarioLine, AnOptionEndsAtItsFirstEqualsSign)
                 .toStdString());
     EXPECT_THAT(words, testing::ElementsAre("a|b=c|a=b=c", "=d|e|=d=e", "||f=g"));
 }
+
+TEST(ScenarioLine, AMistakeOfNoWordIsAtTheFirstColumn)
+{
+    Diagnostics diagnostics;
+    ScenarioLine line(QStringLiteral("  wait"), QStringLiteral("a"), 3, &diagnostics);
+    line.error(QStringLiteral("too long"));
+    ASSERT_THAT(diagnostics, SizeIs(1));
+    EXPECT_EQ(diagnostics.first().toString().toStdString(), "a:3:1: error: too long");
+}
+
+TEST(ScenarioLine, ListsUpToSixNames)
+{
+    const auto unknown = [](const QStringList &known) {
+        Diagnostics diagnostics;
+        ScenarioLine line(QString(), QStringLiteral("a"), 1, &diagnostics);
+        line.unknown(4, QStringLiteral("word"), QStringLiteral("zzzz"), known);
+        return diagnostics.first().toString().toStdString();
+    };
+    EXPECT_EQ(unknown({"a", "b", "c", "d", "e", "f"}),
+              "a:1:4: error: unknown word 'zzzz'; write one of a, b, c, d, e, f");
+    EXPECT_EQ(unknown({"a", "b", "c", "d", "e", "f", "g"}), "a:1:4: error: unknown word 'zzzz'");
+}
+
+TEST(ScenarioLine, TakesADurationUpToItsLimit)
+{
+    const auto duration = [](const char *text) {
+        Diagnostics diagnostics;
+        ScenarioLine line(QString::fromLatin1(text), QStringLiteral("a"), 1, &diagnostics);
+        const std::optional<qint64> taken = line.takeDuration();
+        EXPECT_EQ(line.isOk(), taken.has_value());
+        return taken;
+    };
+    EXPECT_EQ(duration("604800000ms"), 604'800'000);
+    EXPECT_EQ(duration("604800001ms"), std::nullopt);
+    EXPECT_EQ(duration("x"), std::nullopt);
+    EXPECT_EQ(duration(""), std::nullopt);
+}

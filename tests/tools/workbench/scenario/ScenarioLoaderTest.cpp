@@ -153,3 +153,75 @@ TEST_F(ScenarioLoader, ExpectationsAreReadFromAPipeIfThePersonNamesIt)
     QFile::link(events.path(), path("b.evemu"));
     EXPECT_THAT(mistakes(path("b.evemu"), options), IsEmpty());
 }
+
+TEST_F(ScenarioLoader, ARecordingIsADeviceOrIsPlayedOnOne)
+{
+    const QByteArray two = "P: /devices/virtual/input/input5/event0\n"
+                           "N: input/event0\nE: DEVNAME=/dev/input/event0\n"
+                           "E: SUBSYSTEM=input\nE: NAME=\"panel\"\n\n"
+                           "P: /devices/virtual/input/input6/event1\n"
+                           "N: input/event1\nE: DEVNAME=/dev/input/event1\n"
+                           "E: SUBSYSTEM=input\nE: NAME=\"remote\"\n";
+    write("two.umockdev", two);
+    EXPECT_THAT(
+        mistakes(write("a.scenario", "profile \"keys.toml\"\ndevice a from \"two.umockdev\"\n")),
+        testing::Contains(
+            "a.scenario:2: error: 'two.umockdev' does not describe exactly one device"));
+    const std::vector<std::string> played = mistakes(
+        write("a.scenario", "profile \"keys.toml\"\ndevice a\nplay \"two.umockdev\" on a\n"));
+    EXPECT_THAT(played,
+                testing::Contains("a.scenario:3: error: 'two.umockdev' contains 2 devices, so it "
+                                  "cannot be played on one; leave out 'on'"));
+    EXPECT_THAT(
+        mistakes(write("a.scenario", "profile \"keys.toml\"\ndevice a from \"absent.evemu\"\n")),
+        SizeIs(2))
+        << "that it cannot be read, and nothing about its devices";
+}
+
+TEST_F(ScenarioLoader, ReportsMistakesInTheirOrder)
+{
+    write("bad.toml", "initial = 1\nselect = 2\n[[device]]\n");
+    EXPECT_THAT(mistakes(write("a.scenario", "profile \"bad.toml\"\nwait 1s\n")),
+                ElementsAre("a.scenario:1: error: the profile 'bad.toml' has errors",
+                            "bad.toml:1:11: error: 'initial' is a string, not a number",
+                            "bad.toml:2:10: error: 'select' is a list, not a number"));
+    LoadOptions options;
+    options.profile = path("bad.toml");
+    // The person named it, so nothing has to say where.
+    EXPECT_THAT(mistakes(write("a.scenario", "wait 1s\n"), options), SizeIs(2));
+    // Warnings are those of `check`.
+    write("odd.toml", "[[device]]\n[device.handler.keys]\n0 = \"Info\"\n");
+    EXPECT_THAT(mistakes(write("a.scenario", "profile \"odd.toml\"\nwait 1s\n")), IsEmpty());
+}
+
+TEST_F(ScenarioLoader, NodesOfRecordingsFollowThoseOfDevices)
+{
+    write("b.evemu", "N: remote\nB: 01 00\nE: 1.000000 0001 0073 1\n");
+    const LoadedScenario loaded =
+        loadScenario(write("a.scenario",
+                           "profile \"keys.toml\"\ndevice a node=event1\nplay \"b.evemu\"\n"
+                           "device b\nplay \"b.evemu\"\nplay \"b.evemu\" on a\n"),
+                     {});
+    EXPECT_THAT(loaded.diagnostics, IsEmpty());
+    EXPECT_THAT(loaded.deviceNodes, ElementsAre(1, 0));
+    EXPECT_EQ(loaded.recordingNodes.size(), 1);
+    EXPECT_THAT(loaded.recordingNodes.cbegin().value(), ElementsAre(2));
+}
+
+TEST_F(ScenarioLoader, ARecordingIsPlayedAsAScenarioThatNamesIt)
+{
+    LoadOptions options;
+    options.profile = path("keys.toml");
+    const QString recording = write("a.evemu", "N: panel\nB: 01 00\nE: 1.000000 0001 0073 1\n");
+    write("a.expect", "wait 1s\n");
+    const LoadedScenario loaded = loadScenario(recording, options);
+    EXPECT_EQ(loaded.source.toStdString(), recording.toStdString());
+    ASSERT_THAT(loaded.scenario.steps, SizeIs(2));
+    const ScenarioStep &step = loaded.scenario.steps.first();
+    EXPECT_EQ(step.text.toStdString(), "play \"" + recording.toStdString() + "\"");
+    EXPECT_EQ(step.line, 0);
+    EXPECT_FALSE(step.continues);
+    EXPECT_EQ(std::get<Step::Play>(step.what).device, -1);
+    EXPECT_TRUE(isRecording(QStringLiteral("a.umockdev")));
+    EXPECT_FALSE(isRecording(QStringLiteral("a.evemu.txt")));
+}

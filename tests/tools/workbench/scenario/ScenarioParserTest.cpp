@@ -29,6 +29,7 @@ TEST(ScenarioParser, FilesAreRelativeToTheFileThatNamesThem)
         parsed("include \"sub/b\"\n", {{"dir/sub/b", "profile \"../p.toml\"\nwait 1s\n"}}).scenario;
     EXPECT_EQ(scenario.profile.toStdString(), "dir/p.toml");
     EXPECT_EQ(scenario.profileNamedIn.toStdString(), "dir/sub/b");
+    EXPECT_EQ(scenario.profileLine, 1);
     ASSERT_THAT(scenario.steps, SizeIs(1));
     EXPECT_EQ(scenario.steps.first().file.toStdString(), "dir/sub/b");
     EXPECT_EQ(parsed("profile \"/p.toml\"").scenario.profile.toStdString(), "/p.toml");
@@ -200,4 +201,15 @@ TEST(ScenarioParser, TakesAByteOrderMarkAndNoKeywordInQuotes)
     EXPECT_THAT(parsed("\xef\xbb\xbfwait 1s\n").scenario.steps, SizeIs(1));
     EXPECT_THAT(mistakes("wait 1s\n\"wait\" 1s\n\"include\" \"b\"\n"),
                 ElementsAre(HasSubstr(":2:1:"), HasSubstr(":3:1:")));
+}
+
+TEST(ScenarioParser, ReadsNothingOfAnIncludeWithAMistake)
+{
+    const QMap<QString, QByteArray> files = {{"dir/b", "wait\nwait 1s\n"}};
+    EXPECT_THAT(mistakes("include \"b\" now\ninclude\n", files),
+                ElementsAre("dir/a.scenario:1:13: error: unexpected 'now' at the end of the step",
+                            "dir/a.scenario:2:8: error: the file's name in quotes is missing"));
+    EXPECT_EQ(mistake("profile"),
+              "dir/a.scenario:1:8: error: the file's name in quotes is missing");
+    EXPECT_THAT(parsed("include \"b\" now\n", files).scenario.steps, IsEmpty());
 }
