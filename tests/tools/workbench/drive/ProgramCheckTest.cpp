@@ -210,3 +210,73 @@ TEST_F(ProgramCheckTest, NoticesFileCapabilities)
     EXPECT_EQ(gainOfRights(program, 1, getgid()).toStdString(), "has file capabilities");
     EXPECT_EQ(gainOfRights(program, 0, getgid()).toStdString(), "");
 }
+
+TEST_F(ProgramCheckTest, NamesTheMachineThatAProgramIsFor)
+{
+    const auto machine = [this](int number, bool is64, bool isBigEndian) {
+        ElfW(Ehdr) other = header();
+        QByteArray bytes(20, '\0');
+        bytes.replace(0, EI_NIDENT, reinterpret_cast<const char *>(other.e_ident), EI_NIDENT);
+        bytes[EI_CLASS] = static_cast<char>(is64 ? ELFCLASS64 : ELFCLASS32);
+        bytes[EI_DATA] = static_cast<char>(isBigEndian ? ELFDATA2MSB : ELFDATA2LSB);
+        bytes[EI_NIDENT + (isBigEndian ? 3 : 2)] = static_cast<char>(number & 0xff);
+        bytes[EI_NIDENT + (isBigEndian ? 2 : 3)] = static_cast<char>(number >> 8);
+        const std::string text = obstacle(write("other", bytes));
+        const std::string start = path("other").toStdString() + " is for ";
+        EXPECT_THAT(text, testing::StartsWith(start));
+        return text.substr(start.size(), text.find(", and this") - start.size());
+    };
+    EXPECT_EQ(machine(EM_AARCH64, true, true), "64-bit ARM, big-endian");
+    EXPECT_EQ(machine(EM_ARM, false, true), "32-bit ARM, big-endian");
+    EXPECT_EQ(machine(EM_RISCV, true, false), "64-bit RISC-V");
+    EXPECT_EQ(machine(EM_MIPS, false, true), "32-bit MIPS, big-endian");
+    EXPECT_EQ(machine(EM_PPC, false, true), "32-bit PowerPC, big-endian");
+    EXPECT_EQ(machine(EM_PPC64, true, false), "64-bit PowerPC");
+    EXPECT_EQ(machine(EM_386, false, true), "32-bit x86, big-endian");
+    EXPECT_EQ(machine(EM_X86_64, true, true), "64-bit x86, big-endian");
+    EXPECT_EQ(machine(0x1234, true, false), "64-bit machine 4660");
+}
+
+TEST_F(ProgramCheckTest, SaysWhatToDo)
+{
+    const auto advice = [this](const QString &program) {
+        const std::string text = obstacle(program);
+        const std::string start = program.toStdString() + ' ';
+        EXPECT_THAT(text, testing::StartsWith(start));
+        return text.substr(start.size());
+    };
+    EXPECT_EQ(advice(path("missing")),
+              "cannot be started: No such file or directory; build it, or name another program");
+    EXPECT_EQ(advice(path("")), "is a folder; name the program in it");
+    EXPECT_EQ(advice("/dev/null"), "is not a file; name a program");
+    EXPECT_EQ(advice(write("data", "x", false)),
+              "may not be executed; name a program, or give the right with chmod +x");
+    EXPECT_EQ(advice(write("text", "x")), "is not a program: it has no ELF header; name a program");
+    EXPECT_EQ(advice(write("tab", "#!\t/bin/sh\t-e\n")),
+              "is a script, run by /bin/sh; name the program that it starts");
+    ElfW(Ehdr) object = header();
+    object.e_type = ET_REL;
+    EXPECT_EQ(advice(write("object", bytes(object))),
+              "is an ELF file, but not a program; name a program");
+    ElfW(Phdr) loaded = {};
+    loaded.p_type = PT_LOAD;
+    EXPECT_EQ(advice(write("static", bytes(header()) + bytes(loaded))),
+              "is linked statically or is a library, and nothing can be preloaded into it; link "
+              "the program dynamically");
+    EXPECT_EQ(advice(write("cut", bytes(header()))),
+              "is damaged: its program headers are not in the file; build or copy it again");
+    EXPECT_EQ(advice(write("short", bytes(header()).left(19))),
+              "is damaged: it ends within its header; build or copy it again");
+    EXPECT_EQ(advice(write("half", bytes(header()).left(30))),
+              "is damaged: it ends within its header; build or copy it again");
+    EXPECT_EQ(advice(writeLoadedBy("exit 1\n")),
+              "cannot be driven: it cannot be loaded (without a reason); see that ldd finds all "
+              "its libraries");
+    EXPECT_EQ(advice(writeLoadedBy("kill -SEGV $$\n")),
+              "cannot be driven: its loader crashes over it; the file is damaged");
+    EXPECT_EQ(advice(writeLoadedBy("echo 'libQt5Core.so.5 => /a (0x1)'\n")),
+              "does not link libvorn_input.so, neither itself nor through its libraries; name the "
+              "program that reads the input devices");
+    EXPECT_EQ(advice(writeLoadedBy("echo 'libQt6Core.so.6 => /a (0x1)'\n")),
+              "uses another Qt than Qt 5 (libQt6Core.so.6); build it with Qt 5");
+}

@@ -103,3 +103,15 @@ TEST(ProgramOutput, HasNoLinesWhereNothingWasPrinted)
     output.add("a\n\nb");
     EXPECT_EQ(output.lines(), QStringList({"", "a", "", "b"}));
 }
+
+TEST(ProgramOutput, KeepsItsLimitToTheByte)
+{
+    ProgramOutput output("player", ProgramOutput::Shown::No);
+    output.add("ab\n" + QByteArray(ProgramOutput::keptSize - 4, 'x') + '\n');
+    EXPECT_EQ(output.kept().size(), ProgramOutput::keptSize);
+    EXPECT_EQ(output.lines().size(), 2) << "nothing was cut";
+    output.add("y");
+    EXPECT_EQ(output.kept().size(), ProgramOutput::keptSize);
+    EXPECT_EQ(output.lines().size(), 2) << "the first line was cut";
+    EXPECT_EQ(output.lines().last(), "y");
+}
