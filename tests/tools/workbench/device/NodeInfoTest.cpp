@@ -177,3 +177,61 @@ TEST(InputNodes, AreListedByNumber)
     EXPECT_TRUE(inputNodes(&error).isEmpty());
     EXPECT_EQ(error.toStdString(), "");
 }
+
+TEST(NodeInfo, SaysWhyTheLibraryDoesNotReadASide)
+{
+    NodeInfo info;
+    info.number = 9;
+    info.hasIdentity = true;
+    info.device.name = "panel";
+    info.device.id.bustype = BUS_USB;
+    const LibraryView silent = info.libraryView();
+    EXPECT_FALSE(silent.isUsed);
+    EXPECT_EQ(silent.bus, InputEvent::Bus::USB);
+    EXPECT_EQ(silent.reason.toStdString(), "it does not report its event types");
+    EXPECT_EQ(silent.keyReason.toStdString(),
+              "it does not report its event types: keys are not read, and the library logs a "
+              "warning");
+    EXPECT_EQ(silent.switchReason.toStdString(),
+              "it does not report its event types: switches are not read");
+    info.hasTypes = true;
+    const LibraryView none = info.libraryView();
+    EXPECT_EQ(none.reason.toStdString(), "it has neither keys nor switches");
+    EXPECT_EQ(none.keyReason.toStdString(),
+              "no EV_KEY: keys are not read, and the library logs a warning");
+    EXPECT_EQ(none.switchReason.toStdString(), "no EV_SW: switches are not read");
+    info.device.codes.insert(EV_SW, {});
+    const LibraryView switches = info.libraryView();
+    EXPECT_TRUE(switches.isUsed && switches.readsSwitches && !switches.readsKeys);
+    EXPECT_EQ(switches.reason.toStdString(), "");
+    EXPECT_EQ(switches.switchReason.toStdString(), "");
+    info.device.codes.insert(EV_KEY, {});
+    const LibraryView both = info.libraryView();
+    EXPECT_TRUE(both.isUsed && both.readsSwitches && both.readsKeys);
+    EXPECT_EQ(both.keyReason.toStdString(), "");
+}
+
+TEST(NodeInfo, SaysWhyTheLibraryDoesNotUseANode)
+{
+    NodeInfo info;
+    info.hasTypes = true;
+    info.device.name = "panel";
+    info.device.codes.insert(EV_KEY, {});
+    const auto reasonAt = [&info](int number) {
+        info.number = number;
+        const LibraryView view = info.libraryView();
+        EXPECT_EQ(view.isUsed, view.reason.isEmpty());
+        EXPECT_TRUE(view.isUsed || (view.keyReason == view.reason && !view.readsKeys));
+        EXPECT_TRUE(view.isUsed || view.switchReason == view.reason);
+        return view.reason.toStdString();
+    };
+    EXPECT_EQ(reasonAt(-1), "the library reads event0 to event9 only");
+    EXPECT_EQ(reasonAt(0), "");
+    EXPECT_EQ(reasonAt(9), "");
+    EXPECT_EQ(reasonAt(10), "the library reads event0 to event9 only");
+    info.device.name = QByteArray();
+    EXPECT_EQ(reasonAt(0), "it does not report its name");
+    info.error = "no such node";
+    EXPECT_EQ(reasonAt(0), "no such node");
+    EXPECT_EQ(reasonAt(10), "the library reads event0 to event9 only");
+}

@@ -186,3 +186,33 @@ TEST(NodeTable, CutsANameToFortyCharacters)
     EXPECT_THAT(tableOf({infoOf(QByteArray(41, 'x'))}),
                 HasSubstr("event0  " + std::string(39, 'x') + "…  BUS_USB"));
 }
+
+TEST(NodeTable, SaysThatTheCodesOfASwitchAreUnknown)
+{
+    NodeInfo info = infoOf("panel");
+    info.hasCodes = false;
+    info.device.codes.insert(EV_SW, {});
+    EXPECT_THAT(tableOf({info}),
+                HasSubstr("\n        codes unknown: it does not answer every request\n"));
+    info.device.codes.clear();
+    info.device.codes.insert(EV_REL, {});
+    EXPECT_THAT(tableOf({info}), Not(HasSubstr("unknown")));
+}
+
+TEST(NodeJson, SaysWhatIsDownAndOn)
+{
+    NodeInfo info = infoOf("panel", 4);
+    info.device.declare(EV_KEY, KEY_A);
+    info.device.keysDown = {KEY_A};
+    info.device.switchesOn = {SW_LID};
+    info.device.phys = "here";
+    info.device.uniq = "7";
+    EXPECT_EQ(nodeJson(info).toStdString(),
+              R"({"bus":"USB","device":"/dev/input/event4","error":"","kernelBus":3,)"
+              R"("kernelBusName":"BUS_USB","keySide":"used","keys":["KEY_A"],)"
+              R"("keysDown":["KEY_A"],"name":"panel","number":4,"phys":"here","product":0,)"
+              R"("readable":true,"reason":"",)"
+              R"("switchSide":"no EV_SW: switches are not read","switches":[],)"
+              R"("switchesOn":["SW_LID"],"uniq":"7","used":true,"vendor":0,"version":0})"
+              "\n");
+}

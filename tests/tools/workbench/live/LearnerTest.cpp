@@ -356,3 +356,16 @@ TEST_F(LearnerTest, OffersALongPressOfAKeyThatWasHeldForSixTenthsOfASecond)
     click(KEY_MUTE, 600);
     EXPECT_THAT(lastSaid(), HasSubstr("held for 0.6 s: report"));
 }
+
+TEST_F(LearnerTest, LearnsAChordThoughAKeyOfItBounces)
+{
+    learn({InputEvent::FactoryReset});
+    key(KEY_STOP, 1);
+    key(KEY_PLAY, 1);
+    key(KEY_STOP, 0);
+    key(KEY_STOP, 1);
+    key(KEY_STOP, 0);
+    key(KEY_PLAY, 0);
+    EXPECT_TRUE(learner().isFinished());
+    EXPECT_EQ(handlerOf("front-panel").chords.size(), 1);
+}

@@ -297,3 +297,55 @@ TEST_F(RecorderTest, LeavesNothingBehindWhereItCannotBegin)
     EXPECT_THAT(recorder.open().toStdString(), HasSubstr("README cannot be written: "));
     EXPECT_TRUE(QDir(folder()).entryList(QDir::Files).isEmpty());
 }
+
+TEST_F(RecorderTest, TakesTheStampOfLessThanASecondAgo)
+{
+    start(nullptr);
+    plug(remote);
+    m_time = 5'000'000;
+    add(RecordRead{device, EV_KEY, KEY_OK, 1, wallClock + 4'000'001});
+    m_time = 6'000'000;
+    add(RecordRead{device, EV_KEY, KEY_OK, 0, wallClock + 5'000'000});
+    m_time = 7'000'000;
+    add(RecordRead{device, EV_KEY, KEY_OK, 1, wallClock + 7'000'000});
+    m_time = 8'000'000;
+    add(RecordRead{device, EV_KEY, KEY_OK, 0, wallClock + 8'000'001});
+    std::vector<qint64> times;
+    const ParsedRecording recording = load();
+    for (const RecordedEvent &recorded : recording.nodes.first().events)
+        times.push_back(recorded.time);
+    EXPECT_THAT(times, ElementsAre(0, 4'000'001, 6'000'000, 7'000'000, 8'000'000));
+}
+
+TEST_F(RecorderTest, LeavesOutWhatIsNoNode)
+{
+    start(nullptr);
+    add(DeviceChange{"/dev/input/mouse0", "mouse", InputEvent::Bus::USB, true});
+    add(DeviceChange{"/dev/input/eventx", "mouse", InputEvent::Bus::USB, true});
+    add(DeviceChange{"/dev/input/event8", "never here", InputEvent::Bus::USB, false});
+    EXPECT_EQ(contentOf("session.umockdev").count("=00\n"), 10);
+    EXPECT_EQ(QDir(folder()).entryList(QDir::Files).size(), 5);
+}
+
+TEST_F(RecorderTest, SaysWhenADeviceWentAndCame)
+{
+    start(nullptr);
+    plug(remote);
+    add(DeviceChange{device, "remote", InputEvent::Bus::I2C, false});
+    m_time += 500'000;
+    add(DeviceChange{device, "remote", InputEvent::Bus::I2C, true});
+    EXPECT_THAT(contentOf("event0.evemu").toStdString(),
+                testing::EndsWith("\n# 1.000000: device unplugged\n"
+                                  "# 1.500000: device 'remote' plugged in\n"));
+}
+
+TEST_F(RecorderTest, KeepsScanCodesOfADeviceThatCannotTypeAndReturns)
+{
+    start(nullptr);
+    plug(DeviceDescription::keyboard("remote", BUS_I2C, {KEY_OK}).withEventTypes({EV_MSC}));
+    record(EV_MSC, MSC_SCAN, 7);
+    add(DeviceChange{device, "remote", InputEvent::Bus::I2C, false});
+    add(DeviceChange{device, "remote", InputEvent::Bus::I2C, true});
+    record(EV_MSC, MSC_SCAN, 8);
+    EXPECT_EQ(contentOf("event0.evemu").count(" 0004 0004 "), 2);
+}

@@ -60,7 +60,9 @@ TEST_F(RecordingFolderTest, IsRefusedIfItHoldsAnyPartOfARecording)
     for (const char *name : {"session.umockdev", "event3.evemu", "event12.ioctl"}) {
         write(name, "kept");
         RecordingFolder folder(pathOf("."));
-        EXPECT_THAT(folder.open().toStdString(), HasSubstr(name));
+        EXPECT_EQ(folder.open().toStdString(),
+                  "'" + pathOf(".").toStdString() + "' already holds a recording ('" + name
+                      + "'); choose another folder, or remove it");
         EXPECT_EQ(contentOf(name), "kept");
         QFile::remove(pathOf(name));
     }
@@ -167,4 +169,16 @@ TEST_F(RecordingFolderTest, LeavesNothingOfARecordingThatIsGivenUp)
     made.create("session.jsonl", {});
     made.discard();
     EXPECT_FALSE(QFile::exists(pathOf("new")));
+}
+
+TEST_F(RecordingFolderTest, LeavesAloneWhatIsWrittenAfterItWasGivenUp)
+{
+    RecordingFolder folder(pathOf("."));
+    ASSERT_EQ(folder.open().toStdString(), "");
+    folder.replace("README", "a recording");
+    folder.discard();
+    EXPECT_FALSE(QFile::exists(pathOf("README")));
+    write("README", "of somebody else");
+    folder.discard();
+    EXPECT_EQ(contentOf("README"), "of somebody else");
 }

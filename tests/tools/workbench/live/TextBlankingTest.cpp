@@ -177,3 +177,64 @@ TEST_F(TextBlankingTest, ShowsTextIfItIsTo)
     EXPECT_THAT(expectations(), ElementsAre("CharQ KeyPressed I2C", "CharQ KeyReleased I2C"));
     EXPECT_THAT(everything(), HasSubstr("MSC_SCAN"));
 }
+
+TEST_F(TextBlankingTest, BlanksTypingKeysBesideKeysThatAreMapped)
+{
+    const Profile profile = remoteProfile();
+    start(&profile);
+    plug(remote);
+    add(IdentifierSelected{"browse"});
+    // Above the code of a key that is mapped, and not mapped itself.
+    type(KEY_Q, InputEvent::None);
+    type(KEY_2, InputEvent::CursorUp);
+    type(KEY_OK, InputEvent::Confirm);
+    EXPECT_THAT(codesOf(1), ElementsAre(KEY_A, KEY_2, KEY_OK));
+}
+
+TEST_F(TextBlankingTest, HasTheFirstStandInForOneKeyMoreThanThereAre)
+{
+    start(nullptr);
+    plug(DeviceDescription::keyboard("remote", BUS_I2C, {KEY_A, KEY_S}));
+    for (const int code : {KEY_Q, KEY_W, KEY_E})
+        record(EV_KEY, code, 1);
+    EXPECT_THAT(codesOf(1), ElementsAre(KEY_A, KEY_S, KEY_A));
+}
+
+TEST_F(TextBlankingTest, NamesAChordByTheFirstOfItsKeysThatTypes)
+{
+    Profile profile = remoteProfile();
+    profile.initial = QStringLiteral("text");
+    profile.devices[0].handlers[1].keys.remove(1);
+    start(&profile);
+    plug(DeviceDescription::keyboard("remote", BUS_I2C, {KEY_2, KEY_S, KEY_OK}));
+    add(EventPublished{InputEvent::CharX,
+                       InputEvent::KeyPressed,
+                       InputEvent::Bus::I2C,
+                       device,
+                       EV_KEY,
+                       {KEY_S, KEY_OK},
+                       {}});
+    EXPECT_THAT(expectations(), ElementsAre("Number2 KeyPressed I2C"));
+    EXPECT_THAT(contentOf("session.jsonl").toStdString(),
+                HasSubstr("\"codes\":[\"KEY_2\",\"KEY_OK\"]"));
+}
+
+TEST_F(TextBlankingTest, LeavesSwitchesWithTheNumbersOfKeysAlone)
+{
+    start(nullptr);
+    plug(remote);
+    static_assert(SW_HEADPHONE_INSERT == KEY_1);
+    add(RecordOutcome{
+        RecordOutcome::What::NotTaken, device, EV_SW, SW_HEADPHONE_INSERT, 1, {}, {}});
+    add(RecordRead{device, EV_SW, SW_HEADPHONE_INSERT, 1, wallClock + m_time});
+    add(EventPublished{InputEvent::SWLineOut,
+                       InputEvent::SwitchEnabled,
+                       InputEvent::Bus::I2C,
+                       device,
+                       EV_SW,
+                       {SW_HEADPHONE_INSERT},
+                       {}});
+    const std::string session = contentOf("session.jsonl").toStdString();
+    EXPECT_THAT(session, Not(HasSubstr("KEY_A")));
+    EXPECT_EQ(contentOf("session.jsonl").count("SW_HEADPHONE_INSERT"), 3);
+}

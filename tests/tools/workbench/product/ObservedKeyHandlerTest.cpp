@@ -349,3 +349,50 @@ TEST_F(ObservedKeyHandlerTest, SaysWhenASetClockPutsALongPressOff)
     wait(100);
     EXPECT_THAT(take(), ElementsAre()) << "once";
 }
+
+TEST_F(ObservedKeyHandlerTest, SaysUnderWhichIdentifierADetectorDidSomething)
+{
+    Profile profile = panelProfile();
+    profile.initial = QStringLiteral("text");
+    profile.devices[0].handlers[0].identifiers = QStringList{"text"};
+    start(profile);
+    InputNode &panel = plugPanel();
+    panel.press(KEY_INFO);
+    clock().settle();
+    int steps = 0;
+    for (const SessionEntry &entry : entries()) {
+        if (const auto *step = std::get_if<DetectorStep>(&entry.what)) {
+            EXPECT_EQ(step->identifier.toStdString(), "text");
+            EXPECT_EQ(step->device.toStdString(), "/dev/input/event0");
+            ++steps;
+        }
+    }
+    EXPECT_EQ(steps, 1);
+}
+
+TEST_F(ObservedKeyHandlerTest, SaysSinceWhenAChordKeepsOtherKeysAway)
+{
+    start(panelProfile());
+    InputNode &panel = plugPanel();
+    panel.press(KEY_STOP);
+    clock().settle();
+    wait(300);
+    panel.press(KEY_PLAY);
+    clock().settle();
+    const qint64 since = clock().elapsed().count();
+    const std::string time =
+        QString::number(static_cast<double>(since) / 1000, 'f', 3).toStdString() + " s";
+    wait(700);
+    takeOutcomes();
+    panel.press(KEY_INFO);
+    EXPECT_THAT(
+        takeOutcomes(),
+        ElementsAre("KEY_INFO press dropped, since KEY_STOP + KEY_PLAY are down since " + time));
+    panel.release(KEY_STOP);
+    panel.release(KEY_INFO);
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre("KEY_STOP release KEY_STOP + KEY_PLAY are a pair until both are up",
+                            "KEY_INFO release dropped, since KEY_PLAY of the chord KEY_STOP + "
+                            "KEY_PLAY, begun at "
+                                + time + ", is still down"));
+}

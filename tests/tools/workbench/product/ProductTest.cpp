@@ -242,3 +242,66 @@ TEST_F(ProductTest, KnowsNoBusOfADeviceThatNobodyReads)
     EXPECT_FALSE(none.readsKeys);
     EXPECT_FALSE(none.readsSwitches);
 }
+
+TEST_F(ProductTest, TellsWhichDeviceCameAndWhichWent)
+{
+    start(panelProfile());
+    std::vector<std::string> told;
+    QObject::connect(&devices(), &Product::deviceAdded, &devices(),
+                     [&](const QString &path, const QString &name) {
+                         told.push_back("+" + path.toStdString() + " " + name.toStdString());
+                     });
+    QObject::connect(&devices(), &Product::deviceRemoved, &devices(),
+                     [&](const QString &path) { told.push_back("-" + path.toStdString()); });
+    plugPanel();
+    subsystem().unplug(0);
+    clock().waitUntil([&] { return devices().devices().isEmpty(); });
+    EXPECT_THAT(told, ElementsAre("+/dev/input/event0 front-panel", "-/dev/input/event0"));
+}
+
+TEST_F(ProductTest, SuggestsTheEntryThatWasMeantAmongOthers)
+{
+    Profile profile = panelProfile();
+    DeviceProfile receiver = profile.devices.first();
+    receiver.name = QStringLiteral("ir-receiver");
+    profile.devices += receiver;
+    start(profile);
+    InputNode &node = plug(0, DeviceDescription::keyboard("ir-reciever", BUS_I2C, {KEY_STOP}));
+    take();
+    node.press(KEY_STOP);
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre("KEY_STOP press the device, 'ir-reciever' (I2C), fits no entry of the "
+                            "profile; did you mean 'ir-receiver'?"));
+}
+
+TEST_F(ProductTest, SaysUnderWhichIdentifierASwitchIsMapped)
+{
+    Profile profile;
+    DeviceProfile jacks;
+    jacks.name = QStringLiteral("jacks");
+    HandlerProfile here;
+    here.switches = {SwitchMapping{SW_LINEIN_INSERT, InputEvent::SWLineIn}};
+    HandlerProfile there;
+    there.identifiers = QStringList{"text"};
+    there.switches = {SwitchMapping{SW_LINEOUT_INSERT, InputEvent::SWLineOut}};
+    jacks.handlers = {here, there};
+    profile.devices = {jacks};
+    start(profile);
+    InputNode &node = plug(
+        0, DeviceDescription::switchBox("jacks", BUS_I2C, {SW_LINEIN_INSERT, SW_LINEOUT_INSERT}));
+    take();
+    node.setSwitch(SW_LINEOUT_INSERT, true);
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre("SW_LINEOUT_INSERT on not mapped under identifier '', but under "
+                            "'text'"));
+    devices().selectHandler("other");
+    node.setSwitch(SW_LINEOUT_INSERT, false);
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre("SW_LINEOUT_INSERT off the listener has no receiver: no switches of "
+                            "the device are mapped under identifier 'other', but under '', "
+                            "'text'"));
+    node.send({InputNode::record(EV_KEY, KEY_A, 1, clock().now())});
+    EXPECT_THAT(takeOutcomes(),
+                ElementsAre("KEY_A press the library does not read EV_KEY of this device, which "
+                            "does not declare it"));
+}

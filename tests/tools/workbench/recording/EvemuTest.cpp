@@ -186,9 +186,10 @@ TEST(Evemu, RefusesNumbersThatAreTooLarge)
 {
     EXPECT_THAT(errorOf("E: 99999999999999999999.000000 0001 0073 1\n"),
                 HasSubstr("expected a time"));
-    EXPECT_THAT(errorOf("E: 9999999999999.000000 0001 0073 1\n"),
-                HasSubstr("'9999999999999.000000' is out of range; a time is at most "
-                          "100000000000 seconds"));
+    EXPECT_EQ(errorOf("E: 100000000001.000000 0001 0073 1\n"),
+              "x.evemu:1: error: '100000000001.000000' is out of range; a time is at most "
+              "100000000000 seconds");
+    EXPECT_EQ(errorOf("E: 100000000000.999999 0001 0073 1\n"), "(none)");
     EXPECT_THAT(errorOf("E: 1.000000 0001 0073 2147483648\n"), HasSubstr("expected a value"));
     EXPECT_THAT(errorOf("N: x\nB: 05 00 00 02\n"), HasSubstr("x.evemu:2: error: codes above 16"));
     EXPECT_THAT(errorOf("B: 01" + QByteArray(" 00").repeated(96) + " 01\n"),
@@ -273,4 +274,37 @@ TEST(Evemu, WarnsOfAKindOfLineThatItDoesNotKnow)
 {
     EXPECT_EQ(errorOf("Q: odd\n"), "x.evemu:1: warning: unknown kind of line 'Q', ignored");
     EXPECT_EQ(errorOf("A: 00 0 255 0 0 0\nL: 00 0\n"), "(none)");
+}
+
+TEST(Evemu, HasNoEventOfALineThatIsWrong)
+{
+    for (const char *time : {"x.000000", "1.00000x", "150000", "1.5", "100000000001.000000"}) {
+        const ParsedRecording recording =
+            parse("E: " + QByteArray(time) + " 0001 0073 1\nE: 1.000000 0001 0074 1\n");
+        EXPECT_EQ(recording.diagnostics.size(), 1) << time;
+        ASSERT_EQ(recording.nodes.first().events.size(), 1) << time;
+        EXPECT_EQ(recording.nodes.first().events.first().code, 0x74) << time;
+    }
+    EXPECT_EQ(errorOf("E: 150000 0001 0073 1\n"),
+              "x.evemu:1: error: expected a time in seconds like 1.500000, found '150000'");
+}
+
+TEST(Evemu, KnowsLinesByACapitalAndAColon)
+{
+    for (const char *line : {"[: odd", "@: odd", "e: 1", "E; 1", "E"})
+        EXPECT_EQ(errorOf("N: x\n" + QByteArray(line) + '\n'),
+                  "x.evemu:2: error: expected a line like 'E: 1.500000 0001 0073 0001' or a "
+                  "comment, found '"
+                      + std::string(line) + "'");
+    EXPECT_EQ(errorOf("Z: odd\n"), "x.evemu:1: warning: unknown kind of line 'Z', ignored");
+}
+
+TEST(Evemu, TakesTheLastPositionOfASwitch)
+{
+    const auto onOf = [](const QByteArray &text) {
+        return parse("N: x\n" + text).nodes.first().device->switchesOn;
+    };
+    EXPECT_THAT(onOf("S: 02 1\nS: 0d 1\n"), ElementsAre(2, 0xd));
+    EXPECT_THAT(onOf("S: 02 1\nS: 0d 1\nS: 02 0\n"), ElementsAre(0xd));
+    EXPECT_THAT(onOf("S: 02 1\nS: 02 1\n"), ElementsAre(2));
 }

@@ -115,3 +115,89 @@ TEST(Ioctls, SayWhichLineIsWrong)
     EXPECT_THAT(ioctlErrorOf("EVIOCGBIT(5) 8 000002\n"),
                 HasSubstr("x.ioctl:1: error: codes above 16"));
 }
+
+TEST(Ioctls, AreWrittenForEveryRequestAndSize)
+{
+    RecordedDevice device;
+    device.name = "panel";
+    device.phys = "here";
+    device.uniq = "7";
+    device.id = {BUS_USB, 0x46d, 0xc31c, 0x110};
+    device.properties = QByteArray("\x04", 1);
+    device.declare(EV_KEY, KEY_ESC);
+    device.declare(EV_SW, SW_LID);
+    device.declare(EV_REP, REP_DELAY);
+    device.keysDown = {KEY_ESC};
+    device.switchesOn = {SW_LID};
+    // The number of bytes in place of the zeros at the end.
+    std::string brief;
+    for (const QByteArray &line : ioctls(device).split('\n')) {
+        const QList<QByteArray> fields = line.split(' ');
+        if (fields.size() != 3)
+            continue;
+        QByteArray bytes = fields.at(2);
+        const int size = bytes.size() / 2;
+        while (bytes.endsWith("00"))
+            bytes.chop(2);
+        brief += (fields.at(0) + ' ' + fields.at(1) + ' ' + QByteArray::number(size) + ':' + bytes)
+                     .toStdString()
+            + '\n';
+    }
+    EXPECT_EQ(brief, R"(EVIOCGVERSION 0 4:010001
+EVIOCGID 0 8:03006d041cc31001
+EVIOCGNAME(0) 6 255:70616e656c
+EVIOCGNAME(0) 6 256:70616e656c
+EVIOCGPHYS(0) 5 255:68657265
+EVIOCGPHYS(0) 5 256:68657265
+EVIOCGUNIQ(0) 2 255:37
+EVIOCGUNIQ(0) 2 256:37
+EVIOCGPROP(0) 4 4:04
+EVIOCGPROP(0) 8 8:04
+EVIOCGBIT(0) 4 4:230010
+EVIOCGBIT(0) 8 8:230010
+EVIOCGBIT(0) 8 31:230010
+EVIOCGBIT(1) 96 96:02
+EVIOCGBIT(2) 4 4:
+EVIOCGBIT(2) 8 8:
+EVIOCGBIT(3) 4 4:
+EVIOCGBIT(3) 8 8:
+EVIOCGBIT(4) 4 4:
+EVIOCGBIT(4) 8 8:
+EVIOCGBIT(5) 4 4:01
+EVIOCGBIT(5) 8 8:01
+EVIOCGBIT(17) 4 4:
+EVIOCGBIT(17) 8 8:
+EVIOCGBIT(18) 4 4:
+EVIOCGBIT(18) 8 8:
+EVIOCGBIT(21) 16 16:
+EVIOCGREP 0 8:fa00000021
+EVIOCGKEY(0) 4 4:02
+EVIOCGKEY(0) 96 96:02
+EVIOCGLED(0) 4 4:
+EVIOCGLED(0) 8 8:
+EVIOCGSND(0) 4 4:
+EVIOCGSND(0) 8 8:
+EVIOCGSW(0) 4 4:01
+EVIOCGSW(0) 8 8:01
+)");
+}
+
+TEST(Ioctls, AreReadWhereTheyAreCallsThatSucceeded)
+{
+    EXPECT_EQ(parseAnswers("EVIOCGNAME#0) 4 6162\n").device.name.toStdString(), "");
+    EXPECT_EQ(parseAnswers("EVIOCGNAME[0) 4 6162\n").device.name.toStdString(), "");
+    EXPECT_EQ(parseAnswers("EVIOCGNAME(0] 4 6162\n").device.name.toStdString(), "");
+    EXPECT_EQ(parseAnswers("EVIOCGNAME(1) 4 6162\n").device.name.toStdString(), "");
+    EXPECT_EQ(parseAnswers("EVIOCGNAME(0) 0 6162\n").device.name.toStdString(), "ab");
+    EXPECT_EQ(ioctlErrorOf("EVIOCGPHYS(0) -2 zz\n"), "(none)");
+    EXPECT_EQ(parseAnswers("EVIOCGUNIQ(0) -1 6162\n").device.uniq.toStdString(), "");
+}
+
+TEST(Ioctls, TellSwitchesAndKeysUpToTheLast)
+{
+    const ParsedIoctls parsed = parseAnswers("EVIOCGSW(0) 8 0100030000000000\n"
+                                             "EVIOCGKEY(0) 97 "
+                                             + QByteArray("00").repeated(95) + "8001\n");
+    EXPECT_THAT(parsed.device.switchesOn, ElementsAre(SW_LID, SW_MAX));
+    EXPECT_THAT(parsed.device.keysDown, ElementsAre(KEY_MAX));
+}

@@ -156,3 +156,14 @@ TEST_F(LoadRecording, ReadsTheRecordedPlayer)
     EXPECT_THAT(names, ElementsAre("front-panel", "ir-receiver", "hostlink", "front-panel-jacks"));
     EXPECT_EQ(recording.nodes.at(2).events.at(1).time, 11'100'000);
 }
+
+TEST_F(LoadRecording, TellsNothingMoreOfAFileWithMistakes)
+{
+    EXPECT_EQ(textOf(loadRecording(write("x.evemu", "N: x\nE: nonsense\n")).diagnostics)
+                  .find("contains neither"),
+              std::string::npos);
+    const Diagnostics diagnostics = loadRecording(write("x.evemu", "E: nonsense\n")).diagnostics;
+    EXPECT_EQ(diagnostics.size(), 1);
+    EXPECT_EQ(textOf(loadRecording(write("x.evemu", "N: x\n")).diagnostics), "");
+    EXPECT_EQ(textOf(loadRecording(write("x.evemu", "E: 1.000000 0001 0073 1\n")).diagnostics), "");
+}

@@ -271,3 +271,32 @@ TEST(Umockdev, TakesNodesUpToTheLastNumber)
               "x.umockdev:2: error: expected a name and a value, as in 'E: NAME=value', found "
               "'EV'");
 }
+
+TEST(Umockdev, SkipsLinksAndWhatItHasNoUseFor)
+{
+    EXPECT_EQ(errorOf("P: /a\nN: input/event1\nS: input/by-id/a\nL: driver\n"
+                      "H: descriptors=0g\nA: size=x\n"),
+              "(none)");
+    for (const char *line : {"P; a=b", "PA a=b", "N", "Q: a=b"})
+        EXPECT_EQ(errorOf("P: /a\n" + QByteArray(line) + '\n'),
+                  "x.umockdev:2: error: expected a line starting with P:, N:, S:, L:, E:, A: or "
+                  "H:, found '"
+                      + std::string(line) + "'");
+}
+
+TEST(Umockdev, TakesTextsOfBytes)
+{
+    const ParsedRecording recording =
+        parse("P: /a\nN: input/event1\nH: name=61\nH: phys=62\nH: uniq=63\n");
+    EXPECT_EQ(recording.nodes.first().device->name.toStdString(), "a");
+    EXPECT_EQ(recording.nodes.first().device->phys.toStdString(), "b");
+    EXPECT_EQ(recording.nodes.first().device->uniq.toStdString(), "c");
+}
+
+TEST(Umockdev, TellsNothingOfANodeWhoseParentSaysNothing)
+{
+    const ParsedRecording recording =
+        parse("P: /devices/a\nE: DRIVER=x\n\nP: /devices/a/event1\nN: input/event1\n");
+    ASSERT_EQ(recording.nodes.size(), 1);
+    EXPECT_FALSE(recording.nodes.first().device);
+}

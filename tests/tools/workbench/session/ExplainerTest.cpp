@@ -151,3 +151,83 @@ TEST_F(ExplainerTest, WritesOneLineOfJson)
               "\"outcome\":\"held\",\"reason\":\"held \\\"back\\\"\",\"time\":10.5,"
               "\"type\":\"EV_KEY\",\"value\":1}\n");
 }
+
+TEST_F(ExplainerTest, AnswersThePressOfTheKeyThatIsReleased)
+{
+    const QString other = "/dev/input/event1";
+    record(10, KEY_STOP, 1, What::Held, "stop");
+    record(20, KEY_INFO, 1, What::Held, "info");
+    add(30, RecordRead{other, EV_KEY, KEY_PLAY, 1, 30'000});
+    add(30, RecordOutcome{What::Held, other, EV_KEY, KEY_PLAY, 1, {}, "play"});
+    record(40, KEY_PLAY, 0, What::Dropped, "of nothing");
+    record(50, KEY_INFO, 0, What::Published, {}, {"Info KeyPressed"});
+    EXPECT_THAT(take(), IsEmpty());
+    record(60, KEY_STOP, 0, What::Unmapped, "silent");
+    EXPECT_THAT(take(),
+                ElementsAre("10 128 |stop; released at 0.060 s (silent)",
+                            "20 358 |info; published at the release, at 0.050 s"));
+    explainer().finish();
+    EXPECT_THAT(take(),
+                ElementsAre("30 207 |play; still down at the end (silent)",
+                            "40 207 |of nothing (silent)", "50 358 Info KeyPressed|",
+                            "60 128 |silent (silent)"));
+}
+
+TEST(Explainer, NamesTheDeviceOfEachLine)
+{
+    std::vector<std::string> lines;
+    Explainer explainer(
+        [&lines](const Explanation &explanation) {
+            lines.push_back(toJsonLine(explanation).trimmed().toStdString());
+        },
+        Explainer::LooseEvents::Explained);
+    explainer.add({0, DeviceChange{panel, "front-panel", InputEvent::Bus::LocalUI, true}});
+    explainer.add({1000, RecordRead{panel, EV_SW, SW_LID, 1, 1}});
+    explainer.add(
+        {2000, RecordOutcome{What::Published, panel, EV_SW, SW_LID, 1, {"a"}, "because"}});
+    explainer.add({3000,
+                   EventPublished{InputEvent::Info,
+                                  InputEvent::KeyLongPress,
+                                  InputEvent::Bus::LocalUI,
+                                  panel,
+                                  EV_KEY,
+                                  {KEY_INFO},
+                                  {}}});
+    explainer.add({4000,
+                   EventPublished{InputEvent::Info,
+                                  InputEvent::KeyPressed,
+                                  InputEvent::Bus::LocalUI,
+                                  panel,
+                                  0,
+                                  {},
+                                  {}}});
+    const std::string device =
+        R"("device":"/dev/input/event0","events":["%"],"name":"front-panel",)";
+    const auto withEvent = [&device](const char *event) {
+        return QString::fromStdString(device).replace('%', event).toStdString();
+    };
+    EXPECT_THAT(lines,
+                ElementsAre(R"({"answered":true,"code":"SW_LID","codeNumber":0,)" + withEvent("a")
+                                + R"("outcome":"published","reason":"because","time":1,)"
+                                  R"("type":"EV_SW","value":1})",
+                            R"({"answered":true,"code":"KEY_INFO","codeNumber":358,)"
+                                + withEvent("Info KeyLongPress")
+                                + R"("reason":"","time":3,"type":"EV_KEY","value":1})",
+                            R"({"answered":true,)" + withEvent("Info KeyPressed")
+                                + R"("reason":"the log does not say what caused it","time":4})"));
+}
+
+TEST(Explainer, SkipsEventsWithoutACauseUnlessAsked)
+{
+    int lines = 0;
+    Explainer explainer([&lines](const Explanation &) { ++lines; });
+    explainer.add({4000,
+                   EventPublished{InputEvent::Info,
+                                  InputEvent::KeyLongPress,
+                                  InputEvent::Bus::LocalUI,
+                                  panel,
+                                  0,
+                                  {},
+                                  {}}});
+    EXPECT_EQ(lines, 0);
+}

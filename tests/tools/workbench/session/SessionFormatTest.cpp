@@ -36,3 +36,23 @@ TEST(SessionFormat, ReadsTheNameOfEveryOutcomeBack)
     EXPECT_EQ(outcomeName(What::NotTaken).toStdString(), "not-taken");
     EXPECT_EQ(outcome("moon"), std::nullopt);
 }
+
+TEST(SessionFormat, HasANameForEachStepAndOutcome)
+{
+    using Step = DetectorStep::What;
+    using Outcome = RecordOutcome::What;
+    EXPECT_EQ(detectorStepName(Step::LongPressDue).toStdString(), "long-press-due");
+    EXPECT_EQ(detectorStepName(Step::LongPressEnded).toStdString(), "long-press-ended");
+    EXPECT_EQ(detectorStepName(Step::FirstKeyWithdrawn).toStdString(), "first-key-withdrawn");
+    EXPECT_EQ(detectorStepName(Step::ChordReleased).toStdString(), "chord-released");
+    EXPECT_EQ(detectorStepName(Step::Dropped).toStdString(), "dropped");
+    EXPECT_EQ(detectorStepName(Step::Forgotten).toStdString(), "forgotten");
+    EXPECT_EQ(outcomeName(Outcome::Published).toStdString(), "published");
+    EXPECT_EQ(outcomeName(Outcome::Held).toStdString(), "held");
+    EXPECT_EQ(outcomeName(Outcome::Chord).toStdString(), "chord");
+    EXPECT_EQ(outcomeName(Outcome::Dropped).toStdString(), "dropped");
+    EXPECT_EQ(outcomeName(Outcome::Unmapped).toStdString(), "unmapped");
+    EXPECT_EQ(outcomeName(Outcome::Unread).toStdString(), "unread");
+    EXPECT_EQ(outcomeName(Outcome::Open).toStdString(), "open");
+    EXPECT_EQ(outcome("open"), Outcome::Open);
+}

@@ -308,6 +308,9 @@ TEST(SessionReader, EndsWhereTheInputHasNoEnd)
 TEST(SessionReader, TellsThatAFileCannotBeRead)
 {
     Diagnostics diagnostics;
+    InputFile null;
+    EXPECT_TRUE(openSession(QStringLiteral(VORN_SOURCE_DIR "/README.md"), &null, &diagnostics));
+    EXPECT_THAT(diagnostics, SizeIs(0));
     InputFile absent;
     EXPECT_FALSE(openSession("/absent.jsonl", &absent, &diagnostics));
     InputFile folder;
@@ -424,4 +427,40 @@ TEST(SessionReader, TakesNumbersUpToTheirLimits)
                                                         1}});
     EXPECT_EQ(errorOf(event, "codeType", "\"EV_NONE\""),
               "a.jsonl:1: error: 'codeType' is not an event type");
+}
+
+TEST(SessionReader, NamesTheFirstMemberThatIsMissing)
+{
+    const auto missing = [](const QByteArray &kind, const QByteArray &rest = {}) {
+        const auto messages = messagesOf("{\"kind\":\"" + kind + "\",\"time\":0" + rest + "}");
+        return messages.empty() ? std::string()
+                                : messages.front().substr(std::size("a.jsonl:1: error:"));
+    };
+    EXPECT_EQ(missing("start"), "'version' is missing");
+    EXPECT_EQ(missing("start", ",\"version\":1"), "'source' is missing");
+    EXPECT_EQ(missing("start", ",\"version\":1,\"source\":\"\""), "'profile' is missing");
+    EXPECT_EQ(missing("device"), "'change' is missing");
+    EXPECT_EQ(missing("device", ",\"change\":\"added\""), "'device' is missing");
+    EXPECT_EQ(missing("device", ",\"change\":\"added\",\"device\":\"\""), "'name' is missing");
+    EXPECT_EQ(missing("record"), "'device' is missing");
+    EXPECT_EQ(missing("record", ",\"device\":\"a\""), "'typeNumber' is missing");
+    EXPECT_EQ(missing("record", ",\"device\":\"a\",\"typeNumber\":1"), "'codeNumber' is missing");
+    EXPECT_EQ(missing("outcome"), "'outcome' is missing");
+    EXPECT_EQ(missing("outcome", ",\"outcome\":\"held\""), "'device' is missing");
+    EXPECT_EQ(missing("state"), "'device' is missing");
+    EXPECT_EQ(missing("state", ",\"device\":\"a\""), "'handler' is missing");
+    EXPECT_EQ(missing("state", ",\"device\":\"a\",\"handler\":true"), "'chord' is missing");
+    EXPECT_EQ(missing("detector"), "'what' is missing");
+    EXPECT_EQ(missing("detector", ",\"what\":\"dropped\",\"identifier\":1"), "'device' is missing");
+    EXPECT_EQ(missing("detector", ",\"what\":\"dropped\",\"device\":\"a\",\"identifier\":1"),
+              "'identifier' must be a string");
+    EXPECT_EQ(missing("event"), "'command' is missing");
+    EXPECT_EQ(missing("event", ",\"command\":\"Info\""), "'state' is missing");
+    EXPECT_EQ(missing("identifier"), "'identifier' is missing");
+    EXPECT_EQ(missing("expectation"), "'file' is missing");
+    EXPECT_EQ(missing("expectation", ",\"file\":\"a\""), "'line' is missing");
+    EXPECT_EQ(missing("expectation", ",\"file\":\"a\",\"line\":1"), "'text' is missing");
+    EXPECT_EQ(missing("expectation", ",\"file\":\"a\",\"line\":1,\"text\":\"b\""),
+              "'met' is missing");
+    EXPECT_EQ(missing("remark"), "'text' is missing");
 }

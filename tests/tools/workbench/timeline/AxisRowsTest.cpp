@@ -230,3 +230,38 @@ TEST(AxisRows, LeaveOutTheStartOfAPartThatIsIdleForMoreThanTwoSeconds)
     EXPECT_EQ(cut.breaks().first().duration, 1500 * ms + 1);
     EXPECT_EQ(cut.from(), 1000 * ms - 1);
 }
+
+TEST(ActivitySpans, KeepTheEndOfTheStretchThatATimeIsBefore)
+{
+    using testing::ElementsAre;
+    using testing::Pair;
+    ActivitySpans activity;
+    for (const qint64 time : {10'000, 11'000, 8500})
+        activity.add(time * ms);
+    EXPECT_THAT(pairs(activity), ElementsAre(Pair(8500, 11'000)));
+    activity.add(9000 * ms);
+    EXPECT_THAT(pairs(activity), ElementsAre(Pair(8500, 11'000)));
+}
+
+TEST(AxisRows, HaveBreaksOfFullWidthUnlessThoseWouldFillThem)
+{
+    const auto breakOf = [](int count) {
+        QVector<qint64> times;
+        for (qint64 second = 0; second < 20; ++second)
+            times.append(second * 1000 * ms);
+        for (qint64 i = 1; i <= count; ++i)
+            times.append((20'000 + i * 10'000) * ms);
+        const auto axes = rowsOf(times);
+        EXPECT_GE(axes.size(), 2);
+        for (const TimelineAxis &axis : axes) {
+            if (!axis.breaks().isEmpty())
+                return axis.breaks().first().to - axis.breaks().first().from;
+        }
+        return 0.0;
+    };
+    EXPECT_DOUBLE_EQ(breakOf(0), 0);
+    EXPECT_DOUBLE_EQ(breakOf(1), 58);
+    EXPECT_DOUBLE_EQ(breakOf(5), 58);
+    // 24 rows at most, of which two fifths are breaks.
+    EXPECT_DOUBLE_EQ(breakOf(400), 24 * 1200 * 0.4 / 400);
+}

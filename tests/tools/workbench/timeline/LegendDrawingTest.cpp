@@ -147,3 +147,56 @@ TEST(LegendDrawing, HasTheSampleBesideItsText)
     EXPECT_GT(repeat.number("x"), down.number("x") + 40) << "one after the other";
     EXPECT_DOUBLE_EQ(repeat.number("y"), down.number("y"));
 }
+
+TEST(LegendDrawing, DrawsASampleBesideEachText)
+{
+    using Item = PlacedLegend::Item;
+    const TimelineModel model;
+    TimelineLayout layout(model);
+    layout.legend.clear();
+    for (const Item item : {Item::Down, Item::Repeat, Item::Withdrawn, Item::Forgotten, Item::Timed,
+                            Item::Due, Item::Late, Item::Click, Item::Press, Item::LongPress,
+                            Item::Release, Item::On, Item::Off, Item::Chord, Item::Dropped})
+        layout.legend.append({item, QString::number(static_cast<int>(item)), 100, 50});
+    TimelineSvg svg(200, 100, "t", "d");
+    TimelineCanvas canvas{model, layout, svg};
+    drawLegend(&canvas);
+    EXPECT_EQ(Picture(svg.finished()).drawing(), R"(paper 0 0 200 100
+bar 100 45 18 10
+muted 124 54 '0'
+bar 100 45 18 10
+repeat 106 47 106 53
+repeat 112 47 112 53
+muted 124 54 '1'
+bar-withdrawn 100 45 18 10
+withdrawn translate(109 50)
+muted 124 54 '2'
+bar-withdrawn 100 45 18 10
+forgotten translate(109 50)
+muted 124 54 '3'
+timed 100 50 118 50
+muted 124 54 '4'
+due 105 43 105 57
+flag translate(105 51)
+muted 124 54 '5'
+late 100 48 18 4
+muted 124 54 '6'
+press translate(109 50)
+release translate(109 50)
+muted 124 54 '7'
+press translate(109 50)
+muted 124 54 '8'
+long-press translate(109 50)
+muted 124 54 '9'
+release translate(109 50)
+muted 124 54 '10'
+on translate(109 50)
+muted 124 54 '11'
+off translate(109 50)
+muted 124 54 '12'
+bar-chord 100 45 18 10
+muted 124 54 '13'
+dropped translate(109 50)
+muted 124 54 '14'
+)");
+}

@@ -290,3 +290,49 @@ TEST(TimelineCollector, KeepsOnlyTheTimingsThatBeginBeforeThePictureIsFull)
     EXPECT_EQ(spans.at(1).from, 20 * ms);
     EXPECT_EQ(spans.at(1).to, 40 * ms);
 }
+
+TEST(TimelineCollector, KeepsWhatIsAtTheVeryEdgesOfThePart)
+{
+    const TimelineModel model =
+        collected({start(), event(499 * ms, InputEvent::Info, InputEvent::KeyPressed),
+                   event(500 * ms, InputEvent::Info, InputEvent::KeyPressed),
+                   event(2000 * ms, InputEvent::Info, InputEvent::KeyPressed),
+                   event(2001 * ms, InputEvent::Info, InputEvent::KeyPressed)},
+                  {500 * ms, 2000 * ms});
+    const auto &events = lane(model, "KEY_INFO").events;
+    ASSERT_THAT(events, SizeIs(2));
+    EXPECT_EQ(events.first().time, 500 * ms);
+    EXPECT_EQ(events.last().time, 2000 * ms);
+}
+
+TEST(TimelineCollector, KeepsTheTimingsThatReachIntoThePart)
+{
+    const auto spansOf = [](qint64 from, qint64 to) {
+        const TimelineModel model =
+            collected({start(), key(0, KEY_A, 1), detector(from, What::LongPressDue, {KEY_A}, to),
+                       detector(to, What::LongPressEnded, {KEY_A}), remark(3000 * ms)},
+                      {500 * ms, 2000 * ms});
+        return lane(model, "KEY_A").timed.size();
+    };
+    EXPECT_EQ(spansOf(0, 499 * ms), 0);
+    EXPECT_EQ(spansOf(0, 500 * ms), 1);
+    EXPECT_EQ(spansOf(2000 * ms, 2500 * ms), 1);
+    EXPECT_EQ(spansOf(2001 * ms, 2500 * ms), 0);
+}
+
+TEST(TimelineCollector, HasNoLanesForOtherRecords)
+{
+    QVector<SessionEntry> entries{start(), key(0, KEY_A, 1)};
+    for (const int type : {EV_SYN, EV_REL, EV_ABS, EV_MSC, EV_LED, EV_REP})
+        entries.append({0, RecordRead{front, type, 0, 1, 1}});
+    EXPECT_THAT(collected(entries).lanes, SizeIs(1));
+}
+
+TEST(TimelineCollector, EndsTheBarsOfADeviceWhoseLanesAreBelowAnothers)
+{
+    const TimelineModel model = collected(
+        {key(0, KEY_A, 1, keyboard), key(0, KEY_A, 1), unplugged(400 * ms), remark(900 * ms)});
+    EXPECT_TRUE(onlyBar(model.lanes.at(0)).isOpen);
+    EXPECT_FALSE(onlyBar(model.lanes.at(1)).isOpen);
+    EXPECT_EQ(onlyBar(model.lanes.at(1)).to, 400 * ms);
+}

@@ -219,3 +219,48 @@ TEST(TimelineLayout, LabelsAPressAsAClickOnlyWithItsOwnReleaseSoonAfter)
     std::get<EventPublished>(other.what).bus = InputEvent::Bus::USB;
     EXPECT_THAT(labelsOf(other), ElementsAre("Info press", "Info release"));
 }
+
+TEST(TimelineLayout, CountsTheFlagsOfEachMomentForItself)
+{
+    const Picture picture = draw({start(), remark(0), remark(0), remark(0), remark(500 * ms),
+                                  remark(500 * ms), remark(1000 * ms)});
+    EXPECT_THAT(picture.texts("flag-label"),
+                ElementsAre("remark (3 in all)", "remark (2 in all)", "remark"));
+    EXPECT_EQ(picture.ofClass("remark").first().title.toStdString(),
+              "0.000 s: remark\n0.000 s: remark\n0.000 s: remark");
+}
+
+TEST(TimelineLayout, NamesTwentyFlagsOfAMoment)
+{
+    const auto titleOf = [](int count) {
+        QVector<SessionEntry> entries{start()};
+        for (int i = 0; i < count; ++i)
+            entries.append(remark(0));
+        const Picture picture = draw(entries);
+        EXPECT_THAT(picture.texts("flag-label"),
+                    ElementsAre("remark (" + std::to_string(count) + " in all)"));
+        return picture.ofClass("remark").first().title;
+    };
+    EXPECT_EQ(titleOf(19).count('\n'), 18);
+    EXPECT_EQ(titleOf(20).count('\n'), 19);
+    EXPECT_EQ(titleOf(21).count('\n'), 19);
+}
+
+TEST(TimelineLayout, HasTheLabelsOfFlagsThatAreCloseBelowEachOther)
+{
+    const Picture picture = draw({start(), remark(0), remark(30 * ms), remark(60 * ms),
+                                  remark(90 * ms), remark(120 * ms), remark(1000 * ms)});
+    const QVector<Element> labels = picture.ofClass("flag-label");
+    std::vector<double> places;
+    for (const Element &label : labels)
+        places.push_back(label.number("y"));
+    ASSERT_THAT(places, SizeIs(5)) << "no room for that of the fifth";
+    const double top = places.front();
+    EXPECT_THAT(places, ElementsAre(top, top + 14, top + 28, top + 42, top));
+}
+
+TEST(TimelineLayout, MergesOnlyFlagsOfAKind)
+{
+    const Picture picture = draw({start(), plugged(0), remark(0), plugged(0, keyboard, "other")});
+    EXPECT_THAT(picture.texts("flag-label"), ElementsAre("+ front-panel", "remark", "+ other"));
+}

@@ -109,5 +109,6 @@ TEST(TimelineSvg, CutsNoCharacterInHalf)
     EXPECT_EQ(TimelineSvg::shortened(notes, 4).toStdString(), "ab…");
     EXPECT_EQ(TimelineSvg::shortened(notes, 3).toStdString(), "ab…");
     EXPECT_EQ(TimelineSvg::shortened(notes, 2).toStdString(), "a…");
+    EXPECT_EQ(TimelineSvg::shortened(notes.mid(2), 2).toStdString(), "…");
     EXPECT_EQ(TimelineSvg::shortened(notes, 1).toStdString(), "…");
 }
