@@ -51,7 +51,7 @@ QString RecordingFolder::open()
     const QStringList present =
         folder.entryList({QStringLiteral("session.*"), QStringLiteral("event*.evemu"),
                           QStringLiteral("event*.ioctl")},
-                         QDir::Files | QDir::Hidden | QDir::System);
+                         QDir::Files | QDir::System);
     // A node file that an earlier recording left would be replayed together with this one.
     if (!present.isEmpty()) {
         return QStringLiteral("'%1' already holds a recording ('%2'); choose another folder, or "
