@@ -255,8 +255,8 @@ TEST(SessionPrinter, GoesOnInTheNextLineWhereNothingCanBeLeftOut)
     SessionPrinter::Options options;
     options.coloured = true;
     EXPECT_THAT(lastLine(options, Remark{QString(100, 'x')}),
-                testing::MatchesRegex("    1.500  \x1b\\[33mx+\x1b\\[0m\n"
-                                      " {15}\x1b\\[33mx+\x1b\\[0m"));
+                testing::MatchesRegex("    1.500  \x1b\\[33mx{65}\x1b\\[0m\n"
+                                      " {15}\x1b\\[33mx{35}\x1b\\[0m"));
 }
 
 TEST(SessionPrinter, TellsWhyNothingWasPublishedWhenAsked)

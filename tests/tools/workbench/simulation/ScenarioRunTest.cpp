@@ -23,6 +23,8 @@ public:
     /// An event at a time of the session.
     void publishAt(qint64 time) { m_events += time; }
     void breakAt(qint64 time) { m_breaksAt = time; }
+    /// As soon as it is asked to do anything to a device.
+    void breakOnAction() { m_breaksOnAction = true; }
 
     QString failure() const override
     {
@@ -45,11 +47,16 @@ public:
     void setInputDirectory(bool) override { }
     std::optional<int> changeKeys(int, const QVector<int> &codes, int) override
     {
+        act();
         // What a bench says that is broken means nothing.
         return failure().isEmpty() ? std::nullopt : std::make_optional(codes.first());
     }
     void releaseKeys(int) override { }
-    bool setSwitch(int, int, bool) override { return failure().isEmpty(); }
+    bool setSwitch(int, int, bool) override
+    {
+        act();
+        return failure().isEmpty();
+    }
     void send(int, const QVector<RecordedEvent> &, qint64) override { }
     void stepWallClock(qint64) override { }
     void select(const QString &) override { }
@@ -58,6 +65,12 @@ public:
     const ExpectationChecked &checked() const { return m_checked; }
 
 private:
+    void act()
+    {
+        if (m_breaksOnAction)
+            m_breaksAt = m_now;
+    }
+
     void moveTo(qint64 time)
     {
         m_now = std::max(m_now, time);
@@ -73,6 +86,7 @@ private:
     QVector<qint64> m_events;
     qint64 m_now = 0;
     qint64 m_breaksAt = std::numeric_limits<qint64>::max();
+    bool m_breaksOnAction = false;
     ExpectationChecked m_checked;
 };
 
@@ -228,4 +242,32 @@ TEST_F(ScenarioRunTest, WaitsForATimeThatCountsFromTheActionAndNotFromNow)
     EXPECT_EQ(result.outcome, Outcome::Failed);
     EXPECT_EQ(m_bench.checked().found, "nothing");
     EXPECT_EQ(result.duration, 200);
+}
+
+TEST_F(ScenarioRunTest, DoesNotBlameTheScenarioForAProgramThatEnds)
+{
+    m_bench.breakOnAction();
+    for (const char *text : {"panel press KEY_INFO\n", "panel switch SW_LID on\n"}) {
+        const SimulationResult result = run(text, 0);
+        EXPECT_EQ(result.outcome, Outcome::ProgramFailed) << text;
+        ASSERT_EQ(result.diagnostics.size(), 1) << text;
+        EXPECT_EQ(result.diagnostics.first().message, "the program was killed") << text;
+        m_bench.breakAt(std::numeric_limits<qint64>::max());
+    }
+}
+
+TEST_F(ScenarioRunTest, AllowsForTheToleranceAtTheEndOfAWait)
+{
+    const char *const text =
+        "panel press KEY_INFO\nwait 400ms\nexpect Info KeyLongPress within 100ms\n";
+    m_bench.publishAt(599);
+    EXPECT_EQ(run(text, 100).outcome, Outcome::Passed);
+}
+
+TEST_F(ScenarioRunTest, WaitsNoLongerThanTheTolerance)
+{
+    m_bench.publishAt(601);
+    EXPECT_EQ(run("panel press KEY_INFO\nwait 400ms\nexpect Info KeyLongPress within 100ms\n", 100)
+                  .outcome,
+              Outcome::Failed);
 }

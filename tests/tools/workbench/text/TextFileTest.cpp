@@ -192,3 +192,39 @@ TEST_F(TextFileTest, ThatAreDevicesTellWhenTheyAreFull)
     EXPECT_THAT(writeFile(path("full"), "content").toStdString(),
                 testing::EndsWith("full cannot be written: No space left on device"));
 }
+
+TEST_F(TextFileTest, AddTheirErrorBehindThoseBefore)
+{
+    Diagnostics diagnostics{Diagnostic{Diagnostic::Severity::Error, "before", 0, 0, "wrong"}};
+    EXPECT_FALSE(readFile("/missing", 100, &diagnostics));
+    ASSERT_EQ(diagnostics.size(), 2);
+    EXPECT_EQ(diagnostics.last().toString().toStdString(),
+              "/missing: error: cannot be read: No such file or directory");
+}
+
+TEST_F(TextFileTest, AreTheStandardOutputIfTheyAreADash)
+{
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(writeFile("-", "abc").toStdString(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "abc");
+}
+
+TEST_F(TextFileTest, TellOnceThatTheStandardOutputIsFull)
+{
+    if (!QFile::exists("/dev/full"))
+        GTEST_SKIP() << "no /dev/full";
+    std::fflush(stdout);
+    const int saved = dup(STDOUT_FILENO);
+    const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+    dup2(full, STDOUT_FILENO);
+    close(full);
+    const QString error = writeFile("-", "abc");
+    dup2(saved, STDOUT_FILENO);
+    close(saved);
+    EXPECT_EQ(error.toStdString(),
+              "the standard output cannot be written: No space left on device");
+    EXPECT_EQ(std::ferror(stdout), 0);
+    testing::internal::CaptureStdout();
+    std::fflush(stdout);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "") << "nothing is left to be written";
+}

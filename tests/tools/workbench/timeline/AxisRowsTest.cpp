@@ -265,3 +265,22 @@ TEST(AxisRows, HaveBreaksOfFullWidthUnlessThoseWouldFillThem)
     // 24 rows at most, of which two fifths are breaks.
     EXPECT_DOUBLE_EQ(breakOf(400), 24 * 1200 * 0.4 / 400);
 }
+
+TEST(AxisRows, HoldAsManySegmentsAndBreaksAsFit)
+{
+    QVector<qint64> times;
+    for (qint64 stretch = 0; stretch < 12; ++stretch) {
+        for (qint64 second = 0; second < 7; ++second)
+            times.append((stretch * 20 + second) * 1000 * ms);
+    }
+    const auto axes = rowsOf(times);
+    ASSERT_THAT(axes, SizeIs(9));
+    for (int i = 0; i < axes.size(); ++i) {
+        const TimelineAxis &axis = axes.at(i);
+        EXPECT_LE(axis.x(axis.to()), axis.right() + 0.5) << i;
+        // What is left is too little for a break and a bit of what follows it, or for a round time.
+        if (i + 1 < axes.size()) {
+            EXPECT_GT(axis.x(axis.to()), axis.right() - 58 - 30) << i;
+        }
+    }
+}

@@ -263,8 +263,10 @@ TEST(FrameDrawing, TellsOfOneLaneThatItLeavesOutAndOfVeryMany)
     EXPECT_THAT(noteOf(201), ElementsAre("not shown: 1 lane"));
     EXPECT_THAT(noteOf(200 + maxCountedLanes - 1),
                 ElementsAre("not shown: " + std::to_string(maxCountedLanes - 1) + " lanes"));
-    EXPECT_THAT(noteOf(200 + maxCountedLanes),
-                ElementsAre("not shown: at least " + std::to_string(maxCountedLanes) + " lanes"));
+    for (const int more : {0, 1, 100})
+        EXPECT_THAT(
+            noteOf(200 + maxCountedLanes + more),
+            ElementsAre("not shown: at least " + std::to_string(maxCountedLanes) + " lanes"));
 }
 
 TEST(FrameDrawing, TurnsALabelToTheLeftAtTheEdge)
@@ -279,4 +281,15 @@ TEST(FrameDrawing, TurnsALabelToTheLeftAtTheEdge)
     const QVector<Element> lines = picture.ofClass("remark");
     EXPECT_DOUBLE_EQ(labels.at(0).number("x"), lines.first().number("x1") + 4);
     EXPECT_DOUBLE_EQ(labels.at(1).number("x"), lines.last().number("x1") - 4);
+}
+
+TEST(FrameDrawing, ShowsTheIdentifierToTheEdgeOfEachRow)
+{
+    QVector<SessionEntry> entries{start(), {0, IdentifierSelected{"main"}}};
+    for (qint64 i = 0; i < 30; ++i)
+        entries.append(remark(i * 1013 * ms));
+    const QVector<Element> bands = draw(entries).ofClass("identifier");
+    ASSERT_THAT(bands, SizeIs(3));
+    for (const Element &band : bands)
+        EXPECT_DOUBLE_EQ(band.number("width"), 1200);
 }

@@ -129,3 +129,22 @@ TEST(LabelRows, NeedMoreRoomForLongerTexts)
     EXPECT_DOUBLE_EQ(LabelRows::width(text), 68);
     EXPECT_DOUBLE_EQ(LabelRows::width({}), 2);
 }
+
+TEST(LabelRows, LeadEachLineFromAboveThroughTheFirstRow)
+{
+    LabelRows rows(3, LabelRows::Lines::FromAbove, {0, 1000});
+    EXPECT_EQ(rowOf(rows.place(172, text, gap)), 0);
+    EXPECT_EQ(rowOf(rows.place(136, text, gap)), 1);
+    EXPECT_EQ(rowOf(rows.place(70, text, gap)), 2) << "the line to the second is in the first row";
+}
+
+TEST(LabelRows, LeadEachLineBelowThroughTheLastRow)
+{
+    LabelRows rows(3, LabelRows::Lines::Below, {0, 1000});
+    EXPECT_EQ(rowOf(rows.place(0, text, gap)), 0);
+    EXPECT_EQ(rowOf(rows.place(40, text, gap)), 1);
+    EXPECT_EQ(rowOf(rows.place(75, text, gap)), 2) << "its line would cross the second";
+    EXPECT_EQ(rowOf(rows.place(110, text, gap)), -1) << "its line would cross both";
+    EXPECT_EQ(rowOf(rows.place(150, text, gap)), 0);
+    EXPECT_EQ(rows.count(), 3);
+}

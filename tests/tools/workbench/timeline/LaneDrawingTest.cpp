@@ -350,3 +350,21 @@ TEST(LaneDrawing, LeadsFromTheBarToALabelInALowerRow)
     EXPECT_NEAR(labels.at(0).number("x"), longPress.number("x1") + 4, 0.11);
     EXPECT_NEAR(labels.at(1).number("x"), release.number("x1") + 8, 0.11);
 }
+
+TEST(LaneDrawing, ShowsALateLongPressAfterOneInTime)
+{
+    const auto longPressOf = [](qint64 time, qint64 latency) {
+        return SessionEntry{time,
+                            EventPublished{InputEvent::Info,
+                                           InputEvent::KeyLongPress,
+                                           InputEvent::Bus::LocalUI,
+                                           front,
+                                           EV_KEY,
+                                           {KEY_INFO},
+                                           latency}};
+    };
+    const Picture picture = draw(
+        {start(), key(0, KEY_INFO, 1), longPressOf(500 * ms, 0), longPressOf(1000 * ms, 100 * ms)});
+    EXPECT_THAT(picture.titles("late"),
+                ElementsAre("due at 0.900 s, published at 1.000 s", "")); // "" is the legend's
+}

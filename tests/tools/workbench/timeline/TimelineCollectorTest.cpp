@@ -254,13 +254,14 @@ TEST(TimelineCollector, EndsWhereTheFirstMarkIsLeftOut)
         QVector<SessionEntry> entries;
         for (int i = 0; i < remarks; ++i)
             entries.append(remark(i * ms));
-        entries.append({(remarks + 500) * ms, RecordRead{front, EV_SYN, SYN_REPORT, 0, 1}});
+        for (const int later : {500, 900})
+            entries.append({(remarks + later) * ms, RecordRead{front, EV_SYN, SYN_REPORT, 0, 1}});
         return collected(entries);
     };
     const TimelineModel full = collectedOf(maxTimelineMarks - 1);
     EXPECT_EQ(full.marksLeftOut, 0);
     EXPECT_THAT(full.flags, SizeIs(maxTimelineMarks - 1));
-    EXPECT_EQ(full.shown.to, (maxTimelineMarks - 1 + 500) * ms);
+    EXPECT_EQ(full.shown.to, (maxTimelineMarks - 1 + 900) * ms);
     const TimelineModel cut = collectedOf(maxTimelineMarks);
     EXPECT_EQ(cut.marksLeftOut, 1);
     EXPECT_THAT(cut.flags, SizeIs(maxTimelineMarks - 1));

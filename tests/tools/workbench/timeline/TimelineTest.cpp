@@ -29,6 +29,11 @@ TEST(Timeline, HasATitleAndADescriptionForThoseWhoDoNotSeeIt)
     EXPECT_EQ(picture.elements().at(2).text.toStdString(),
               "1 lane and 2 events from 0.000 s to 2.200 s. Profile: player.toml.");
     EXPECT_THAT(picture.texts("title"), ElementsAre("a.scenario"));
+    const Picture failed =
+        draw({{0, Remark{"a"}},
+              {1000 * ms, ExpectationChecked{"a.scenario", 4, "expect Mute", false, "Info"}}});
+    EXPECT_EQ(failed.elements().at(2).text.toStdString(),
+              "0 lanes and 0 events from 0.000 s to 1.000 s. Expectations failed.");
 }
 
 TEST(Timeline, DrawsEverythingFromBackToFront)
