@@ -135,6 +135,10 @@ TEST_F(ProgramCheckTest, SurvivesDamagedFiles)
     narrow.e_phentsize = 1;
     EXPECT_THAT(obstacle(write("narrow", bytes(narrow) + QByteArray(100, '\0'))),
                 HasSubstr("program headers are not in"));
+    ElfW(Ehdr) wide = header();
+    wide.e_phentsize = sizeof(ElfW(Phdr)) + 1;
+    EXPECT_THAT(obstacle(write("wide", bytes(wide) + QByteArray(100, '\0'))),
+                HasSubstr("program headers are not in"));
 
     ElfW(Phdr) name = segment("x");
     name.p_offset = ~decltype(name.p_offset)(0) - 1;
