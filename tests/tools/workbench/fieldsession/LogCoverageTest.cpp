@@ -143,6 +143,17 @@ TEST(LogCoverage, KnowsWhichLinesThereAre)
     EXPECT_FALSE(coverage({ReadData}).hasReports());
 }
 
+TEST(LogCoverage, KeepsInMindWhatItHasSeen)
+{
+    std::vector<Line> lines = {Record, ReadData, Detector, Report, Bus};
+    for (const Line later : {HandlerDebug, HandlerTrace, Opened, Error}) {
+        lines.push_back(later);
+        EXPECT_TRUE(coverage(lines).isComplete()) << later;
+    }
+    EXPECT_TRUE(coverage({Report, HandlerTrace}).hasEvents());
+    EXPECT_THAT(gaps({Error, Record, ReadData, Detector, Report, HandlerDebug, Error}), IsEmpty());
+}
+
 TEST(LogCoverage, SaysWhatComesLater)
 {
     EXPECT_THAT(news({}, {}), IsEmpty());

@@ -1,0 +1,479 @@
+#include "WrittenLog.h"
+
+#include <gmock/gmock.h>
+
+#include <linux/input.h>
+
+namespace {
+
+constexpr const char *handlers = WrittenLog::handlers;
+constexpr const char *listeners = WrittenLog::listeners;
+constexpr const char *detectors = WrittenLog::detectors;
+
+} // namespace
+
+TEST(LogIncomplete, TellsWhatIsPublishedForKeysWithoutRecords)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.stored({"30 press"}).passedOn(KEY_A, 1).event("", "CharA", "KeyPressed", 1097, "press");
+    log.storedAgain(30, {"30 release"}).passedOn(KEY_A, 0);
+    log.event("", "CharA", "KeyReleased", 1097, "release");
+    log.stored({"48 press"}).passedOn(KEY_B, 1);
+    log.stored({"48 press", "46 press"}).passedOn(KEY_B, 0).passedOn(KEY_B, 1).passedOn(KEY_C, 1);
+    log.event("", "Power", "KeyPressed", 22, "press");
+    log.add(detectors, "Double key press detected and new press event received -> drop");
+    log.storedAgain(46, {"48 press", "46 release"});
+    log.storedAgain(48, {"48 release", "46 release"}).passedOn(KEY_B, 0).passedOn(KEY_C, 0);
+    log.event("", "Power", "KeyReleased", 22, "release");
+    log.stored({"32 press"})
+        .passedOn(KEY_D, 1)
+        .add(detectors, "Received release for non existing press -> drop");
+    EXPECT_EQ(
+        log.transcript(),
+        "0.000 start of a.log\n"
+        "0.000 # read from a log; records have the times of their lines\n"
+        "0.040 + event0 'panel' LocalUI\n"
+        "0.050 identifier ''\n"
+        "0.100 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+        "0.150 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+        "0.180 event0 first-key-withdrawn KEY_B for ''\n"
+        "0.210 event0 chord-found KEY_B+KEY_C for '', mapped\n"
+        "0.230 => Power KeyPressed of event0 LocalUI KEY_B+KEY_C\n"
+        "0.240 # a key was dropped, since KEY_B + KEY_C are down since 0.180 s; which one is not "
+        "in the log\n"
+        "0.280 event0 chord-released KEY_B+KEY_C for ''\n"
+        "0.320 => Power KeyReleased of event0 LocalUI KEY_B+KEY_C\n"
+        "0.350 # a key was dropped: a release without a press; which one is not in the log\n");
+}
+
+TEST(LogIncomplete, TakesAPacketForTheOtherListenersWhileDevicesAreUnknown)
+{
+    WrittenLog log;
+    log.pace(1000).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.event("", "CharA", "KeyPressed", 1097, "press").record(KEY_A, 1).wait(100);
+    log.record(KEY_A, 0).record(KEY_A, 0).storedAgain(30, {"30 release"}).passedOn(KEY_A, 0);
+    log.event("", "CharA", "KeyReleased", 1097, "release").wait(100);
+    log.record(KEY_B, 1);
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.000 # records do not say which device they are of: the log has no line of logger "
+              "LinuxInputListener at TRACE\n"
+              "0.000 # no devices: the log does not show that any was opened\n"
+              "0.000 panel KEY_A 1\n"
+              "0.005 => CharA KeyPressed of panel NoBus KEY_A\n"
+              "0.005 panel KEY_A 1 published [CharA KeyPressed]\n"
+              "0.108 panel KEY_A 0\n"
+              "0.116 => CharA KeyReleased of panel NoBus KEY_A\n"
+              "0.116 panel KEY_A 0 published [CharA KeyReleased]\n"
+              "0.217 unknown device KEY_B 1\n"
+              "0.218 unknown device KEY_B 1 open [] no line of a handler follows it; if both "
+              "listeners of a device have read it, this is said of the other line\n");
+}
+
+TEST(LogIncomplete, FindsNoKeyForAnEventThatNoDetectorSpeaksOf)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.event("", "CharA", "KeyPressed", 1097, "press");
+    log.read(5).record(KEY_B, 1).event("", "CharB", "KeyPressed", 1098, "press");
+    log.read(5).record(KEY_B, 0).bus(1098, "release");
+    EXPECT_EQ(
+        log.transcript(),
+        "0.000 start of a.log\n"
+        "0.000 # read from a log; records have the times of their lines\n"
+        "0.040 + event0 'panel' LocalUI\n"
+        "0.050 identifier ''\n"
+        "0.080 event0 KEY_A 1\n"
+        "0.130 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+        "0.130 event0 KEY_A 1 published [CharA KeyPressed]\n"
+        "0.150 event0 KEY_B 1\n"
+        "0.180 => CharB KeyPressed of event0 LocalUI ?\n"
+        "0.180 event0 KEY_B 1 unread [] no key handler took it: the listener had no receiver\n"
+        "0.200 event0 KEY_B 0\n"
+        "0.220 => CharB KeyReleased of ? NoBus ?\n"
+        "0.220 event0 KEY_B 0 unread [] no key handler took it: the listener had no receiver\n");
+}
+
+TEST(LogIncomplete, LeavesOpenWhichOfTwoClicksIsOver)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.read(5).record(KEY_A, 0).storedAgain(30, {"30 release"}).passedOn(KEY_A, 0);
+    log.event("", "CharA", "KeyPressed", 1097, "press");
+    // A slot runs an event loop between the two events of the click.
+    log.read(5).record(KEY_D, 1).stored({"32 press"}).passedOn(KEY_D, 1);
+    log.read(5).record(KEY_D, 0).storedAgain(32, {"32 release"}).passedOn(KEY_D, 0);
+    log.event("", "CharA", "KeyReleased", 1097, "release");
+    log.event("", "CharA", "KeyReleased", 1097, "release");
+    log.event("", "CharD", "KeyReleased", 1100, "release");
+    // Of another command it is the inner one's.
+    log.read(5).record(KEY_B, 1).stored({"48 press"}).passedOn(KEY_B, 1);
+    log.read(5).record(KEY_B, 0).storedAgain(48, {"48 release"}).passedOn(KEY_B, 0);
+    log.event("", "CharB", "KeyPressed", 1098, "press");
+    log.read(5).record(KEY_E, 1).stored({"18 press"}).passedOn(KEY_E, 1);
+    log.event("", "CharE", "KeyPressed", 1101, "press");
+    log.read(5).record(KEY_E, 0).storedAgain(18, {"18 release"}).passedOn(KEY_E, 0);
+    log.event("", "CharE", "KeyReleased", 1101, "release");
+    log.event("", "CharB", "KeyReleased", 1098, "release");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
+              "0.080 event0 KEY_A 1\n"
+              "0.130 event0 KEY_A 0\n"
+              "0.190 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.210 event0 KEY_D 1\n"
+              "0.260 event0 KEY_D 0\n"
+              "0.320 => CharA KeyReleased of event0 LocalUI ?\n"
+              "0.320 event0 KEY_D 1 open [] the log does not say whether CharA KeyReleased is of "
+              "this record or of another one: a slot ran an event loop\n"
+              "0.320 event0 KEY_D 0 open [] the log does not say whether CharA KeyReleased is of "
+              "this record or of another one: a slot ran an event loop\n"
+              "0.340 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+              "0.360 => CharD KeyReleased of event0 LocalUI ?\n"
+              "0.360 event0 KEY_A 1 held [] held back until the release\n"
+              "0.360 event0 KEY_A 0 published [CharA KeyPressed, CharA KeyReleased]\n"
+              "0.380 event0 KEY_B 1\n"
+              "0.430 event0 KEY_B 0\n"
+              "0.490 => CharB KeyPressed of event0 LocalUI KEY_B\n"
+              "0.510 event0 KEY_E 1\n"
+              "0.560 => CharE KeyPressed of event0 LocalUI KEY_E\n"
+              "0.560 event0 KEY_E 1 published [CharE KeyPressed]\n"
+              "0.580 event0 KEY_E 0\n"
+              "0.640 => CharE KeyReleased of event0 LocalUI KEY_E\n"
+              "0.640 event0 KEY_E 0 published [CharE KeyReleased]\n"
+              "0.660 => CharB KeyReleased of event0 LocalUI KEY_B\n"
+              "0.660 event0 KEY_B 1 held [] held back until the release\n"
+              "0.660 event0 KEY_B 0 published [CharB KeyPressed, CharB KeyReleased]\n");
+}
+
+TEST(LogIncomplete, GoesOnWithAPairThatASlotHeldUp)
+{
+    WrittenLog log;
+    log.device(0, "panel").device(1, "remote").select("");
+    log.read(6).record(KEY_1, 1).stored({"2 press"}).passedOn(KEY_1, 1);
+    log.event("", "Number1", "KeyPressed", 1049, "press");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.event("", "CharA", "KeyPressed", 1097, "press");
+    log.read(5).record(KEY_B, 1).stored({"30 press", "48 press"}).passedOn(KEY_A, 0);
+    log.event("", "CharA", "KeyReleased", 1097, "release");
+    log.read(6).record(KEY_1, 0).storedAgain(2, {"2 release"}).passedOn(KEY_1, 0);
+    log.event("", "Number1", "KeyReleased", 1049, "release");
+    log.passedOn(KEY_A, 1).passedOn(KEY_B, 1);
+    log.event("", "Number1", "KeyPressed", 1049, "press");
+    log.event("", "Power", "KeyPressed", 22, "press");
+    log.read(5).record(KEY_B, 0).storedAgain(48, {"30 press", "48 release"});
+    log.read(5).record(KEY_A, 0).storedAgain(30, {"30 release", "48 release"});
+    log.passedOn(KEY_A, 0).passedOn(KEY_B, 0).event("", "Power", "KeyReleased", 22, "release");
+    // The withdrawal's slot let the first key go, so the pair counts as released.
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.event("", "CharA", "KeyPressed", 1097, "press");
+    log.read(5).record(KEY_B, 1).stored({"30 press", "48 press"}).passedOn(KEY_A, 0);
+    log.event("", "CharA", "KeyReleased", 1097, "release");
+    log.read(5).record(KEY_A, 0).storedAgain(30, {"30 release", "48 press"});
+    log.passedOn(KEY_A, 0).passedOn(KEY_B, 1).event("", "Power", "KeyReleased", 22, "release");
+    log.read(5).record(KEY_B, 0).storedAgain(48, {"30 release", "48 release"});
+    log.passedOn(KEY_A, 0).passedOn(KEY_B, 0);
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.090 + event1 'remote' LocalUI\n"
+              "0.100 identifier ''\n"
+              "0.130 event1 KEY_1 1\n"
+              "0.180 => Number1 KeyPressed of event1 LocalUI KEY_1\n"
+              "0.180 event1 KEY_1 1 published [Number1 KeyPressed]\n"
+              "0.200 event0 KEY_A 1\n"
+              "0.250 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.250 event0 KEY_A 1 published [CharA KeyPressed]\n"
+              "0.270 event0 KEY_B 1\n"
+              "0.290 event0 first-key-withdrawn KEY_A for ''\n"
+              "0.320 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+              "0.340 event1 KEY_1 0\n"
+              "0.400 => Number1 KeyReleased of event1 LocalUI KEY_1\n"
+              "0.400 event1 KEY_1 0 published [Number1 KeyReleased]\n"
+              "0.420 event0 chord-found KEY_A+KEY_B for ''\n"
+              "0.440 => Number1 KeyPressed of event1 LocalUI ?\n"
+              "0.460 => Power KeyPressed of event0 LocalUI ?\n"
+              "0.460 event0 KEY_B 1 published [CharA KeyReleased]\n"
+              "0.480 event0 KEY_B 0\n"
+              "0.510 event0 KEY_B 0 chord [] KEY_A + KEY_B are a pair until both are up\n"
+              "0.530 event0 KEY_A 0\n"
+              "0.560 event0 chord-released KEY_A+KEY_B for ''\n"
+              "0.600 => Power KeyReleased of event0 LocalUI KEY_A+KEY_B\n"
+              "0.600 event0 KEY_A 0 published [Power KeyReleased] the log does not say whether for "
+              "KEY_A + KEY_B or for KEY_B alone\n"
+              "0.620 event0 KEY_A 1\n"
+              "0.670 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.670 event0 KEY_A 1 published [CharA KeyPressed]\n"
+              "0.690 event0 KEY_B 1\n"
+              "0.710 event0 first-key-withdrawn KEY_A for ''\n"
+              "0.740 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+              "0.760 event0 KEY_A 0\n"
+              "0.790 event0 KEY_A 0 chord [] KEY_A + KEY_B are a pair until both are up\n"
+              "0.810 event0 chord-found KEY_A+KEY_B for '', mapped\n"
+              "0.830 => Power KeyReleased of event0 LocalUI KEY_A+KEY_B\n"
+              "0.830 event0 KEY_B 1 published [CharA KeyReleased, Power KeyReleased] the log does "
+              "not say whether for KEY_A + KEY_B or for KEY_B alone\n"
+              "0.850 event0 KEY_B 0\n"
+              "0.880 event0 chord-released KEY_A+KEY_B for ''\n"
+              "0.900 event0 KEY_B 0 unmapped [] KEY_A + KEY_B have no command together, nor has "
+              "KEY_B one\n");
+}
+
+TEST(LogIncomplete, FindsTheOnlyKeyOfALongPress)
+{
+    WrittenLog log;
+    log.device(0, "panel").device(1, "remote").select("");
+    log.read(6).record(KEY_1, 1).stored({"2 press"}).passedOn(KEY_1, 1);
+    log.event("", "Number1", "KeyPressed", 1049, "press");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.event("", "CharA", "KeyPressed", 1097, "press");
+    log.event("", "CharA", "KeyLongPress", 1097, "long press");
+    log.event("", "Number1", "KeyLongPress", 1049, "long press");
+    log.bus(1097, "long press");
+    log.read(5).record(KEY_A, 0).storedAgain(30, {"30 release"}).passedOn(KEY_A, 0);
+    log.event("", "CharA", "KeyReleased", 1097, "release");
+    // Two keys of a pair: only what a key has published before tells which it is.
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.read(5).record(KEY_B, 1).stored({"30 press", "48 press"}).passedOn(KEY_A, 0);
+    log.passedOn(KEY_A, 1).passedOn(KEY_B, 1);
+    log.event("", "CharB", "KeyLongPress", 1098, "long press");
+    log.event("", "CharA", "KeyLongPress", 1097, "long press");
+    log.select("text");
+    log.event("", "CharA", "KeyLongPress", 1097, "long press");
+    log.event("", "CharZ", "KeyLongPress", 1122, "long press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.090 + event1 'remote' LocalUI\n"
+              "0.100 identifier ''\n"
+              "0.130 event1 KEY_1 1\n"
+              "0.180 => Number1 KeyPressed of event1 LocalUI KEY_1\n"
+              "0.180 event1 KEY_1 1 published [Number1 KeyPressed]\n"
+              "0.200 event0 KEY_A 1\n"
+              "0.250 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.270 => CharA KeyLongPress of event0 LocalUI KEY_A\n"
+              "0.290 => Number1 KeyLongPress of event1 LocalUI KEY_1\n"
+              "0.300 => CharA KeyLongPress of ? NoBus ?\n"
+              "0.300 event0 KEY_A 1 published [CharA KeyPressed]\n"
+              "0.320 event0 KEY_A 0\n"
+              "0.380 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+              "0.380 event0 KEY_A 0 published [CharA KeyReleased]\n"
+              "0.400 event0 KEY_A 1\n"
+              "0.450 event0 KEY_B 1\n"
+              "0.470 event0 first-key-withdrawn KEY_A for ''\n"
+              "0.470 event0 KEY_A 1 open [] nothing was published for it: held back, or it has no "
+              "command of its own; first key of a pair, withdrawn at 0.470 s\n"
+              "0.500 event0 chord-found KEY_A+KEY_B for ''\n"
+              "0.520 => CharB KeyLongPress of event0 LocalUI ?\n"
+              "0.540 => CharA KeyLongPress of event0 LocalUI KEY_A\n"
+              "0.550 identifier 'text'\n"
+              "0.560 event0 forgotten KEY_A+KEY_B for ''\n"
+              "0.560 event1 forgotten KEY_1 for ''\n"
+              "0.580 => CharA KeyLongPress of event0 LocalUI KEY_A\n"
+              "0.600 => CharZ KeyLongPress of event0 LocalUI ?\n"
+              "0.600 event0 KEY_B 1 unmapped [] KEY_A + KEY_B have no command together, nor has "
+              "KEY_B one\n");
+}
+
+TEST(LogIncomplete, LearnsWhatAKeyPublishesForEachIdentifier)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.read(5).record(KEY_B, 1).stored({"48 press"}).passedOn(KEY_B, 1);
+    log.event("", "CharB", "KeyPressed", 1098, "press");
+    log.read(5).record(KEY_B, 0).storedAgain(48, {"48 release"}).passedOn(KEY_B, 0);
+    log.event("", "CharB", "KeyReleased", 1098, "release");
+    log.select("text");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.read(5).record(KEY_B, 1).stored({"30 press", "48 press"}).passedOn(KEY_A, 0);
+    log.passedOn(KEY_A, 1).passedOn(KEY_B, 1).event("text", "CharB", "KeyPressed", 1098, "press");
+    log.select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.read(5).record(KEY_B, 1).stored({"30 press", "48 press"}).passedOn(KEY_A, 0);
+    log.passedOn(KEY_A, 1).passedOn(KEY_B, 1).event("", "CharB", "KeyPressed", 1098, "press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
+              "0.080 event0 KEY_B 1\n"
+              "0.130 => CharB KeyPressed of event0 LocalUI KEY_B\n"
+              "0.130 event0 KEY_B 1 published [CharB KeyPressed]\n"
+              "0.150 event0 KEY_B 0\n"
+              "0.210 => CharB KeyReleased of event0 LocalUI KEY_B\n"
+              "0.220 identifier 'text'\n"
+              "0.220 event0 KEY_B 0 published [CharB KeyReleased]\n"
+              "0.250 event0 KEY_A 1\n"
+              "0.300 event0 KEY_B 1\n"
+              "0.320 event0 first-key-withdrawn KEY_A for 'text'\n"
+              "0.320 event0 KEY_A 1 open [] nothing was published for it: held back, or it has no "
+              "command of its own; first key of a pair, withdrawn at 0.320 s\n"
+              "0.350 event0 chord-found KEY_A+KEY_B for 'text', mapped\n"
+              "0.370 => CharB KeyPressed of event0 LocalUI KEY_A+KEY_B\n"
+              "0.380 identifier ''\n"
+              "0.390 event0 forgotten KEY_A+KEY_B for 'text'\n"
+              "0.390 event0 KEY_B 1 published [CharB KeyPressed] the log does not say whether for "
+              "KEY_A + KEY_B or for KEY_B alone\n"
+              "0.410 event0 KEY_A 1\n"
+              "0.460 event0 KEY_B 1\n"
+              "0.480 event0 first-key-withdrawn KEY_A for ''\n"
+              "0.480 event0 KEY_A 1 open [] nothing was published for it: held back, or it has no "
+              "command of its own; first key of a pair, withdrawn at 0.480 s\n"
+              "0.510 event0 chord-found KEY_A+KEY_B for ''\n"
+              "0.530 => CharB KeyPressed of event0 LocalUI KEY_B\n"
+              "0.530 event0 KEY_B 1 published [CharB KeyPressed] the log does not say whether for "
+              "KEY_A + KEY_B or for KEY_B alone, which published CharB before\n");
+}
+
+TEST(LogIncomplete, ForgetsNoKeysOfAHandlerThatIsSelectedNoLonger)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.read(5).add(listeners, " type: 1 code:32 value:1").record(KEY_A, 1);
+    log.stored({"32 press"}).passedOn(KEY_D, 1).event("", "CharD", "KeyPressed", 1100, "press");
+    // The rest of the read goes to the handler that began it.
+    log.select("text").stored({"30 press"}).passedOn(KEY_A, 1);
+    log.event("", "CharA", "KeyPressed", 1097, "press");
+    log.select("menu").select("");
+    log.read(5).record(KEY_A, 0).add(detectors, "Received release for non existing press -> drop");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
+              "0.080 event0 KEY_D 1\n"
+              "0.090 event0 KEY_A 1\n"
+              "0.140 => CharD KeyPressed of event0 LocalUI KEY_D\n"
+              "0.150 identifier 'text'\n"
+              "0.160 event0 forgotten KEY_D for ''\n"
+              "0.160 event0 KEY_D 1 published [CharD KeyPressed]\n"
+              "0.200 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.210 identifier 'menu'\n"
+              "0.230 identifier ''\n"
+              "0.230 event0 KEY_A 1 published [CharA KeyPressed]\n"
+              "0.260 event0 KEY_A 0\n"
+              "0.280 event0 dropped KEY_A for ''\n"
+              "0.280 event0 KEY_A 0 dropped [] dropped: its press had been forgotten, by a "
+              "selection that the log does not show\n");
+}
+
+TEST(LogIncomplete, LetsFourSlotsHoldUpTheirReads)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    for (int code = KEY_1; code <= KEY_6; ++code) {
+        log.read(5).add(listeners, QStringLiteral(" type: 1 code:%1 value:1").arg(code));
+        log.record(KEY_A, 1).stored({QStringLiteral("%1 press").arg(code)}).passedOn(code, 1);
+        log.report("panel", "CharA", "KeyPressed").bus(1097, "press");
+        log.add(handlers, "Enter BasicInputHandler::selectKeyHandler: ");
+    }
+    log.read(5);
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
+              "0.080 event0 KEY_1 1\n"
+              "0.090 event0 KEY_A 1\n"
+              "0.140 => CharA KeyPressed of event0 LocalUI KEY_1\n"
+              "0.150 event0 forgotten KEY_1 for ''\n"
+              "0.150 event0 KEY_1 1 published [CharA KeyPressed]\n"
+              "0.170 event0 KEY_2 1\n"
+              "0.180 event0 KEY_A 1\n"
+              "0.230 => CharA KeyPressed of event0 LocalUI KEY_2\n"
+              "0.240 event0 forgotten KEY_2 for ''\n"
+              "0.240 event0 KEY_2 1 published [CharA KeyPressed]\n"
+              "0.260 event0 KEY_3 1\n"
+              "0.270 event0 KEY_A 1\n"
+              "0.320 => CharA KeyPressed of event0 LocalUI KEY_3\n"
+              "0.330 event0 forgotten KEY_3 for ''\n"
+              "0.330 event0 KEY_3 1 published [CharA KeyPressed]\n"
+              "0.350 event0 KEY_4 1\n"
+              "0.360 event0 KEY_A 1\n"
+              "0.410 => CharA KeyPressed of event0 LocalUI KEY_4\n"
+              "0.420 event0 forgotten KEY_4 for ''\n"
+              "0.420 event0 KEY_4 1 published [CharA KeyPressed]\n"
+              "0.440 event0 KEY_5 1\n"
+              "0.450 event0 KEY_A 1\n"
+              "0.500 => CharA KeyPressed of event0 LocalUI KEY_5\n"
+              "0.510 event0 forgotten KEY_5 for ''\n"
+              "0.510 event0 KEY_5 1 published [CharA KeyPressed]\n"
+              "0.510 event0 KEY_A 1 open [] the log has no line of the detector about it\n"
+              "0.530 event0 KEY_6 1\n"
+              "0.540 event0 KEY_A 1\n"
+              "0.590 => CharA KeyPressed of event0 LocalUI KEY_6\n"
+              "0.600 event0 forgotten KEY_6 for ''\n"
+              "0.600 event0 KEY_6 1 published [CharA KeyPressed]\n"
+              "0.600 event0 KEY_A 1 open [] the log has no line of the detector about it\n"
+              "0.600 event0 KEY_A 1 open [] the log has no line of the detector about it\n"
+              "0.600 event0 KEY_A 1 open [] the log has no line of the detector about it\n"
+              "0.600 event0 KEY_A 1 open [] the log has no line of the detector about it\n"
+              "0.600 event0 KEY_A 1 open [] the log has no line of the detector about it\n");
+}
+
+TEST(LogIncomplete, KeepsRecordsWithoutADescriptorForASecond)
+{
+    WrittenLog log;
+    log.pace(1000).device(0, "panel").select("");
+    log.add(listeners, " type: 1 code:30 value:1").wait(998);
+    log.add(listeners, " type: 1 code:48 value:1");
+    log.add(listeners, " type: 0 code:0 value:0").stored({"30 press"}).passedOn(KEY_A, 1);
+    log.event("", "CharA", "KeyPressed", 1097, "press").wait(5000);
+    log.add(listeners, " type: 1 code:46 value:1").wait(1000);
+    log.add(listeners, " type: 1 code:32 value:1");
+    log.add(listeners, " type: 0 code:0 value:0").stored({"30 press", "46 press"});
+    EXPECT_EQ(
+        log.transcript(),
+        "0.000 start of a.log\n"
+        "0.000 # read from a log; records have the times of their lines\n"
+        "0.004 + event0 'panel' LocalUI\n"
+        "0.005 identifier ''\n"
+        "0.007 event0 KEY_A 1\n"
+        "1.006 event0 KEY_B 1\n"
+        "1.011 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+        "6.012 event0 KEY_C 1\n"
+        "6.012 event0 KEY_C 1 unread [] no key handler took it: the listener had no receiver\n"
+        "7.013 event0 KEY_D 1\n"
+        "7.015 event0 first-key-withdrawn KEY_A for ''\n"
+        "7.015 event0 KEY_A 1 published [CharA KeyPressed]\n"
+        "7.015 event0 KEY_B 1 open [] the log has no line of the detector about it\n"
+        "7.015 event0 chord-found KEY_A+KEY_C for ''\n"
+        "7.015 event0 KEY_D 1 unread [] no key handler took it: the listener had no receiver\n");
+}
+
+TEST(LogIncomplete, TellsWhatTheLibraryComplainsOf)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.event("", "CharA", "KeyPressed", 1097, "press");
+    // It was read before it failed.
+    log.read(5).record(KEY_B, 1).add(listeners,
+                                     "Error reading from event device /dev/input/event0");
+    log.read(5).record(KEY_A, 0).storedAgain(30, {"30 release"}).passedOn(KEY_A, 0);
+    log.event("", "CharA", "KeyReleased", 1097, "release");
+    EXPECT_EQ(
+        log.transcript(),
+        "0.000 start of a.log\n"
+        "0.000 # read from a log; records have the times of their lines\n"
+        "0.040 + event0 'panel' LocalUI\n"
+        "0.050 identifier ''\n"
+        "0.080 event0 KEY_A 1\n"
+        "0.130 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+        "0.130 event0 KEY_A 1 published [CharA KeyPressed]\n"
+        "0.150 event0 KEY_B 1\n"
+        "0.170 # the library complains: Error reading from event device /dev/input/event0; it does "
+        "not read it any more\n"
+        "0.170 event0 KEY_B 1 unread [] no key handler took it: the listener had no receiver\n"
+        "0.190 event0 KEY_A 0\n"
+        "0.250 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+        "0.250 event0 KEY_A 0 published [CharA KeyReleased]\n");
+}
