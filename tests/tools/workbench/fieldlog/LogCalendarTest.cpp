@@ -116,6 +116,30 @@ TEST(LogCalendar, TakesEachDateNearTheOneBefore)
     EXPECT_EQ(calendar.date("Jan  1"), "2027-01-01T00:00:00.000Z");
 }
 
+TEST(LogCalendar, TakesTheYearOfTheDateBeforeIfTheNextOneIsAsNear)
+{
+    TimeFormat::Error error;
+    const TimeFormat format = *TimeFormat::compile("%b %e", &error);
+    LogCalendar calendar(QTimeZone::utc());
+    calendar.setLastDay({2023, 12, 31});
+    const auto dateOf = [&](std::string_view text) {
+        LogStamp stamp;
+        EXPECT_TRUE(format.take(&text, &stamp));
+        return QDateTime::fromMSecsSinceEpoch(calendar.toTime(stamp).microseconds / 1000, Qt::UTC)
+            .date();
+    };
+    EXPECT_EQ(dateOf("Dec 31"), QDate(2023, 12, 31));
+    EXPECT_EQ(dateOf("Jul  1"), QDate(2023, 7, 1)) << "183 days either way, as 2024 is a leap year";
+}
+
+TEST(LogCalendar, LooksForALeapYearForTheLeapDayOnly)
+{
+    EXPECT_EQ(Calendar("%b %e").date("Jan 29"), "2026-01-29T00:00:00.000Z");
+    EXPECT_EQ(Calendar("%b %e").date("Apr 29"), "2025-04-29T00:00:00.000Z");
+    EXPECT_EQ(Calendar("%b %e").date("Feb 28"), "2026-02-28T00:00:00.000Z");
+    EXPECT_EQ(Calendar("%j").date("029"), "2026-01-29T00:00:00.000Z");
+}
+
 TEST(LogCalendar, DoesNotTakeADateWithAYearForTheOneBefore)
 {
     TimeFormat::Error error;

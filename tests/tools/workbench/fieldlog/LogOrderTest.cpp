@@ -2,6 +2,7 @@
 
 #include "LogText.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QMap>
 
@@ -38,6 +39,22 @@ TEST(LogOrder, FindsTheOlderPartsBesideAFile)
         found += QFileInfo(path).fileName();
     EXPECT_EQ(found.join(' ').toStdString(),
               "app.log app.log-20260102 app.log.1 app.log.2.gz app.log.2026-01-01.gz");
+}
+
+TEST(LogOrder, FindsThemByTheirNamesWhenTheyWereCopiedInAnyOrder)
+{
+    const LogFolder folder;
+    int day = 1;
+    for (const char *name : {"app.log.1", "app.log.3", "app.log.2", "app.log"}) {
+        QFile file(folder.write(name, noContent));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(QDateTime(QDate(2026, 1, day++), QTime(10, 0), Qt::UTC),
+                                     QFileDevice::FileModificationTime));
+    }
+    QStringList found;
+    for (const QString &path : rotatedFiles(folder.path("app.log")))
+        found += QFileInfo(path).fileName();
+    EXPECT_EQ(found.join(' ').toStdString(), "app.log app.log.1 app.log.2 app.log.3");
 }
 
 TEST(LogOrder, KeepsTheFolderAsItWasWritten)

@@ -483,6 +483,15 @@ TEST(LogReader, KeepsWhatComesBeforeADefect)
                                             "too early")));
 }
 
+TEST(LogReader, GoesOnLookingBehindLinesThatNoLayoutReads)
+{
+    // Neither a word of so many bytes nor, as it is no text, one that is the same in all lines.
+    const QByteArray damaged = QByteArray(2000, '\xff') + " Input: Vorn::InputEvent(3) click\n";
+    const Result result = resultOf(damaged.repeated(700) + record("DEBUG "));
+    EXPECT_THAT(result.texts, ElementsAre("701 LinuxInputListener:  type: 1 code:115 value:1"));
+    EXPECT_EQ(result.counts.before, 600);
+}
+
 TEST(LogReader, GivesUpOnALogThatOnlyLooksLikeTheLibrarys)
 {
     QByteArray log;

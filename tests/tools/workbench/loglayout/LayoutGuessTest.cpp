@@ -188,6 +188,21 @@ TEST(LayoutGuess, TellsThePatternThatWasUsed)
         EXPECT_EQ(guessed(sampleBy(pattern)), "pattern '" + std::string(pattern) + "'");
 }
 
+TEST(LayoutGuess, PrefersThePatternThatFillsLevelsUpAsTheLinesDo)
+{
+    const std::string debug = "DEBUG Input: Vorn::InputEvent(3) click";
+    EXPECT_EQ(guessed({debug, "INFO Input: Vorn::InputEvent(3) click"}), "pattern '%p %c: %m%n'");
+    EXPECT_EQ(guessed({debug, "INFO  Input: Vorn::InputEvent(3) click"}),
+              "pattern '%-5p %c: %m%n'");
+    EXPECT_EQ(guessed({debug, " INFO Input: Vorn::InputEvent(3) click"}), "pattern '%5p %c: %m%n'");
+}
+
+TEST(LayoutGuess, ReadsTheProductsOwnLinesThatLookLikeTheJournals)
+{
+    EXPECT_EQ(guessed({"Jan 02 10:00:00 DEBUG Input: Vorn::InputEvent(3) click"}),
+              "pattern '%D{%b %d %H:%M:%S} %-5p %c: %m%n'");
+}
+
 TEST(LayoutGuess, ReadsLevelsThatTheSampleDoesNotHave)
 {
     for (const std::string pattern :

@@ -230,6 +230,14 @@ TEST(LogPattern, TakesTheLibrarysMessageToTheLastPlaceThatFits)
     EXPECT_FALSE(fits("%p %m;", "INFO a"));
 }
 
+TEST(LogPattern, TakesATextToTheFirstPlaceThatFits)
+{
+    EXPECT_EQ(parsed(compiled("%t %p %m"), "worker 1 of 2 INFO x").thread, "worker 1 of 2");
+    EXPECT_EQ(parsed(compiled("%t %p %m"), "worker INFO INFO x").thread, "worker");
+    EXPECT_EQ(parsed(compiled("[%t] %p %m"), "[a] b] INFO x").thread, "a] b");
+    EXPECT_FALSE(fits("%t %p %m", "worker 1 of 2"));
+}
+
 TEST(LogPattern, PrefersTheThreadsNameToItsNumber)
 {
     EXPECT_EQ(parsed(compiled("%t %T %m"), "main 4711 x").thread, "main");
