@@ -259,10 +259,8 @@ void LogSession::take(const Said::RecordLogged &logged)
     if (logged.type == EV_KEY || logged.type == EV_SW) {
         bool &has = logged.type == EV_KEY ? read.origin->hasKeys : read.origin->hasSwitches;
         has = true;
-        m_origins.settle(read.origin);
         read.records.push_back(record);
     } else if (logged.type != EV_SYN) {
-        m_origins.settle(read.origin);
         m_queue.addOutcome(m_time, record,
                            outcomeOf(Outcome::NotTaken,
                                      QStringLiteral("the library takes EV_KEY and EV_SW only")));
