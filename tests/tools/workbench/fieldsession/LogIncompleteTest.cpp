@@ -477,3 +477,426 @@ TEST(LogIncomplete, TellsWhatTheLibraryComplainsOf)
         "0.250 => CharA KeyReleased of event0 LocalUI KEY_A\n"
         "0.250 event0 KEY_A 0 published [CharA KeyReleased]\n");
 }
+
+TEST(LogIncomplete, TellsADeviceThatTheLogEndsWith)
+{
+    WrittenLog log;
+    log.device(0, "panel");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.030 + event0 'panel' LocalUI\n");
+}
+
+TEST(LogIncomplete, FindsTheDeviceOfKeysThatNoHandlerSpeaksOf)
+{
+    WrittenLog log;
+    log.device(0, "panel").stored({"30 press"}).bus(1097, "press");
+    log.read(5).add(listeners, " type: 4 code:4 value:30").record(KEY_B, 1).stored({"48 press"});
+    log.bus(1098, "press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.000 # events do not say who reported them, and selections are missing: the log "
+              "has no line of logger BasicInputHandler at TRACE\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.060 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.080 event0 MSC_SCAN 30\n"
+              "0.080 event0 MSC_SCAN 30 not-taken [] the library takes EV_KEY and EV_SW only\n"
+              "0.090 event0 KEY_B 1\n"
+              "0.110 # /dev/input/event0 had KEY_A down, and now has not: lines are missing, or a "
+              "selection that the log does not show\n"
+              "0.120 => CharB KeyPressed of event0 LocalUI KEY_B\n"
+              "0.120 event0 KEY_B 1 published [CharB KeyPressed]\n");
+}
+
+TEST(LogIncomplete, KnowsDevicesThatOnlyTheirListenersSpeakOf)
+{
+    WrittenLog log;
+    for (const char *path : {"/dev/input/event0", "/dev/input/event1"}) {
+        log.add(listeners, QStringLiteral("Event device %1 ready").arg(path));
+        log.add(listeners, QStringLiteral("Event device %1 does not support EV_SW").arg(path));
+    }
+    log.read(6).record(KEY_A, 1);
+    log.read(5).add(listeners, "Error reading from event device /dev/input/event0");
+    log.add(listeners, " type: 0 code:0 value:0");
+    EXPECT_EQ(
+        log.transcript(),
+        "0.000 start of a.log\n"
+        "0.000 # read from a log; records have the times of their lines\n"
+        "0.000 # no steps of the detectors: the log has no line of logger KeyProcessing at DEBUG\n"
+        "0.000 # no events: the log has no line of logger Input at DEBUG\n"
+        "0.010 + event0 '' NoBus\n"
+        "0.030 + event1 '' NoBus\n"
+        "0.050 event1 KEY_A 1\n"
+        "0.060 event1 KEY_A 1 open [] the log does not say: it has no events\n"
+        "0.080 # the library complains: Error reading from event device /dev/input/event0; it does "
+        "not read it any more\n");
+}
+
+TEST(LogIncomplete, SurvivesAReadThatFailsWithoutItsDescriptor)
+{
+    WrittenLog log;
+    log.device(0, "panel").add(listeners, " type: 0 code:0 value:0");
+    log.add(listeners, "Error reading from event device /dev/input/event0");
+    EXPECT_EQ(
+        log.transcript(),
+        "0.000 start of a.log\n"
+        "0.000 # read from a log; records have the times of their lines\n"
+        "0.000 # no steps of the detectors: the log has no line of logger KeyProcessing at DEBUG\n"
+        "0.000 # no events: the log has no line of logger Input at DEBUG\n"
+        "0.040 + event0 'panel' LocalUI\n"
+        "0.060 # the library complains: Error reading from event device /dev/input/event0; it does "
+        "not read it any more\n");
+}
+
+TEST(LogIncomplete, KeepsTheKeysOfOtherDevicesThanTheOneThatGoes)
+{
+    WrittenLog log;
+    log.device(0, "panel").device(1, "remote");
+    log.add(listeners, "Event device /dev/input/event2 does not support EV_KEY");
+    log.add(listeners, "bustype: 25").add(listeners, "name: jacks");
+    log.add(listeners, "Event device /dev/input/event2 ready");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.add(handlers, "Removing /dev/input/event2");
+    log.read(5).record(KEY_A, 0).storedAgain(30, {"30 release"}).passedOn(KEY_A, 0);
+    log.event("", "CharA", "KeyPressed", 1097, "press");
+    log.event("", "CharA", "KeyReleased", 1097, "release");
+    log.read(5).record(KEY_B, 1).stored({"48 press"}).passedOn(KEY_B, 1);
+    log.add(handlers, "Removing /dev/input/event1");
+    log.read(5).record(KEY_B, 0).storedAgain(48, {"48 release"}).passedOn(KEY_B, 0);
+    log.event("", "CharB", "KeyPressed", 1098, "press");
+    log.event("", "CharB", "KeyReleased", 1098, "release");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.090 + event1 'remote' LocalUI\n"
+              "0.130 + event2 'jacks' LocalUI\n"
+              "0.150 event0 KEY_A 1\n"
+              "0.190 - event2 'jacks' LocalUI\n"
+              "0.210 event0 KEY_A 0\n"
+              "0.270 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.290 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+              "0.290 event0 KEY_A 1 held [] held back until the release\n"
+              "0.290 event0 KEY_A 0 published [CharA KeyPressed, CharA KeyReleased]\n"
+              "0.310 event0 KEY_B 1\n"
+              "0.350 - event1 'remote' LocalUI\n"
+              "0.370 event0 KEY_B 0\n"
+              "0.430 => CharB KeyPressed of event0 LocalUI KEY_B\n"
+              "0.450 => CharB KeyReleased of event0 LocalUI KEY_B\n"
+              "0.450 event0 KEY_B 1 held [] held back until the release\n"
+              "0.450 event0 KEY_B 0 published [CharB KeyPressed, CharB KeyReleased]\n");
+}
+
+TEST(LogIncomplete, TakesAnEventWithinASecondForThatOfTheKey)
+{
+    WrittenLog log;
+    log.pace(1000).device(0, "panel");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).wait(999).bus(1097, "press");
+    log.read(5).record(KEY_B, 1).stored({"30 press", "48 press"}).wait(1000).bus(22, "press");
+    log.read(5).record(KEY_A, 0).storedAgain(30, {"30 release", "48 press"});
+    log.read(5).record(KEY_B, 0).storedAgain(48, {"30 release", "48 release"});
+    log.wait(1000).bus(22, "release");
+    // The release of a click comes when its slots have returned.
+    log.read(5).record(KEY_C, 1).stored({"46 press"});
+    log.read(5).record(KEY_C, 0).storedAgain(46, {"46 release"}).bus(1099, "press");
+    log.wait(2000).bus(1099, "release");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.000 # events do not say who reported them, and selections are missing: the log "
+              "has no line of logger BasicInputHandler at TRACE\n"
+              "0.004 + event0 'panel' LocalUI\n"
+              "0.006 event0 KEY_A 1\n"
+              "1.008 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "1.008 event0 KEY_A 1 published [CharA KeyPressed]\n"
+              "1.010 event0 KEY_B 1\n"
+              "1.012 event0 first-key-withdrawn KEY_A for ''\n"
+              "2.013 => Power KeyPressed of ? NoBus ?\n"
+              "2.013 event0 chord-found KEY_A+KEY_B for ''\n"
+              "2.013 event0 KEY_B 1 unmapped [] KEY_A + KEY_B have no command together, nor has "
+              "KEY_B one\n"
+              "2.015 event0 KEY_A 0\n"
+              "2.018 event0 KEY_A 0 chord [] KEY_A + KEY_B are a pair until both are up\n"
+              "2.020 event0 KEY_B 0\n"
+              "2.023 event0 chord-released KEY_A+KEY_B for ''\n"
+              "3.024 => Power KeyReleased of ? NoBus ?\n"
+              "3.024 event0 KEY_B 0 unmapped [] KEY_A + KEY_B have no command together, nor has "
+              "KEY_B one\n"
+              "3.026 event0 KEY_C 1\n"
+              "3.030 event0 KEY_C 0\n"
+              "3.034 => CharC KeyPressed of event0 LocalUI KEY_C\n"
+              "5.035 => CharC KeyReleased of event0 LocalUI KEY_C\n"
+              "5.035 event0 KEY_C 1 held [] held back until the release\n"
+              "5.035 event0 KEY_C 0 published [CharC KeyPressed, CharC KeyReleased]\n");
+}
+
+TEST(LogIncomplete, TakesAnEventWithinASecondForThatOfTheRecord)
+{
+    WrittenLog log;
+    log.pace(1000).device(0, "panel");
+    log.read(5).record(KEY_A, 1).wait(998).bus(1097, "press");
+    log.read(5).record(KEY_B, 1).wait(999).bus(1098, "press");
+    EXPECT_EQ(
+        log.transcript(),
+        "0.000 start of a.log\n"
+        "0.000 # read from a log; records have the times of their lines\n"
+        "0.000 # no steps of the detectors: the log has no line of logger KeyProcessing at DEBUG\n"
+        "0.000 # events do not say who reported them, and selections are missing: the log has no "
+        "line of logger BasicInputHandler at TRACE\n"
+        "0.004 + event0 'panel' LocalUI\n"
+        "0.006 event0 KEY_A 1\n"
+        "1.006 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+        "1.006 event0 KEY_A 1 published [CharA KeyPressed]\n"
+        "1.008 event0 KEY_B 1\n"
+        "2.009 => CharB KeyPressed of ? NoBus ?\n"
+        "2.009 event0 KEY_B 1 open [] the log has no event that follows from it, and no steps of "
+        "the detectors\n");
+}
+
+TEST(LogIncomplete, TakesARepetitionWithinFiftyMillisecondsForTheOtherListeners)
+{
+    WrittenLog log;
+    log.pace(1000).device(0, "panel", true);
+    log.record(KEY_E, 1).wait(47).record(KEY_E, 1).wait(1000);
+    log.record(KEY_F, 1).wait(48).record(KEY_F, 1);
+    EXPECT_EQ(
+        log.transcript(),
+        "0.000 start of a.log\n"
+        "0.000 # read from a log; records have the times of their lines\n"
+        "0.000 # no steps of the detectors: the log has no line of logger KeyProcessing at DEBUG\n"
+        "0.000 # no events: the log has no line of logger Input at DEBUG\n"
+        "0.004 + event0 'panel' LocalUI\n"
+        "0.005 event0 KEY_E 1\n"
+        "0.055 event0 KEY_E 1 open [] the log does not say: it has no events\n"
+        "1.056 event0 KEY_F 1\n"
+        "1.106 event0 KEY_F 1\n"
+        "1.107 event0 KEY_F 1 open [] no line of a handler follows it; if both listeners of a "
+        "device have read it, this is said of the other line\n"
+        "1.107 event0 KEY_F 1 open [] no line of a handler follows it; if both listeners of a "
+        "device have read it, this is said of the other line\n");
+}
+
+TEST(LogIncomplete, TakesAReleaseForThatOfTheInnermostClick)
+{
+    WrittenLog log;
+    log.device(0, "panel").device(1, "remote").select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.read(5).record(KEY_A, 0).storedAgain(30, {"30 release"}).passedOn(KEY_A, 0);
+    log.event("", "CharA", "KeyPressed", 1097, "press");
+    log.read(5).record(KEY_D, 1).stored({"32 press"}).passedOn(KEY_D, 1);
+    log.read(5).record(KEY_D, 0).storedAgain(32, {"32 release"}).passedOn(KEY_D, 0);
+    log.event("", "CharA", "KeyPressed", 1097, "press");
+    log.event("", "CharA", "KeyReleased", 1097, "release");
+    // One of another device is not meant.
+    log.read(6).record(KEY_1, 1).stored({"2 press"}).passedOn(KEY_1, 1);
+    log.event("", "Number1", "KeyPressed", 1049, "press");
+    log.read(6).record(KEY_1, 0).storedAgain(2, {"2 release"}).passedOn(KEY_1, 0);
+    log.report("remote", "CharA", "KeyReleased").bus(1097, "release");
+    log.event("", "CharA", "KeyReleased", 1097, "release");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.090 + event1 'remote' LocalUI\n"
+              "0.100 identifier ''\n"
+              "0.130 event0 KEY_A 1\n"
+              "0.180 event0 KEY_A 0\n"
+              "0.240 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.260 event0 KEY_D 1\n"
+              "0.310 event0 KEY_D 0\n"
+              "0.370 => CharA KeyPressed of event0 LocalUI KEY_D\n"
+              "0.390 => CharA KeyReleased of event0 LocalUI KEY_D\n"
+              "0.390 event0 KEY_D 1 held [] held back until the release\n"
+              "0.390 event0 KEY_D 0 published [CharA KeyPressed, CharA KeyReleased]\n"
+              "0.410 event1 KEY_1 1\n"
+              "0.460 => Number1 KeyPressed of event1 LocalUI KEY_1\n"
+              "0.460 event1 KEY_1 1 published [Number1 KeyPressed]\n"
+              "0.480 event1 KEY_1 0\n"
+              "0.540 => CharA KeyReleased of event1 LocalUI KEY_1\n"
+              "0.540 event1 KEY_1 0 published [CharA KeyReleased]\n"
+              "0.560 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+              "0.560 event0 KEY_A 1 held [] held back until the release\n"
+              "0.560 event0 KEY_A 0 published [CharA KeyPressed, CharA KeyReleased]\n");
+}
+
+TEST(LogIncomplete, TakesNoEventForAKeyWhoseSlotHasReturned)
+{
+    WrittenLog log;
+    log.device(0, "panel").device(1, "remote").select("");
+    log.read(5).add(listeners, " type: 1 code:30 value:1").record(KEY_B, 1);
+    log.stored({"30 press"}).passedOn(KEY_A, 1).event("", "CharA", "KeyPressed", 1097, "press");
+    log.read(6).record(KEY_1, 1).stored({"2 press"}).passedOn(KEY_1, 1);
+    log.read(6).record(KEY_1, 0).storedAgain(2, {"2 release"}).passedOn(KEY_1, 0);
+    log.event("", "Number1", "KeyPressed", 1049, "press");
+    log.stored({"30 press", "48 press"}).passedOn(KEY_A, 0);
+    log.event("", "CharA", "KeyReleased", 1097, "release");
+    log.event("", "Number1", "KeyReleased", 1049, "release");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.090 + event1 'remote' LocalUI\n"
+              "0.100 identifier ''\n"
+              "0.130 event0 KEY_A 1\n"
+              "0.140 event0 KEY_B 1\n"
+              "0.190 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.210 event1 KEY_1 1\n"
+              "0.260 event1 KEY_1 0\n"
+              "0.320 => Number1 KeyPressed of event1 LocalUI KEY_1\n"
+              "0.320 event1 KEY_1 1 held [] held back until the release\n"
+              "0.320 event1 KEY_1 0 published [Number1 KeyPressed]\n"
+              "0.320 event0 KEY_A 1 published [CharA KeyPressed]\n"
+              "0.330 event0 first-key-withdrawn KEY_A for ''\n"
+              "0.360 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+              "0.380 => Number1 KeyReleased of event1 LocalUI ?\n"
+              "0.380 event0 KEY_B 1 published [CharA KeyReleased]\n");
+}
+
+TEST(LogIncomplete, TakesNoSwitchOfAnotherReport)
+{
+    WrittenLog log;
+    log.device(0, "panel", true).device(1, "remote").select("");
+    log.report("panel", "SWLineIn", "SwitchDisabled").bus(40, "switch disable");
+    log.read(6).add(listeners, " type: 5 code:13 value:1").bus(40, "switch enable");
+    log.report("remote", "SWLineIn", "SwitchEnabled").bus(40, "switch enable");
+    log.report("panel", "SWLineIn", "SwitchEnabled").bus(40, "switch enable");
+    EXPECT_EQ(
+        log.transcript(),
+        "0.000 start of a.log\n"
+        "0.000 # read from a log; records have the times of their lines\n"
+        "0.000 # no steps of the detectors: the log has no line of logger KeyProcessing at DEBUG\n"
+        "0.040 + event0 'panel' LocalUI\n"
+        "0.090 + event1 'remote' LocalUI\n"
+        "0.100 identifier ''\n"
+        "0.130 => SWLineIn SwitchDisabled of event0 LocalUI ?\n"
+        "0.150 event0 SW_LINEIN_INSERT 1\n"
+        "0.160 => SWLineIn SwitchEnabled of ? NoBus ?\n"
+        "0.180 => SWLineIn SwitchEnabled of event1 LocalUI ?\n"
+        "0.200 => SWLineIn SwitchEnabled of event0 LocalUI SW_LINEIN_INSERT\n"
+        "0.200 event0 SW_LINEIN_INSERT 1 published [SWLineIn SwitchEnabled]\n");
+}
+
+TEST(LogIncomplete, SaysWhichSelectionAReleaseIsDroppedFor)
+{
+    const QString dropped = "Received release for non existing press -> drop";
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.select("").event("", "CharA", "KeyLongPress", 1097, "long press");
+    log.read(5).record(KEY_A, 0).add(detectors, dropped);
+    log.read(5).record(KEY_A, 0).add(detectors, dropped);
+    // Pressed again, it is no longer the one that was forgotten.
+    log.read(5).record(KEY_B, 1).stored({"48 press"}).passedOn(KEY_B, 1);
+    log.select("");
+    log.read(5).record(KEY_B, 1).stored({"48 press"}).passedOn(KEY_B, 1);
+    log.read(5).record(KEY_B, 0).add(detectors, dropped);
+    log.event("", "CharB", "KeyLongPress", 1098, "long press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
+              "0.080 event0 KEY_A 1\n"
+              "0.120 identifier ''\n"
+              "0.130 event0 forgotten KEY_A for ''\n"
+              "0.130 event0 KEY_A 1 open [] nothing was published for it; forgotten when handlers "
+              "were selected, at 0.130 s\n"
+              "0.150 => CharA KeyLongPress of event0 LocalUI KEY_A\n"
+              "0.170 event0 KEY_A 0\n"
+              "0.190 event0 dropped KEY_A for ''\n"
+              "0.190 event0 KEY_A 0 dropped [] dropped: the handlers were selected at 0.130 s, "
+              "which ended its press\n"
+              "0.210 event0 KEY_A 0\n"
+              "0.230 event0 dropped KEY_A for ''\n"
+              "0.230 event0 KEY_A 0 dropped [] dropped: a release without a press\n"
+              "0.250 event0 KEY_B 1\n"
+              "0.290 identifier ''\n"
+              "0.300 event0 forgotten KEY_B for ''\n"
+              "0.300 event0 KEY_B 1 open [] nothing was published for it; forgotten when handlers "
+              "were selected, at 0.300 s\n"
+              "0.320 event0 KEY_B 1\n"
+              "0.370 event0 KEY_B 0\n"
+              "0.390 event0 KEY_B 1 open [] forgotten before its release at 0.390 s\n"
+              "0.390 event0 dropped KEY_B for ''\n"
+              "0.390 event0 KEY_B 0 dropped [] dropped: its press had been forgotten, by a "
+              "selection that the log does not show\n"
+              "0.410 => CharB KeyLongPress of event0 LocalUI ?\n");
+}
+
+TEST(LogIncomplete, TimesNoKeyThatWasReleased)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1).select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.read(5).record(KEY_A, 0).storedAgain(30, {"30 release"}).passedOn(KEY_A, 0);
+    log.event("", "CharA", "KeyLongPress", 1097, "long press");
+    log.read(5).record(KEY_B, 1).stored({"48 press"}).passedOn(KEY_B, 1).select("");
+    log.read(5).record(KEY_B, 1).stored({"48 press"}).passedOn(KEY_B, 1);
+    log.read(5).record(KEY_C, 1).stored({"48 press", "46 press"}).passedOn(KEY_B, 0);
+    log.passedOn(KEY_B, 1).passedOn(KEY_C, 1);
+    log.read(5).record(KEY_C, 0).storedAgain(46, {"48 press", "46 release"});
+    log.read(5).record(KEY_B, 0).storedAgain(48, {"48 release", "46 release"});
+    log.passedOn(KEY_B, 0).passedOn(KEY_C, 0);
+    log.event("", "CharB", "KeyLongPress", 1098, "long press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
+              "0.080 event0 KEY_A 1\n"
+              "0.120 identifier ''\n"
+              "0.130 event0 forgotten KEY_A for ''\n"
+              "0.130 event0 KEY_A 1 open [] nothing was published for it; forgotten when handlers "
+              "were selected, at 0.130 s\n"
+              "0.150 event0 KEY_A 1\n"
+              "0.200 event0 KEY_A 0\n"
+              "0.260 => CharA KeyLongPress of event0 LocalUI ?\n"
+              "0.260 event0 KEY_A 1 unmapped [] nothing was published, neither for the press nor "
+              "for the release: it has no command\n"
+              "0.260 event0 KEY_A 0 unmapped [] nothing was published, neither for the press nor "
+              "for the release: it has no command\n"
+              "0.280 event0 KEY_B 1\n"
+              "0.320 identifier ''\n"
+              "0.330 event0 forgotten KEY_B for ''\n"
+              "0.330 event0 KEY_B 1 open [] nothing was published for it; forgotten when handlers "
+              "were selected, at 0.330 s\n"
+              "0.350 event0 KEY_B 1\n"
+              "0.400 event0 KEY_C 1\n"
+              "0.420 event0 first-key-withdrawn KEY_B for ''\n"
+              "0.420 event0 KEY_B 1 open [] nothing was published for it: held back, or it has no "
+              "command of its own; first key of a pair, withdrawn at 0.420 s\n"
+              "0.450 event0 chord-found KEY_B+KEY_C for ''\n"
+              "0.450 event0 KEY_C 1 unmapped [] KEY_B + KEY_C have no command together, nor has "
+              "KEY_C one\n"
+              "0.470 event0 KEY_C 0\n"
+              "0.500 event0 KEY_C 0 chord [] KEY_B + KEY_C are a pair until both are up\n"
+              "0.520 event0 KEY_B 0\n"
+              "0.550 event0 chord-released KEY_B+KEY_C for ''\n"
+              "0.590 => CharB KeyLongPress of event0 LocalUI ?\n"
+              "0.590 event0 KEY_B 0 unmapped [] KEY_B + KEY_C have no command together, nor has "
+              "KEY_C one\n");
+}
+
+TEST(LogIncomplete, TimesAKeyWhoseReleaseWasDropped)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.read(5).record(KEY_A, 0).add(detectors, "Received release for non existing press -> drop");
+    log.event("", "CharA", "KeyLongPress", 1097, "long press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
+              "0.080 event0 KEY_A 1\n"
+              "0.130 event0 KEY_A 0\n"
+              "0.150 event0 KEY_A 1 open [] forgotten before its release at 0.150 s\n"
+              "0.150 event0 dropped KEY_A for ''\n"
+              "0.150 event0 KEY_A 0 dropped [] dropped: its press had been forgotten, by a "
+              "selection that the log does not show\n"
+              "0.170 => CharA KeyLongPress of event0 LocalUI KEY_A\n");
+}

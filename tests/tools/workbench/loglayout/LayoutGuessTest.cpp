@@ -199,8 +199,14 @@ TEST(LayoutGuess, PrefersThePatternThatFillsLevelsUpAsTheLinesDo)
 
 TEST(LayoutGuess, ReadsTheProductsOwnLinesThatLookLikeTheJournals)
 {
-    EXPECT_EQ(guessed({"Jan 02 10:00:00 DEBUG Input: Vorn::InputEvent(3) click"}),
+    const std::string date = "Jan 02 10:00:00 ";
+    EXPECT_EQ(guessed({date + "DEBUG Input: Vorn::InputEvent(3) click"}),
               "pattern '%D{%b %d %H:%M:%S} %-5p %c: %m%n'");
+    const std::string line = date + "main x: Input - Vorn::InputEvent(3) click";
+    EXPECT_EQ(guessed({line}), "journal (short), in it the pattern '%c - %m%n'");
+    EXPECT_EQ(guessed({line, date + "main two words: player - hello"}),
+              "pattern '%D{%b %d %H:%M:%S} %x: %c - %m%n'")
+        << "the journal's programs have no blanks in their names";
 }
 
 TEST(LayoutGuess, ReadsLevelsThatTheSampleDoesNotHave)
