@@ -23,6 +23,39 @@ qint64 daysSinceEpoch(int year, int month, int dayOfMonth)
     return qint64{365} * shifted + shifted / 4 - shifted / 100 + shifted / 400 + dayOfYear - epoch;
 }
 
+int monthOf(const LogStamp &stamp)
+{
+    return stamp.month == 0 ? 1 : stamp.month;
+}
+
+/// The last one in which the date is not after @p lastDay.
+int latestYear(const LogStamp &stamp, const QDate &lastDay)
+{
+    // A day of slack for the zone.
+    const qint64 last = daysSinceEpoch(lastDay.year(), lastDay.month(), lastDay.day()) + 1;
+    int year = lastDay.year();
+    if (daysSinceEpoch(year, monthOf(stamp), stamp.day) > last)
+        --year;
+    const bool isLeapDay = stamp.month == 2 && stamp.day == 29;
+    while (isLeapDay && !QDate::isLeapYear(year))
+        --year;
+    return year;
+}
+
+int nearestYear(const LogStamp &stamp, qint64 dayBefore)
+{
+    const QDate before = QDate(1970, 1, 1).addDays(dayBefore);
+    int nearest = before.year();
+    for (const int year : {before.year() - 1, before.year() + 1}) {
+        const auto distance = [&](int candidate) {
+            return std::llabs(daysSinceEpoch(candidate, monthOf(stamp), stamp.day) - dayBefore);
+        };
+        if (distance(year) < distance(nearest))
+            nearest = year;
+    }
+    return nearest;
+}
+
 } // namespace
 
 LogCalendar::LogCalendar(const QTimeZone &zone)
@@ -66,29 +99,7 @@ int LogCalendar::yearOf(const LogStamp &stamp)
 {
     if (stamp.year != 0)
         return stamp.year;
-    const int month = stamp.month == 0 ? 1 : stamp.month;
-    if (!m_dayBefore) {
-        // A day of slack for the zone.
-        const qint64 last =
-            daysSinceEpoch(m_lastDay.year(), m_lastDay.month(), m_lastDay.day()) + 1;
-        int year = m_lastDay.year();
-        if (daysSinceEpoch(year, month, stamp.day) > last)
-            --year;
-        const bool isLeapDay = stamp.month == 2 && stamp.day == 29;
-        while (isLeapDay && !QDate::isLeapYear(year))
-            --year;
-        return year;
-    }
-    const QDate before = QDate(1970, 1, 1).addDays(*m_dayBefore);
-    int nearest = before.year();
-    for (const int year : {before.year() - 1, before.year() + 1}) {
-        const auto distance = [&](int candidate) {
-            return std::llabs(daysSinceEpoch(candidate, month, stamp.day) - *m_dayBefore);
-        };
-        if (distance(year) < distance(nearest))
-            nearest = year;
-    }
-    return nearest;
+    return m_dayBefore ? nearestYear(stamp, *m_dayBefore) : latestYear(stamp, m_lastDay);
 }
 
 qint64 LogCalendar::inUtc(qint64 local)
