@@ -900,3 +900,172 @@ TEST(LogIncomplete, TimesAKeyWhoseReleaseWasDropped)
               "selection that the log does not show\n"
               "0.170 => CharA KeyLongPress of event0 LocalUI KEY_A\n");
 }
+
+TEST(LogIncomplete, FindsTheDeviceOfKeysWithoutRecordsAndHandlers)
+{
+    WrittenLog log;
+    log.device(0, "panel").stored({"30 press"}).bus(1097, "press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.000 # events do not say who reported them, and selections are missing: the log "
+              "has no line of logger BasicInputHandler at TRACE\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.060 => CharA KeyPressed of event0 LocalUI KEY_A\n");
+}
+
+TEST(LogIncomplete, SeesThatKeysOfTheOnlyDeviceContradictEachOther)
+{
+    WrittenLog log;
+    log.device(0, "panel").record(KEY_A, 1).stored({"30 press"}).bus(1097, "press");
+    log.record(KEY_B, 1).stored({"48 press"}).bus(1098, "press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.000 # events do not say who reported them, and selections are missing: the log "
+              "has no line of logger BasicInputHandler at TRACE\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 event0 KEY_A 1\n"
+              "0.080 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.080 event0 KEY_A 1 published [CharA KeyPressed]\n"
+              "0.090 event0 KEY_B 1\n"
+              "0.110 # /dev/input/event0 had KEY_A down, and now has not: lines are missing, or a "
+              "selection that the log does not show\n"
+              "0.120 => CharB KeyPressed of event0 LocalUI KEY_B\n"
+              "0.120 event0 KEY_B 1 published [CharB KeyPressed]\n");
+}
+
+TEST(LogIncomplete, KnowsAllDevicesOnceItHasSeenTheFirstOfThem)
+{
+    for (const char *first :
+         {" ---> added '/dev/input/event0'", "Enter BasicInputHandler::BasicInputHandler: "})
+    {
+        WrittenLog log;
+        log.add(handlers, first).read(5).record(KEY_A, 1);
+        log.add(listeners, "Event device /dev/input/event0 ready").read(5).record(KEY_A, 0);
+        EXPECT_EQ(log.transcript(),
+                  "0.000 start of a.log\n"
+                  "0.000 # read from a log; records have the times of their lines\n"
+                  "0.000 # no steps of the detectors: the log has no line of logger KeyProcessing "
+                  "at DEBUG\n"
+                  "0.000 # no events: the log has no line of logger Input at DEBUG\n"
+                  "0.020 event0 KEY_A 1\n"
+                  "0.040 + event0 '' NoBus\n"
+                  "0.040 event0 KEY_A 1 open [] the log does not say: it has no events\n"
+                  "0.060 event0 KEY_A 0\n"
+                  "0.070 event0 KEY_A 0 open [] the log does not say: it has no events\n")
+            << first;
+    }
+}
+
+TEST(LogIncomplete, DoesNotKnowAllDevicesIfItBeginsLater)
+{
+    WrittenLog log;
+    log.read(5).record(KEY_A, 1).add(handlers, " ---> added '/dev/input/event0'");
+    log.add(listeners, "Event device /dev/input/event0 ready").read(5).record(KEY_A, 0);
+    EXPECT_EQ(
+        log.transcript(),
+        "0.000 start of a.log\n"
+        "0.000 # read from a log; records have the times of their lines\n"
+        "0.000 # no steps of the detectors: the log has no line of logger KeyProcessing at DEBUG\n"
+        "0.000 # no events: the log has no line of logger Input at DEBUG\n"
+        "0.010 descriptor 5 KEY_A 1\n"
+        "0.040 + event0 '' NoBus\n"
+        "0.040 descriptor 5 KEY_A 1 open [] the log does not say: it has no events\n"
+        "0.060 descriptor 5 KEY_A 0\n"
+        "0.070 descriptor 5 KEY_A 0 open [] the log does not say: it has no events\n");
+}
+
+TEST(LogIncomplete, BeginsAnewWhereNothingWasPressed)
+{
+    WrittenLog log;
+    log.device(0, "panel").add(handlers, "Enter BasicInputHandler::BasicInputHandler: ");
+    log.device(0, "panel");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.030 + event0 'panel' LocalUI\n");
+}
+
+TEST(LogIncomplete, GoesOnWithAPairWhoseLinesAreMissing)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.read(5).record(KEY_B, 1).stored({"30 press", "48 press"}).passedOn(KEY_A, 0);
+    log.passedOn(KEY_A, 1).passedOn(KEY_B, 1).event("", "Power", "KeyPressed", 22, "press");
+    // Without the line that the key is there already.
+    log.read(5).record(KEY_B, 1).stored({"30 press", "48 press"});
+    // Without the release of the other key.
+    log.read(5).record(KEY_B, 0).storedAgain(48, {"30 release", "48 release"});
+    log.passedOn(KEY_A, 0).passedOn(KEY_B, 0).event("", "Power", "KeyReleased", 22, "release");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
+              "0.080 event0 KEY_A 1\n"
+              "0.130 event0 KEY_B 1\n"
+              "0.150 event0 first-key-withdrawn KEY_A for ''\n"
+              "0.150 event0 KEY_A 1 open [] nothing was published for it: held back, or it has no "
+              "command of its own; first key of a pair, withdrawn at 0.150 s\n"
+              "0.180 event0 chord-found KEY_A+KEY_B for '', mapped\n"
+              "0.200 => Power KeyPressed of event0 LocalUI KEY_A+KEY_B\n"
+              "0.200 event0 KEY_B 1 published [Power KeyPressed] the log does not say whether for "
+              "KEY_A + KEY_B or for KEY_B alone\n"
+              "0.220 event0 KEY_B 1\n"
+              "0.240 # KEY_B is pressed although it was down: the release in between was lost\n"
+              "0.240 event0 KEY_B 1 chord [] KEY_A + KEY_B are a pair already\n"
+              "0.260 event0 KEY_B 0\n"
+              "0.290 event0 chord-released KEY_A+KEY_B for ''\n"
+              "0.330 => Power KeyReleased of event0 LocalUI KEY_A+KEY_B\n"
+              "0.330 event0 KEY_B 0 published [Power KeyReleased] the log does not say whether for "
+              "KEY_A + KEY_B or for KEY_B alone\n");
+}
+
+TEST(LogIncomplete, TellsTheSameKeysOfTwoDevicesApart)
+{
+    WrittenLog log;
+    log.device(0, "panel").device(1, "remote").select("");
+    log.read(6).record(KEY_1, 1).stored({"2 press"}).passedOn(KEY_1, 1);
+    log.event("", "Number1", "KeyPressed", 1049, "press");
+    log.read(6).record(KEY_1, 0).storedAgain(2, {"2 release"}).passedOn(KEY_1, 0);
+    log.event("", "Number1", "KeyReleased", 1049, "release");
+    log.read(5).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.read(6).record(KEY_A, 1).stored({"30 press"}).passedOn(KEY_A, 1);
+    log.event("", "Power", "KeyLongPress", 22, "long press");
+    log.bus(22, "long press");
+    log.read(5).record(KEY_B, 1).stored({"30 press", "48 press"}).passedOn(KEY_A, 0);
+    log.passedOn(KEY_A, 1).passedOn(KEY_B, 1);
+    log.event("", "Power", "KeyLongPress", 22, "long press");
+    log.event("", "Stop", "KeyLongPress", 11, "long press");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.090 + event1 'remote' LocalUI\n"
+              "0.100 identifier ''\n"
+              "0.130 event1 KEY_1 1\n"
+              "0.180 => Number1 KeyPressed of event1 LocalUI KEY_1\n"
+              "0.180 event1 KEY_1 1 published [Number1 KeyPressed]\n"
+              "0.200 event1 KEY_1 0\n"
+              "0.260 => Number1 KeyReleased of event1 LocalUI KEY_1\n"
+              "0.260 event1 KEY_1 0 published [Number1 KeyReleased]\n"
+              "0.280 event0 KEY_A 1\n"
+              "0.330 event1 KEY_A 1\n"
+              "0.380 event0 KEY_A 1 held [] held back until the release or a long press\n"
+              "0.380 => Power KeyLongPress of event0 LocalUI KEY_A\n"
+              "0.390 => Power KeyLongPress of ? NoBus ?\n"
+              "0.410 event0 KEY_B 1\n"
+              "0.430 event0 first-key-withdrawn KEY_A for ''\n"
+              "0.460 event0 chord-found KEY_A+KEY_B for ''\n"
+              "0.480 => Power KeyLongPress of event0 LocalUI KEY_A\n"
+              "0.500 => Stop KeyLongPress of event0 LocalUI ?\n"
+              "0.500 event0 KEY_B 1 unmapped [] KEY_A + KEY_B have no command together, nor has "
+              "KEY_B one\n"
+              "0.500 event1 KEY_A 1 open [] nothing was published for it: held back, or it has no "
+              "command; still down at the end\n");
+}
