@@ -979,15 +979,16 @@ TEST(LogIncomplete, DoesNotKnowAllDevicesIfItBeginsLater)
 TEST(LogIncomplete, BeginsAnewWhereNothingWasPressed)
 {
     WrittenLog log;
-    log.device(0, "panel").add(handlers, "Enter BasicInputHandler::BasicInputHandler: ");
-    log.device(0, "panel");
+    log.device(0, "panel").select("").add(handlers, "Enter BasicInputHandler::BasicInputHandler: ");
+    log.device(1, "remote");
     EXPECT_EQ(log.transcript(),
               "0.000 start of a.log\n"
               "0.000 # read from a log; records have the times of their lines\n"
               "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
               "0.000 start of a.log\n"
               "0.000 # read from a log; records have the times of their lines\n"
-              "0.030 + event0 'panel' LocalUI\n");
+              "0.040 + event1 'remote' LocalUI\n");
 }
 
 TEST(LogIncomplete, GoesOnWithAPairWhoseLinesAreMissing)
@@ -1068,4 +1069,20 @@ TEST(LogIncomplete, TellsTheSameKeysOfTwoDevicesApart)
               "KEY_B one\n"
               "0.500 event1 KEY_A 1 open [] nothing was published for it: held back, or it has no "
               "command; still down at the end\n");
+}
+
+TEST(LogIncomplete, KeepsSixtyFourRecordsWithoutADescriptor)
+{
+    const auto transcript = [](int count) {
+        WrittenLog log;
+        log.pace(1000).device(0, "panel");
+        for (int code = KEY_ESC; code < KEY_ESC + count; ++code)
+            log.add(listeners, QStringLiteral(" type: 1 code:%1 value:1").arg(code));
+        return log.stored({"1 press"}).bus(1097, "press").transcript();
+    };
+    const char *published = "event0 KEY_ESC 1 published [CharA KeyPressed]";
+    const char *unread = "event0 KEY_ESC 1 unread";
+    EXPECT_THAT(transcript(64), testing::HasSubstr(published));
+    EXPECT_THAT(transcript(65), testing::HasSubstr(unread));
+    EXPECT_THAT(transcript(65), testing::Not(testing::HasSubstr(published)));
 }
