@@ -119,8 +119,9 @@ EventPublished TextBlanking::blanked(EventPublished event) const
                 command = standIn.command;
         }
     }
+    const InputEvent::Command instead = command.value_or(InputEvent::CharA);
     if (isCharacter(event.command))
-        event.command = command && isCharacter(*command) ? *command : InputEvent::CharA;
+        event.command = isCharacter(instead) ? instead : InputEvent::CharA;
     return event;
 }
 

@@ -104,7 +104,7 @@ private:
     void keep(std::string_view call, const QByteArray &bytes)
     {
         const int type = argumentOf(call, "EVIOCGBIT");
-        if (type >= 0 && type < typeCount)
+        if (type >= 0)
             keepLongest(bytes, &m_codes[type]);
         else if (call == "EVIOCGID")
             keepLongest(bytes, &m_id);

@@ -170,7 +170,7 @@ QVector<TimelineAxis> axisRows(TimelineSpan shown, const QVector<TimelineSpan> &
     double scale = (room - breaks * perBreak) / time;
     // A break that does not fit leaves a row shorter, and the last one may overflow.
     QVector<QVector<Segment>> rows = RowFiller(scale, perBreak).rows(segments);
-    for (int attempt = 0; attempt < 20 && rows.size() > count; ++attempt) {
+    while (rows.size() > count) {
         scale *= 0.98;
         rows = RowFiller(scale, perBreak).rows(segments);
     }
