@@ -238,3 +238,13 @@ TEST_F(TextBlankingTest, LeavesSwitchesWithTheNumbersOfKeysAlone)
     EXPECT_THAT(session, Not(HasSubstr("KEY_A")));
     EXPECT_EQ(contentOf("session.jsonl").count("SW_HEADPHONE_INSERT"), 3);
 }
+
+TEST_F(TextBlankingTest, KeepsTheWordsOfRemarksThatAreNotTyped)
+{
+    start(nullptr);
+    plug(remote);
+    add(Remark{"KEY_Q, KEY_OK: CharQ, Confirm, Info KeyPressed, REL_X, KEY_NOWHERE, CharQs"});
+    EXPECT_THAT(contentOf("session.jsonl").toStdString(),
+                HasSubstr("\"KEY_A, KEY_OK: CharA, Confirm, Info KeyPressed, REL_X, KEY_NOWHERE, "
+                          "CharQs\""));
+}

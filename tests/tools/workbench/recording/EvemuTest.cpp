@@ -163,7 +163,8 @@ TEST(Evemu, SaysWhichLineIsWrong)
     EXPECT_EQ(errorOf("E: -1.500000 0001 0073 1\n"),
               "x.evemu:1: error: expected a time in seconds like 1.500000, found '-1.500000'");
     EXPECT_THAT(errorOf("I: 0003 046d\n"), HasSubstr("x.evemu:1: error: expected bus type"));
-    EXPECT_THAT(errorOf("B: 01 0g\n"), HasSubstr("expected bytes of two hexadecimal digits"));
+    EXPECT_EQ(errorOf("B: 01 0g\n"),
+              "x.evemu:1: error: expected bytes of two hexadecimal digits, found '0g'");
     EXPECT_THAT(errorOf("S: 99 1\n"), HasSubstr("expected the code of a switch"));
 }
 

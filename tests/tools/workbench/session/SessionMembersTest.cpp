@@ -100,6 +100,21 @@ TEST(SessionMembers, RejectNumbersThatAreNotWholeOrOutOfRange)
     }
 }
 
+TEST(SessionMembers, RejectWhatIsNotAListOfObjects)
+{
+    const auto errorOf = [](const QByteArray &value) {
+        SessionMembers members = member("a", value);
+        members.objects("a");
+        return members.error().toStdString();
+    };
+    EXPECT_EQ(errorOf("{}"), "'a' must be a list of objects");
+    EXPECT_EQ(errorOf("1"), "'a' must be a list of objects");
+    EXPECT_EQ(errorOf("[{}, 1]"), "'a' must contain only objects");
+    EXPECT_EQ(errorOf("[]"), "");
+    EXPECT_EQ(errorOf("[{}, {}]"), "");
+    EXPECT_EQ(member("a", "[{\"b\": 1}, {}]").objects("a").size(), 2);
+}
+
 TEST(SessionMembers, RejectWhatIsNotAListOfNames)
 {
     SessionMembers number = member("keys", "1");

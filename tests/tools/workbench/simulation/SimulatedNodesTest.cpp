@@ -55,6 +55,25 @@ TEST_F(SimulatedNodesTest, MovesASwitchOnce)
     EXPECT_FALSE(m_nodes.setSwitch(2, SW_DOCK, true));
 }
 
+TEST_F(SimulatedNodesTest, StampsRecordsBeforeAndAfterNowAsItIsTold)
+{
+    QFile file(QStringLiteral("/dev/input/event2"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    constexpr qint64 hour = 3'600'000; // ms
+    qint64 last = 0;
+    for (const qint64 offset : {-hour, qint64{0}, hour}) {
+        m_nodes.send(2, {{0, EV_KEY, KEY_A, 1}}, offset);
+        input_event record = {};
+        ASSERT_EQ(file.read(reinterpret_cast<char *>(&record), sizeof(record)),
+                  static_cast<qint64>(sizeof(record)));
+        EXPECT_EQ(record.code, KEY_A);
+        const qint64 stamp = record.input_event_sec * qint64{1000} + record.input_event_usec / 1000;
+        // Time goes on in between.
+        EXPECT_TRUE(last == 0 || stamp - last >= hour) << offset << ": " << stamp - last;
+        last = stamp;
+    }
+}
+
 TEST_F(SimulatedNodesTest, ComeAndGoAsOnASystem)
 {
     m_nodes.setMode(2, 0);

@@ -293,3 +293,22 @@ TEST(FrameDrawing, ShowsTheIdentifierToTheEdgeOfEachRow)
     for (const Element &band : bands)
         EXPECT_DOUBLE_EQ(band.number("width"), 1200);
 }
+
+TEST(FrameDrawing, ShowsAnIdentifierInTheRowsThatItReaches)
+{
+    QVector<SessionEntry> entries{start(), {0, IdentifierSelected{"main"}}};
+    for (qint64 i = 0; i < 30; ++i) {
+        entries.append(remark(i * 1013 * ms));
+        if (i == 5)
+            entries.append({i * 1013 * ms, IdentifierSelected{"text"}});
+        if (i == 15)
+            entries.append({i * 1013 * ms, IdentifierSelected{"search"}});
+    }
+    const Picture picture = draw(entries);
+    const std::string main = "0.000 s: identifier 'main' selected";
+    const std::string text = "5.065 s: identifier 'text' selected";
+    const std::string search = "15.195 s: identifier 'search' selected";
+    EXPECT_THAT(picture.titles("identifier"), ElementsAre(main, text, text, search, search));
+    EXPECT_THAT(picture.texts("identifier-label"),
+                ElementsAre("'main'", "'text'", "'text'", "'search'", "'search'"));
+}

@@ -70,6 +70,39 @@ TEST(TimelineCollector, HasNoWithdrawnPartOfAKeyThatIsUp)
     EXPECT_EQ(onlyBar(lane(model, "KEY_STOP")).withdrawn, std::nullopt);
 }
 
+TEST(TimelineCollector, TimesAnEventByTheFirstOfItsKeysThatIsTimed)
+{
+    const auto statedOf = [](const QVector<int> &codes) {
+        const TimelineModel model =
+            collected({detector(100 * ms, What::LongPressDue, {KEY_STOP}, 1000 * ms),
+                       detector(300 * ms, What::LongPressDue, {KEY_PLAY}, 1000 * ms),
+                       {1100 * ms,
+                        EventPublished{InputEvent::FactoryReset, InputEvent::KeyLongPress,
+                                       InputEvent::Bus::LocalUI, front, EV_KEY, codes, 100 * ms}}});
+        for (const TimelineLane &lane : model.lanes) {
+            if (!lane.events.isEmpty())
+                return lane.events.first().stated;
+        }
+        return std::optional<qint64>();
+    };
+    EXPECT_EQ(statedOf({KEY_STOP, KEY_PLAY}), 100 * ms);
+    EXPECT_EQ(statedOf({KEY_PLAY, KEY_STOP}), 300 * ms);
+    EXPECT_EQ(statedOf({KEY_INFO, KEY_PLAY}), 300 * ms);
+    EXPECT_EQ(statedOf({KEY_INFO}), std::nullopt);
+}
+
+TEST(TimelineCollector, HasNoLaneForWhatIsPublishedAfterThePicture)
+{
+    const TimelineModel model =
+        collected({key(0, KEY_A, 1), key(100 * ms, KEY_A, 0),
+                   event(2000 * ms, InputEvent::Info, InputEvent::KeyPressed),
+                   lineInEvent(2000 * ms, InputEvent::SwitchEnabled)},
+                  {0, 1000 * ms});
+    ASSERT_THAT(model.lanes, SizeIs(1));
+    EXPECT_EQ(model.lanes.first().label.toStdString(), "KEY_A");
+    EXPECT_EQ(model.marksLeftOut, 0);
+}
+
 TEST(TimelineCollector, ExtendsWhatHasNoEndToTheEndOfTheSession)
 {
     const TimelineModel model = collected(
