@@ -168,9 +168,10 @@ QVector<TimelineAxis> axisRows(TimelineSpan shown, const QVector<TimelineSpan> &
     const double room = count * maxWidth;
     const double perBreak = breaks > 0 ? std::min(breakWidth, room * breakShare / breaks) : 0;
     double scale = (room - breaks * perBreak) / time;
-    // A break that does not fit leaves a row shorter, and the last one may overflow.
+    // A break that does not fit leaves a row shorter, and the last one may overflow. Whatever the
+    // session, drawing it ends.
     QVector<QVector<Segment>> rows = RowFiller(scale, perBreak).rows(segments);
-    while (rows.size() > count) {
+    for (int attempt = 0; attempt < 20 && rows.size() > count; ++attempt) {
         scale *= 0.98;
         rows = RowFiller(scale, perBreak).rows(segments);
     }
