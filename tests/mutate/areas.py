@@ -44,6 +44,7 @@ AREAS = {area.name: area for area in [
             Executable("tests/lib/vorn_input_core_tests", "vorn_input_core_tests"),
             Executable("tests/lib/vorn_input_allocation_tests", "vorn_input_allocation_tests",
                        memcheck=False),
+            Executable("tests/lib/vorn_fault_tests", "vorn_fault_tests", memcheck=False),
         ]),
     Area(
         name="simulator",

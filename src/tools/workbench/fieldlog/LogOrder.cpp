@@ -90,7 +90,7 @@ QStringList inLogOrder(const QStringList &files, const FirstTime &firstTime,
     if (unique.size() < 2)
         return unique;
     std::vector<Part> parts;
-    for (const QString &file : unique)
+    for (const QString &file : qAsConst(unique))
         parts.push_back({file, firstTime(file)});
     const auto hasTime = [](const Part &part) { return part.firstTime.has_value(); };
     if (std::all_of(parts.begin(), parts.end(), hasTime)) {

@@ -534,7 +534,7 @@ LogHand::Kind LogSession::store(const LogDetectorPtr &detector, const Said::Keys
         keys += {key.code, now};
     }
     detector->keys = keys;
-    for (const LogDetector::Key &key : keys)
+    for (const LogDetector::Key &key : qAsConst(keys))
         detector->forgotten.remove(key.code);
     if (keys.size() == 1)
         return Kind::Single;

@@ -103,7 +103,8 @@ void Search::tryPatternsOf(const std::optional<JournalLayout> &outer, std::strin
     const std::optional<std::size_t> message = libraryMessageIn(text);
     if (!message)
         return;
-    for (const QString &candidate : patternsFor(text, *message)) {
+    const QStringList candidates = patternsFor(text, *message);
+    for (const QString &candidate : candidates) {
         LogPattern::Error error;
         const std::optional<LogPattern> pattern = LogPattern::compile(candidate, &error);
         if (pattern)

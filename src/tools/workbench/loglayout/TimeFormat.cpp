@@ -291,12 +291,11 @@ bool TimeFormat::append(std::string_view format, int offset, Error *error)
             m_steps.push_back({conversion, 0});
         } else {
             const std::string_view rest = format.substr(i);
-            const QString text =
-                QString::fromUtf8(rest.data(), static_cast<int>(rest.size())).left(1);
+            const QString text = QString::fromUtf8(rest.data(), static_cast<int>(rest.size()));
             *error = {place,
                       text.isEmpty()
                           ? QStringLiteral("a time ends with '%'; write '%%' for a percent sign")
-                          : QStringLiteral("'%%1' of a time cannot be read back").arg(text)};
+                          : QStringLiteral("'%%1' of a time cannot be read back").arg(text.at(0))};
             return false;
         }
     }

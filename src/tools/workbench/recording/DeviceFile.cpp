@@ -262,7 +262,8 @@ private:
     {
         const int lastKey = lastKeyOfAlias(block.alias);
         const auto keys = bitsOfWords(block.words.value(EV_KEY), 4);
-        if (lastKey >= 0 && keys && !setBits(*keys).isEmpty() && setBits(*keys).last() == lastKey)
+        const QVector<int> codes = keys ? setBits(*keys) : QVector<int>();
+        if (lastKey >= 0 && !codes.isEmpty() && codes.last() == lastKey)
             return 4;
         for (const QByteArray &words : block.words) {
             if (bitsOfWords(words, 8))

@@ -327,7 +327,8 @@ QByteArray evemuDescription(const RecordedDevice &device)
     text += codeLines(EV_SYN, padded(typeBits(device), 8));
     for (auto it = device.codes.cbegin(); it != device.codes.cend(); ++it)
         text += codeLines(it.key(), padded(*it, bitmapSize(it.key())));
-    for (const int code : device.codesOf(EV_SW)) {
+    const QVector<int> switches = device.codesOf(EV_SW);
+    for (const int code : switches) {
         text += "S: " + QByteArray(1, static_cast<char>(code)).toHex()
             + (device.switchesOn.contains(code) ? " 1\n" : " 0\n");
     }

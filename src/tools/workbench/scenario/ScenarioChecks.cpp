@@ -100,7 +100,8 @@ QStringList ScenarioChecks::deviceNames() const
         const auto *play = std::get_if<Step::Play>(&step.what);
         if (!play || play->device >= 0)
             continue;
-        for (const RecordedNode &node : nodesOf(play->file))
+        const QVector<RecordedNode> nodes = nodesOf(play->file);
+        for (const RecordedNode &node : nodes)
             names += node.device ? QString::fromUtf8(node.device->name) : substituteName();
     }
     return names;

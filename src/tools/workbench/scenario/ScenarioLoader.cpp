@@ -113,7 +113,7 @@ void loadRecordingOf(LoadedScenario *loaded, const QString &path, const QString 
 
 void loadRecordings(LoadedScenario *loaded)
 {
-    for (const ScenarioDevice &device : loaded->scenario.devices) {
+    for (const ScenarioDevice &device : qAsConst(loaded->scenario.devices)) {
         if (device.recording.isEmpty())
             continue;
         loadRecordingOf(loaded, device.recording, device.file, device.line);
@@ -124,7 +124,7 @@ void loadRecordings(LoadedScenario *loaded)
                              QStringLiteral("%1 does not describe exactly one device")
                                  .arg(quoted(device.recording))));
     }
-    for (const ScenarioStep &step : loaded->scenario.steps) {
+    for (const ScenarioStep &step : qAsConst(loaded->scenario.steps)) {
         const auto *play = std::get_if<Step::Play>(&step.what);
         if (!play)
             continue;
@@ -153,12 +153,12 @@ int lowestFree(QSet<int> *taken)
 void assignNodes(LoadedScenario *loaded)
 {
     QSet<int> taken;
-    for (const ScenarioDevice &device : loaded->scenario.devices) {
+    for (const ScenarioDevice &device : qAsConst(loaded->scenario.devices)) {
         if (device.node)
             taken.insert(*device.node);
     }
     QStringList evemus;
-    for (const ScenarioStep &step : loaded->scenario.steps) {
+    for (const ScenarioStep &step : qAsConst(loaded->scenario.steps)) {
         const auto *play = std::get_if<Step::Play>(&step.what);
         if (!play || play->device >= 0 || loaded->recordingNodes.contains(play->file))
             continue;
@@ -167,7 +167,8 @@ void assignNodes(LoadedScenario *loaded)
             evemus.append(play->file);
             continue;
         }
-        for (const RecordedNode &node : loaded->recordings[play->file].nodes) {
+        const QVector<RecordedNode> nodes = loaded->recordings.value(play->file).nodes;
+        for (const RecordedNode &node : nodes) {
             if (taken.contains(node.number))
                 loaded->diagnostics.append(diagnosticAt(
                     step.file, step.line,
@@ -178,7 +179,7 @@ void assignNodes(LoadedScenario *loaded)
             numbers.append(node.number);
         }
     }
-    for (const ScenarioDevice &device : loaded->scenario.devices)
+    for (const ScenarioDevice &device : qAsConst(loaded->scenario.devices))
         loaded->deviceNodes.append(device.node ? *device.node : lowestFree(&taken));
     for (const QString &path : qAsConst(evemus)) {
         for (int i = 0; i < loaded->recordings[path].nodes.size(); ++i)

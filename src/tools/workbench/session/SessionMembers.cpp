@@ -37,7 +37,7 @@ QStringList SessionMembers::texts(const char *key)
         fail(key, QStringLiteral("must be a list of strings"));
     QStringList texts;
     const QJsonArray list = value.toArray();
-    for (const QJsonValue text : list) {
+    for (const auto &text : list) {
         if (!text.isString())
             fail(key, QStringLiteral("must contain only strings"));
         texts += text.toString();
@@ -52,7 +52,7 @@ QVector<QJsonObject> SessionMembers::objects(const char *key)
         fail(key, QStringLiteral("must be a list of objects"));
     QVector<QJsonObject> objects;
     const QJsonArray list = value.toArray();
-    for (const QJsonValue object : list) {
+    for (const auto &object : list) {
         if (!object.isObject())
             fail(key, QStringLiteral("must contain only objects"));
         objects += object.toObject();
@@ -94,7 +94,7 @@ qint64 SessionMembers::wallClock(const char *key)
     const QDateTime seconds =
         QDateTime::fromString(written.left(19) + QLatin1Char('Z'), Qt::ISODate);
     bool isNumber = false;
-    const uint fraction = written.mid(20, 6).toUInt(&isNumber);
+    const uint fraction = written.midRef(20, 6).toUInt(&isNumber);
     const bool hasForm = written.size() == 27 && written.at(19) == QLatin1Char('.')
         && written.at(26) == QLatin1Char('Z');
     if (hasForm && isNumber && seconds.isValid()) {
@@ -113,7 +113,7 @@ QVector<int> SessionMembers::codes(const char *key, int type)
         fail(key, QStringLiteral("must be a list of names"));
     QVector<int> codes;
     const QJsonArray names = list.toArray();
-    for (const QJsonValue name : names) {
+    for (const auto &name : names) {
         const std::optional<int> code = eventCode(type, name.toString());
         if (!code)
             fail(key, QStringLiteral("contains '%1', an unknown code").arg(name.toString()));

@@ -335,7 +335,8 @@ QString SessionPrinter::line(const SessionEntry &entry)
         start += QString(consequenceIndent, QLatin1Char(' '));
     const QString continued(start.size() + continuationIndent, QLatin1Char(' '));
     QString text;
-    for (const QString &part : fitted(content, width - start.size())) {
+    const QStringList parts = fitted(content, width - start.size());
+    for (const QString &part : parts) {
         const bool isColoured = m_options.coloured && content.colour;
         text += (text.isEmpty() ? start : QLatin1Char('\n') + continued)
             + (isColoured ? QLatin1String(content.colour) + part + QLatin1String(reset) : part);

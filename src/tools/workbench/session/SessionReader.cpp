@@ -97,7 +97,8 @@ KeyStates readStates(SessionMembers &members)
     states.device = members.text("device");
     states.hasHandler = members.truth("handler");
     states.isChord = members.truth("chord");
-    for (const QJsonObject &object : members.objects("keys")) {
+    const QVector<QJsonObject> keys = members.objects("keys");
+    for (const QJsonObject &object : keys) {
         SessionMembers key(object);
         states.keys.append(readKeyState(key));
         if (!key.error().isEmpty())

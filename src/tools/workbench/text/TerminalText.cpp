@@ -55,7 +55,8 @@ int textWidth(const QString &text)
     if (isAscii(text))
         return text.size();
     int sum = 0;
-    for (const int width : widths(text.toUcs4()))
+    const QVector<int> columns = widths(text.toUcs4());
+    for (const int width : columns)
         sum += width;
     return sum;
 }

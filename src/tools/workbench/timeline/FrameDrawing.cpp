@@ -130,7 +130,8 @@ void FrameDrawing::drawAxis(const PlacedRow &row)
             m_svg.rectangle(0, placed.top, m_layout.width, placed.height, "stripe");
         isStriped = !isStriped;
     }
-    for (const TimelineAxis::Tick &tick : row.axis.ticks()) {
+    const QVector<TimelineAxis::Tick> ticks = row.axis.ticks();
+    for (const TimelineAxis::Tick &tick : ticks) {
         m_svg.line(tick.x, row.lanesTop, tick.x, row.lanesBottom, "grid");
         m_svg.line(tick.x, row.lanesTop - 4, tick.x, row.lanesTop, "axis");
     }
@@ -139,7 +140,8 @@ void FrameDrawing::drawAxis(const PlacedRow &row)
 
 void FrameDrawing::drawTickLabels(const PlacedRow &row)
 {
-    for (const TimelineAxis::Tick &tick : row.axis.ticks()) {
+    const QVector<TimelineAxis::Tick> ticks = row.axis.ticks();
+    for (const TimelineAxis::Tick &tick : ticks) {
         if (!tick.label.isEmpty())
             m_svg.text(tick.x, row.axisTop + 12, tick.label, "tick", Anchor::Middle);
     }
@@ -153,7 +155,8 @@ void FrameDrawing::drawFlags(const PlacedRow &row)
         const double top = row.flagTop + label.row * Metrics::labelRow;
         const char *lineClass = lineClassOf(placed.flag.kind);
         double y = top + 2;
-        for (const Gap &gap : gapsAt(label.x, row, ticks)) {
+        const QVector<Gap> gaps = gapsAt(label.x, row, ticks);
+        for (const Gap &gap : gaps) {
             m_svg.line(label.x, y, label.x, gap.from, lineClass, placed.flag.title);
             y = gap.to;
         }
@@ -172,7 +175,8 @@ void FrameDrawing::drawBreaks(const PlacedRow &row)
 {
     // Nearly opaque: a bar that spans the break shows through, so that it does not look
     // interrupted.
-    for (const TimelineAxis::Break &left : row.axis.breaks()) {
+    const QVector<TimelineAxis::Break> breaks = row.axis.breaks();
+    for (const TimelineAxis::Break &left : breaks) {
         const QString label = QStringLiteral("⋯ ") + timelineDuration(left.duration);
         const QString title = timelineTime(left.duration) + QStringLiteral(" without activity");
         const double top = row.lanesTop;

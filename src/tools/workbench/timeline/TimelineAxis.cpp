@@ -46,7 +46,7 @@ TimelineAxis::TimelineAxis(const QVector<Segment> &segments, double scale, doubl
     , m_isLast(isLast)
 {
     double x = m_edges.left;
-    for (const Segment &segment : m_segments) {
+    for (const Segment &segment : segments) {
         x += segment.idleBefore > 0 ? m_breakWidth : 0;
         m_starts.append(x);
         x += static_cast<double>(segment.to - segment.from) * m_scale;

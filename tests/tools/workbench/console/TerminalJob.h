@@ -37,11 +37,11 @@ public:
     /// Waits for its end. @return its status; -1 if it did not exit
     int status() { return wait() && WIFEXITED(m_status) ? WEXITSTATUS(m_status) : -1; }
 
-    void bringTo(Place place)
+    void bringTo(Place place) const
     {
         tcsetpgrp(STDIN_FILENO, place == Place::Foreground ? m_process : getpgrp());
     }
-    void goOn() { kill(m_process, SIGCONT); }
+    void goOn() const { kill(m_process, SIGCONT); }
 
 private:
     TerminalJob(Place place, int (*program)())

@@ -243,7 +243,7 @@ TEST_F(ProgramCheckTest, NamesTheMachineThatAProgramIsFor)
 
 TEST_F(ProgramCheckTest, SaysWhatToDo)
 {
-    const auto advice = [this](const QString &program) {
+    const auto advice = [](const QString &program) {
         const std::string text = obstacle(program);
         const std::string start = program.toStdString() + ' ';
         EXPECT_THAT(text, testing::StartsWith(start));

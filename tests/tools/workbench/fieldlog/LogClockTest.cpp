@@ -98,7 +98,7 @@ TEST(LogClock, TellsALeapByItsTwoLargestUnits)
     const auto told = [](qint64 leap) {
         LogClock clock;
         clock.at(lineAt(0));
-        const std::string text = remark(clock.at(lineAt(-leap)));
+        std::string text = remark(clock.at(lineAt(-leap)));
         const std::string front = "the clock was set back by ";
         const std::string end = ", or the lines are out of order";
         if (text.size() < front.size() + end.size())

@@ -43,7 +43,7 @@ Said::KeysStored stored(const QVector<int> &codes)
 LogDetectorPtr withKeys(LogDetectors *detectors, const LogOriginPtr &origin,
                         const QString &identifier, const QVector<int> &codes)
 {
-    const LogDetectorPtr detector =
+    LogDetectorPtr detector =
         detectors->forKeys(origin, true, identifier, stored(codes), codes.first());
     detector->keys.clear();
     for (const int code : codes)

@@ -232,10 +232,10 @@ TEST_F(LogQueueTest, TellsOneOutcomeOfARecord)
     have(LibraryLogger::Input, Said::EventOnBus());
     have(LibraryLogger::KeyProcessing, Said::KeysStored());
     const LogRecordPtr first = add(reader(5), 30);
-    const LogRecordPtr second = add(reader(6), 30);
+    const LogRecordPtr other = add(reader(6), 30);
     tell(first);
-    tell(second, LogQueue::Doubt::None);
-    tell(second, LogQueue::Doubt::None);
+    tell(other, LogQueue::Doubt::None);
+    tell(other, LogQueue::Doubt::None);
     tell(first);
     EXPECT_THAT(outcomes(), ElementsAre("30 0 "));
 }
@@ -245,9 +245,9 @@ TEST_F(LogQueueTest, TellsThatBothReadersLeftARecordToEachOther)
     have(LibraryLogger::Input, Said::EventOnBus());
     have(LibraryLogger::KeyProcessing, Said::KeysStored());
     const LogRecordPtr first = add(reader(5), 30);
-    const LogRecordPtr second = add(reader(6), 30);
+    const LogRecordPtr other = add(reader(6), 30);
     tell(first);
-    tell(second);
+    tell(other);
     const LogRecordPtr alone = add(reader(5), 48);
     tell(alone);
     EXPECT_THAT(outcomes(),

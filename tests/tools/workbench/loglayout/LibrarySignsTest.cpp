@@ -45,9 +45,9 @@ TEST(LibrarySigns, OtherMessagesNeedTheNameOfALogger)
     {
         EXPECT_EQ(messageIn(message), "none") << message;
         EXPECT_EQ(messageIn("DEBUG " + message), "none") << message;
-        for (const std::string logger :
-             {"Input", "BasicInputHandler", "LinuxInputListener", "KeyProcessing"})
-            EXPECT_EQ(messageIn("DEBUG " + logger + ": " + message), message);
+        for (const std::string start : {"DEBUG Input: ", "DEBUG BasicInputHandler: ",
+                                        "DEBUG LinuxInputListener: ", "DEBUG KeyProcessing: "})
+            EXPECT_EQ(messageIn(start + message), message);
         EXPECT_TRUE(beginsLikeLibraryMessage(message)) << message;
     }
     EXPECT_FALSE(beginsLikeLibraryMessage("x Enter x"));

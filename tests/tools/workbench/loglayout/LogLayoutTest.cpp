@@ -16,13 +16,13 @@ LogPattern pattern(const char *text)
 
 LogLayout plain(const char *text)
 {
-    return LogLayout(std::nullopt, pattern(text));
+    return {std::nullopt, pattern(text)};
 }
 
 /// In lines of the journal like this one.
 LogLayout inside(std::string_view line, const char *text)
 {
-    return LogLayout(JournalLayout::of(line), pattern(text));
+    return {JournalLayout::of(line), pattern(text)};
 }
 
 constexpr std::string_view shortLine = "Jan 02 10:00:00 h player[7]: x";

@@ -222,9 +222,9 @@ TEST(FrameDrawing, ClosesABreakAtItsEdgesInEachLane)
                                   key(60'000 * ms, KEY_A, 0), key(60'100 * ms, KEY_B, 0)});
     const Element gap = picture.ofClass("break").first();
     const auto labels = picture.ofClass("muted");
-    const auto label = std::find_if(labels.begin(), labels.end(), [](const Element &element) {
-        return element.text.trimmed() == "⋯ 59.5 s";
-    });
+    const auto *const label =
+        std::find_if(labels.begin(), labels.end(),
+                     [](const Element &element) { return element.text.trimmed() == "⋯ 59.5 s"; });
     ASSERT_NE(label, labels.end());
     EXPECT_NEAR(label->number("x"), gap.number("x") + gap.number("width") / 2, 0.11);
     EXPECT_EQ(label->title, gap.title);
