@@ -118,8 +118,10 @@ class Session:
         self.results = {item.key(): known[item.key()] for item in self.active()
                         if item.key() in known}
         if self.options.survivors:
-            self.results = {key: result for key, result in self.results.items()
-                            if result.is_caught()}
+            known = Equivalents.read(HERE)
+            self.results = {item.key(): self.results[item.key()] for item in self.active()
+                            if item.key() in self.results
+                            and (self.results[item.key()].is_caught() or known.reason(item))}
         return [item for item in self.active() if item.key() not in self.results]
 
     def run(self):
