@@ -167,6 +167,24 @@ TEST_F(HotPlugRaceTest, ADirectoryThatCannotBeLookedAtForAMomentStaysWatched)
     expectToHearOfDevices();
 }
 
+/// The old watcher takes the directory for a file, since it went and came back. The new one finds
+/// none, and has to watch the directory above.
+TEST_F(HotPlugRaceTest, TheDirectoryMayGoBeforeANewWatcherFindsIt)
+{
+    start();
+    devices->take();
+    int calls = 0;
+    subsystem.setPathHook([&](PathCall, const QByteArray &) {
+        if (++calls >= 2 && calls <= 4)
+            toggleDirectory();
+        return 0;
+    });
+    plug(0);
+    clock.settle();
+    EXPECT_GT(calls, 4);
+    expectToHearOfDevices();
+}
+
 /// The watches that are set, and whether the directory is looked at again after each.
 TEST_F(HotPlugRaceTest, TheOrdinaryPassesMakeOneWatchEach)
 {
