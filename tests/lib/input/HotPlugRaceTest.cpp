@@ -209,6 +209,20 @@ TEST_F(HotPlugRaceTest, TheOrdinaryPassesMakeOneWatchEach)
     EXPECT_THAT(watches, ElementsAre(inputDirectory));
 }
 
+/// /dev/ is watched before the second one, so that a directory that was away is found.
+TEST_F(HotPlugRaceTest, AWatchThatIsRefusedIsTriedOnceMore)
+{
+    std::vector<QByteArray> watches;
+    subsystem.setPathHook([&](PathCall call, const QByteArray &path) {
+        if (call != PathCall::Watch)
+            return 0;
+        watches.push_back(path);
+        return path == inputDirectory ? ENOSPC : 0;
+    });
+    start();
+    EXPECT_THAT(watches, ElementsAre(deviceDirectory, inputDirectory, inputDirectory));
+}
+
 /// The directory goes or comes before each of two calls of a pass, in every combination; before up
 /// to N calls with VORN_HOT_PLUG_CHANGES=N (3 takes half a minute).
 class HotPlugRaceAtEveryCall : public HotPlugRaceTest,
