@@ -9,7 +9,9 @@
 #include <thread>
 #include <vector>
 
+#include <csignal>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
 
 using namespace Vorn::Sim;
@@ -92,9 +94,37 @@ TEST(InputSubsystem, LeavesDescriptorsBehindWhoseReadsFail)
     auto subsystem = std::make_unique<InputSubsystem>();
     InputNode &panelNode = subsystem->plug(0, panel);
     const OpenNode node(panelNode.path(), O_RDONLY);
+    const OpenNode other(panelNode.path(), O_RDONLY);
     panelNode.press(KEY_OK);
     subsystem.reset();
-    EXPECT_FALSE(node.isReadable());
+    for (const OpenNode *left : {&node, &other}) {
+        EXPECT_FALSE(left->isReadable());
+        EXPECT_NE(::fcntl(left->fd(), F_GETFL) & O_NONBLOCK, 0) << "a read would wait for ever";
+    }
+    EXPECT_EQ(node.readError(), EAGAIN);
+}
+
+TEST(InputSubsystem, DoesNotWaitForAReadThatASignalHasEnded)
+{
+    const NoWarnings quiet;
+    auto subsystem = std::make_unique<InputSubsystem>();
+    const OpenNode node(subsystem->plug(0, panel).path(), O_RDONLY);
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_handler = [](int) {};
+    ASSERT_EQ(::sigaction(SIGUSR1, &action, &before), 0);
+    std::atomic<bool> hasReturned{false};
+    std::thread reader([&] {
+        EXPECT_EQ(node.readError(), EINTR);
+        hasReturned = true;
+    });
+    while (!hasReturned) {
+        ::pthread_kill(reader.native_handle(), SIGUSR1);
+        std::this_thread::yield();
+    }
+    reader.join();
+    ::sigaction(SIGUSR1, &before, nullptr);
+    subsystem.reset();
     EXPECT_EQ(node.readError(), EAGAIN);
 }
 

@@ -148,6 +148,20 @@ INSTANTIATE_TEST_SUITE_P(
                     End{"dup3", [](int fd) { ::dup3(STDERR_FILENO, fd, 0); }}),
     [](const auto &parameter) { return parameter.param.name; });
 
+TEST(DescriptorTable, KeepsTheHighNumbersWhenALowOneIsOpenedAgain)
+{
+    InputSubsystem subsystem;
+    InputNode &node = subsystem.plug(0, panel);
+    OpenNode low(node.path());
+    const OpenNode high(node.path());
+    ASSERT_LT(low.fd(), high.fd());
+    low.close();
+    const OpenNode lowAgain(node.path());
+    ASSERT_LT(lowAgain.fd(), high.fd());
+    node.press(KEY_OK);
+    EXPECT_THAT(high.read(), ElementsAre(Event{EV_KEY, KEY_OK, 1}, report));
+}
+
 TEST(CloseRange, LeavesOpenWhatItOnlyMarksAndWhatIsOutside)
 {
     InputSubsystem subsystem;
@@ -160,6 +174,9 @@ TEST(CloseRange, LeavesOpenWhatItOnlyMarksAndWhatIsOutside)
     EXPECT_EQ(node.openDescriptors(), 1);
     EXPECT_EQ(::close_range(5, 4, 0), -1);
     EXPECT_EQ(errno, EINVAL);
+    const auto fd = static_cast<unsigned>(reader.fd());
+    constexpr unsigned unknownFlag = 1U << 30;
+    EXPECT_EQ(::close_range(fd, fd, unknownFlag), -1);
     node.press(KEY_OK);
     EXPECT_THAT(reader.read(), ElementsAre(Event{EV_KEY, KEY_OK, 1}, report));
 }

@@ -185,6 +185,24 @@ TEST(Interposition, LetsAPathFailThatIsTooLongOrBecomesSo)
     }
 }
 
+TEST(Interposition, PassesRequestsOnWithoutASimulation)
+{
+    const OpenNode file(QStringLiteral("/dev/null"));
+    char name[16];
+    EXPECT_EQ(::ioctl(file.fd(), EVIOCGNAME(16), name), -1);
+    EXPECT_EQ(errno, ENOTTY);
+}
+
+TEST(Interposition, LeavesErrnoAloneWhereAStatusIsServed)
+{
+    InputSubsystem subsystem;
+    subsystem.plug(0, panel);
+    struct stat status;
+    errno = EDOM;
+    EXPECT_EQ(::stat("/dev/input/event0", &status), 0);
+    EXPECT_EQ(errno, EDOM);
+}
+
 TEST(Interposition, EndsWithTheSimulation)
 {
     struct stat real = {};
