@@ -1,5 +1,6 @@
 #include "PlaybackClock.h"
 
+#include "IdleBench.h"
 #include "Playback.h"
 
 #include <gmock/gmock.h>
@@ -15,10 +16,9 @@ using testing::IsEmpty;
 namespace {
 
 /// Notes when it stops and when it is sent a packet.
-class NotingBench : public Bench
+class NotingBench : public IdleBench
 {
 public:
-    QString failure() const override { return {}; }
     qint64 now() const override { return m_now; }
     void settle() override { ++m_settled; }
     void runUntil(qint64 end) override
@@ -32,23 +32,10 @@ public:
             ++m_now;
         m_notes.push_back("at " + std::to_string(m_now));
     }
-    void log(const Remark &) override { }
-    void log(const ExpectationChecked &) override { }
-    void plug(int, const Vorn::Sim::DeviceDescription &) override { }
-    void unplug(int, bool) override { }
-    void replace(int, const Vorn::Sim::DeviceDescription &) override { }
-    void setMode(int, mode_t) override { }
-    void setInputDirectory(bool) override { }
-    std::optional<int> changeKeys(int, const QVector<int> &, int) override { return {}; }
-    void releaseKeys(int) override { }
-    bool setSwitch(int, int, bool) override { return true; }
     void send(int, const QVector<RecordedEvent> &records, qint64) override
     {
         m_notes.push_back("code " + std::to_string(records.first().code));
     }
-    void stepWallClock(qint64) override { }
-    void select(const QString &) override { }
-    QString identifier() override { return {}; }
 
     qint64 m_now = 0;
     int m_settled = 0;

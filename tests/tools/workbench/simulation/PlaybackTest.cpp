@@ -1,5 +1,7 @@
 #include "Playback.h"
 
+#include "IdleBench.h"
+
 #include <gmock/gmock.h>
 
 #include <string>
@@ -11,24 +13,9 @@ using testing::ElementsAre;
 namespace {
 
 /// Keeps what is sent, "3: 30 1, 0 0" for two records to event3.
-class SendingBench : public Bench
+class SendingBench : public IdleBench
 {
 public:
-    QString failure() const override { return {}; }
-    qint64 now() const override { return 0; }
-    void settle() override { }
-    void runUntil(qint64) override { }
-    void runUntil(qint64, const Condition &) override { }
-    void log(const Remark &) override { }
-    void log(const ExpectationChecked &) override { }
-    void plug(int, const Vorn::Sim::DeviceDescription &) override { }
-    void unplug(int, bool) override { }
-    void replace(int, const Vorn::Sim::DeviceDescription &) override { }
-    void setMode(int, mode_t) override { }
-    void setInputDirectory(bool) override { }
-    std::optional<int> changeKeys(int, const QVector<int> &, int) override { return {}; }
-    void releaseKeys(int) override { }
-    bool setSwitch(int, int, bool) override { return true; }
     void send(int node, const QVector<RecordedEvent> &records, qint64 offset) override
     {
         EXPECT_EQ(offset, 0);
@@ -37,9 +24,6 @@ public:
             texts += QStringLiteral("%1 %2").arg(record.code).arg(record.value);
         m_sent.push_back(std::to_string(node) + ": " + texts.join(", ").toStdString());
     }
-    void stepWallClock(qint64) override { }
-    void select(const QString &) override { }
-    QString identifier() override { return {}; }
 
     std::vector<std::string> m_sent;
 };

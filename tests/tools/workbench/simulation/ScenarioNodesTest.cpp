@@ -1,5 +1,6 @@
 #include "ScenarioNodes.h"
 
+#include "IdleBench.h"
 #include "ScenarioFiles.h"
 
 #include <QMap>
@@ -17,16 +18,9 @@ using testing::IsEmpty;
 namespace {
 
 /// Keeps what is plugged in.
-class NodesBench : public Bench
+class NodesBench : public IdleBench
 {
 public:
-    QString failure() const override { return {}; }
-    qint64 now() const override { return 0; }
-    void settle() override { }
-    void runUntil(qint64) override { }
-    void runUntil(qint64, const Condition &) override { }
-    void log(const Remark &) override { }
-    void log(const ExpectationChecked &) override { }
     void plug(int node, const DeviceDescription &device) override { m_nodes.insert(node, device); }
     void unplug(int node, bool losingRecords) override
     {
@@ -38,14 +32,6 @@ public:
         m_nodes.insert(node, device);
     }
     void setMode(int node, mode_t mode) override { m_nodes[node].mode = mode; }
-    void setInputDirectory(bool) override { }
-    std::optional<int> changeKeys(int, const QVector<int> &, int) override { return {}; }
-    void releaseKeys(int) override { }
-    bool setSwitch(int, int, bool) override { return true; }
-    void send(int, const QVector<RecordedEvent> &, qint64) override { }
-    void stepWallClock(qint64) override { }
-    void select(const QString &) override { }
-    QString identifier() override { return {}; }
 
     QMap<int, DeviceDescription> m_nodes;
     bool m_isLosing = false;

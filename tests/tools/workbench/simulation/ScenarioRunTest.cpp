@@ -1,5 +1,6 @@
 #include "ScenarioRun.h"
 
+#include "IdleBench.h"
 #include "ScenarioFiles.h"
 
 #include <gmock/gmock.h>
@@ -13,7 +14,7 @@ using Outcome = SimulationResult::Outcome;
 namespace {
 
 /// A bench whose events come when a test says, and which can break.
-class ScriptedBench : public Bench
+class ScriptedBench : public IdleBench
 {
 public:
     explicit ScriptedBench(PendingEvents *pending)
@@ -40,27 +41,17 @@ public:
     }
     void log(const Remark &) override { }
     void log(const ExpectationChecked &checked) override { m_checked = checked; }
-    void plug(int, const Vorn::Sim::DeviceDescription &) override { }
-    void unplug(int, bool) override { }
-    void replace(int, const Vorn::Sim::DeviceDescription &) override { }
-    void setMode(int, mode_t) override { }
-    void setInputDirectory(bool) override { }
     std::optional<int> changeKeys(int, const QVector<int> &codes, int) override
     {
         act();
         // What a bench says that is broken means nothing.
         return failure().isEmpty() ? std::nullopt : std::make_optional(codes.first());
     }
-    void releaseKeys(int) override { }
     bool setSwitch(int, int, bool) override
     {
         act();
         return failure().isEmpty();
     }
-    void send(int, const QVector<RecordedEvent> &, qint64) override { }
-    void stepWallClock(qint64) override { }
-    void select(const QString &) override { }
-    QString identifier() override { return {}; }
 
     const ExpectationChecked &checked() const { return m_checked; }
 
