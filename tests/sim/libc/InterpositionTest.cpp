@@ -17,6 +17,7 @@
 #include <poll.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -189,8 +190,14 @@ TEST(Interposition, PassesRequestsOnWithoutASimulation)
 {
     const OpenNode file(QStringLiteral("/dev/null"));
     char name[16];
+    errno = 0;
+    ASSERT_EQ(::syscall(SYS_ioctl, file.fd(), EVIOCGNAME(16), name), -1);
+    // ENOTTY, or ENOSYS under an emulator that does not know the request.
+    const int refusal = errno;
+    ASSERT_NE(refusal, 0);
+    errno = 0;
     EXPECT_EQ(::ioctl(file.fd(), EVIOCGNAME(16), name), -1);
-    EXPECT_EQ(errno, ENOTTY);
+    EXPECT_EQ(errno, refusal);
 }
 
 TEST(Interposition, LeavesErrnoAloneWhereAStatusIsServed)
