@@ -83,20 +83,11 @@ void abandon(QFileSystemWatcher *watcher)
     watcher->deleteLater();
 }
 
-/// Adds the directory @p path to what is watched, and returns whether it really is.
+/// Watches @p path, and returns whether that is now watched as a directory.
 bool addDirectory(QFileSystemWatcher &watcher, const QString &path)
 {
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        watcher.addPath(path);
-        if (watcher.directories().contains(path))
-            return true;
-        if (!watcher.files().contains(path))
-            return false;
-        // A directory that comes back while it is added is taken for a file, and nobody would hear
-        // of what changes in it.
-        watcher.removePath(path);
-    }
-    return false;
+    watcher.addPath(path);
+    return watcher.directories().contains(path);
 }
 
 /// Watches the input directory, or /dev/ for as long as that does not exist. The directory may come
@@ -563,8 +554,9 @@ void BasicInputHandler::on_inputWatcher_changed(const QString &file)
     // node, so an unplugged device looks the same as a slow restart.
     bool isPresent = watchInputDirectory(*inputWatcher, file.startsWith(inputDirectory()));
     if (inputWatcher->files().contains(inputDirectory())) {
-        // It was watched, and then taken for a file because it was away for a moment. A watcher
-        // that has the same path twice never watches the directory again.
+        // It was taken for a file because it came back while it was being watched, and nobody would
+        // hear of what changes in it. A watcher that has had the same path twice never watches the
+        // directory again.
         abandon(inputWatcher);
         inputWatcher = newWatcher(this, &BasicInputHandler::on_inputWatcher_changed);
         isPresent = watchInputDirectory(*inputWatcher, true);
