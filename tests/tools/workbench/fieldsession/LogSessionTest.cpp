@@ -87,7 +87,7 @@ TEST(LogSession, LeavesTheDeviceOpenWithoutDescriptors)
     log.device(0, "panel").device(1, "remote");
     log.record(KEY_A, 1).stored({"30 press"});
     log.record(KEY_B, 1).stored({"48 press"});
-    log.record(KEY_A, 0).add(detectors, "Found already event for code:30").stored({"30 release"});
+    log.record(KEY_A, 0).storedAgain(30, {"30 release"});
     const std::vector<SessionEntry> session = log.session();
     EXPECT_THAT(remarks(session), Contains(HasSubstr("do not say which device they are of")));
     for (const RecordRead &record : all<RecordRead>(session))
@@ -117,7 +117,7 @@ TEST(LogSession, TellsALostRelease)
 {
     Log log;
     log.device(0, "panel").record(KEY_A, 1).stored({"30 press"});
-    log.record(KEY_A, 1).add(detectors, "Found already event for code:30").stored({"30 press"});
+    log.record(KEY_A, 1).storedAgain(30, {"30 press"});
     EXPECT_THAT(remarks(log.session()),
                 Contains("KEY_A is pressed although it was down: the "
                          "release in between was lost"));
@@ -135,7 +135,7 @@ TEST(LogSession, SaysThatLinesAreMissing)
     Log log;
     log.device(0, "panel").record(KEY_A, 1).stored({"30 press"});
     log.record(KEY_B, 1).stored({"48 press"});
-    log.add(detectors, "Found already event for code:99").stored({"48 press"});
+    log.storedAgain(99, {"48 press"});
     const std::vector<SessionEntry> session = log.session();
     EXPECT_THAT(remarks(session), Contains(HasSubstr("contradict each other")));
 }
@@ -189,9 +189,9 @@ TEST(LogSession, ARecordThatNoHandlerTakesIsUnread)
 {
     Log log;
     log.device(0, "panel");
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 1);
+    log.read(5).record(KEY_A, 1);
     log.add("Input", "Vorn::InputEvent(16) release");
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_B, 1);
+    log.read(5).record(KEY_B, 1);
     log.stored({"48 press"});
     EXPECT_THAT(reasons(log.session()), Contains(HasSubstr("no key handler took it")));
 }
@@ -203,9 +203,8 @@ TEST(LogSession, LeavesOpenWhyNobodyTookTheRecordOfAnUnknownListener)
     Log log;
     log.device(0, "panel").add(listeners, "Event device /dev/input/event0 ready");
     log.device(1, "remote");
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 1);
-    log.stored({"30 press"}).passedOn(KEY_A, 1).event("", "Confirm", "KeyPressed", 1, "press");
-    log.add(listeners, "Enter LinuxInputListener::readData: 6").record(KEY_A, 1);
+    log.press(5, KEY_A).event("", "Confirm", "KeyPressed");
+    log.read(6).record(KEY_A, 1);
     const std::vector<RecordOutcome> outcomes = all<RecordOutcome>(log.session());
     ASSERT_THAT(outcomes, SizeIs(2));
     EXPECT_EQ(outcomes[1].what, RecordOutcome::What::Open);
@@ -290,16 +289,14 @@ TEST(LogSession, LeavesAKeyTimedWhoseReleaseWentToAnotherHandler)
     Log log;
     log.device(0, "panel");
     log.add(handlers, "Enter BasicInputHandler::selectKeyHandler: ");
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_D, 1).record(KEY_A, 1);
-    log.stored({"32 press"}).passedOn(KEY_D, 1).event("", "CharD", "KeyPressed", 1100, "press");
+    log.read(5).record(KEY_D, 1).record(KEY_A, 1);
+    log.stored({"32 press"}).passedOn(KEY_D, 1).event("", "CharD", "KeyPressed");
     // The rest of the read goes to the handler that began it.
     log.add(handlers, "Enter BasicInputHandler::selectKeyHandler: text");
-    log.stored({"30 press"}).passedOn(KEY_A, 1).event("", "CharA", "KeyPressed", 1097, "press");
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 0);
+    log.stored({"30 press"}).passedOn(KEY_A, 1).event("", "CharA", "KeyPressed");
+    log.read(5).record(KEY_A, 0);
     log.add(detectors, "Received release for non existing press -> drop");
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_B, 1);
-    log.stored({"48 press"}).passedOn(KEY_B, 1);
-    log.event("", "CharA", "KeyLongPress", 1097, "long press");
+    log.press(5, KEY_B).event("", "CharA", "KeyLongPress");
     const std::vector<SessionEntry> session = log.session();
     EXPECT_THAT(reasons(session),
                 Contains("dropped: its press went to the handler of identifier ''"));
@@ -313,17 +310,11 @@ TEST(LogSession, LeavesOpenWhichOfTwoKeysAReleaseIsOf)
 {
     Log log;
     log.device(0, "panel");
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 1);
-    log.stored({"30 press"}).passedOn(KEY_A, 1);
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 0);
-    log.add(detectors, "Found already event for code:30").stored({"30 release"});
-    log.passedOn(KEY_A, 0).event("", "CharA", "KeyPressed", 1097, "press");
+    log.press(5, KEY_A);
+    log.release(5, KEY_A).event("", "CharA", "KeyPressed");
     // A slot runs an event loop between the two events of a click.
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_D, 1);
-    log.stored({"32 press"}).passedOn(KEY_D, 1);
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_D, 0);
-    log.add(detectors, "Found already event for code:32").stored({"32 release"});
-    log.passedOn(KEY_D, 0).event("", "CharA", "KeyReleased", 1097, "release");
+    log.press(5, KEY_D);
+    log.release(5, KEY_D).event("", "CharA", "KeyReleased");
     const std::vector<SessionEntry> session = log.session();
     const std::vector<EventPublished> events = all<EventPublished>(session);
     ASSERT_THAT(events, SizeIs(2));
@@ -340,15 +331,14 @@ TEST(LogSession, TellsAPairWhoseFirstKeyWasReleasedMeanwhile)
 {
     Log log;
     log.device(0, "panel");
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 1);
-    log.stored({"30 press"}).passedOn(KEY_A, 1).event("", "CharA", "KeyPressed", 1097, "press");
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_B, 1);
+    log.press(5, KEY_A).event("", "CharA", "KeyPressed");
+    log.read(5).record(KEY_B, 1);
     log.stored({"30 press", "48 press"}).passedOn(KEY_A, 0);
-    log.event("", "CharA", "KeyReleased", 1097, "release");
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_A, 0);
-    log.add(detectors, "Found already event for code:30").stored({"30 release", "48 press"});
+    log.event("", "CharA", "KeyReleased");
+    log.read(5).record(KEY_A, 0);
+    log.storedAgain(30, {"30 release", "48 press"});
     log.passedOn(KEY_A, 0).passedOn(KEY_B, 1);
-    log.event("", "Power", "KeyReleased", 22, "release");
+    log.event("", "Power", "KeyReleased");
     const std::vector<EventPublished> events = all<EventPublished>(log.session());
     ASSERT_THAT(events, SizeIs(3));
     EXPECT_EQ(events[1].codes, QVector<int>{KEY_A});
@@ -359,14 +349,12 @@ TEST(LogSession, TellsAPairWithoutACommandBeforeAnEventOfAnotherKey)
 {
     Log log;
     log.device(0, "panel").device(1, "remote");
-    log.add(listeners, "Enter LinuxInputListener::readData: 5").record(KEY_1, 1);
-    log.stored({"2 press"}).passedOn(KEY_1, 1);
-    log.add(listeners, "Enter LinuxInputListener::readData: 6").record(KEY_A, 1);
-    log.stored({"30 press"}).passedOn(KEY_A, 1);
-    log.add(listeners, "Enter LinuxInputListener::readData: 6").record(KEY_B, 1);
+    log.press(5, KEY_1);
+    log.press(6, KEY_A);
+    log.read(6).record(KEY_B, 1);
     log.stored({"30 press", "48 press"});
     log.passedOn(KEY_A, 0).passedOn(KEY_A, 1).passedOn(KEY_B, 1);
-    log.event("", "Number1", "KeyLongPress", 1049, "long press");
+    log.event("", "Number1", "KeyLongPress");
     const std::vector<SessionEntry> session = log.session();
     const auto found = std::find_if(session.begin(), session.end(), [](const SessionEntry &entry) {
         const auto *step = std::get_if<DetectorStep>(&entry.what);

@@ -7,6 +7,8 @@
 #include "SessionFormat.h"
 #include "SessionTime.h"
 
+#include <QHash>
+
 #include <linux/input.h>
 
 using namespace Vorn;
@@ -156,6 +158,18 @@ WrittenLog &WrittenLog::passedOn(int code, int value)
     return add(handlers, QStringLiteral("key:%1 value %2").arg(code).arg(value));
 }
 
+WrittenLog &WrittenLog::press(int descriptor, int code)
+{
+    read(descriptor).record(code, 1);
+    return stored({QStringLiteral("%1 press").arg(code)}).passedOn(code, 1);
+}
+
+WrittenLog &WrittenLog::release(int descriptor, int code)
+{
+    read(descriptor).record(code, 0);
+    return storedAgain(code, {QStringLiteral("%1 release").arg(code)}).passedOn(code, 0);
+}
+
 WrittenLog &WrittenLog::report(const QString &device, const QString &command, const QString &state,
                                const QString &identifier)
 {
@@ -164,16 +178,24 @@ WrittenLog &WrittenLog::report(const QString &device, const QString &command, co
                    .arg(device, identifier, command, state));
 }
 
-WrittenLog &WrittenLog::bus(int number, const QString &word)
+WrittenLog &WrittenLog::bus(const QString &command, const QString &state)
 {
-    return add("Input", QStringLiteral("Vorn::InputEvent(%1) %2").arg(number).arg(word));
+    static const QHash<QString, QString> words = {{"KeyPressed", "press"},
+                                                  {"KeyReleased", "release"},
+                                                  {"KeyLongPress", "long press"},
+                                                  {"SwitchEnabled", "switch enable"},
+                                                  {"SwitchDisabled", "switch disable"}};
+    return add("Input",
+               QStringLiteral("Vorn::InputEvent(%1) %2")
+                   .arg(Vorn::command(command).value())
+                   .arg(words.value(state)));
 }
 
 WrittenLog &WrittenLog::event(const QString &identifier, const QString &command,
-                              const QString &state, int number, const QString &word)
+                              const QString &state)
 {
     report(command == "Number1" ? "remote" : "panel", command, state, identifier);
-    return bus(number, word);
+    return bus(command, state);
 }
 
 WrittenLog &WrittenLog::select(const QString &identifier)

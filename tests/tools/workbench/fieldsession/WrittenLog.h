@@ -36,14 +36,16 @@ public:
     /// The same after a line about a key that is there already.
     WrittenLog &storedAgain(int code, const QStringList &keys);
     WrittenLog &passedOn(int code, int value);
+    /// All lines of a key that goes down, or up, while no other one is down.
+    WrittenLog &press(int descriptor, int code);
+    WrittenLog &release(int descriptor, int code);
     /// What a handler reports, without the line of the bus.
     WrittenLog &report(const QString &device, const QString &command, const QString &state,
                        const QString &identifier = {});
     /// "Vorn::InputEvent(16) press"
-    WrittenLog &bus(int number, const QString &word);
+    WrittenLog &bus(const QString &command, const QString &state);
     /// Both, of the panel, or of the remote for its Number1.
-    WrittenLog &event(const QString &identifier, const QString &command, const QString &state,
-                      int number, const QString &word);
+    WrittenLog &event(const QString &identifier, const QString &command, const QString &state);
     WrittenLog &select(const QString &identifier);
 
     /// To be called once, at the end.
