@@ -9,9 +9,10 @@ from suites import run
 
 # The most promising tests go first, in a process of their own.
 FIRST = 10
-# How many tests run under memcheck, which takes thirty times as long.
-MOST_SPECIFIC = 80
-MEMCHECK = ["valgrind", "--quiet", "--error-exitcode=99", "--leak-check=full",
+# How many tests share a process under memcheck, which takes thirty times as long.
+MEMCHECK_TESTS = 80
+MEMCHECK_FOUND = 99
+MEMCHECK = ["valgrind", "--quiet", f"--error-exitcode={MEMCHECK_FOUND}", "--leak-check=full",
             "--errors-for-leak-kinds=definite", "--show-leak-kinds=definite"]
 
 
@@ -114,17 +115,25 @@ class Trials:
         tests = [test for test in self.suites.reaching(mutation.number)
                  if self.suites.area.executables[test.executable].memcheck
                  and not self.suites.area.executables[test.executable].arguments
-                 and "DeathTest" not in test.name][:MOST_SPECIFIC]
+                 and "DeathTest" not in test.name]
         suppressions = os.path.join(self.project, "tests/support/valgrind.supp")
         seconds = 0.0
-        for index in sorted({test.executable for test in tests}):
-            names = [test.name for test in tests if test.executable == index]
+        for index, part in self.memcheck_processes(tests):
             command = [*MEMCHECK, f"--suppressions={suppressions}", self.suites.program(index),
-                       "--gtest_brief=1", "--gtest_filter=" + ":".join(names)]
+                       "--gtest_brief=1",
+                       "--gtest_filter=" + ":".join(test.name for test in part)]
             environment = {**self.suites.environment(index), "QT_ENABLE_REGEXP_JIT": "0",
                            "VORN_MUTANT": str(mutation.number)}
             result = run(command, environment, 600, memory=False)
             seconds += result.seconds
-            if result.status != 0:
+            if result.status == MEMCHECK_FOUND:
                 return Result(mutation.key(), "memcheck", "", seconds)
         return Result(mutation.key(), "survived", "", seconds)
+
+    @staticmethod
+    def memcheck_processes(tests):
+        """Parts of the tests, the most specific ones first."""
+        for start in range(0, len(tests), MEMCHECK_TESTS):
+            part = tests[start:start + MEMCHECK_TESTS]
+            for index in sorted({test.executable for test in part}):
+                yield index, [test for test in part if test.executable == index]
