@@ -256,6 +256,8 @@ TEST(Profile, NamesTheCommandThatWasProbablyMeant)
           "19: error: 'command' is a name, not a number; 16 is 'VolumeUp'"},
          {R"(115 = { command = 57 })", "19: error: 'command' is a name, not a number"},
          {R"(115 = { command = 0 })", "19: error: 'command' is a name, not a number; 0 is 'None'"},
+         // Not of the command that is left of it in 32 bits.
+         {R"(115 = { command = 4294967312 })", "19: error: 'command' is a name, not a number"},
          {R"(115 = { command = -1 })", "19: error: 'command' is a name, not a number"},
          {R"(115 = { command = true })", "19: error: 'command' is a string, not true or false"}},
         withKeys);

@@ -40,12 +40,12 @@ KeysDownWatch::KeysDownWatch(std::function<void()> onAllUp)
 
 KeysDownWatch::~KeysDownWatch()
 {
-    stop();
+    closeNodes();
 }
 
 void KeysDownWatch::start(const QStringList &nodes)
 {
-    stop();
+    closeNodes();
     for (const QString &node : nodes) {
         const int descriptor =
             ::open(QFile::encodeName(node).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
@@ -56,9 +56,8 @@ void KeysDownWatch::start(const QStringList &nodes)
     m_timer.start(0);
 }
 
-void KeysDownWatch::stop()
+void KeysDownWatch::closeNodes()
 {
-    m_timer.stop();
     for (const int descriptor : std::exchange(m_descriptors, {}))
         ::close(descriptor);
 }
@@ -72,7 +71,7 @@ void KeysDownWatch::look()
         m_timer.start(m_looksAtNone == 0 ? intervalMs : 0);
         return;
     }
-    stop();
+    closeNodes();
     m_onAllUp();
 }
 

@@ -23,10 +23,10 @@ public:
     /// Waits for these nodes, and no longer for others. One that cannot be opened is not waited
     /// for: its keys are not read either.
     void start(const QStringList &nodes);
-    void stop();
 
 private:
     void look();
+    void closeNodes();
     bool isAnyDown();
 
     const std::function<void()> m_onAllUp;

@@ -119,10 +119,7 @@ std::optional<int> CodeReader::code(const TomlValue &value, const Kind &kind)
 std::optional<int> CodeReader::named(const QString &text, const TextPosition &position,
                                      const Kind &kind)
 {
-    // The lookup by name ends at a null character.
-    const bool isWord = !text.contains(QChar::Null);
-    const auto code = kind.code(text);
-    if (isWord && code)
+    if (const auto code = kind.code(text))
         return code;
     bool isNumber = false;
     static_cast<void>(text.toLongLong(&isNumber, 0));
@@ -132,7 +129,7 @@ std::optional<int> CodeReader::named(const QString &text, const TextPosition &po
                               .arg(QLatin1String(kind.name))
                               .arg(kind.largest)
                               .arg(quoted(text)));
-    } else if (isWord && kind.otherCode(text)) {
+    } else if (kind.otherCode(text)) {
         m_findings->error(position,
                           QStringLiteral("%1 is a %2, not a %3; it belongs under '%4'")
                               .arg(quoted(text), QLatin1String(kind.otherName),

@@ -73,3 +73,12 @@ TEST(RuleWarnings, NameTheIdentifierThatWasProbablyMeant)
                 ElementsAre("p:2:45: warning: no handler has the identifier 'brwse', did you mean "
                             "'browse'?"));
 }
+
+TEST(RuleWarnings, DoNotMissTheIdentifierOfARuleWhereThereAreNoHandlers)
+{
+    EXPECT_THAT(
+        problemsIn("select = [ { command = \"Info\", identifier = \"text\" } ]\n[[device]]\n"),
+        ElementsAre("p:1:12: warning: nothing reports Info with the state KeyReleased, so this "
+                    "never happens",
+                    "p:2:1: warning: there are no handlers, so nothing is reported"));
+}

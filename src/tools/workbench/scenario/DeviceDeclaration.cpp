@@ -210,10 +210,8 @@ void readDevice(ScenarioLine *line, ScenarioContext *context)
     declaration.device.file = line->file();
     declaration.device.line = line->number();
     readOptions(line, &declaration);
-    if (line->isOk()) {
-        checkHostlink(line, declaration);
-        checkNode(line, declaration.device, *context);
-    }
+    checkHostlink(line, declaration);
+    checkNode(line, declaration.device, *context);
     // Even with an error: otherwise every step of the device would be an error, too.
     const int device = context->addDevice(declaration.device);
     if (line->isOk() && declaration.isUnplugged)

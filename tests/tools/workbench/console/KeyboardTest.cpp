@@ -2,7 +2,7 @@
 
 #include "TerminalInput.h"
 
-#include <QCoreApplication>
+#include <QSocketNotifier>
 #include <QTest>
 
 #include <gmock/gmock.h>
@@ -41,8 +41,9 @@ TEST(Keyboard, ReadsAPipeToItsEnd)
         const Keyboard keyboard(STDIN_FILENO, [&](char key) { keys += key; });
         EXPECT_TRUE(QTest::qWaitFor([&] { return keys == "\nq"; }));
         // The end of the pipe is no key, and is read once.
-        QCoreApplication::processEvents();
-        QCoreApplication::processEvents();
+        const auto *notifier = keyboard.findChild<QSocketNotifier *>();
+        ASSERT_NE(notifier, nullptr);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !notifier->isEnabled(); }));
     }
     EXPECT_EQ(keys, "\nq");
     dup2(saved, STDIN_FILENO);

@@ -211,6 +211,23 @@ TEST_F(ProgramRunTest, HandsOverTheEnvironmentWithThePreloadedLibraryFirst)
     qunsetenv("VORN_TEST_VARIABLE");
 }
 
+TEST_F(ProgramRunTest, ReplacesAVariableOfTheEnvironment)
+{
+    qputenv("VORN_TEST_VARIABLE", "old");
+    ProgramRun::Start start =
+        script("tr '\\0' '\\n' </proc/$$/environ | grep ^VORN_TEST_VARIABLE=");
+    start.environment = QStringList{"VORN_TEST_VARIABLE=new"};
+    EXPECT_EQ(outputOf(start), "VORN_TEST_VARIABLE=new\n");
+    qunsetenv("VORN_TEST_VARIABLE");
+}
+
+TEST_F(ProgramRunTest, PreloadsNothingUnlessItIsAskedTo)
+{
+    qunsetenv("LD_PRELOAD");
+    EXPECT_EQ(outputOf(script("echo ${LD_PRELOAD-none} ${VORN_DRIVE_PRELOAD-none}")),
+              "none none\n");
+}
+
 TEST_F(ProgramRunTest, TellsWhatCannotBeStarted)
 {
     const auto failure = [](const QStringList &command, const QString &preload = {}) {

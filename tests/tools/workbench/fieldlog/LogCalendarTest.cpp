@@ -138,6 +138,7 @@ TEST(LogCalendar, LooksForALeapYearForTheLeapDayOnly)
     EXPECT_EQ(Calendar("%b %e").date("Apr 29"), "2025-04-29T00:00:00.000Z");
     EXPECT_EQ(Calendar("%b %e").date("Feb 28"), "2026-02-28T00:00:00.000Z");
     EXPECT_EQ(Calendar("%j").date("029"), "2026-01-29T00:00:00.000Z");
+    EXPECT_EQ(Calendar("%j").date("062"), "2025-03-03T00:00:00.000Z") << "after the last day";
 }
 
 TEST(LogCalendar, DoesNotTakeADateWithAYearForTheOneBefore)

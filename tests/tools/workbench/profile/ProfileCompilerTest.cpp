@@ -93,6 +93,14 @@ constexpr Vorn::ProfileData panel = {u"browse", panelRules7, panelDevices8};
 )");
 }
 
+TEST(ProfileCompiler, WritesALongPressThatDoesNotRepeat)
+{
+    EXPECT_THAT(
+        sourceOf("[[device]]\n[device.handler.keys]\n"
+                 "KEY_STOP = { command = \"Stop\", long-press = 700 }\n"),
+        testing::HasSubstr("    {128, InputEvent::Stop, false, panelLongPress1, false, {}}"));
+}
+
 TEST(ProfileCompiler, DeclaresTheConstantInTheHeader)
 {
     EXPECT_EQ(

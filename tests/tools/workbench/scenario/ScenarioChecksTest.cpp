@@ -8,6 +8,7 @@ namespace {
 
 using namespace Vorn::Workbench;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr char silent[] = "N: panel\nB: 01 00\nE: 0.000000 0000 0000 0\n";
@@ -65,14 +66,14 @@ TEST_F(ScenarioChecks, RefuseARecordingWithoutEvents)
                 testing::MatchesRegex("a.scenario:2: error: the recording '.*b.evemu' contains no "
                                       "events, so nothing is played"));
     EXPECT_THAT(mistakesIn("device a\nplay \"b.evemu\" on a\nexpect nothing\n").front(),
-                testing::HasSubstr("a.scenario:3: error: "));
+                HasSubstr("a.scenario:3: error: "));
     EXPECT_THAT(mistakesIn("play \"b.evemu\"\nexpect nothing\n").front(),
-                testing::HasSubstr("a.scenario:2: warning: "));
+                HasSubstr("a.scenario:2: warning: "));
     LoadOptions options;
     options.profile = path("keys.toml");
-    EXPECT_THAT(mistakes(path("b.evemu"), options).front(), testing::HasSubstr("error: "));
+    EXPECT_THAT(mistakes(path("b.evemu"), options).front(), HasSubstr("error: "));
     write("b.expect", "expect nothing\n");
-    EXPECT_THAT(mistakes(path("b.evemu"), options).front(), testing::HasSubstr("warning: "));
+    EXPECT_THAT(mistakes(path("b.evemu"), options).front(), HasSubstr("warning: "));
     // As the description of a device it needs none.
     EXPECT_THAT(mistakesIn("device a from \"b.evemu\"\n"), IsEmpty());
 }
@@ -83,6 +84,9 @@ TEST_F(ScenarioChecks, WarnOfARecordingThatDescribesNoDevice)
     EXPECT_THAT(mistakesIn("play \"b.evemu\"\n"),
                 ElementsAre("b.evemu: warning: describes no device (lines like 'N: panel'); one "
                             "called 'device' takes its place"));
+    EXPECT_THAT(mistakesIn("select text\nplay \"b.evemu\"\n"),
+                ElementsAre("a.scenario:2: warning: the profile has no identifier 'text'",
+                            HasSubstr("b.evemu: warning: describes no device")));
     EXPECT_THAT(mistakesIn("device a\nplay \"b.evemu\" on a\n"), IsEmpty());
 }
 

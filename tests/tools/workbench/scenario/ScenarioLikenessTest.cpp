@@ -18,6 +18,7 @@ TEST(ScenarioLikeness, IsThatOfMostLines)
     EXPECT_TRUE(isLike(""));
     EXPECT_TRUE(isLike("# nothing but a comment\n"));
     EXPECT_TRUE(isLike("\xef\xbb\xbfprofile \"p\"\n"));
+    EXPECT_TRUE(isLike("\xef\xbb\xbf# a comment\nwait 1s\nnonsense\n"));
     EXPECT_TRUE(isLike("device panel\npanel press KEY_OK\npanel fly\nnonsense\n"));
     EXPECT_FALSE(isLike("device panel\nsecret\nsecret\n"));
 }

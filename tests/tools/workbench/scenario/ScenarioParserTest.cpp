@@ -125,7 +125,10 @@ TEST(ScenarioParser, TooManyDevicesAreAMistake)
     QByteArray text;
     for (int i = 0; i <= 100; ++i)
         text += "device d" + QByteArray::number(i) + '\n';
-    EXPECT_EQ(mistake(text), "dir/a.scenario:101:8: error: a scenario has at most 100 devices");
+    const std::string tooMany = "dir/a.scenario:101:8: error: a scenario has at most 100 devices";
+    EXPECT_EQ(mistake(text), tooMany);
+    EXPECT_THAT(mistakes(text + "d100 press KEY_A\n"),
+                ElementsAre(tooMany, HasSubstr(":102:1: error: unknown step or device 'd100'")));
 }
 
 TEST(ScenarioParser, QuotesNothingOfAFileThatIsNoScenario)
