@@ -2,7 +2,7 @@
 
 #include "CommandNames.h"
 #include "EventNames.h"
-#include "SessionTime.h"
+#include "SessionWords.h"
 
 #include <linux/input.h>
 
@@ -26,19 +26,6 @@ constexpr qint64 atOnce = 1'000'000;
 /// µs. The listeners of a device read in one turn of the event loop; a person takes longer.
 constexpr qint64 oneTurn = 50'000;
 constexpr std::size_t maxTwins = 16;
-
-QString seconds(qint64 time)
-{
-    return sessionSeconds(time) + QStringLiteral(" s");
-}
-
-QString joined(const QVector<int> &codes)
-{
-    QStringList names;
-    for (const int code : codes)
-        names += keyName(code);
-    return names.join(QStringLiteral(" + "));
-}
 
 QString eventText(InputEvent::Command command, InputEvent::State state)
 {
@@ -179,7 +166,7 @@ void LogSession::take(const Said::NodeRemoved &removed)
         for (const int code : codes)
             tellWaiting(detector, code, Outcome::Open,
                         QStringLiteral("nothing was published for it before %1 went at %2")
-                            .arg(which, seconds(m_time)));
+                            .arg(which, timeText(m_time)));
     }
     // Where it is not known whether it is this one, nothing more can be said either.
     m_detectors.forget(mayBeGone);
@@ -485,7 +472,7 @@ void LogSession::take(const Said::KeysStored &stored)
         tell(*cause.read->hand, Outcome::Chord,
              (value == 0 ? QStringLiteral("%1 are a pair until both are up")
                          : QStringLiteral("%1 are a pair already"))
-                 .arg(joined(hand.codes)));
+                 .arg(joinedKeys(hand.codes)));
         cause.read->hand.reset();
     } else if (hand.kind == Kind::ChordBegun) {
         detector->chordSince = m_time;
@@ -494,7 +481,7 @@ void LogSession::take(const Said::KeysStored &stored)
         tellWaiting(detector, hand.codes.first(), Outcome::Open,
                     QStringLiteral("nothing was published for it: held back, or it has no command "
                                    "of its own; first key of a pair, withdrawn at ")
-                        + seconds(m_time));
+                        + timeText(m_time));
     } else if (hand.kind == Kind::ChordEnded) {
         step(Step::ChordReleased, *detector, hand.codes);
         detector->keys.clear();
@@ -516,7 +503,7 @@ LogHand::Kind LogSession::store(const LogDetectorPtr &detector, const Said::Keys
         m_queue.add(m_time,
                     Remark{QStringLiteral("%1 had %2 down, and now has not: lines are missing, or "
                                           "a selection that the log does not show")
-                               .arg(detector->origin->text(), joined(detector->codesDown()))});
+                               .arg(detector->origin->text(), joinedKeys(detector->codesDown()))});
     else if (wasDown && value == 1)
         m_queue.add(m_time,
                     Remark{QStringLiteral("%1 is pressed although it was down: the release in "
@@ -555,9 +542,10 @@ void LogSession::take(const Said::ThirdKeyDropped &)
         const QVector<int> down = detector->codesDown();
         reason = down == detector->codes()
             ? QStringLiteral("dropped, since %1 are down since %2")
-                  .arg(joined(down), seconds(detector->chordSince))
+                  .arg(joinedKeys(down), timeText(detector->chordSince))
             : QStringLiteral("dropped, since %1 of the chord %2, begun at %3, is still down")
-                  .arg(joined(down), joined(detector->codes()), seconds(detector->chordSince));
+                  .arg(joinedKeys(down), joinedKeys(detector->codes()),
+                       timeText(detector->chordSince));
     }
     tellDropped(cause, detector, reason);
 }
@@ -576,7 +564,7 @@ void LogSession::take(const Said::ReleaseDropped &)
         if (detector->forgotten.contains(code)) {
             reason =
                 QStringLiteral("dropped: the handlers were selected at %1, which ended its press")
-                    .arg(seconds(detector->forgotten.take(code)));
+                    .arg(timeText(detector->forgotten.take(code)));
         } else if (detector->identifier != cause.read->identifier) {
             // The rest of a read goes to the handler that began it: a slot had selected another.
             reason = QStringLiteral("dropped: its press went to the handler of identifier '%1'")
@@ -589,7 +577,7 @@ void LogSession::take(const Said::ReleaseDropped &)
             detector->leftTimed.insert(code);
             detector->keys.remove(detector->indexOf(code));
             tellWaiting(detector, code, Outcome::Open,
-                        QStringLiteral("forgotten before its release at ") + seconds(m_time));
+                        QStringLiteral("forgotten before its release at ") + timeText(m_time));
         }
     }
     tellDropped(cause, detector, reason);
@@ -934,7 +922,7 @@ void LogSession::leaveWaiting(const LogOrigin &origin, int code)
             tellWaiting(detector, code, Outcome::Open,
                         QStringLiteral("nothing was published for it before the key was pressed "
                                        "again or repeated at ")
-                            + seconds(m_time));
+                            + timeText(m_time));
     }
 }
 
@@ -989,7 +977,7 @@ void LogSession::tellSingle(LogHand *hand)
 
 void LogSession::tellPair(LogHand *hand)
 {
-    const QString pair = joined(hand->codes);
+    const QString pair = joinedKeys(hand->codes);
     if (hand->kind == Kind::ChordBegun) {
         const bool isCut = hand->keyLines == 1;
         if (isCut && hand->events.isEmpty()) {
@@ -1016,7 +1004,7 @@ QString LogSession::openPairReason(const LogHand &hand) const
 {
     const int second = hand.codes.last();
     const QString reason = QStringLiteral("the log does not say whether for %1 or for %2 alone")
-                               .arg(joined(hand.codes), keyName(second));
+                               .arg(joinedKeys(hand.codes), keyName(second));
     const auto alone = commandOf(*hand.detector, second);
     return alone ? reason + QStringLiteral(", which published %1 before").arg(commandName(*alone))
                  : reason;
@@ -1054,7 +1042,7 @@ void LogSession::forgetKeys()
             tellWaiting(detector, code, Outcome::Open,
                         QStringLiteral("nothing was published for it; forgotten when handlers were "
                                        "selected, at ")
-                            + seconds(m_time));
+                            + timeText(m_time));
         }
         detector->keys.clear();
         detector->isChord = false;

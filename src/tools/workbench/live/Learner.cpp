@@ -4,6 +4,7 @@
 #include "EventNames.h"
 #include "Hints.h"
 #include "Session.h"
+#include "SessionWords.h"
 
 #include <linux/input.h>
 
@@ -13,14 +14,6 @@
 namespace Vorn::Workbench {
 
 namespace {
-
-QString keysText(const QVector<int> &keys)
-{
-    QStringList names;
-    for (const int key : keys)
-        names += keyName(key);
-    return names.join(QStringLiteral(" + "));
-}
 
 QString seconds(qint64 us)
 {
@@ -159,7 +152,7 @@ void Learner::onPressed(const Press &press)
     const QString device = m_names.value(press.device, press.device);
     if (press.keys.size() > 2) {
         m_say(QStringLiteral("      %1: the library supports chords of two keys only; try again")
-                  .arg(keysText(press.keys)));
+                  .arg(joinedKeys(press.keys)));
         return;
     }
     for (int i = 0; i < m_learnt.size(); ++i) {
@@ -170,7 +163,7 @@ void Learner::onPressed(const Press &press)
             continue;
         if (known.command != command()) {
             m_say(QStringLiteral("      %1 already means %2; press another key, or Enter to skip")
-                      .arg(keysText(press.keys), commandName(known.command)));
+                      .arg(joinedKeys(press.keys), commandName(known.command)));
         } else if (press.keys.size() == 1 && press.duration >= longPressHoldUs) {
             offerLongPress(i, press.duration);
         } else {
@@ -181,7 +174,7 @@ void Learner::onPressed(const Press &press)
     learn(Learnt{command(), device, press.keys, -1, false});
     const bool isChord = press.keys.size() == 2;
     m_say(QStringLiteral("      %1%2 on %3, %4")
-              .arg(isChord ? QStringLiteral("chord ") : QString(), keysText(press.keys), device,
+              .arg(isChord ? QStringLiteral("chord ") : QString(), joinedKeys(press.keys), device,
                    seconds(press.duration)));
     if (!isChord && press.duration >= longPressHoldUs)
         offerLongPress(m_learnt.size() - 1, press.duration);

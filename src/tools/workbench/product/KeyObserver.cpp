@@ -3,6 +3,7 @@
 #include "EventNames.h"
 #include "Reasons.h"
 #include "SessionLog.h"
+#include "SessionWords.h"
 
 #include <algorithm>
 #include <utility>

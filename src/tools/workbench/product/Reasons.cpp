@@ -1,7 +1,7 @@
 #include "Reasons.h"
 
 #include "EventNames.h"
-#include "SessionTime.h"
+#include "SessionWords.h"
 
 namespace Vorn::Workbench {
 
@@ -21,19 +21,6 @@ QString under(const QString &identifier)
 }
 
 } // namespace
-
-QString timeText(qint64 time)
-{
-    return sessionSeconds(time) + QStringLiteral(" s");
-}
-
-QString joinedKeys(const QVector<int> &codes)
-{
-    QStringList names;
-    for (const int code : codes)
-        names += keyName(code);
-    return names.join(QStringLiteral(" + "));
-}
 
 QString noHandlerReason(const QString &kind, const QString &identifier, const QStringList &others)
 {

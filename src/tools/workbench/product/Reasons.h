@@ -3,16 +3,9 @@
 
 #include <QString>
 #include <QStringList>
-#include <QVector>
 
 /// Why a record published nothing, in words for people.
 namespace Vorn::Workbench {
-
-/// "12.402 s", for µs.
-QString timeText(qint64 time);
-
-/// "KEY_STOP + KEY_PLAY"
-QString joinedKeys(const QVector<int> &codes);
 
 /// A device has an entry, but no handler of a kind under an identifier.
 /// @param kind "keys" or "switches"
