@@ -135,6 +135,20 @@ LogDetectorPtr LogDetectors::forRelease(const LogOriginPtr &origin, int code) co
     return nullptr;
 }
 
+void LogDetectors::learn(const LogDetector &detector, int code, InputEvent::Command command)
+{
+    m_commands.insert({detector.origin->text() + QLatin1Char('\n') + detector.identifier, code},
+                      command);
+}
+
+std::optional<InputEvent::Command> LogDetectors::commandOf(const LogDetector &detector,
+                                                           int code) const
+{
+    const auto found = m_commands.constFind(
+        {detector.origin->text() + QLatin1Char('\n') + detector.identifier, code});
+    return found == m_commands.constEnd() ? std::nullopt : std::make_optional(*found);
+}
+
 void LogDetectors::forgetIdle()
 {
     m_detectors.erase(

@@ -6,12 +6,14 @@
 
 #include <QHash>
 #include <QMap>
+#include <QPair>
 #include <QSet>
 #include <QString>
 #include <QVector>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace Vorn::Workbench {
 
@@ -49,7 +51,8 @@ struct LogDetector
 using LogDetectorPtr = std::shared_ptr<LogDetector>;
 
 /// The detectors of a process. A line of a detector does not say which one it is of: the origin of
-/// the record tells, or else the keys that it has stored.
+/// the record tells, or else the keys that it has stored. What a key publishes is remembered beyond
+/// its detector.
 class LogDetectors
 {
 public:
@@ -63,6 +66,11 @@ public:
     /// The one that has forgotten the press of a key, or has it down; null if there is none.
     LogDetectorPtr forRelease(const LogOriginPtr &origin, int code) const;
 
+    /// A key has published a command alone.
+    void learn(const LogDetector &detector, int code, InputEvent::Command command);
+    /// What a key has published before, alone and for the same handler.
+    std::optional<InputEvent::Command> commandOf(const LogDetector &detector, int code) const;
+
     const QVector<LogDetectorPtr> &all() const { return m_detectors; }
     /// Without those that have nothing to tell, and those of a device that is gone.
     void forgetIdle();
@@ -72,6 +80,8 @@ private:
     LogDetectorPtr added(const LogOriginPtr &origin, const QString &identifier);
 
     QVector<LogDetectorPtr> m_detectors;
+    /// What has come of single keys, by device, identifier and code.
+    QHash<QPair<QString, int>, InputEvent::Command> m_commands;
 };
 
 /// Whether a detector, with the keys it has, can store those of a line after a record of @p code.

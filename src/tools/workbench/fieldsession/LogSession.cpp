@@ -21,8 +21,6 @@ using Function = Said::Entered::Function;
 constexpr std::size_t maxReads = 4;
 /// A read is of at most 1024 bytes.
 constexpr std::size_t maxRecords = 64;
-/// µs. What follows from a record is logged at once.
-constexpr qint64 atOnce = 1'000'000;
 /// µs. The listeners of a device read in one turn of the event loop; a person takes longer.
 constexpr qint64 oneTurn = 50'000;
 constexpr std::size_t maxTwins = 16;
@@ -61,9 +59,7 @@ bool LogSession::isNewStart(const LibraryLine &line) const
 
 void LogSession::add(const LibraryLine &line, const QString &message, qint64 time, qint64 wallClock)
 {
-    m_lastTime = m_time;
-    m_time = time;
-    m_wallClock = wallClock;
+    m_time = {time, m_time.now, wallClock};
     m_text = message;
     if (std::exchange(m_isFirst, false))
         m_start.wallClock = wallClock - time;
@@ -85,7 +81,7 @@ void LogSession::add(const LibraryLine &line, const QString &message, qint64 tim
     const QStringList news = m_coverage.since(m_coverageAtBegin);
     m_coverageAtBegin = m_coverage;
     for (const QString &text : news)
-        m_queue.add(m_time, Remark{text});
+        m_queue.add(m_time.now, Remark{text});
     m_queue.passOn();
 }
 
@@ -117,7 +113,7 @@ void LogSession::finish()
     for (const LogDetectorPtr &detector : m_detectors.all()) {
         const QList<int> codes = detector->waiting.keys();
         for (const int code : codes)
-            tellWaiting(detector, code, Outcome::Open,
+            tellWaiting(m_time.now, detector, code, Outcome::Open,
                         QStringLiteral("nothing was published for it: held back, or it has no "
                                        "command; still down at the end"));
     }
@@ -132,7 +128,7 @@ void LogSession::finishOpening()
     if (!device)
         return;
     ++m_deviceCount;
-    m_queue.add(m_lastTime, DeviceChange{device->path, device->name, device->bus, true});
+    m_queue.add(m_time.before, DeviceChange{device->path, device->name, device->bus, true});
 }
 
 void LogSession::take(const Said::NodeAdded &)
@@ -164,9 +160,9 @@ void LogSession::take(const Said::NodeRemoved &removed)
             : QStringLiteral("a device, perhaps its own,");
         const QList<int> codes = detector->waiting.keys();
         for (const int code : codes)
-            tellWaiting(detector, code, Outcome::Open,
+            tellWaiting(m_time.now, detector, code, Outcome::Open,
                         QStringLiteral("nothing was published for it before %1 went at %2")
-                            .arg(which, timeText(m_time)));
+                            .arg(which, timeText(m_time.now)));
     }
     // Where it is not known whether it is this one, nothing more can be said either.
     m_detectors.forget(mayBeGone);
@@ -176,7 +172,7 @@ void LogSession::take(const Said::NodeRemoved &removed)
         change.name = device->name;
         change.bus = device->bus;
     }
-    m_queue.add(m_time, change);
+    m_queue.add(m_time.now, change);
 }
 
 void LogSession::take(const Said::Complaint &complaint)
@@ -186,7 +182,7 @@ void LogSession::take(const Said::Complaint &complaint)
         names += eventCodeName(complaint.type, code);
     const QString keys =
         names.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(names.join(QStringLiteral(", ")));
-    m_queue.add(m_time, Remark{QStringLiteral("the library complains: ") + m_text + keys});
+    m_queue.add(m_time.now, Remark{QStringLiteral("the library complains: ") + m_text + keys});
 }
 
 void LogSession::take(const Said::ReadFailed &failed)
@@ -195,7 +191,7 @@ void LogSession::take(const Said::ReadFailed &failed)
         m_origins.nameByPath(m_reads.back().origin, failed.path);
         m_origins.close(*m_reads.back().origin);
     }
-    m_queue.add(m_time,
+    m_queue.add(m_time.now,
                 Remark{QStringLiteral("the library complains: ") + m_text
                        + QStringLiteral("; it does not read it any more")});
 }
@@ -205,7 +201,7 @@ void LogSession::take(const Said::Entered &entered)
     if (entered.function == Function::Constructor) {
         m_origins.setComplete(true);
     } else if (entered.function == Function::SelectHandler) {
-        m_queue.add(m_time, IdentifierSelected{entered.argument});
+        m_queue.add(m_time.now, IdentifierSelected{entered.argument});
     } else if (entered.function == Function::SelectKeyHandler) {
         // Whoever takes the keys is told to forget them, even if it goes on taking them.
         forgetKeys();
@@ -240,19 +236,19 @@ void LogSession::take(const Said::RecordLogged &logged)
     record->type = logged.type;
     record->code = logged.code;
     record->value = logged.value;
-    record->time = m_time;
+    record->time = m_time.now;
     // 0 is that of a position that was asked for.
-    m_queue.addRecord(record, m_wallClock == 0 ? 1 : m_wallClock);
+    m_queue.addRecord(record, m_time.wallClock == 0 ? 1 : m_time.wallClock);
     if (logged.type == EV_KEY || logged.type == EV_SW) {
         bool &has = logged.type == EV_KEY ? read.origin->hasKeys : read.origin->hasSwitches;
         has = true;
         read.records.push_back(record);
     } else if (logged.type != EV_SYN) {
-        m_queue.addOutcome(m_time, record,
+        m_queue.addOutcome(m_time.now, record,
                            outcomeOf(Outcome::NotTaken,
                                      QStringLiteral("the library takes EV_KEY and EV_SW only")));
     } else if (logged.code == SYN_DROPPED) {
-        m_queue.add(m_time,
+        m_queue.add(m_time.now,
                     Remark{QStringLiteral("the kernel has dropped records here "
                                           "(SYN_DROPPED); releases may be among them")});
     }
@@ -279,7 +275,7 @@ bool LogSession::mayHaveTwins() const
 void LogSession::finishPacket(LogRead *read)
 {
     const std::vector<LogRecordPtr> packet = std::exchange(m_packet, {});
-    while (!m_packets.empty() && m_time - m_packets.front().front()->time > oneTurn)
+    while (!m_packets.empty() && m_time.now - m_packets.front().front()->time > oneTurn)
         m_packets.pop_front();
     if (!mayHaveTwins())
         return;
@@ -311,7 +307,7 @@ LogRecordPtr LogSession::takeBackTwin(std::optional<int> code, KeyValue value)
 {
     const auto found = std::find_if(m_twins.begin(), m_twins.end(), [&](const LogRecordPtr &twin) {
         return twin->type == EV_KEY && (!code || twin->code == *code) && fits(twin->value, value)
-            && twin->twin->isTaken && m_time - twin->time <= oneTurn;
+            && twin->twin->isTaken && m_time.now - twin->time <= oneTurn;
     });
     if (found == m_twins.end())
         return nullptr;
@@ -327,7 +323,8 @@ LogRecordPtr LogSession::takeBackTwin(std::optional<int> code, KeyValue value)
 void LogSession::leaveOld(LogRead *read)
 {
     while (!read->hasDescriptor && !read->records.empty()
-           && (read->records.size() >= maxRecords || m_time - read->records.front()->time > atOnce))
+           && (read->records.size() >= maxRecords
+               || m_time.now - read->records.front()->time > LineTime::atOnce))
     {
         untaken(read->records.front(), *read);
         read->records.pop_front();
@@ -372,25 +369,25 @@ void LogSession::untaken(const LogRecordPtr &record, const LogRead &read)
         return;
     const bool mayBeTwin = !record->origin->descriptor() && !record->isPaired && mayHaveTwins();
     if (record->type == EV_KEY && record->value != 0 && !mayBeTwin)
-        leaveWaiting(*record->origin, record->code);
+        leaveWaiting(m_time.now, *record->origin, record->code);
     const bool isPassedOver =
         record->type == EV_KEY
         && std::any_of(read.records.begin(), read.records.end(), [&](const LogRecordPtr &other) {
                return other->isTaken && other->type == EV_KEY && other->origin == record->origin;
            });
     if (mayBeTwin && record->type == EV_KEY && !isPassedOver)
-        m_queue.addOutcome(m_lastTime, record,
+        m_queue.addOutcome(m_time.before, record,
                            outcomeOf(Outcome::Open,
                                      QStringLiteral("no line of a handler follows it; if both "
                                                     "listeners of a device have read it, this is "
                                                     "said of the other line")));
     else if (isPassedOver)
         m_queue.addOutcome(
-            m_lastTime, record,
+            m_time.before, record,
             outcomeOf(Outcome::Open,
                       QStringLiteral("the log has no line of the detector about it")));
     else
-        m_queue.addOutcome(m_lastTime, record, outcomeOf(Outcome::Open, {}), Doubt::Unread);
+        m_queue.addOutcome(m_time.before, record, outcomeOf(Outcome::Open, {}), Doubt::Unread);
 }
 
 /// The record that a line of a detector is about.
@@ -428,7 +425,7 @@ void LogSession::hold(const Cause &cause, LogHand hand) const
 {
     hand.record = cause.record;
     hand.origin = cause.origin;
-    hand.time = m_time;
+    hand.time = m_time.now;
     cause.read->hand = std::move(hand);
 }
 
@@ -445,7 +442,7 @@ void LogSession::take(const Said::KeysStored &stored)
     const auto *const key = std::find_if(stored.keys.begin(), stored.keys.end(),
                                          [code](const auto &other) { return other.code == code; });
     if (key == stored.keys.end()) {
-        m_queue.add(m_time,
+        m_queue.add(m_time.now,
                     Remark{QStringLiteral("lines of the chord detector contradict each "
                                           "other here: some are missing")});
         return;
@@ -456,7 +453,7 @@ void LogSession::take(const Said::KeysStored &stored)
     const LogDetectorPtr detector =
         m_detectors.forKeys(cause.origin, isKnown, cause.read->identifier, stored, code);
     if (value != 0)
-        leaveWaiting(*cause.origin, code);
+        leaveWaiting(m_time.now, *cause.origin, code);
     if (!cause.origin->descriptor() || !detector->origin->descriptor())
         LogOrigin::join(cause.origin, detector->origin);
     LogHand hand;
@@ -475,15 +472,15 @@ void LogSession::take(const Said::KeysStored &stored)
                  .arg(joinedKeys(hand.codes)));
         cause.read->hand.reset();
     } else if (hand.kind == Kind::ChordBegun) {
-        detector->chordSince = m_time;
+        detector->chordSince = m_time.now;
         detector->leftTimed.remove(hand.codes.first());
-        step(Step::FirstKeyWithdrawn, *detector, {hand.codes.first()});
-        tellWaiting(detector, hand.codes.first(), Outcome::Open,
+        step(m_time.now, Step::FirstKeyWithdrawn, *detector, {hand.codes.first()});
+        tellWaiting(m_time.now, detector, hand.codes.first(), Outcome::Open,
                     QStringLiteral("nothing was published for it: held back, or it has no command "
                                    "of its own; first key of a pair, withdrawn at ")
-                        + timeText(m_time));
+                        + timeText(m_time.now));
     } else if (hand.kind == Kind::ChordEnded) {
-        step(Step::ChordReleased, *detector, hand.codes);
+        step(m_time.now, Step::ChordReleased, *detector, hand.codes);
         detector->keys.clear();
     }
     detector->isChord = hand.kind == Kind::ChordBegun || hand.kind == Kind::ChordPart;
@@ -500,12 +497,12 @@ LogHand::Kind LogSession::store(const LogDetectorPtr &detector, const Said::Keys
     const int before = detector->indexOf(code);
     const bool wasDown = before >= 0 && detector->keys[before].value != 0;
     if (!leadsTo(*detector, stored, code) && !detector->keys.isEmpty())
-        m_queue.add(m_time,
+        m_queue.add(m_time.now,
                     Remark{QStringLiteral("%1 had %2 down, and now has not: lines are missing, or "
                                           "a selection that the log does not show")
                                .arg(detector->origin->text(), joinedKeys(detector->codesDown()))});
     else if (wasDown && value == 1)
-        m_queue.add(m_time,
+        m_queue.add(m_time.now,
                     Remark{QStringLiteral("%1 is pressed although it was down: the release in "
                                           "between was lost")
                                .arg(keyName(code))});
@@ -576,8 +573,8 @@ void LogSession::take(const Said::ReleaseDropped &)
             // A detector of long presses hears of no release that is dropped.
             detector->leftTimed.insert(code);
             detector->keys.remove(detector->indexOf(code));
-            tellWaiting(detector, code, Outcome::Open,
-                        QStringLiteral("forgotten before its release at ") + timeText(m_time));
+            tellWaiting(m_time.now, detector, code, Outcome::Open,
+                        QStringLiteral("forgotten before its release at ") + timeText(m_time.now));
         }
     }
     tellDropped(cause, detector, reason);
@@ -587,18 +584,18 @@ void LogSession::tellDropped(const Cause &cause, const LogDetectorPtr &detector,
                              const QString &reason)
 {
     if (!cause.record) {
-        m_queue.add(m_time,
+        m_queue.add(m_time.now,
                     Remark{QStringLiteral("a key was ") + reason
                            + QStringLiteral("; which one is not in the log")});
         return;
     }
     if (cause.record->value != 0)
-        leaveWaiting(*cause.origin, cause.record->code);
+        leaveWaiting(m_time.now, *cause.origin, cause.record->code);
     LogDetector of;
     of.origin = cause.origin;
     of.identifier = detector ? detector->identifier : cause.read->identifier;
-    step(Step::Dropped, of, {cause.record->code});
-    m_queue.addOutcome(m_time, cause.record, outcomeOf(Outcome::Dropped, reason));
+    step(m_time.now, Step::Dropped, of, {cause.record->code});
+    m_queue.addOutcome(m_time.now, cause.record, outcomeOf(Outcome::Dropped, reason));
 }
 
 void LogSession::take(const Said::KeyPassedOn &key)
@@ -614,7 +611,7 @@ void LogSession::take(const Said::KeyPassedOn &key)
         // The pair counts as released then: a slot let its first key go meanwhile.
         if (hand.isPairPassedOn && key.value == 0)
             hand.isReleasedInBetween = true;
-        hand.time = m_time;
+        hand.time = m_time.now;
         return;
     }
 }
@@ -667,7 +664,7 @@ LogHand *LogSession::handFor(InputEvent::Command command, InputEvent::State stat
             || !mayBeOf(*read->hand->origin, report))
             continue;
         const LogHand &hand = *read->hand;
-        if (!report && hand.events.isEmpty() && m_time - hand.time > atOnce)
+        if (!report && hand.events.isEmpty() && m_time.now - hand.time > LineTime::atOnce)
             continue;
         if (LogHand *outer = outerClick(read, command, state, report)) {
             for (LogHand *each : {&*read->hand, outer})
@@ -706,8 +703,8 @@ LogHand *LogSession::handByOrder(InputEvent::Command command, InputEvent::State 
         LogHand hand;
         hand.kind = Kind::Unseen;
         hand.value = record->value;
-        if (record->type != EV_KEY || record->isTaken || m_time - record->time > atOnce
-            || !hand.accepts(command, state))
+        if (record->type != EV_KEY || record->isTaken
+            || m_time.now - record->time > LineTime::atOnce || !hand.accepts(command, state))
             continue;
         if (only)
             return nullptr;
@@ -754,21 +751,6 @@ void LogSession::nameBy(const LogOriginPtr &origin,
     }
 }
 
-void LogSession::learn(const LogDetector &detector, int code, InputEvent::Command command)
-{
-    m_commands.insert({detector.origin->text() + QLatin1Char('\n') + detector.identifier, code},
-                      command);
-}
-
-/// What a key has published before, alone and for the same handler.
-std::optional<InputEvent::Command> LogSession::commandOf(const LogDetector &detector,
-                                                         int code) const
-{
-    const auto found = m_commands.constFind(
-        {detector.origin->text() + QLatin1Char('\n') + detector.identifier, code});
-    return found == m_commands.constEnd() ? std::nullopt : std::make_optional(*found);
-}
-
 void LogSession::publishFrom(LogHand *hand, InputEvent::Command command, InputEvent::State state)
 {
     EventPublished event;
@@ -785,11 +767,11 @@ void LogSession::publishFrom(LogHand *hand, InputEvent::Command command, InputEv
         if (hand->kind == Kind::ChordBegun)
             tellChord(hand, event.codes.size() == 2);
     } else if (hand->detector) {
-        learn(*hand->detector, hand->code, command);
+        m_detectors.learn(*hand->detector, hand->code, command);
     }
-    m_queue.add(m_time, event, hand->origin);
+    m_queue.add(m_time.now, event, hand->origin);
     hand->events += eventText(command, state);
-    hand->time = m_time;
+    hand->time = m_time.now;
     const bool isClick = hand->value == 0 && state == InputEvent::KeyPressed;
     hand->click = isClick ? std::make_optional(command) : std::nullopt;
 }
@@ -799,7 +781,8 @@ void LogSession::publishFrom(LogHand *hand, InputEvent::Command command, InputEv
 QVector<int> LogSession::pairOf(const LogHand &hand, InputEvent::Command command) const
 {
     const int second = hand.codes.last();
-    return commandOf(*hand.detector, second) == command ? QVector<int>{second} : hand.codes;
+    return m_detectors.commandOf(*hand.detector, second) == command ? QVector<int>{second}
+                                                                    : hand.codes;
 }
 
 void LogSession::publishSwitch(InputEvent::Command command, InputEvent::State state,
@@ -819,8 +802,8 @@ void LogSession::publishSwitch(InputEvent::Command command, InputEvent::State st
             m_reads.back().isBegun = true;
             nameBy(record->origin, report);
             event.codes = {record->code};
-            m_queue.add(m_time, event, record->origin);
-            m_queue.addOutcome(m_time, record,
+            m_queue.add(m_time.now, event, record->origin);
+            m_queue.addOutcome(m_time.now, record,
                                outcomeOf(Outcome::Published, {}, {eventText(command, state)}));
             return;
         }
@@ -845,7 +828,7 @@ void LogSession::publishLongPress(InputEvent::Command command,
         const QVector<int> codes = detector->codesTimed();
         for (const int code : codes) {
             all += {detector, code};
-            if (commandOf(*detector, code) == command)
+            if (m_detectors.commandOf(*detector, code) == command)
                 learnt += {detector, code};
         }
     }
@@ -862,15 +845,15 @@ void LogSession::publishLongPress(InputEvent::Command command,
             finishHand(&read);
     }
     nameBy(key.detector->origin, report);
-    learn(*key.detector, key.code, command);
-    tellWaiting(key.detector, key.code, Outcome::Held,
+    m_detectors.learn(*key.detector, key.code, command);
+    tellWaiting(m_time.now, key.detector, key.code, Outcome::Held,
                 QStringLiteral("held back until the release or a long press"));
     EventPublished event;
     event.command = command;
     event.state = InputEvent::KeyLongPress;
     event.type = EV_KEY;
     event.codes = {key.code};
-    m_queue.add(m_time, event, key.detector->origin);
+    m_queue.add(m_time.now, event, key.detector->origin);
 }
 
 /// An event that no record is known to be the cause of.
@@ -882,19 +865,17 @@ void LogSession::publishLoose(InputEvent::Command command, InputEvent::State sta
     event.state = state;
     const LogOriginPtr origin = LogOrigins::unnamed();
     nameBy(origin, report);
-    m_queue.add(m_time, event, origin->isKnown() ? origin : nullptr);
+    m_queue.add(m_time.now, event, origin->isKnown() ? origin : nullptr);
 }
 
 void LogSession::tellChord(LogHand *hand, bool isMapped)
 {
     if (std::exchange(hand->isChordTold, true))
         return;
-    const qint64 now = std::exchange(m_time, hand->time);
-    step(Step::ChordFound, *hand->detector, hand->codes, isMapped);
-    m_time = now;
+    step(hand->time, Step::ChordFound, *hand->detector, hand->codes, isMapped);
 }
 
-void LogSession::step(Step what, const LogDetector &detector, const QVector<int> &keys,
+void LogSession::step(qint64 time, Step what, const LogDetector &detector, const QVector<int> &keys,
                       bool isMapped)
 {
     DetectorStep step;
@@ -902,27 +883,27 @@ void LogSession::step(Step what, const LogDetector &detector, const QVector<int>
     step.keys = keys;
     step.mapped = isMapped;
     step.identifier = detector.identifier;
-    m_queue.add(m_time, step, detector.origin);
+    m_queue.add(time, step, detector.origin);
 }
 
 /// Tells what became of the presses of a key that nothing had been published for.
-void LogSession::tellWaiting(const LogDetectorPtr &detector, int code, Outcome what,
+void LogSession::tellWaiting(qint64 time, const LogDetectorPtr &detector, int code, Outcome what,
                              const QString &reason, Doubt doubt)
 {
     const QVector<LogRecordPtr> records = detector->waiting.take(code);
     for (const LogRecordPtr &record : records)
-        m_queue.addOutcome(m_time, record, outcomeOf(what, reason), doubt);
+        m_queue.addOutcome(time, record, outcomeOf(what, reason), doubt);
 }
 
 /// Before another press of a key: nothing more is known of the one before.
-void LogSession::leaveWaiting(const LogOrigin &origin, int code)
+void LogSession::leaveWaiting(qint64 time, const LogOrigin &origin, int code)
 {
     for (const LogDetectorPtr &detector : m_detectors.all()) {
         if (detector->waiting.contains(code) && mayBeSame(*detector->origin, origin))
-            tellWaiting(detector, code, Outcome::Open,
+            tellWaiting(time, detector, code, Outcome::Open,
                         QStringLiteral("nothing was published for it before the key was pressed "
                                        "again or repeated at ")
-                            + timeText(m_time));
+                            + timeText(time));
     }
 }
 
@@ -937,25 +918,24 @@ void LogSession::finishHand(LogRead *read)
     if (!read->hand)
         return;
     LogHand hand = *std::exchange(read->hand, std::nullopt);
-    const qint64 now = std::exchange(m_time, hand.time);
     if (hand.isPair())
         tellPair(&hand);
     else
         tellSingle(&hand);
-    m_time = now;
 }
 
 void LogSession::tellSingle(LogHand *hand)
 {
     if (!hand->openEvent.isEmpty() && hand->events.isEmpty()) {
         if (hand->detector)
-            tellWaiting(hand->detector, hand->code, Outcome::Open, openEventReason(*hand));
+            tellWaiting(hand->time, hand->detector, hand->code, Outcome::Open,
+                        openEventReason(*hand));
         tell(*hand, Outcome::Open, openEventReason(*hand));
         return;
     }
     if (!hand->events.isEmpty()) {
         if (hand->value == 0 && hand->detector)
-            tellWaiting(hand->detector, hand->code, Outcome::Held,
+            tellWaiting(hand->time, hand->detector, hand->code, Outcome::Held,
                         QStringLiteral("held back until the release"));
         tell(*hand, Outcome::Published, hand->click ? openEventReason(*hand) : QString());
         return;
@@ -971,7 +951,8 @@ void LogSession::tellSingle(LogHand *hand)
                          "no command")
         : QStringLiteral("nothing was published for the release");
     if (hand->detector)
-        tellWaiting(hand->detector, hand->code, Outcome::Unmapped, reason, Doubt::Unmapped);
+        tellWaiting(hand->time, hand->detector, hand->code, Outcome::Unmapped, reason,
+                    Doubt::Unmapped);
     tell(*hand, Outcome::Unmapped, reason, Doubt::Unmapped);
 }
 
@@ -1005,7 +986,7 @@ QString LogSession::openPairReason(const LogHand &hand) const
     const int second = hand.codes.last();
     const QString reason = QStringLiteral("the log does not say whether for %1 or for %2 alone")
                                .arg(joinedKeys(hand.codes), keyName(second));
-    const auto alone = commandOf(*hand.detector, second);
+    const auto alone = m_detectors.commandOf(*hand.detector, second);
     return alone ? reason + QStringLiteral(", which published %1 before").arg(commandName(*alone))
                  : reason;
 }
@@ -1035,14 +1016,14 @@ void LogSession::forgetKeys()
         if (detector->keys.isEmpty() || detector->identifier != m_identifier)
             continue;
         const QVector<int> codes = detector->codes();
-        step(Step::Forgotten, *detector, codes);
+        step(m_time.now, Step::Forgotten, *detector, codes);
         for (const int code : codes) {
-            detector->forgotten.insert(code, m_time);
+            detector->forgotten.insert(code, m_time.now);
             detector->leftTimed.insert(code);
-            tellWaiting(detector, code, Outcome::Open,
+            tellWaiting(m_time.now, detector, code, Outcome::Open,
                         QStringLiteral("nothing was published for it; forgotten when handlers were "
                                        "selected, at ")
-                            + timeText(m_time));
+                            + timeText(m_time.now));
         }
         detector->keys.clear();
         detector->isChord = false;

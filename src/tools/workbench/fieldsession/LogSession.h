@@ -2,6 +2,7 @@
 #define VORN_WORKBENCH_LOGSESSION_H
 
 #include "LibraryMessage.h"
+#include "LineTime.h"
 #include "LogCoverage.h"
 #include "LogDetectors.h"
 #include "LogDevices.h"
@@ -10,9 +11,8 @@
 #include "LogRead.h"
 #include "Session.h"
 
-#include <QHash>
-#include <QPair>
 #include <QString>
+#include <QVector>
 
 #include <deque>
 #include <optional>
@@ -112,13 +112,12 @@ private:
     void publishLoose(InputEvent::Command command, InputEvent::State state,
                       const std::optional<Said::EventReported> &report);
     QVector<int> pairOf(const LogHand &hand, InputEvent::Command command) const;
-    void learn(const LogDetector &detector, int code, InputEvent::Command command);
-    std::optional<InputEvent::Command> commandOf(const LogDetector &detector, int code) const;
     void tellChord(LogHand *hand, bool isMapped);
     void tellDropped(const Cause &cause, const LogDetectorPtr &detector, const QString &reason);
-    void tellWaiting(const LogDetectorPtr &detector, int code, RecordOutcome::What what,
-                     const QString &reason, LogQueue::Doubt doubt = LogQueue::Doubt::None);
-    void leaveWaiting(const LogOrigin &origin, int code);
+    void tellWaiting(qint64 time, const LogDetectorPtr &detector, int code,
+                     RecordOutcome::What what, const QString &reason,
+                     LogQueue::Doubt doubt = LogQueue::Doubt::None);
+    void leaveWaiting(qint64 time, const LogOrigin &origin, int code);
     void tellSingle(LogHand *hand);
     void tellPair(LogHand *hand);
     void tell(const LogHand &hand, RecordOutcome::What what, const QString &reason,
@@ -126,8 +125,8 @@ private:
     QString openPairReason(const LogHand &hand) const;
     static QString openEventReason(const LogHand &hand);
     void forgetKeys();
-    void step(DetectorStep::What what, const LogDetector &detector, const QVector<int> &keys,
-              bool isMapped = false);
+    void step(qint64 time, DetectorStep::What what, const LogDetector &detector,
+              const QVector<int> &keys, bool isMapped = false);
 
     SessionStart m_start;
     const QString m_manner;
@@ -144,15 +143,11 @@ private:
     std::deque<LogRead> m_reads; ///< the last one is in progress; a slot has held up the others
     std::optional<Said::EventReported> m_report; ///< whose line on the bus is to come
     std::optional<Said::FoundAlready> m_found; ///< whose other line is to come
-    /// What has come of single keys, by device, identifier and code.
-    QHash<QPair<QString, int>, InputEvent::Command> m_commands;
     QString m_text; ///< of the line
     QString m_identifier; ///< for which keys are routed
     bool m_hasActivity = false; ///< beside devices
     bool m_isFirst = true;
-    qint64 m_time = 0;
-    qint64 m_lastTime = 0;
-    qint64 m_wallClock = 0;
+    LineTime m_time;
     int m_deviceCount = 0; ///< that were opened
 };
 
