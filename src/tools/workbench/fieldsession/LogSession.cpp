@@ -30,15 +30,6 @@ QString eventText(InputEvent::Command command, InputEvent::State state)
     return commandName(command) + QLatin1Char(' ') + stateName(state);
 }
 
-RecordOutcome outcomeOf(Outcome what, const QString &reason, const QStringList &events = {})
-{
-    RecordOutcome outcome;
-    outcome.what = what;
-    outcome.reason = reason;
-    outcome.events = events;
-    return outcome;
-}
-
 } // namespace
 
 LogSession::LogSession(const SessionStart &start, const QString &manner, Sink sink)
@@ -47,6 +38,7 @@ LogSession::LogSession(const SessionStart &start, const QString &manner, Sink si
     , m_sink(std::move(sink))
     , m_queue(&m_coverage, m_sink)
     , m_origins(&m_devices)
+    , m_outcomes(&m_queue, &m_detectors)
 { }
 
 bool LogSession::isNewStart(const LibraryLine &line) const
@@ -72,7 +64,7 @@ void LogSession::add(const LibraryLine &line, const QString &message, qint64 tim
     m_devices.take(line.what);
     const bool isEvent = bus || std::holds_alternative<Said::EventReported>(line.what);
     if (!m_reads.empty() && m_reads.back().hand && m_reads.back().hand->hasPairPassed() && !isEvent)
-        tellChord(&*m_reads.back().hand, false);
+        m_outcomes.tellChord(&*m_reads.back().hand, false);
     std::visit([this](const auto &what) { take(what); }, line.what);
     if (!m_queue.hasBegun() && m_queue.mayBegin())
         begin();
@@ -113,9 +105,10 @@ void LogSession::finish()
     for (const LogDetectorPtr &detector : m_detectors.all()) {
         const QList<int> codes = detector->waiting.keys();
         for (const int code : codes)
-            tellWaiting(m_time.now, detector, code, Outcome::Open,
-                        QStringLiteral("nothing was published for it: held back, or it has no "
-                                       "command; still down at the end"));
+            m_outcomes.tellWaiting(
+                m_time.now, detector, code, Outcome::Open,
+                QStringLiteral("nothing was published for it: held back, or it has no "
+                               "command; still down at the end"));
     }
     if (!m_queue.hasBegun())
         begin();
@@ -160,9 +153,10 @@ void LogSession::take(const Said::NodeRemoved &removed)
             : QStringLiteral("a device, perhaps its own,");
         const QList<int> codes = detector->waiting.keys();
         for (const int code : codes)
-            tellWaiting(m_time.now, detector, code, Outcome::Open,
-                        QStringLiteral("nothing was published for it before %1 went at %2")
-                            .arg(which, timeText(m_time.now)));
+            m_outcomes.tellWaiting(
+                m_time.now, detector, code, Outcome::Open,
+                QStringLiteral("nothing was published for it before %1 went at %2")
+                    .arg(which, timeText(m_time.now)));
     }
     // Where it is not known whether it is this one, nothing more can be said either.
     m_detectors.forget(mayBeGone);
@@ -357,7 +351,7 @@ void LogSession::closeAfter(const LogRead *read)
 
 void LogSession::close(LogRead *read)
 {
-    finishHand(read);
+    m_outcomes.finishHand(read);
     for (const LogRecordPtr &record : read->records)
         untaken(record, *read);
     read->records.clear();
@@ -369,7 +363,7 @@ void LogSession::untaken(const LogRecordPtr &record, const LogRead &read)
         return;
     const bool mayBeTwin = !record->origin->descriptor() && !record->isPaired && mayHaveTwins();
     if (record->type == EV_KEY && record->value != 0 && !mayBeTwin)
-        leaveWaiting(m_time.now, *record->origin, record->code);
+        m_outcomes.leaveWaiting(m_time.now, *record->origin, record->code);
     const bool isPassedOver =
         record->type == EV_KEY
         && std::any_of(read.records.begin(), read.records.end(), [&](const LogRecordPtr &other) {
@@ -398,7 +392,7 @@ LogSession::Cause LogSession::causeOf(std::optional<int> code, KeyValue value)
         if (const LogRecordPtr record = read->nextKey(code, value)) {
             LogRead *const found = &*read;
             closeAfter(found);
-            finishHand(found);
+            m_outcomes.finishHand(found);
             record->isTaken = true;
             found->isBegun = true;
             return {record->origin, found, record};
@@ -407,7 +401,7 @@ LogSession::Cause LogSession::causeOf(std::optional<int> code, KeyValue value)
     if (m_reads.empty())
         m_reads.emplace_back();
     LogRead *read = &m_reads.back();
-    finishHand(read);
+    m_outcomes.finishHand(read);
     if (const LogRecordPtr record = takeBackTwin(code, value)) {
         read->isBegun = true;
         return {record->origin, read, record};
@@ -453,7 +447,7 @@ void LogSession::take(const Said::KeysStored &stored)
     const LogDetectorPtr detector =
         m_detectors.forKeys(cause.origin, isKnown, cause.read->identifier, stored, code);
     if (value != 0)
-        leaveWaiting(m_time.now, *cause.origin, code);
+        m_outcomes.leaveWaiting(m_time.now, *cause.origin, code);
     if (!cause.origin->descriptor() || !detector->origin->descriptor())
         LogOrigin::join(cause.origin, detector->origin);
     LogHand hand;
@@ -466,21 +460,22 @@ void LogSession::take(const Said::KeysStored &stored)
     hand.codes = hand.kind == Kind::Single ? QVector<int>{code} : detector->codes();
     hold(cause, hand);
     if (hand.kind == Kind::ChordPart) {
-        tell(*cause.read->hand, Outcome::Chord,
-             (value == 0 ? QStringLiteral("%1 are a pair until both are up")
-                         : QStringLiteral("%1 are a pair already"))
-                 .arg(joinedKeys(hand.codes)));
+        m_outcomes.tell(*cause.read->hand, Outcome::Chord,
+                        (value == 0 ? QStringLiteral("%1 are a pair until both are up")
+                                    : QStringLiteral("%1 are a pair already"))
+                            .arg(joinedKeys(hand.codes)));
         cause.read->hand.reset();
     } else if (hand.kind == Kind::ChordBegun) {
         detector->chordSince = m_time.now;
         detector->leftTimed.remove(hand.codes.first());
-        step(m_time.now, Step::FirstKeyWithdrawn, *detector, {hand.codes.first()});
-        tellWaiting(m_time.now, detector, hand.codes.first(), Outcome::Open,
-                    QStringLiteral("nothing was published for it: held back, or it has no command "
-                                   "of its own; first key of a pair, withdrawn at ")
-                        + timeText(m_time.now));
+        m_outcomes.step(m_time.now, Step::FirstKeyWithdrawn, *detector, {hand.codes.first()});
+        m_outcomes.tellWaiting(
+            m_time.now, detector, hand.codes.first(), Outcome::Open,
+            QStringLiteral("nothing was published for it: held back, or it has no command "
+                           "of its own; first key of a pair, withdrawn at ")
+                + timeText(m_time.now));
     } else if (hand.kind == Kind::ChordEnded) {
-        step(m_time.now, Step::ChordReleased, *detector, hand.codes);
+        m_outcomes.step(m_time.now, Step::ChordReleased, *detector, hand.codes);
         detector->keys.clear();
     }
     detector->isChord = hand.kind == Kind::ChordBegun || hand.kind == Kind::ChordPart;
@@ -573,8 +568,9 @@ void LogSession::take(const Said::ReleaseDropped &)
             // A detector of long presses hears of no release that is dropped.
             detector->leftTimed.insert(code);
             detector->keys.remove(detector->indexOf(code));
-            tellWaiting(m_time.now, detector, code, Outcome::Open,
-                        QStringLiteral("forgotten before its release at ") + timeText(m_time.now));
+            m_outcomes.tellWaiting(m_time.now, detector, code, Outcome::Open,
+                                   QStringLiteral("forgotten before its release at ")
+                                       + timeText(m_time.now));
         }
     }
     tellDropped(cause, detector, reason);
@@ -590,11 +586,11 @@ void LogSession::tellDropped(const Cause &cause, const LogDetectorPtr &detector,
         return;
     }
     if (cause.record->value != 0)
-        leaveWaiting(m_time.now, *cause.origin, cause.record->code);
+        m_outcomes.leaveWaiting(m_time.now, *cause.origin, cause.record->code);
     LogDetector of;
     of.origin = cause.origin;
     of.identifier = detector ? detector->identifier : cause.read->identifier;
-    step(m_time.now, Step::Dropped, of, {cause.record->code});
+    m_outcomes.step(m_time.now, Step::Dropped, of, {cause.record->code});
     m_queue.addOutcome(m_time.now, cause.record, outcomeOf(Outcome::Dropped, reason));
 }
 
@@ -642,7 +638,7 @@ void LogSession::publish(InputEvent::Command command, InputEvent::State state,
     LogHand *last = m_reads.empty() || !m_reads.back().hand ? nullptr : &*m_reads.back().hand;
     if (last && last->hasPairPassed()
         && !(last->accepts(command, state) && mayBeOf(*last->origin, report)))
-        tellChord(last, false);
+        m_outcomes.tellChord(last, false);
     if (state == InputEvent::KeyLongPress)
         publishLongPress(command, report);
     else if (state == InputEvent::SwitchEnabled || state == InputEvent::SwitchDisabled)
@@ -712,7 +708,7 @@ LogHand *LogSession::handByOrder(InputEvent::Command command, InputEvent::State 
     }
     if (!only)
         return nullptr;
-    finishHand(&read);
+    m_outcomes.finishHand(&read);
     only->isTaken = true;
     read.isBegun = true;
     LogHand hand;
@@ -765,7 +761,7 @@ void LogSession::publishFrom(LogHand *hand, InputEvent::Command command, InputEv
         hand->hasPairEvent = true;
         event.codes = pairOf(*hand, command);
         if (hand->kind == Kind::ChordBegun)
-            tellChord(hand, event.codes.size() == 2);
+            m_outcomes.tellChord(hand, event.codes.size() == 2);
     } else if (hand->detector) {
         m_detectors.learn(*hand->detector, hand->code, command);
     }
@@ -842,12 +838,12 @@ void LogSession::publishLongPress(InputEvent::Command command,
     for (LogRead &read : m_reads) {
         if (read.hand && read.hand->detector == key.detector && read.hand->code == key.code
             && read.hand->events.isEmpty())
-            finishHand(&read);
+            m_outcomes.finishHand(&read);
     }
     nameBy(key.detector->origin, report);
     m_detectors.learn(*key.detector, key.code, command);
-    tellWaiting(m_time.now, key.detector, key.code, Outcome::Held,
-                QStringLiteral("held back until the release or a long press"));
+    m_outcomes.tellWaiting(m_time.now, key.detector, key.code, Outcome::Held,
+                           QStringLiteral("held back until the release or a long press"));
     EventPublished event;
     event.command = command;
     event.state = InputEvent::KeyLongPress;
@@ -868,144 +864,12 @@ void LogSession::publishLoose(InputEvent::Command command, InputEvent::State sta
     m_queue.add(m_time.now, event, origin->isKnown() ? origin : nullptr);
 }
 
-void LogSession::tellChord(LogHand *hand, bool isMapped)
-{
-    if (std::exchange(hand->isChordTold, true))
-        return;
-    step(hand->time, Step::ChordFound, *hand->detector, hand->codes, isMapped);
-}
-
-void LogSession::step(qint64 time, Step what, const LogDetector &detector, const QVector<int> &keys,
-                      bool isMapped)
-{
-    DetectorStep step;
-    step.what = what;
-    step.keys = keys;
-    step.mapped = isMapped;
-    step.identifier = detector.identifier;
-    m_queue.add(time, step, detector.origin);
-}
-
-/// Tells what became of the presses of a key that nothing had been published for.
-void LogSession::tellWaiting(qint64 time, const LogDetectorPtr &detector, int code, Outcome what,
-                             const QString &reason, Doubt doubt)
-{
-    const QVector<LogRecordPtr> records = detector->waiting.take(code);
-    for (const LogRecordPtr &record : records)
-        m_queue.addOutcome(time, record, outcomeOf(what, reason), doubt);
-}
-
-/// Before another press of a key: nothing more is known of the one before.
-void LogSession::leaveWaiting(qint64 time, const LogOrigin &origin, int code)
-{
-    for (const LogDetectorPtr &detector : m_detectors.all()) {
-        if (detector->waiting.contains(code) && mayBeSame(*detector->origin, origin))
-            tellWaiting(time, detector, code, Outcome::Open,
-                        QStringLiteral("nothing was published for it before the key was pressed "
-                                       "again or repeated at ")
-                            + timeText(time));
-    }
-}
-
-void LogSession::tell(const LogHand &hand, Outcome what, const QString &reason, Doubt doubt)
-{
-    if (hand.record)
-        m_queue.addOutcome(hand.time, hand.record, outcomeOf(what, reason, hand.events), doubt);
-}
-
-void LogSession::finishHand(LogRead *read)
-{
-    if (!read->hand)
-        return;
-    LogHand hand = *std::exchange(read->hand, std::nullopt);
-    if (hand.isPair())
-        tellPair(&hand);
-    else
-        tellSingle(&hand);
-}
-
-void LogSession::tellSingle(LogHand *hand)
-{
-    if (!hand->openEvent.isEmpty() && hand->events.isEmpty()) {
-        if (hand->detector)
-            tellWaiting(hand->time, hand->detector, hand->code, Outcome::Open,
-                        openEventReason(*hand));
-        tell(*hand, Outcome::Open, openEventReason(*hand));
-        return;
-    }
-    if (!hand->events.isEmpty()) {
-        if (hand->value == 0 && hand->detector)
-            tellWaiting(hand->time, hand->detector, hand->code, Outcome::Held,
-                        QStringLiteral("held back until the release"));
-        tell(*hand, Outcome::Published, hand->click ? openEventReason(*hand) : QString());
-        return;
-    }
-    if (hand->value != 0) {
-        if (hand->record && hand->detector)
-            hand->detector->waiting[hand->code] += hand->record;
-        return;
-    }
-    const bool wasSilent = hand->detector && hand->detector->waiting.contains(hand->code);
-    const QString reason = wasSilent
-        ? QStringLiteral("nothing was published, neither for the press nor for the release: it has "
-                         "no command")
-        : QStringLiteral("nothing was published for the release");
-    if (hand->detector)
-        tellWaiting(hand->time, hand->detector, hand->code, Outcome::Unmapped, reason,
-                    Doubt::Unmapped);
-    tell(*hand, Outcome::Unmapped, reason, Doubt::Unmapped);
-}
-
-void LogSession::tellPair(LogHand *hand)
-{
-    const QString pair = joinedKeys(hand->codes);
-    if (hand->kind == Kind::ChordBegun) {
-        const bool isCut = hand->keyLines == 1;
-        if (isCut && hand->events.isEmpty()) {
-            tell(*hand, Outcome::Dropped,
-                 QStringLiteral("the handlers were selected again before the pair was complete"));
-            return;
-        }
-        if (!isCut)
-            tellChord(hand, false);
-    }
-    const QString second = keyName(hand->codes.last());
-    if (hand->events.isEmpty() && !hand->openEvent.isEmpty())
-        tell(*hand, Outcome::Open, openEventReason(*hand));
-    else if (hand->events.isEmpty())
-        tell(*hand, Outcome::Unmapped,
-             QStringLiteral("%1 have no command together, nor has %2 one").arg(pair, second),
-             Doubt::Unmapped);
-    else
-        tell(*hand, Outcome::Published, hand->hasPairEvent ? openPairReason(*hand) : QString());
-}
-
-/// Where the events of a pair come from is marked as open, with what there is to tell.
-QString LogSession::openPairReason(const LogHand &hand) const
-{
-    const int second = hand.codes.last();
-    const QString reason = QStringLiteral("the log does not say whether for %1 or for %2 alone")
-                               .arg(joinedKeys(hand.codes), keyName(second));
-    const auto alone = m_detectors.commandOf(*hand.detector, second);
-    return alone ? reason + QStringLiteral(", which published %1 before").arg(commandName(*alone))
-                 : reason;
-}
-
-QString LogSession::openEventReason(const LogHand &hand)
-{
-    if (hand.openEvent.isEmpty())
-        return {};
-    return QStringLiteral("the log does not say whether %1 is of this record or of another one: a "
-                          "slot ran an event loop")
-        .arg(hand.openEvent);
-}
-
 void LogSession::forgetKeys()
 {
     // A slot that selects is one of an event's.
     for (LogRead &read : m_reads) {
         if (read.hand && !read.hand->isPair() && read.hand->events.isEmpty())
-            finishHand(&read);
+            m_outcomes.finishHand(&read);
     }
     QVector<LogDetectorPtr> detectors = m_detectors.all();
     std::stable_sort(detectors.begin(), detectors.end(), [](const auto &one, const auto &other) {
@@ -1016,21 +880,22 @@ void LogSession::forgetKeys()
         if (detector->keys.isEmpty() || detector->identifier != m_identifier)
             continue;
         const QVector<int> codes = detector->codes();
-        step(m_time.now, Step::Forgotten, *detector, codes);
+        m_outcomes.step(m_time.now, Step::Forgotten, *detector, codes);
         for (const int code : codes) {
             detector->forgotten.insert(code, m_time.now);
             detector->leftTimed.insert(code);
-            tellWaiting(m_time.now, detector, code, Outcome::Open,
-                        QStringLiteral("nothing was published for it; forgotten when handlers were "
-                                       "selected, at ")
-                            + timeText(m_time.now));
+            m_outcomes.tellWaiting(
+                m_time.now, detector, code, Outcome::Open,
+                QStringLiteral("nothing was published for it; forgotten when handlers were "
+                               "selected, at ")
+                    + timeText(m_time.now));
         }
         detector->keys.clear();
         detector->isChord = false;
         // A chord that was about to begin is lost.
         for (LogRead &read : m_reads) {
             if (read.hand && read.hand->detector == detector && read.hand->keyLines == 1)
-                finishHand(&read);
+                m_outcomes.finishHand(&read);
         }
     }
 }

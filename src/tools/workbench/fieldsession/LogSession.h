@@ -7,6 +7,7 @@
 #include "LogDetectors.h"
 #include "LogDevices.h"
 #include "LogOrigins.h"
+#include "LogOutcomes.h"
 #include "LogQueue.h"
 #include "LogRead.h"
 #include "Session.h"
@@ -85,7 +86,6 @@ private:
     void closeAfter(const LogRead *read);
     void leaveOld(LogRead *read);
     void untaken(const LogRecordPtr &record, const LogRead &read);
-    void finishHand(LogRead *read);
     Cause causeOf(std::optional<int> code, KeyValue value);
     bool mayHaveTwins() const;
     void finishPacket(LogRead *read);
@@ -112,21 +112,8 @@ private:
     void publishLoose(InputEvent::Command command, InputEvent::State state,
                       const std::optional<Said::EventReported> &report);
     QVector<int> pairOf(const LogHand &hand, InputEvent::Command command) const;
-    void tellChord(LogHand *hand, bool isMapped);
     void tellDropped(const Cause &cause, const LogDetectorPtr &detector, const QString &reason);
-    void tellWaiting(qint64 time, const LogDetectorPtr &detector, int code,
-                     RecordOutcome::What what, const QString &reason,
-                     LogQueue::Doubt doubt = LogQueue::Doubt::None);
-    void leaveWaiting(qint64 time, const LogOrigin &origin, int code);
-    void tellSingle(LogHand *hand);
-    void tellPair(LogHand *hand);
-    void tell(const LogHand &hand, RecordOutcome::What what, const QString &reason,
-              LogQueue::Doubt doubt = LogQueue::Doubt::None);
-    QString openPairReason(const LogHand &hand) const;
-    static QString openEventReason(const LogHand &hand);
     void forgetKeys();
-    void step(qint64 time, DetectorStep::What what, const LogDetector &detector,
-              const QVector<int> &keys, bool isMapped = false);
 
     SessionStart m_start;
     const QString m_manner;
@@ -137,6 +124,7 @@ private:
     LogDevices m_devices;
     LogOrigins m_origins;
     LogDetectors m_detectors;
+    LogOutcomes m_outcomes;
     std::vector<LogRecordPtr> m_packet; ///< in progress, without a descriptor
     std::deque<std::vector<LogRecordPtr>> m_packets; ///< that another listener may read, too
     std::deque<LogRecordPtr> m_twins; ///< the last ones
