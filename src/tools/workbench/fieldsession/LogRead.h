@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <QVector>
 
+#include <cstddef>
 #include <deque>
 #include <optional>
 
@@ -67,6 +68,9 @@ struct LogHand
 /// What a listener has read at once, as far as its handler is concerned, and how far that is.
 struct LogRead
 {
+    /// A read is of at most 1024 bytes.
+    static constexpr std::size_t maxRecords = 64;
+
     std::deque<LogRecordPtr> records; ///< of keys and switches
     bool hasDescriptor = false;
     bool isBegun = false; ///< a line about one of them has come

@@ -15,15 +15,7 @@ namespace {
 
 using Outcome = RecordOutcome::What;
 using Step = DetectorStep::What;
-using Doubt = LogQueue::Doubt;
 using Function = Said::Entered::Function;
-
-constexpr std::size_t maxReads = 4;
-/// A read is of at most 1024 bytes.
-constexpr std::size_t maxRecords = 64;
-/// µs. The listeners of a device read in one turn of the event loop; a person takes longer.
-constexpr qint64 oneTurn = 50'000;
-constexpr std::size_t maxTwins = 16;
 
 QString eventText(InputEvent::Command command, InputEvent::State state)
 {
@@ -39,13 +31,14 @@ LogSession::LogSession(const SessionStart &start, const QString &manner, Sink si
     , m_queue(&m_coverage, m_sink)
     , m_origins(&m_devices)
     , m_outcomes(&m_queue, &m_detectors)
+    , m_reads(&m_time, &m_devices, &m_origins, &m_queue, &m_outcomes)
 { }
 
 bool LogSession::isNewStart(const LibraryLine &line) const
 {
     const auto *entered = std::get_if<Said::Entered>(&line.what);
     if (entered && entered->function == Function::Constructor)
-        return m_hasActivity || m_deviceCount > 0;
+        return hasActivity() || m_deviceCount > 0;
     return m_devices.isNewStart(line.what);
 }
 
@@ -63,8 +56,9 @@ void LogSession::add(const LibraryLine &line, const QString &message, qint64 tim
         finishOpening();
     m_devices.take(line.what);
     const bool isEvent = bus || std::holds_alternative<Said::EventReported>(line.what);
-    if (!m_reads.empty() && m_reads.back().hand && m_reads.back().hand->hasPairPassed() && !isEvent)
-        m_outcomes.tellChord(&*m_reads.back().hand, false);
+    LogHand *const hand = m_reads.hand();
+    if (hand && hand->hasPairPassed() && !isEvent)
+        m_outcomes.tellChord(hand, false);
     std::visit([this](const auto &what) { take(what); }, line.what);
     if (!m_queue.hasBegun() && m_queue.mayBegin())
         begin();
@@ -98,10 +92,7 @@ void LogSession::finish()
 {
     publishReport();
     finishOpening();
-    while (!m_reads.empty()) {
-        close(&m_reads.front());
-        m_reads.pop_front();
-    }
+    m_reads.finish();
     for (const LogDetectorPtr &detector : m_detectors.all()) {
         const QList<int> codes = detector->waiting.keys();
         for (const int code : codes)
@@ -127,19 +118,19 @@ void LogSession::finishOpening()
 void LogSession::take(const Said::NodeAdded &)
 {
     // Devices that were opened before the log begins would be unknown.
-    if (!m_hasActivity)
+    if (!hasActivity())
         m_origins.setComplete(true);
 }
 
 void LogSession::take(const Said::ListenerOpened &)
 {
-    if (!m_hasActivity)
+    if (!hasActivity())
         m_origins.setComplete(true);
 }
 
 void LogSession::take(const Said::NodeRemoved &removed)
 {
-    leaveReads();
+    m_reads.leave();
     const LogDevicePtr device = m_devices.remove(removed.path);
     const auto mayBeGone = [&device, &removed](const LogOrigin &origin) {
         const LogDevicePtr known = origin.device();
@@ -181,10 +172,7 @@ void LogSession::take(const Said::Complaint &complaint)
 
 void LogSession::take(const Said::ReadFailed &failed)
 {
-    if (!m_reads.empty() && m_reads.back().hasDescriptor && m_reads.back().records.empty()) {
-        m_origins.nameByPath(m_reads.back().origin, failed.path);
-        m_origins.close(*m_reads.back().origin);
-    }
+    m_reads.fail(failed.path);
     m_queue.add(m_time.now,
                 Remark{QStringLiteral("the library complains: ") + m_text
                        + QStringLiteral("; it does not read it any more")});
@@ -199,228 +187,8 @@ void LogSession::take(const Said::Entered &entered)
     } else if (entered.function == Function::SelectKeyHandler) {
         // Whoever takes the keys is told to forget them, even if it goes on taking them.
         forgetKeys();
-        m_identifier = entered.argument;
+        m_reads.select(entered.argument);
     }
-}
-
-void LogSession::take(const Said::ReadBegun &read)
-{
-    leaveReads();
-    LogRead begun;
-    begun.hasDescriptor = true;
-    begun.origin = m_origins.ofDescriptor(read.descriptor);
-    begun.identifier = m_identifier;
-    m_reads.push_back(begun);
-}
-
-void LogSession::take(const Said::RecordLogged &logged)
-{
-    m_hasActivity = true;
-    if (m_reads.empty() || m_reads.back().isBegun) {
-        leaveReads();
-        m_reads.emplace_back();
-        m_reads.back().identifier = m_identifier;
-    }
-    LogRead &read = m_reads.back();
-    leaveOld(&read);
-    if (!read.origin)
-        read.origin = LogOrigins::unnamed();
-    const auto record = std::make_shared<LogRecord>();
-    record->origin = read.origin;
-    record->type = logged.type;
-    record->code = logged.code;
-    record->value = logged.value;
-    record->time = m_time.now;
-    // 0 is that of a position that was asked for.
-    m_queue.addRecord(record, m_time.wallClock == 0 ? 1 : m_time.wallClock);
-    if (logged.type == EV_KEY || logged.type == EV_SW) {
-        bool &has = logged.type == EV_KEY ? read.origin->hasKeys : read.origin->hasSwitches;
-        has = true;
-        read.records.push_back(record);
-    } else if (logged.type != EV_SYN) {
-        m_queue.addOutcome(m_time.now, record,
-                           outcomeOf(Outcome::NotTaken,
-                                     QStringLiteral("the library takes EV_KEY and EV_SW only")));
-    } else if (logged.code == SYN_DROPPED) {
-        m_queue.add(m_time.now,
-                    Remark{QStringLiteral("the kernel has dropped records here "
-                                          "(SYN_DROPPED); releases may be among them")});
-    }
-    m_origins.settle(read.origin);
-    if (read.hasDescriptor)
-        return;
-    m_packet.push_back(record);
-    if (logged.type == EV_SYN || m_packet.size() > maxRecords) {
-        finishPacket(&read);
-        read.origin.reset();
-    }
-}
-
-/// Whether a record may be logged twice: by both listeners of a device.
-bool LogSession::mayHaveTwins() const
-{
-    const QVector<LogDevicePtr> present = m_devices.present();
-    return !m_origins.isComplete()
-        || std::any_of(present.begin(), present.end(),
-                       [](const LogDevicePtr &device) { return device->readers() > 1; });
-}
-
-/// Without descriptors, the same packet once more and at once is what the other listener has read.
-void LogSession::finishPacket(LogRead *read)
-{
-    const std::vector<LogRecordPtr> packet = std::exchange(m_packet, {});
-    while (!m_packets.empty() && m_time.now - m_packets.front().front()->time > oneTurn)
-        m_packets.pop_front();
-    if (!mayHaveTwins())
-        return;
-    const auto isSame = [](const LogRecordPtr &one, const LogRecordPtr &other) {
-        return one->isSameAs(*other);
-    };
-    if (m_packets.empty()
-        || !std::equal(packet.begin(), packet.end(), m_packets.front().begin(),
-                       m_packets.front().end(), isSame))
-    {
-        m_packets.push_back(packet);
-        return;
-    }
-    for (std::size_t i = 0; i < packet.size(); ++i) {
-        packet[i]->twin = m_packets.front()[i];
-        packet[i]->twin->isPaired = true;
-        LogOrigin::join(packet[i]->origin, packet[i]->twin->origin);
-        m_twins.push_back(packet[i]);
-        read->records.erase(std::remove(read->records.begin(), read->records.end(), packet[i]),
-                            read->records.end());
-    }
-    m_packets.pop_front();
-    while (m_twins.size() > maxTwins)
-        m_twins.pop_front();
-}
-
-/// A handler has taken what looked like the other listener's: it was another record after all.
-LogRecordPtr LogSession::takeBackTwin(std::optional<int> code, KeyValue value)
-{
-    const auto found = std::find_if(m_twins.begin(), m_twins.end(), [&](const LogRecordPtr &twin) {
-        return twin->type == EV_KEY && (!code || twin->code == *code) && fits(twin->value, value)
-            && twin->twin->isTaken && m_time.now - twin->time <= oneTurn;
-    });
-    if (found == m_twins.end())
-        return nullptr;
-    LogRecordPtr record = *found;
-    m_twins.erase(found);
-    record->twin->isPaired = false;
-    record->twin.reset();
-    record->isTaken = true;
-    return record;
-}
-
-/// Without descriptors, what belongs to one read shows in the times only.
-void LogSession::leaveOld(LogRead *read)
-{
-    while (!read->hasDescriptor && !read->records.empty()
-           && (read->records.size() >= maxRecords
-               || m_time.now - read->records.front()->time > LineTime::atOnce))
-    {
-        untaken(read->records.front(), *read);
-        read->records.pop_front();
-    }
-}
-
-/// Before another read: those that are done are closed.
-void LogSession::leaveReads()
-{
-    std::deque<LogRead> kept;
-    for (LogRead &read : m_reads) {
-        if (read.isSuspended())
-            kept.push_back(read);
-        else
-            close(&read);
-    }
-    for (; kept.size() > maxReads; kept.pop_front())
-        close(&kept.front());
-    m_reads = std::move(kept);
-}
-
-/// A slot that ran an event loop has returned.
-void LogSession::closeAfter(const LogRead *read)
-{
-    while (&m_reads.back() != read) {
-        close(&m_reads.back());
-        m_reads.pop_back();
-    }
-}
-
-void LogSession::close(LogRead *read)
-{
-    m_outcomes.finishHand(read);
-    for (const LogRecordPtr &record : read->records)
-        untaken(record, *read);
-    read->records.clear();
-}
-
-void LogSession::untaken(const LogRecordPtr &record, const LogRead &read)
-{
-    if (record->isTaken)
-        return;
-    const bool mayBeTwin = !record->origin->descriptor() && !record->isPaired && mayHaveTwins();
-    if (record->type == EV_KEY && record->value != 0 && !mayBeTwin)
-        m_outcomes.leaveWaiting(m_time.now, *record->origin, record->code);
-    const bool isPassedOver =
-        record->type == EV_KEY
-        && std::any_of(read.records.begin(), read.records.end(), [&](const LogRecordPtr &other) {
-               return other->isTaken && other->type == EV_KEY && other->origin == record->origin;
-           });
-    if (mayBeTwin && record->type == EV_KEY && !isPassedOver)
-        m_queue.addOutcome(m_time.before, record,
-                           outcomeOf(Outcome::Open,
-                                     QStringLiteral("no line of a handler follows it; if both "
-                                                    "listeners of a device have read it, this is "
-                                                    "said of the other line")));
-    else if (isPassedOver)
-        m_queue.addOutcome(
-            m_time.before, record,
-            outcomeOf(Outcome::Open,
-                      QStringLiteral("the log has no line of the detector about it")));
-    else
-        m_queue.addOutcome(m_time.before, record, outcomeOf(Outcome::Open, {}), Doubt::Unread);
-}
-
-/// The record that a line of a detector is about.
-LogSession::Cause LogSession::causeOf(std::optional<int> code, KeyValue value)
-{
-    m_hasActivity = true;
-    for (auto read = m_reads.rbegin(); read != m_reads.rend(); ++read) {
-        if (const LogRecordPtr record = read->nextKey(code, value)) {
-            LogRead *const found = &*read;
-            closeAfter(found);
-            m_outcomes.finishHand(found);
-            record->isTaken = true;
-            found->isBegun = true;
-            return {record->origin, found, record};
-        }
-    }
-    if (m_reads.empty())
-        m_reads.emplace_back();
-    LogRead *read = &m_reads.back();
-    m_outcomes.finishHand(read);
-    if (const LogRecordPtr record = takeBackTwin(code, value)) {
-        read->isBegun = true;
-        return {record->origin, read, record};
-    }
-    // The log has no line of the record.
-    if (!read->origin || !read->hasDescriptor)
-        read->origin = LogOrigins::unnamed();
-    read->isBegun = true;
-    read->identifier = m_identifier;
-    m_origins.settle(read->origin);
-    return {read->origin, read, nullptr};
-}
-
-void LogSession::hold(const Cause &cause, LogHand hand) const
-{
-    hand.record = cause.record;
-    hand.origin = cause.origin;
-    hand.time = m_time.now;
-    cause.read->hand = std::move(hand);
 }
 
 void LogSession::take(const Said::FoundAlready &found)
@@ -441,7 +209,8 @@ void LogSession::take(const Said::KeysStored &stored)
                                           "other here: some are missing")});
         return;
     }
-    const Cause cause = causeOf(code, key->isPress ? KeyValue::Press : KeyValue::NoPress);
+    const LogReads::Cause cause =
+        m_reads.causeOf(code, key->isPress ? KeyValue::Press : KeyValue::NoPress);
     const int value = cause.record ? cause.record->value : (key->isPress ? 1 : 0);
     const bool isKnown = cause.origin->descriptor() || cause.origin->isKnown();
     const LogDetectorPtr detector =
@@ -458,7 +227,7 @@ void LogSession::take(const Said::KeysStored &stored)
     hand.code = code;
     hand.value = value;
     hand.codes = hand.kind == Kind::Single ? QVector<int>{code} : detector->codes();
-    hold(cause, hand);
+    m_reads.hold(cause, hand);
     if (hand.kind == Kind::ChordPart) {
         m_outcomes.tell(*cause.read->hand, Outcome::Chord,
                         (value == 0 ? QStringLiteral("%1 are a pair until both are up")
@@ -525,7 +294,7 @@ LogHand::Kind LogSession::store(const LogDetectorPtr &detector, const Said::Keys
 
 void LogSession::take(const Said::ThirdKeyDropped &)
 {
-    const Cause cause = causeOf({}, KeyValue::Any);
+    const LogReads::Cause cause = m_reads.causeOf({}, KeyValue::Any);
     const LogDetectorPtr detector = m_detectors.forThirdKey(cause.origin, cause.read->identifier);
     QString reason = QStringLiteral("dropped, since two other keys are a pair");
     if (detector) {
@@ -544,7 +313,7 @@ void LogSession::take(const Said::ThirdKeyDropped &)
 
 void LogSession::take(const Said::ReleaseDropped &)
 {
-    const Cause cause = causeOf({}, KeyValue::Release);
+    const LogReads::Cause cause = m_reads.causeOf({}, KeyValue::Release);
     QString reason = QStringLiteral("dropped: a release without a press");
     LogDetectorPtr detector;
     if (cause.record)
@@ -576,7 +345,7 @@ void LogSession::take(const Said::ReleaseDropped &)
     tellDropped(cause, detector, reason);
 }
 
-void LogSession::tellDropped(const Cause &cause, const LogDetectorPtr &detector,
+void LogSession::tellDropped(const LogReads::Cause &cause, const LogDetectorPtr &detector,
                              const QString &reason)
 {
     if (!cause.record) {
@@ -599,8 +368,8 @@ void LogSession::take(const Said::KeyPassedOn &key)
     for (auto read = m_reads.rbegin(); read != m_reads.rend(); ++read) {
         if (!read->hand || !read->hand->expectsKey(key.code))
             continue;
-        closeAfter(&*read);
-        LogHand &hand = *m_reads.back().hand;
+        LogHand &hand = *read->hand;
+        m_reads.closeAfter(&*read);
         ++hand.keyLines;
         // First the release of the first key, then both.
         hand.isPairPassedOn = hand.kind == Kind::ChordBegun && hand.keyLines > 1;
@@ -633,9 +402,9 @@ void LogSession::publishReport()
 void LogSession::publish(InputEvent::Command command, InputEvent::State state,
                          const std::optional<Said::EventReported> &report)
 {
-    m_hasActivity = true;
+    m_hasEvents = true;
     // The event of a pair comes at once, or there is none.
-    LogHand *last = m_reads.empty() || !m_reads.back().hand ? nullptr : &*m_reads.back().hand;
+    LogHand *last = m_reads.hand();
     if (last && last->hasPairPassed()
         && !(last->accepts(command, state) && mayBeOf(*last->origin, report)))
         m_outcomes.tellChord(last, false);
@@ -667,17 +436,18 @@ LogHand *LogSession::handFor(InputEvent::Command command, InputEvent::State stat
                 each->openEvent = eventText(command, state);
             return nullptr;
         }
-        closeAfter(&*read);
-        nameBy(m_reads.back().hand->origin, report);
-        return &*m_reads.back().hand;
+        LogHand *const found = &*read->hand;
+        m_reads.closeAfter(&*read);
+        nameBy(found->origin, report);
+        return found;
     }
     return m_coverage.hasDetectors() ? nullptr : handByOrder(command, state);
 }
 
 /// The record whose click a slot may have held up until now, so that its release looks like that of
 /// the record in hand.
-LogHand *LogSession::outerClick(const std::deque<LogRead>::reverse_iterator &inner,
-                                InputEvent::Command command, InputEvent::State state,
+LogHand *LogSession::outerClick(const LogReads::ReverseIterator &inner, InputEvent::Command command,
+                                InputEvent::State state,
                                 const std::optional<Said::EventReported> &report)
 {
     if (state != InputEvent::KeyReleased || inner->hand->click)
@@ -691,11 +461,11 @@ LogHand *LogSession::outerClick(const std::deque<LogRead>::reverse_iterator &inn
 /// The key that an event comes of, where no line of a detector says it: the only one that can be.
 LogHand *LogSession::handByOrder(InputEvent::Command command, InputEvent::State state)
 {
-    if (m_reads.empty())
+    LogRead *const read = m_reads.last();
+    if (!read)
         return nullptr;
-    LogRead &read = m_reads.back();
     LogRecordPtr only;
-    for (const LogRecordPtr &record : read.records) {
+    for (const LogRecordPtr &record : read->records) {
         LogHand hand;
         hand.kind = Kind::Unseen;
         hand.value = record->value;
@@ -708,16 +478,16 @@ LogHand *LogSession::handByOrder(InputEvent::Command command, InputEvent::State 
     }
     if (!only)
         return nullptr;
-    m_outcomes.finishHand(&read);
+    m_outcomes.finishHand(read);
     only->isTaken = true;
-    read.isBegun = true;
+    read->isBegun = true;
     LogHand hand;
     hand.kind = Kind::Unseen;
     hand.code = only->code;
     hand.value = only->value;
     hand.codes = {only->code};
-    hold({only->origin, &read, only}, hand);
-    return &*read.hand;
+    m_reads.hold({only->origin, read, only}, hand);
+    return &*read->hand;
 }
 
 /// Whether what a handler has reported may be of that origin, by the name of its device.
@@ -793,9 +563,10 @@ void LogSession::publishSwitch(InputEvent::Command command, InputEvent::State st
             const LogRecordPtr record = read->nextSwitch(state == InputEvent::SwitchEnabled);
             if (!record || !mayBeOf(*record->origin, report))
                 continue;
-            closeAfter(&*read);
+            LogRead *const found = &*read;
+            m_reads.closeAfter(found);
             record->isTaken = true;
-            m_reads.back().isBegun = true;
+            found->isBegun = true;
             nameBy(record->origin, report);
             event.codes = {record->code};
             m_queue.add(m_time.now, event, record->origin);
@@ -877,7 +648,7 @@ void LogSession::forgetKeys()
     });
     for (const LogDetectorPtr &detector : detectors) {
         // A handler that is selected no longer, and takes the rest of a read, keeps its keys.
-        if (detector->keys.isEmpty() || detector->identifier != m_identifier)
+        if (detector->keys.isEmpty() || detector->identifier != m_reads.identifier())
             continue;
         const QVector<int> codes = detector->codes();
         m_outcomes.step(m_time.now, Step::Forgotten, *detector, codes);

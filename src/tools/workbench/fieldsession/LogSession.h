@@ -10,6 +10,7 @@
 #include "LogOutcomes.h"
 #include "LogQueue.h"
 #include "LogRead.h"
+#include "LogReads.h"
 #include "Session.h"
 
 #include <QString>
@@ -56,11 +57,11 @@ private:
     void take(const Said::EventReported &report);
     void take(const Said::KeyPassedOn &key);
     void take(const Said::Entered &entered);
-    void take(const Said::ReadBegun &read);
+    void take(const Said::ReadBegun &read) { m_reads.take(read); }
     void take(const Said::NodeAdded &added);
     void take(const Said::NodeRemoved &removed);
     void take(const Said::ListenerOpened &);
-    void take(const Said::RecordLogged &logged);
+    void take(const Said::RecordLogged &logged) { m_reads.take(logged); }
     void take(const Said::ReadFailed &failed);
     void take(const Said::FoundAlready &found);
     void take(const Said::ThirdKeyDropped &);
@@ -72,25 +73,10 @@ private:
     void take(const Other &)
     { }
 
-    struct Cause
-    {
-        LogOriginPtr origin;
-        LogRead *read = nullptr;
-        LogRecordPtr record;
-    };
-
+    /// Beside that of devices.
+    bool hasActivity() const { return m_hasEvents || m_reads.hasActivity(); }
     void begin();
     void finishOpening();
-    void leaveReads();
-    void close(LogRead *read);
-    void closeAfter(const LogRead *read);
-    void leaveOld(LogRead *read);
-    void untaken(const LogRecordPtr &record, const LogRead &read);
-    Cause causeOf(std::optional<int> code, KeyValue value);
-    bool mayHaveTwins() const;
-    void finishPacket(LogRead *read);
-    LogRecordPtr takeBackTwin(std::optional<int> code, KeyValue value);
-    void hold(const Cause &cause, LogHand hand) const;
     LogHand::Kind store(const LogDetectorPtr &detector, const Said::KeysStored &stored, int code,
                         int value);
     void publishReport();
@@ -98,9 +84,8 @@ private:
                  const std::optional<Said::EventReported> &report);
     LogHand *handFor(InputEvent::Command command, InputEvent::State state,
                      const std::optional<Said::EventReported> &report);
-    LogHand *outerClick(const std::deque<LogRead>::reverse_iterator &inner,
-                        InputEvent::Command command, InputEvent::State state,
-                        const std::optional<Said::EventReported> &report);
+    LogHand *outerClick(const LogReads::ReverseIterator &inner, InputEvent::Command command,
+                        InputEvent::State state, const std::optional<Said::EventReported> &report);
     LogHand *handByOrder(InputEvent::Command command, InputEvent::State state);
     bool mayBeOf(const LogOrigin &origin, const std::optional<Said::EventReported> &report) const;
     void nameBy(const LogOriginPtr &origin, const std::optional<Said::EventReported> &report);
@@ -112,7 +97,8 @@ private:
     void publishLoose(InputEvent::Command command, InputEvent::State state,
                       const std::optional<Said::EventReported> &report);
     QVector<int> pairOf(const LogHand &hand, InputEvent::Command command) const;
-    void tellDropped(const Cause &cause, const LogDetectorPtr &detector, const QString &reason);
+    void tellDropped(const LogReads::Cause &cause, const LogDetectorPtr &detector,
+                     const QString &reason);
     void forgetKeys();
 
     SessionStart m_start;
@@ -125,15 +111,11 @@ private:
     LogOrigins m_origins;
     LogDetectors m_detectors;
     LogOutcomes m_outcomes;
-    std::vector<LogRecordPtr> m_packet; ///< in progress, without a descriptor
-    std::deque<std::vector<LogRecordPtr>> m_packets; ///< that another listener may read, too
-    std::deque<LogRecordPtr> m_twins; ///< the last ones
-    std::deque<LogRead> m_reads; ///< the last one is in progress; a slot has held up the others
+    LogReads m_reads;
     std::optional<Said::EventReported> m_report; ///< whose line on the bus is to come
     std::optional<Said::FoundAlready> m_found; ///< whose other line is to come
     QString m_text; ///< of the line
-    QString m_identifier; ///< for which keys are routed
-    bool m_hasActivity = false; ///< beside devices
+    bool m_hasEvents = false;
     bool m_isFirst = true;
     LineTime m_time;
     int m_deviceCount = 0; ///< that were opened
