@@ -6,6 +6,7 @@
 #include "LogCoverage.h"
 #include "LogDetectors.h"
 #include "LogDevices.h"
+#include "LogKeys.h"
 #include "LogOrigins.h"
 #include "LogOutcomes.h"
 #include "LogQueue.h"
@@ -55,7 +56,7 @@ private:
 
     void take(const Said::EventOnBus &event);
     void take(const Said::EventReported &report);
-    void take(const Said::KeyPassedOn &key);
+    void take(const Said::KeyPassedOn &key) { m_keys.take(key); }
     void take(const Said::Entered &entered);
     void take(const Said::ReadBegun &read) { m_reads.take(read); }
     void take(const Said::NodeAdded &added);
@@ -63,10 +64,10 @@ private:
     void take(const Said::ListenerOpened &);
     void take(const Said::RecordLogged &logged) { m_reads.take(logged); }
     void take(const Said::ReadFailed &failed);
-    void take(const Said::FoundAlready &found);
-    void take(const Said::ThirdKeyDropped &);
-    void take(const Said::ReleaseDropped &);
-    void take(const Said::KeysStored &stored);
+    void take(const Said::FoundAlready &found) { m_keys.take(found); }
+    void take(const Said::ThirdKeyDropped &dropped) { m_keys.take(dropped); }
+    void take(const Said::ReleaseDropped &dropped) { m_keys.take(dropped); }
+    void take(const Said::KeysStored &stored) { m_keys.take(stored); }
     void take(const Said::Complaint &complaint);
     /// What LogDevices takes.
     template <typename Other>
@@ -77,8 +78,6 @@ private:
     bool hasActivity() const { return m_hasEvents || m_reads.hasActivity(); }
     void begin();
     void finishOpening();
-    LogHand::Kind store(const LogDetectorPtr &detector, const Said::KeysStored &stored, int code,
-                        int value);
     void publishReport();
     void publish(InputEvent::Command command, InputEvent::State state,
                  const std::optional<Said::EventReported> &report);
@@ -97,9 +96,6 @@ private:
     void publishLoose(InputEvent::Command command, InputEvent::State state,
                       const std::optional<Said::EventReported> &report);
     QVector<int> pairOf(const LogHand &hand, InputEvent::Command command) const;
-    void tellDropped(const LogReads::Cause &cause, const LogDetectorPtr &detector,
-                     const QString &reason);
-    void forgetKeys();
 
     SessionStart m_start;
     const QString m_manner;
@@ -112,8 +108,8 @@ private:
     LogDetectors m_detectors;
     LogOutcomes m_outcomes;
     LogReads m_reads;
+    LogKeys m_keys;
     std::optional<Said::EventReported> m_report; ///< whose line on the bus is to come
-    std::optional<Said::FoundAlready> m_found; ///< whose other line is to come
     QString m_text; ///< of the line
     bool m_hasEvents = false;
     bool m_isFirst = true;
