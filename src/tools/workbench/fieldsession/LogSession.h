@@ -6,6 +6,7 @@
 #include "LogCoverage.h"
 #include "LogDetectors.h"
 #include "LogDevices.h"
+#include "LogEvents.h"
 #include "LogKeys.h"
 #include "LogOrigins.h"
 #include "LogOutcomes.h"
@@ -52,10 +53,8 @@ public:
     void finish();
 
 private:
-    using Kind = LogHand::Kind;
-
-    void take(const Said::EventOnBus &event);
-    void take(const Said::EventReported &report);
+    void take(const Said::EventOnBus &event) { m_events.take(event); }
+    void take(const Said::EventReported &report) { m_events.take(report); }
     void take(const Said::KeyPassedOn &key) { m_keys.take(key); }
     void take(const Said::Entered &entered);
     void take(const Said::ReadBegun &read) { m_reads.take(read); }
@@ -75,27 +74,9 @@ private:
     { }
 
     /// Beside that of devices.
-    bool hasActivity() const { return m_hasEvents || m_reads.hasActivity(); }
+    bool hasActivity() const { return m_events.hasActivity() || m_reads.hasActivity(); }
     void begin();
     void finishOpening();
-    void publishReport();
-    void publish(InputEvent::Command command, InputEvent::State state,
-                 const std::optional<Said::EventReported> &report);
-    LogHand *handFor(InputEvent::Command command, InputEvent::State state,
-                     const std::optional<Said::EventReported> &report);
-    LogHand *outerClick(const LogReads::ReverseIterator &inner, InputEvent::Command command,
-                        InputEvent::State state, const std::optional<Said::EventReported> &report);
-    LogHand *handByOrder(InputEvent::Command command, InputEvent::State state);
-    bool mayBeOf(const LogOrigin &origin, const std::optional<Said::EventReported> &report) const;
-    void nameBy(const LogOriginPtr &origin, const std::optional<Said::EventReported> &report);
-    void publishFrom(LogHand *hand, InputEvent::Command command, InputEvent::State state);
-    void publishSwitch(InputEvent::Command command, InputEvent::State state,
-                       const std::optional<Said::EventReported> &report);
-    void publishLongPress(InputEvent::Command command,
-                          const std::optional<Said::EventReported> &report);
-    void publishLoose(InputEvent::Command command, InputEvent::State state,
-                      const std::optional<Said::EventReported> &report);
-    QVector<int> pairOf(const LogHand &hand, InputEvent::Command command) const;
 
     SessionStart m_start;
     const QString m_manner;
@@ -109,9 +90,8 @@ private:
     LogOutcomes m_outcomes;
     LogReads m_reads;
     LogKeys m_keys;
-    std::optional<Said::EventReported> m_report; ///< whose line on the bus is to come
+    LogEvents m_events;
     QString m_text; ///< of the line
-    bool m_hasEvents = false;
     bool m_isFirst = true;
     LineTime m_time;
     int m_deviceCount = 0; ///< that were opened
