@@ -16,9 +16,17 @@ namespace {
 using Kind = LogHand::Kind;
 using Outcome = RecordOutcome::What;
 
-QString eventText(InputEvent::Command command, InputEvent::State state)
+QString eventText(const LogEvent &event)
 {
-    return commandName(command) + QLatin1Char(' ') + stateName(state);
+    return commandName(event.command) + QLatin1Char(' ') + stateName(event.state);
+}
+
+EventPublished publishedOf(const LogEvent &event)
+{
+    EventPublished published;
+    published.command = event.command;
+    published.state = event.state;
+    return published;
 }
 
 } // namespace
@@ -46,79 +54,77 @@ void LogEvents::take(const Said::EventReported &report)
     m_report = report;
 }
 
-void LogEvents::take(const Said::EventOnBus &event)
+void LogEvents::take(const Said::EventOnBus &bus)
 {
-    publish(static_cast<InputEvent::Command>(event.command), event.state,
-            std::exchange(m_report, std::nullopt));
+    LogEvent event{static_cast<InputEvent::Command>(bus.command), bus.state, {}};
+    if (const std::optional<Said::EventReported> report = std::exchange(m_report, std::nullopt))
+        event.handler = report->handler;
+    publish(event);
 }
 
 void LogEvents::finishReport()
 {
     if (const std::optional<Said::EventReported> report = std::exchange(m_report, std::nullopt))
-        publish(report->command, report->state, report);
+        publish({report->command, report->state, report->handler});
 }
 
-void LogEvents::publish(InputEvent::Command command, InputEvent::State state,
-                        const std::optional<Said::EventReported> &report)
+void LogEvents::publish(const LogEvent &event)
 {
     m_hasActivity = true;
     // The event of a pair comes at once, or there is none.
-    LogHand *last = m_reads->hand();
+    LogHand *const last = m_reads->hand();
     if (last && last->hasPairPassed()
-        && !(last->accepts(command, state) && mayBeOf(*last->origin, report)))
+        && !(last->accepts(event.command, event.state) && mayBeOf(*last->origin, event)))
         m_outcomes->tellChord(last, false);
-    if (state == InputEvent::KeyLongPress)
-        publishLongPress(command, report);
-    else if (state == InputEvent::SwitchEnabled || state == InputEvent::SwitchDisabled)
-        publishSwitch(command, state, report);
-    else if (LogHand *hand = handFor(command, state, report))
-        publishFrom(hand, command, state);
+    if (event.state == InputEvent::KeyLongPress)
+        publishLongPress(event);
+    else if (event.state == InputEvent::SwitchEnabled || event.state == InputEvent::SwitchDisabled)
+        publishSwitch(event);
+    else if (LogHand *hand = handFor(event))
+        publishFrom(hand, event);
     else
-        publishLoose(command, state, report);
+        publishLoose(event);
 }
 
-LogHand *LogEvents::handFor(InputEvent::Command command, InputEvent::State state,
-                            const std::optional<Said::EventReported> &report)
+LogHand *LogEvents::handFor(const LogEvent &event)
 {
     // Handlers report each of their events, so the others are the product's own.
-    if (m_coverage->hasReports() && !report)
+    if (m_coverage->hasReports() && !event.handler)
         return nullptr;
     for (auto read = m_reads->rbegin(); read != m_reads->rend(); ++read) {
-        if (!read->hand || !read->hand->accepts(command, state)
-            || !mayBeOf(*read->hand->origin, report))
+        if (!read->hand || !read->hand->accepts(event.command, event.state)
+            || !mayBeOf(*read->hand->origin, event))
             continue;
         const LogHand &hand = *read->hand;
-        if (!report && hand.events.isEmpty() && m_time->now - hand.time > LineTime::atOnce)
+        if (!event.handler && hand.events.isEmpty() && m_time->now - hand.time > LineTime::atOnce)
             continue;
-        if (LogHand *outer = outerClick(read, command, state, report)) {
+        if (LogHand *outer = outerClick(read, event)) {
             for (LogHand *each : {&*read->hand, outer})
-                each->openEvent = eventText(command, state);
+                each->openEvent = eventText(event);
             return nullptr;
         }
         LogHand *const found = &*read->hand;
         m_reads->closeAfter(&*read);
-        nameBy(found->origin, report);
+        nameBy(found->origin, event);
         return found;
     }
-    return m_coverage->hasDetectors() ? nullptr : handByOrder(command, state);
+    return m_coverage->hasDetectors() ? nullptr : handByOrder(event);
 }
 
 /// The record whose click a slot may have held up until now, so that its release looks like that of
 /// the record in hand.
-LogHand *LogEvents::outerClick(const LogReads::ReverseIterator &inner, InputEvent::Command command,
-                               InputEvent::State state,
-                               const std::optional<Said::EventReported> &report)
+LogHand *LogEvents::outerClick(const LogReads::ReverseIterator &inner, const LogEvent &event)
 {
-    if (state != InputEvent::KeyReleased || inner->hand->click)
+    if (event.state != InputEvent::KeyReleased || inner->hand->click)
         return nullptr;
     const auto outer = std::find_if(std::next(inner), m_reads->rend(), [&](const LogRead &read) {
-        return read.hand && read.hand->click == command && mayBeOf(*read.hand->origin, report);
+        return read.hand && read.hand->click == event.command && mayBeOf(*read.hand->origin, event);
     });
     return outer == m_reads->rend() ? nullptr : &*outer->hand;
 }
 
 /// The key that an event comes of, where no line of a detector says it: the only one that can be.
-LogHand *LogEvents::handByOrder(InputEvent::Command command, InputEvent::State state)
+LogHand *LogEvents::handByOrder(const LogEvent &event)
 {
     LogRead *const read = m_reads->last();
     if (!read)
@@ -129,7 +135,8 @@ LogHand *LogEvents::handByOrder(InputEvent::Command command, InputEvent::State s
         hand.kind = Kind::Unseen;
         hand.value = record->value;
         if (record->type != EV_KEY || record->isTaken
-            || m_time->now - record->time > LineTime::atOnce || !hand.accepts(command, state))
+            || m_time->now - record->time > LineTime::atOnce
+            || !hand.accepts(event.command, event.state))
             continue;
         if (only)
             return nullptr;
@@ -150,12 +157,11 @@ LogHand *LogEvents::handByOrder(InputEvent::Command command, InputEvent::State s
 }
 
 /// Whether what a handler has reported may be of that origin, by the name of its device.
-bool LogEvents::mayBeOf(const LogOrigin &origin,
-                        const std::optional<Said::EventReported> &report) const
+bool LogEvents::mayBeOf(const LogOrigin &origin, const LogEvent &event) const
 {
-    if (!report || !origin.isKnown())
+    if (!event.handler || !origin.isKnown())
         return true;
-    const QVector<QPair<QString, QString>> names = handlerNames(report->handler);
+    const QVector<QPair<QString, QString>> names = handlerNames(*event.handler);
     return std::any_of(names.begin(), names.end(), [&](const QPair<QString, QString> &name) {
         if (!origin.device())
             return origin.text() == name.first;
@@ -164,40 +170,39 @@ bool LogEvents::mayBeOf(const LogOrigin &origin,
     });
 }
 
-void LogEvents::nameBy(const LogOriginPtr &origin, const std::optional<Said::EventReported> &report)
+void LogEvents::nameBy(const LogOriginPtr &origin, const LogEvent &event)
 {
-    if (!report || origin->isKnown())
+    if (!event.handler || origin->isKnown())
         return;
-    const QVector<QPair<QString, QString>> names = handlerNames(report->handler);
+    const QVector<QPair<QString, QString>> names = handlerNames(*event.handler);
     for (const auto &name : names) {
         if (names.size() == 1 || m_origins->named(name.first))
             m_origins->nameBy(origin, name.first);
     }
 }
 
-void LogEvents::publishFrom(LogHand *hand, InputEvent::Command command, InputEvent::State state)
+void LogEvents::publishFrom(LogHand *hand, const LogEvent &event)
 {
-    EventPublished event;
-    event.command = command;
-    event.state = state;
-    event.type = EV_KEY;
-    event.codes = hand->codes;
-    if (hand->kind == Kind::ChordBegun && !hand->isPairPassedOn && state == InputEvent::KeyReleased)
+    EventPublished published = publishedOf(event);
+    published.type = EV_KEY;
+    published.codes = hand->codes;
+    if (hand->kind == Kind::ChordBegun && !hand->isPairPassedOn
+        && event.state == InputEvent::KeyReleased)
     {
-        event.codes = {hand->codes.first()};
+        published.codes = {hand->codes.first()};
     } else if (hand->isPair()) {
         hand->hasPairEvent = true;
-        event.codes = pairOf(*hand, command);
+        published.codes = pairOf(*hand, event.command);
         if (hand->kind == Kind::ChordBegun)
-            m_outcomes->tellChord(hand, event.codes.size() == 2);
+            m_outcomes->tellChord(hand, published.codes.size() == 2);
     } else if (hand->detector) {
-        m_detectors->learn(*hand->detector, hand->code, command);
+        m_detectors->learn(*hand->detector, hand->code, event.command);
     }
-    m_queue->add(m_time->now, event, hand->origin);
-    hand->events += eventText(command, state);
+    m_queue->add(m_time->now, published, hand->origin);
+    hand->events += eventText(event);
     hand->time = m_time->now;
-    const bool isClick = hand->value == 0 && state == InputEvent::KeyPressed;
-    hand->click = isClick ? std::make_optional(command) : std::nullopt;
+    const bool isClick = hand->value == 0 && event.state == InputEvent::KeyPressed;
+    hand->click = isClick ? std::make_optional(event.command) : std::nullopt;
 }
 
 /// Of a pair without a command the library publishes the second key. Which of the two it was the
@@ -209,88 +214,81 @@ QVector<int> LogEvents::pairOf(const LogHand &hand, InputEvent::Command command)
                                                                      : hand.codes;
 }
 
-void LogEvents::publishSwitch(InputEvent::Command command, InputEvent::State state,
-                              const std::optional<Said::EventReported> &report)
+void LogEvents::publishSwitch(const LogEvent &event)
 {
-    EventPublished event;
-    event.command = command;
-    event.state = state;
-    event.type = EV_SW;
-    if (!m_coverage->hasReports() || report) {
+    if (!m_coverage->hasReports() || event.handler) {
         for (auto read = m_reads->rbegin(); read != m_reads->rend(); ++read) {
-            const LogRecordPtr record = read->nextSwitch(state == InputEvent::SwitchEnabled);
-            if (!record || !mayBeOf(*record->origin, report))
+            const LogRecordPtr record = read->nextSwitch(event.state == InputEvent::SwitchEnabled);
+            if (!record || !mayBeOf(*record->origin, event))
                 continue;
             LogRead *const found = &*read;
             m_reads->closeAfter(found);
             record->isTaken = true;
             found->isBegun = true;
-            nameBy(record->origin, report);
-            event.codes = {record->code};
-            m_queue->add(m_time->now, event, record->origin);
+            nameBy(record->origin, event);
+            EventPublished published = publishedOf(event);
+            published.type = EV_SW;
+            published.codes = {record->code};
+            m_queue->add(m_time->now, published, record->origin);
             m_queue->addOutcome(m_time->now, record,
-                                outcomeOf(Outcome::Published, {}, {eventText(command, state)}));
+                                outcomeOf(Outcome::Published, {}, {eventText(event)}));
             return;
         }
     }
     // A position that was asked for.
-    publishLoose(command, state, report);
+    publishLoose(event);
 }
 
-void LogEvents::publishLongPress(InputEvent::Command command,
-                                 const std::optional<Said::EventReported> &report)
+/// The only key that a long press can be of.
+std::optional<LogEvents::Key> LogEvents::keyHeld(const LogEvent &event) const
 {
-    struct Candidate
-    {
-        LogDetectorPtr detector;
-        int code;
-    };
-    QVector<Candidate> all;
-    QVector<Candidate> learnt;
+    if (m_coverage->hasReports() && !event.handler)
+        return std::nullopt;
+    QVector<Key> all;
+    QVector<Key> learnt;
     for (const LogDetectorPtr &detector : m_detectors->all()) {
-        if (!mayBeOf(*detector->origin, report))
+        if (!mayBeOf(*detector->origin, event))
             continue;
         const QVector<int> codes = detector->codesTimed();
         for (const int code : codes) {
             all += {detector, code};
-            if (m_detectors->commandOf(*detector, code) == command)
+            if (m_detectors->commandOf(*detector, code) == event.command)
                 learnt += {detector, code};
         }
     }
-    const QVector<Candidate> &left = learnt.isEmpty() ? all : learnt;
-    if (left.size() != 1 || (m_coverage->hasReports() && !report)) {
-        publishLoose(command, InputEvent::KeyLongPress, report);
+    const QVector<Key> &left = learnt.isEmpty() ? all : learnt;
+    return left.size() == 1 ? std::make_optional(left.first()) : std::nullopt;
+}
+
+void LogEvents::publishLongPress(const LogEvent &event)
+{
+    const std::optional<Key> key = keyHeld(event);
+    if (!key) {
+        publishLoose(event);
         return;
     }
-    const Candidate key = left.first();
     // The press may still be in hand, as nothing need have been logged since.
     for (LogRead &read : *m_reads) {
-        if (read.hand && read.hand->detector == key.detector && read.hand->code == key.code
+        if (read.hand && read.hand->detector == key->detector && read.hand->code == key->code
             && read.hand->events.isEmpty())
             m_outcomes->finishHand(&read);
     }
-    nameBy(key.detector->origin, report);
-    m_detectors->learn(*key.detector, key.code, command);
-    m_outcomes->tellWaiting(m_time->now, key.detector, key.code, Outcome::Held,
+    nameBy(key->detector->origin, event);
+    m_detectors->learn(*key->detector, key->code, event.command);
+    m_outcomes->tellWaiting(m_time->now, key->detector, key->code, Outcome::Held,
                             QStringLiteral("held back until the release or a long press"));
-    EventPublished event;
-    event.command = command;
-    event.state = InputEvent::KeyLongPress;
-    event.type = EV_KEY;
-    event.codes = {key.code};
-    m_queue->add(m_time->now, event, key.detector->origin);
+    EventPublished published = publishedOf(event);
+    published.type = EV_KEY;
+    published.codes = {key->code};
+    m_queue->add(m_time->now, published, key->detector->origin);
 }
 
 /// An event that no record is known to be the cause of.
-void LogEvents::publishLoose(InputEvent::Command command, InputEvent::State state,
-                             const std::optional<Said::EventReported> &report)
+void LogEvents::publishLoose(const LogEvent &event)
 {
-    EventPublished event;
-    event.command = command;
-    event.state = state;
     const LogOriginPtr origin = LogOrigins::unnamed();
-    nameBy(origin, report);
-    m_queue->add(m_time->now, event, origin->isKnown() ? origin : nullptr);
+    nameBy(origin, event);
+    m_queue->add(m_time->now, publishedOf(event), origin->isKnown() ? origin : nullptr);
 }
 
 } // namespace Vorn::Workbench

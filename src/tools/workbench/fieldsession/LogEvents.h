@@ -12,11 +12,20 @@
 #include "LogRead.h"
 #include "LogReads.h"
 
+#include <QString>
 #include <QVector>
 
 #include <optional>
 
 namespace Vorn::Workbench {
+
+/// An event as the log has it.
+struct LogEvent
+{
+    InputEvent::Command command = InputEvent::None;
+    InputEvent::State state = InputEvent::NoState;
+    std::optional<QString> handler; ///< that has reported it, see handlerNames()
+};
 
 /// Finds out which record an event is of: a handler reports it, and then it is on the bus. A line
 /// of either may be missing.
@@ -35,29 +44,31 @@ public:
     void finishReport();
 
     void take(const Said::EventReported &report);
-    void take(const Said::EventOnBus &event);
+    void take(const Said::EventOnBus &bus);
 
     /// Whether there has been an event.
     bool hasActivity() const { return m_hasActivity; }
 
 private:
-    void publish(InputEvent::Command command, InputEvent::State state,
-                 const std::optional<Said::EventReported> &report);
-    LogHand *handFor(InputEvent::Command command, InputEvent::State state,
-                     const std::optional<Said::EventReported> &report);
-    LogHand *outerClick(const LogReads::ReverseIterator &inner, InputEvent::Command command,
-                        InputEvent::State state, const std::optional<Said::EventReported> &report);
-    LogHand *handByOrder(InputEvent::Command command, InputEvent::State state);
-    bool mayBeOf(const LogOrigin &origin, const std::optional<Said::EventReported> &report) const;
-    void nameBy(const LogOriginPtr &origin, const std::optional<Said::EventReported> &report);
-    void publishFrom(LogHand *hand, InputEvent::Command command, InputEvent::State state);
-    void publishSwitch(InputEvent::Command command, InputEvent::State state,
-                       const std::optional<Said::EventReported> &report);
-    void publishLongPress(InputEvent::Command command,
-                          const std::optional<Said::EventReported> &report);
-    void publishLoose(InputEvent::Command command, InputEvent::State state,
-                      const std::optional<Said::EventReported> &report);
+    /// A key that a detector has down.
+    struct Key
+    {
+        LogDetectorPtr detector;
+        int code = 0;
+    };
+
+    void publish(const LogEvent &event);
+    LogHand *handFor(const LogEvent &event);
+    LogHand *outerClick(const LogReads::ReverseIterator &inner, const LogEvent &event);
+    LogHand *handByOrder(const LogEvent &event);
+    bool mayBeOf(const LogOrigin &origin, const LogEvent &event) const;
+    void nameBy(const LogOriginPtr &origin, const LogEvent &event);
+    void publishFrom(LogHand *hand, const LogEvent &event);
     QVector<int> pairOf(const LogHand &hand, InputEvent::Command command) const;
+    void publishSwitch(const LogEvent &event);
+    std::optional<Key> keyHeld(const LogEvent &event) const;
+    void publishLongPress(const LogEvent &event);
+    void publishLoose(const LogEvent &event);
 
     const LineTime *const m_time;
     const LogCoverage *const m_coverage;

@@ -61,12 +61,20 @@ void LogKeys::take(const Said::KeysStored &stored)
     hand.value = value;
     hand.codes = hand.kind == Kind::Single ? QVector<int>{code} : detector->codes();
     m_reads->hold(cause, hand);
+    tellStored(cause.read);
+}
+
+/// Tells what the record in hand makes of the keys of its detector.
+void LogKeys::tellStored(LogRead *read)
+{
+    const LogHand hand = *read->hand;
+    const LogDetectorPtr detector = hand.detector;
     if (hand.kind == Kind::ChordPart) {
-        m_outcomes->tell(*cause.read->hand, Outcome::Chord,
-                         (value == 0 ? QStringLiteral("%1 are a pair until both are up")
-                                     : QStringLiteral("%1 are a pair already"))
+        m_outcomes->tell(hand, Outcome::Chord,
+                         (hand.value == 0 ? QStringLiteral("%1 are a pair until both are up")
+                                          : QStringLiteral("%1 are a pair already"))
                              .arg(joinedKeys(hand.codes)));
-        cause.read->hand.reset();
+        read->hand.reset();
     } else if (hand.kind == Kind::ChordBegun) {
         detector->chordSince = m_time->now;
         detector->leftTimed.remove(hand.codes.first());
@@ -81,9 +89,9 @@ void LogKeys::take(const Said::KeysStored &stored)
         detector->keys.clear();
     }
     detector->isChord = hand.kind == Kind::ChordBegun || hand.kind == Kind::ChordPart;
-    if (hand.kind == Kind::Single && value == 0) {
+    if (hand.kind == Kind::Single && hand.value == 0) {
         detector->keys.clear();
-        detector->leftTimed.remove(code);
+        detector->leftTimed.remove(hand.code);
     }
 }
 

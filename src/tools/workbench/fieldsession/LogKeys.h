@@ -35,6 +35,7 @@ public:
 private:
     LogHand::Kind store(const LogDetectorPtr &detector, const Said::KeysStored &stored, int code,
                         int value);
+    void tellStored(LogRead *read);
     void tellDropped(const LogReads::Cause &cause, const LogDetectorPtr &detector,
                      const QString &reason);
 

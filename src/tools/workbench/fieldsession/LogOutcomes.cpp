@@ -63,6 +63,13 @@ void LogOutcomes::tellWaiting(qint64 time, const LogDetectorPtr &detector, int c
         m_queue->addOutcome(time, record, outcomeOf(what, reason), doubt);
 }
 
+void LogOutcomes::leaveWaiting(qint64 time, const LogDetectorPtr &detector, const QString &reason)
+{
+    const QList<int> codes = detector->waiting.keys();
+    for (const int code : codes)
+        tellWaiting(time, detector, code, Outcome::Open, reason);
+}
+
 void LogOutcomes::leaveWaiting(qint64 time, const LogOrigin &origin, int code)
 {
     for (const LogDetectorPtr &detector : m_detectors->all()) {

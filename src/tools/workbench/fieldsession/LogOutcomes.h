@@ -39,6 +39,8 @@ public:
     void tellWaiting(qint64 time, const LogDetectorPtr &detector, int code,
                      RecordOutcome::What what, const QString &reason,
                      LogQueue::Doubt doubt = LogQueue::Doubt::None);
+    /// Nothing more is known of what waits at a detector.
+    void leaveWaiting(qint64 time, const LogDetectorPtr &detector, const QString &reason);
     /// Before another press of a key: nothing more is known of the one before.
     void leaveWaiting(qint64 time, const LogOrigin &origin, int code);
 

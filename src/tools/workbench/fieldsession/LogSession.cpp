@@ -1,20 +1,15 @@
 #include "LogSession.h"
 
-#include "CommandNames.h"
 #include "EventNames.h"
 #include "SessionWords.h"
 
-#include <linux/input.h>
-
-#include <algorithm>
 #include <utility>
+#include <variant>
 
 namespace Vorn::Workbench {
 
 namespace {
 
-using Outcome = RecordOutcome::What;
-using Step = DetectorStep::What;
 using Function = Said::Entered::Function;
 
 } // namespace
@@ -90,14 +85,10 @@ void LogSession::finish()
     m_events.finishReport();
     finishOpening();
     m_reads.finish();
-    for (const LogDetectorPtr &detector : m_detectors.all()) {
-        const QList<int> codes = detector->waiting.keys();
-        for (const int code : codes)
-            m_outcomes.tellWaiting(
-                m_time.now, detector, code, Outcome::Open,
-                QStringLiteral("nothing was published for it: held back, or it has no "
-                               "command; still down at the end"));
-    }
+    for (const LogDetectorPtr &detector : m_detectors.all())
+        m_outcomes.leaveWaiting(m_time.now, detector,
+                                QStringLiteral("nothing was published for it: held back, or it has "
+                                               "no command; still down at the end"));
     if (!m_queue.hasBegun())
         begin();
     m_queue.finish();
@@ -139,12 +130,9 @@ void LogSession::take(const Said::NodeRemoved &removed)
         const QString which = detector->origin->device()
             ? QStringLiteral("the device")
             : QStringLiteral("a device, perhaps its own,");
-        const QList<int> codes = detector->waiting.keys();
-        for (const int code : codes)
-            m_outcomes.tellWaiting(
-                m_time.now, detector, code, Outcome::Open,
-                QStringLiteral("nothing was published for it before %1 went at %2")
-                    .arg(which, timeText(m_time.now)));
+        m_outcomes.leaveWaiting(m_time.now, detector,
+                                QStringLiteral("nothing was published for it before %1 went at %2")
+                                    .arg(which, timeText(m_time.now)));
     }
     // Where it is not known whether it is this one, nothing more can be said either.
     m_detectors.forget(mayBeGone);

@@ -11,16 +11,10 @@
 #include "LogOrigins.h"
 #include "LogOutcomes.h"
 #include "LogQueue.h"
-#include "LogRead.h"
 #include "LogReads.h"
 #include "Session.h"
 
 #include <QString>
-#include <QVector>
-
-#include <deque>
-#include <optional>
-#include <vector>
 
 namespace Vorn::Workbench {
 
@@ -81,6 +75,8 @@ private:
     SessionStart m_start;
     const QString m_manner;
     const Sink m_sink;
+    QString m_text; ///< of the line
+    LineTime m_time;
     LogCoverage m_coverage;
     LogCoverage m_coverageAtBegin;
     LogQueue m_queue;
@@ -91,9 +87,7 @@ private:
     LogReads m_reads;
     LogKeys m_keys;
     LogEvents m_events;
-    QString m_text; ///< of the line
     bool m_isFirst = true;
-    LineTime m_time;
     int m_deviceCount = 0; ///< that were opened
 };
 
