@@ -102,12 +102,14 @@ void LogOutcomes::tellSingle(LogHand *hand)
         return;
     }
     if (!hand->events.isEmpty()) {
+        // A deferred key publishes its press with the release.
         if (hand->value == 0 && hand->detector)
             tellWaiting(hand->time, hand->detector, hand->code, Outcome::Held,
                         QStringLiteral("held back until the release"));
         tell(*hand, Outcome::Published, hand->click ? openEventReason(*hand) : QString());
         return;
     }
+    // A press without an event is held back, or has no command: its release will show.
     if (hand->value != 0) {
         if (hand->record && hand->detector)
             hand->detector->waiting[hand->code] += hand->record;
@@ -128,6 +130,7 @@ void LogOutcomes::tellPair(LogHand *hand)
 {
     const QString pair = joinedKeys(hand->codes);
     if (hand->kind == Kind::ChordBegun) {
+        // Nothing came after the withdrawal of the first key.
         const bool isCut = hand->keyLines == 1;
         if (isCut && hand->events.isEmpty()) {
             tell(*hand, Outcome::Dropped,

@@ -91,6 +91,7 @@ void LogReads::leave()
         else
             close(&read);
     }
+    // A read would wait for ever for a line that the log has lost.
     for (; kept.size() > maxReads; kept.pop_front())
         close(&kept.front());
     m_reads = std::move(kept);
@@ -112,6 +113,7 @@ LogHand *LogReads::hand()
 LogReads::Cause LogReads::causeOf(std::optional<int> code, KeyValue value)
 {
     m_hasActivity = true;
+    // An outer read goes on only when the slots within it have returned.
     for (auto read = m_reads.rbegin(); read != m_reads.rend(); ++read) {
         if (const LogRecordPtr record = read->nextKey(code, value)) {
             LogRead *const found = &*read;

@@ -37,6 +37,7 @@ void LogTwins::finishPacket(LogRead *read)
         m_packets.pop_front();
     if (!mayExist())
         return;
+    // Packets are read in their order, by either listener.
     const auto isSame = [](const LogRecordPtr &one, const LogRecordPtr &other) {
         return one->isSameAs(*other);
     };
@@ -48,6 +49,7 @@ void LogTwins::finishPacket(LogRead *read)
         return;
     }
     for (std::size_t i = 0; i < packet.size(); ++i) {
+        // A handler takes one of them only: what is said of the record is said of the first.
         packet[i]->twin = m_packets.front()[i];
         packet[i]->twin->isPaired = true;
         LogOrigin::join(packet[i]->origin, packet[i]->twin->origin);
