@@ -366,3 +366,84 @@ TEST(LogSession, TellsAPairWithoutACommandBeforeAnEventOfAnotherKey)
     ASSERT_NE(event, session.end());
     EXPECT_LT(found - session.begin(), event - session.begin());
 }
+
+TEST(LogSession, BeginsAnewWithTheProgram)
+{
+    WrittenLog log;
+    log.add(handlers, "Enter BasicInputHandler::BasicInputHandler: ");
+    log.device(0, "panel").press(5, KEY_A);
+    log.add(handlers, "Enter BasicInputHandler::BasicInputHandler: ").device(0, "panel");
+    log.device(0, "panel");
+    log.read(6).record(KEY_A, 0).event("", "CharA", "KeyPressed");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.000 # no events: the log has no line of logger Input at DEBUG\n"
+              "0.050 + event0 'panel' LocalUI\n"
+              "0.070 event0 KEY_A 1\n"
+              "0.100 event0 KEY_A 1 open [] nothing was published for it: held back, or it has no "
+              "command; still down at the end\n"
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.050 + event0 'panel' LocalUI\n"
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.000 # no steps of the detectors: the log has no line of logger KeyProcessing at "
+              "DEBUG\n"
+              "0.030 + event0 'panel' LocalUI\n"
+              "0.050 event0 KEY_A 0\n"
+              "0.080 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+              "0.080 event0 KEY_A 0 published [CharA KeyPressed]\n");
+}
+
+TEST(LogSession, TellsWhatTheLibraryComplainsOf)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.press(5, KEY_A).event("", "CharA", "KeyPressed");
+    // It was read before it failed.
+    log.read(5).record(KEY_B, 1).add(listeners,
+                                     "Error reading from event device /dev/input/event0");
+    log.release(5, KEY_A).event("", "CharA", "KeyReleased");
+    EXPECT_EQ(
+        log.transcript(),
+        "0.000 start of a.log\n"
+        "0.000 # read from a log; records have the times of their lines\n"
+        "0.040 + event0 'panel' LocalUI\n"
+        "0.050 identifier ''\n"
+        "0.080 event0 KEY_A 1\n"
+        "0.130 => CharA KeyPressed of event0 LocalUI KEY_A\n"
+        "0.130 event0 KEY_A 1 published [CharA KeyPressed]\n"
+        "0.150 event0 KEY_B 1\n"
+        "0.170 # the library complains: Error reading from event device /dev/input/event0; it does "
+        "not read it any more\n"
+        "0.170 event0 KEY_B 1 unread [] no key handler took it: the listener had no receiver\n"
+        "0.190 event0 KEY_A 0\n"
+        "0.250 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+        "0.250 event0 KEY_A 0 published [CharA KeyReleased]\n");
+}
+
+TEST(LogSession, TellsADeviceThatTheLogEndsWith)
+{
+    WrittenLog log;
+    log.device(0, "panel");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.030 + event0 'panel' LocalUI\n");
+}
+
+TEST(LogSession, BeginsAnewWhereNothingWasPressed)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("").add(handlers, "Enter BasicInputHandler::BasicInputHandler: ");
+    log.device(1, "remote");
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event1 'remote' LocalUI\n");
+}
