@@ -3,7 +3,7 @@
 
 #include "LogDevices.h"
 
-#include <QHash>
+#include <QMap>
 #include <QString>
 #include <QVector>
 
@@ -95,7 +95,7 @@ private:
     bool mayBe(const LogOrigin &origin, const LogDevice &device) const;
 
     const LogDevices *const m_devices;
-    QHash<int, LogOriginPtr> m_descriptors;
+    QMap<int, LogOriginPtr> m_descriptors; ///< in order, so that a log is always read alike
     bool m_isComplete = false;
 };
 

@@ -107,6 +107,18 @@ TEST_F(LogOriginsTest, ThatAreJoinedKeepWhatIsKnown)
     EXPECT_EQ(text(both), "/dev/input/event1") << "what the other one is stays";
 }
 
+/// A log with lines missing can have more of them than there are devices.
+TEST_F(LogOriginsTest, AreSettledInTheOrderOfTheirDescriptors)
+{
+    open("/dev/input/event0", "panel", true, false);
+    for (int descriptor = 20; descriptor >= 5; --descriptor)
+        withKeys(descriptor);
+    m_origins.setComplete(true);
+    m_origins.settleAll();
+    for (int descriptor = 5; descriptor <= 20; ++descriptor)
+        EXPECT_EQ(m_origins.ofDescriptor(descriptor)->isKnown(), descriptor == 5) << descriptor;
+}
+
 TEST_F(LogOriginsTest, FindADeviceByItsNameIfThereIsOne)
 {
     open("/dev/input/event0", "panel", true, false);
