@@ -227,7 +227,8 @@ std::optional<Replacement> readReplacement(ScenarioLine *line, const QString &la
     while (line->isOk() && !line->atEnd()) {
         const ScenarioWord *word = line->take(QString());
         if (word->option != QLatin1String("name") && word->option != QLatin1String("bus"))
-            line->unknown(word->column, QStringLiteral("option"), word->text,
+            line->unknown(word->column, QStringLiteral("option"),
+                          word->option.isEmpty() ? word->text : word->option + QLatin1Char('='),
                           {QStringLiteral("name="), QStringLiteral("bus=")});
         else
             readOption(line, *word, &other);

@@ -174,8 +174,8 @@ TEST(DeviceDeclaration, TakesACodeOnceAndAnEmptyName)
 TEST(DeviceDeclaration, AnotherDeviceHasANameAndABus)
 {
     EXPECT_EQ(mistakeOf("panel replace node=1"),
-              "dir/a.scenario:2:15: error: unknown option 'node=1'; write one of name=, bus=");
-    EXPECT_EQ(mistakeOf("panel replace nme="),
+              "dir/a.scenario:2:15: error: unknown option 'node='; write one of name=, bus=");
+    EXPECT_EQ(mistakeOf("panel replace nme=remote"),
               "dir/a.scenario:2:15: error: unknown option 'nme=', did you mean 'name='?");
     EXPECT_EQ(mistakeOf("panel replace nonsense more"),
               "dir/a.scenario:2:15: error: unknown option 'nonsense'; write one of name=, bus=");
