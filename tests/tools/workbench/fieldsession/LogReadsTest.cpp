@@ -43,6 +43,21 @@ TEST_F(LogReadsTest, HaveNoRecordInHandUnlessItIsHeld)
     EXPECT_EQ(m_reads.hand()->time, 7);
 }
 
+TEST_F(LogReadsTest, HaveInHandWhatTheInnermostReadHolds)
+{
+    read(5);
+    record(EV_KEY, KEY_A);
+    record(EV_KEY, KEY_B);
+    stored(KEY_A);
+    read(6);
+    record(EV_KEY, KEY_C);
+    const LogReads::Cause inner = stored(KEY_C);
+    ASSERT_EQ(std::distance(m_reads.begin(), m_reads.end()), 2);
+    m_reads.hold(inner, {});
+    ASSERT_NE(m_reads.hand(), nullptr);
+    EXPECT_EQ(m_reads.hand()->record, inner.record);
+}
+
 TEST_F(LogReadsTest, KnowWhoTakesAKeyThatTheLogHasNoRecordOf)
 {
     m_reads.select(QStringLiteral("browse"));

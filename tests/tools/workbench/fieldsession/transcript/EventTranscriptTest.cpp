@@ -59,6 +59,25 @@ TEST(EventTranscript, FindsTheKeyOfAnEventWithoutLinesOfDetectors)
               "steps of the detectors\n");
 }
 
+TEST(EventTranscript, FindsTheOnlyRecordOfAReadThatHasTheStateOfTheEvent)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.read(5).record(KEY_A, 0).record(KEY_B, 1).event("", "CharA", "KeyReleased");
+    EXPECT_EQ(
+        log.transcript(),
+        "0.000 start of a.log\n"
+        "0.000 # read from a log; records have the times of their lines\n"
+        "0.000 # no steps of the detectors: the log has no line of logger KeyProcessing at DEBUG\n"
+        "0.040 + event0 'panel' LocalUI\n"
+        "0.050 identifier ''\n"
+        "0.080 event0 KEY_A 0\n"
+        "0.100 event0 KEY_B 1\n"
+        "0.130 => CharA KeyReleased of event0 LocalUI KEY_A\n"
+        "0.130 event0 KEY_A 0 published [CharA KeyReleased]\n"
+        "0.130 event0 KEY_B 1 open [] the log has no line of the detector about it\n");
+}
+
 TEST(EventTranscript, TakesReportsForEventsWhereTheBusIsMissing)
 {
     WrittenLog log;

@@ -396,3 +396,33 @@ TEST(KeyTranscript, GoesOnWithAPairWhoseLinesAreMissing)
               "0.330 event0 KEY_B 0 published [Power KeyReleased] the log does not say whether for "
               "KEY_A + KEY_B or for KEY_B alone\n");
 }
+
+TEST(KeyTranscript, BelievesALineThatContradictsTheOnesBefore)
+{
+    WrittenLog log;
+    log.device(0, "panel").select("");
+    log.press(5, KEY_A);
+    log.read(5).record(KEY_B, 1).stored({"30 press", "48 press"}).passedOn(KEY_A, 0);
+    log.passedOn(KEY_A, 1).passedOn(KEY_B, 1).event("", "Power", "KeyPressed");
+    log.read(5).record(KEY_A, 0).storedAgain(30, {"30 release", "48 press"});
+    // The lines of a press are lost.
+    log.read(5).record(KEY_B, 0).storedAgain(48, {"30 press", "48 release"});
+    EXPECT_EQ(log.transcript(),
+              "0.000 start of a.log\n"
+              "0.000 # read from a log; records have the times of their lines\n"
+              "0.040 + event0 'panel' LocalUI\n"
+              "0.050 identifier ''\n"
+              "0.080 event0 KEY_A 1\n"
+              "0.130 event0 KEY_B 1\n"
+              "0.150 event0 first-key-withdrawn KEY_A for ''\n"
+              "0.150 event0 KEY_A 1 open [] nothing was published for it: held back, or it has no "
+              "command of its own; first key of a pair, withdrawn at 0.150 s\n"
+              "0.180 event0 chord-found KEY_A+KEY_B for '', mapped\n"
+              "0.200 => Power KeyPressed of event0 LocalUI KEY_A+KEY_B\n"
+              "0.200 event0 KEY_B 1 published [Power KeyPressed] the log does not say whether for "
+              "KEY_A + KEY_B or for KEY_B alone\n"
+              "0.220 event0 KEY_A 0\n"
+              "0.250 event0 KEY_A 0 chord [] KEY_A + KEY_B are a pair until both are up\n"
+              "0.270 event0 KEY_B 0\n"
+              "0.300 event0 KEY_B 0 chord [] KEY_A + KEY_B are a pair until both are up\n");
+}
