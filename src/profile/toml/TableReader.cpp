@@ -14,8 +14,6 @@ QString typeText(TomlValue::Type type)
         return QStringLiteral("a table");
     case TomlValue::Type::List:
         return QStringLiteral("a list");
-    case TomlValue::Type::Integer:
-        return QStringLiteral("a number");
     default:
         return QStringLiteral("a string");
     }

@@ -22,13 +22,13 @@ termios terminalBefore = {};
 termios terminalWithKeys = {};
 volatile std::sig_atomic_t areSingle = 0;
 
-bool set(int signal, void (*handler)(int), int flags)
+void set(int signal, void (*handler)(int), int flags)
 {
     struct sigaction action = {};
     action.sa_handler = handler;
     action.sa_flags = flags;
     sigemptyset(&action.sa_mask);
-    return sigaction(signal, &action, nullptr) == 0;
+    sigaction(signal, &action, nullptr);
 }
 
 bool isDefault(int signal)

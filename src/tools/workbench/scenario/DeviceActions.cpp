@@ -296,7 +296,7 @@ void readUnplug(ScenarioLine *line, ScenarioContext *context, int device)
 
 void readReplace(ScenarioLine *line, ScenarioContext *context, int device)
 {
-    const std::optional<Replacement> other = readReplacement(line, context->device(device).label);
+    const std::optional<Replacement> other = readReplacement(line);
     if (!other)
         return;
     // Keys that were down on the device before are not down on this one.

@@ -220,10 +220,9 @@ void readDevice(ScenarioLine *line, ScenarioContext *context)
     context->addStep(*line, Step::Plug{device});
 }
 
-std::optional<Replacement> readReplacement(ScenarioLine *line, const QString &label)
+std::optional<Replacement> readReplacement(ScenarioLine *line)
 {
     Declaration other;
-    other.device.label = label;
     while (line->isOk() && !line->atEnd()) {
         const ScenarioWord *word = line->take(QString());
         if (word->option != QLatin1String("name") && word->option != QLatin1String("bus"))

@@ -23,7 +23,7 @@ struct Replacement
 
 /// Parses what follows `NAME replace`: those options of a declaration that a replacement can have.
 /// @param label NAME
-std::optional<Replacement> readReplacement(ScenarioLine *line, const QString &label);
+std::optional<Replacement> readReplacement(ScenarioLine *line);
 
 } // namespace Vorn::Workbench
 

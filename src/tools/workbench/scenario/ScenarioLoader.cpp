@@ -18,11 +18,9 @@ namespace Vorn::Workbench {
 
 namespace {
 
-Diagnostic diagnosticAt(const QString &file, int line, const QString &message,
-                        Diagnostic::Severity severity = Diagnostic::Severity::Error)
+Diagnostic mistakeAt(const QString &file, int line, const QString &message)
 {
     Diagnostic diagnostic;
-    diagnostic.severity = severity;
     diagnostic.file = file;
     diagnostic.line = line;
     diagnostic.message = message;
@@ -81,16 +79,16 @@ void loadProfileOf(LoadedScenario *loaded, const LoadOptions &options)
         return;
     if (loaded->profileFile.isEmpty()) {
         loaded->diagnostics.append(
-            diagnosticAt(loaded->source, 0,
-                         QStringLiteral("no profile to say what the keys mean; write 'profile "
-                                        "\"FILE\"' or use --profile FILE")));
+            mistakeAt(loaded->source, 0,
+                      QStringLiteral("no profile to say what the keys mean; write 'profile "
+                                     "\"FILE\"' or use --profile FILE")));
         return;
     }
     // Warnings of the profile are those of `check`: here they would come with every run.
     const ParsedProfile parsed =
         openProfile(loaded->profileFile, override.isEmpty() ? Pipes::Refused : Pipes::Allowed);
     if (hasErrors(parsed.diagnostics) && override.isEmpty())
-        loaded->diagnostics.append(diagnosticAt(
+        loaded->diagnostics.append(mistakeAt(
             scenario.profileNamedIn, scenario.profileLine,
             QStringLiteral("the profile %1 has errors").arg(quoted(loaded->profileFile))));
     addErrors(parsed.diagnostics, &loaded->diagnostics);
@@ -105,7 +103,7 @@ void loadRecordingOf(LoadedScenario *loaded, const QString &path, const QString 
         loadRecording(path, path == loaded->source ? Pipes::Allowed : Pipes::Refused);
     // Its own errors follow; this one leads from the scenario to the recording.
     if (hasErrors(recording.diagnostics) && path != loaded->source)
-        loaded->diagnostics.append(diagnosticAt(
+        loaded->diagnostics.append(mistakeAt(
             file, line, QStringLiteral("the recording %1 cannot be used").arg(quoted(path))));
     loaded->diagnostics += recording.diagnostics;
     loaded->recordings.insert(path, recording);
@@ -120,9 +118,9 @@ void loadRecordings(LoadedScenario *loaded)
         const QVector<RecordedNode> &nodes = loaded->recordings[device.recording].nodes;
         if (!hasErrors(loaded->diagnostics) && (nodes.size() != 1 || !nodes.first().device))
             loaded->diagnostics.append(
-                diagnosticAt(device.file, device.line,
-                             QStringLiteral("%1 does not describe exactly one device")
-                                 .arg(quoted(device.recording))));
+                mistakeAt(device.file, device.line,
+                          QStringLiteral("%1 does not describe exactly one device")
+                              .arg(quoted(device.recording))));
     }
     for (const ScenarioStep &step : qAsConst(loaded->scenario.steps)) {
         const auto *play = std::get_if<Step::Play>(&step.what);
@@ -131,7 +129,7 @@ void loadRecordings(LoadedScenario *loaded)
         loadRecordingOf(loaded, play->file, step.file, step.line);
         const int nodes = loaded->recordings[play->file].nodes.size();
         if (play->device >= 0 && nodes > 1)
-            loaded->diagnostics.append(diagnosticAt(
+            loaded->diagnostics.append(mistakeAt(
                 step.file, step.line,
                 QStringLiteral(
                     "%1 contains %2 devices, so it cannot be played on one; leave out 'on'")
@@ -170,7 +168,7 @@ void assignNodes(LoadedScenario *loaded)
         const QVector<RecordedNode> nodes = loaded->recordings.value(play->file).nodes;
         for (const RecordedNode &node : nodes) {
             if (taken.contains(node.number))
-                loaded->diagnostics.append(diagnosticAt(
+                loaded->diagnostics.append(mistakeAt(
                     step.file, step.line,
                     QStringLiteral("the recording needs event%1, which is already taken; give the "
                                    "other device a different node=")
@@ -207,19 +205,19 @@ LoadedScenario loadScenario(const QString &path, const LoadOptions &options)
         if (!options.expectations.isEmpty() && !hasErrors(loaded.diagnostics)
             && !loaded.scenario.hasExpectations())
             loaded.diagnostics.append(
-                diagnosticAt(expectations, 0,
-                             QStringLiteral("contains no expectations, steps that begin with "
-                                            "'expect'")));
+                mistakeAt(expectations, 0,
+                          QStringLiteral("contains no expectations, steps that begin with "
+                                         "'expect'")));
         Step::Play play;
         play.file = path;
         loaded.scenario.steps.prepend(
             ScenarioStep{path, 0, QStringLiteral("play \"%1\"").arg(path), play, false});
     } else {
         if (!options.expectations.isEmpty())
-            loaded.diagnostics.append(diagnosticAt(
-                path, 0,
-                QStringLiteral("--expectations is for recordings (.evemu, .umockdev); a "
-                               "scenario contains its own")));
+            loaded.diagnostics.append(
+                mistakeAt(path, 0,
+                          QStringLiteral("--expectations is for recordings (.evemu, .umockdev); a "
+                                         "scenario contains its own")));
         loaded.scenario = readSteps(path, Pipes::Allowed, &loaded.diagnostics);
     }
     // A scenario with errors may name the wrong files; their errors would only distract.
@@ -229,7 +227,7 @@ LoadedScenario loadScenario(const QString &path, const LoadOptions &options)
     loadRecordings(&loaded);
     if (loaded.scenario.steps.isEmpty())
         loaded.diagnostics.append(
-            diagnosticAt(path, 0, QStringLiteral("contains no steps, so there is nothing to run")));
+            mistakeAt(path, 0, QStringLiteral("contains no steps, so there is nothing to run")));
     if (!hasErrors(loaded.diagnostics))
         loaded.diagnostics += checkScenario(loaded);
     if (hasErrors(loaded.diagnostics))

@@ -97,6 +97,22 @@ TEST(SingleKeys, DisturbNobodyWhoIsGoingOn)
     EXPECT_TRUE(TerminalInput::isLineBuffered());
 }
 
+TEST(SingleKeys, AreNotUndoneTwice)
+{
+    const TerminalInput terminal;
+    {
+        const SingleKeys keys(STDIN_FILENO);
+    }
+    termios others = {};
+    tcgetattr(STDIN_FILENO, &others);
+    others.c_lflag ^= static_cast<tcflag_t>(ECHO);
+    tcsetattr(STDIN_FILENO, TCSANOW, &others);
+    SingleKeys::undo();
+    termios after = {};
+    tcgetattr(STDIN_FILENO, &after);
+    EXPECT_EQ(after.c_lflag, others.c_lflag);
+}
+
 TEST(SingleKeys, LeaveTheTerminalToOthersWhileTheyAreStopped)
 {
     const int status = TerminalJob::run(

@@ -444,6 +444,22 @@ TEST_F(ProgramRunTest, KnowsTheEndWhereTheParentIgnoredChildren)
     EXPECT_EQ(endingOf("exit 3"), "exited with status 3");
 }
 
+TEST_F(ProgramRunTest, LeavesTheHandlerOfThoseWhoWaitForTheirOwnChildren)
+{
+    const auto handler = [](int) {};
+    std::signal(SIGCHLD, handler);
+    EXPECT_EQ(endingOf("exit 3"), "exited with status 3");
+    EXPECT_EQ(std::signal(SIGCHLD, SIG_DFL), static_cast<void (*)(int)>(handler));
+}
+
+TEST_F(ProgramRunTest, IsNotMisledByAnErrorFromBefore)
+{
+    const ProgramRun::Start start = script("exit 3");
+    errno = EINTR;
+    ProgramRun run(start);
+    EXPECT_EQ(run.wait(patienceMs), Ready::Ended);
+}
+
 TEST_F(ProgramRunTest, KnowsTheEndThatSomebodyElseHasSeen)
 {
     ProgramRun run(script("echo $$; read line <&$VORN_DRIVE_SOCKET"));

@@ -56,6 +56,17 @@ TEST_F(LoadRecording, ReadsOneDevicesFile)
     EXPECT_EQ(recording.nodes.first().events.first().time, 0);
 }
 
+TEST_F(LoadRecording, SaysWhichFileIsMissing)
+{
+    for (const char *name : {"x.evemu", "x.umockdev"}) {
+        const ParsedRecording recording = loadRecording(m_folder.filePath(name));
+        EXPECT_TRUE(recording.nodes.isEmpty());
+        EXPECT_THAT(textOf(recording.diagnostics),
+                    testing::EndsWith(std::string(name)
+                                      + ": error: cannot be read: No such file or directory\n"));
+    }
+}
+
 TEST_F(LoadRecording, FindsTheFilesBesideADeviceFile)
 {
     const QString path = write("x.umockdev", twoNodes);

@@ -41,6 +41,9 @@ TEST_F(ScenarioChecks, RefuseToExpectAnEventOfADeviceThatThereIsNot)
                 ElementsAre("a.scenario:3: error: no device is called 'front-panle', did you mean "
                             "'front-panel'?"));
     write("b.evemu", "N: remote\nB: 01 00\nE: 1.000000 0001 0073 1\n");
+    EXPECT_THAT(mistakesIn("device panel\nplay \"b.evemu\" on panel\n"
+                           "expect Info KeyPressed from \"remote\"\n"),
+                ElementsAre("a.scenario:4: error: no device is called 'remote'"));
     EXPECT_THAT(mistakesIn("device panel\ndevice copy from \"b.evemu\"\nplay \"b.evemu\"\n"
                            "panel replace name=\"other\"\n"
                            "expect Info KeyPressed from \"panel\"\n"

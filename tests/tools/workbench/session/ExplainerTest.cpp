@@ -51,6 +51,13 @@ private:
 
 } // namespace
 
+TEST_F(ExplainerTest, PassesOverAnOutcomeWithoutItsRecord)
+{
+    add(10, RecordOutcome{What::Dropped, panel, EV_KEY, KEY_STOP, 1, {}, "a third key"});
+    record(20, KEY_INFO, 1, What::Dropped, "a third key");
+    EXPECT_THAT(take(), ElementsAre("20 358 |a third key (silent)"));
+}
+
 TEST_F(ExplainerTest, ExplainsARecordAtOnceIfNothingCanFollow)
 {
     record(10, KEY_STOP, 1, What::Published, {}, {"Stop KeyPressed"});

@@ -104,6 +104,8 @@ TEST_F(ScenarioRunTest, AllowsForTheTolerance)
     EXPECT_EQ(
         run("panel press KEY_INFO\nexpect Info KeyLongPress after 700ms..755ms\n", 100).outcome,
         Outcome::Passed);
+    EXPECT_EQ(m_bench.checked().text, "expect Info KeyLongPress after 700ms..755ms");
+    EXPECT_EQ(m_bench.checked().line, 3);
 }
 
 TEST_F(ScenarioRunTest, AllowsForTheToleranceBeforeTheTime)

@@ -51,6 +51,6 @@ TEST(LineReader, TakesPairsOfHexadecimalDigitsOnly)
 {
     EXPECT_EQ(toBytes("00aFf0"), QByteArray("\x00\xaf\xf0", 3));
     EXPECT_EQ(toBytes(""), QByteArray());
-    for (const char *text : {"0", "0g", "g0", "0G", "G0", "0/", "0:", "0@", "0`", "00 "})
+    for (const char *text : {"0", "00a", "0g", "g0", "0G", "G0", "0/", "0:", "0@", "0`", "00 "})
         EXPECT_EQ(toBytes(text), std::nullopt) << text;
 }

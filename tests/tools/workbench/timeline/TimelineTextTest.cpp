@@ -46,3 +46,16 @@ TEST(TimelineText, LabelsEventsByTheirCommand)
     event.state = InputEvent::SwitchDisabled;
     EXPECT_EQ(eventLabel(event).toStdString(), "StartPlay off");
 }
+
+TEST(TimelineText, TellsWhatAMarkStandsFor)
+{
+    TimelineLane lane;
+    lane.label = QStringLiteral("KEY_STOP");
+    const auto titleOf = [&lane](TimelineMark::Kind kind) {
+        return markTitle(lane, {kind, 1'850'000, 0}).toStdString();
+    };
+    EXPECT_EQ(titleOf(TimelineMark::Kind::Due), "1.850 s: KEY_STOP long press due");
+    EXPECT_EQ(titleOf(TimelineMark::Kind::Withdrawn), "1.850 s: KEY_STOP withdrawn for a chord");
+    EXPECT_EQ(titleOf(TimelineMark::Kind::Forgotten), "1.850 s: KEY_STOP forgotten in a reset");
+    EXPECT_EQ(titleOf(TimelineMark::Kind::Dropped), "1.850 s: KEY_STOP record dropped");
+}
