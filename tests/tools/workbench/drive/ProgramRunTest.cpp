@@ -452,14 +452,6 @@ TEST_F(ProgramRunTest, LeavesTheHandlerOfThoseWhoWaitForTheirOwnChildren)
     EXPECT_EQ(std::signal(SIGCHLD, SIG_DFL), static_cast<void (*)(int)>(handler));
 }
 
-TEST_F(ProgramRunTest, IsNotMisledByAnErrorFromBefore)
-{
-    const ProgramRun::Start start = script("exit 3");
-    errno = EINTR;
-    ProgramRun run(start);
-    EXPECT_EQ(run.wait(patienceMs), Ready::Ended);
-}
-
 TEST_F(ProgramRunTest, KnowsTheEndThatSomebodyElseHasSeen)
 {
     ProgramRun run(script("echo $$; read line <&$VORN_DRIVE_SOCKET"));

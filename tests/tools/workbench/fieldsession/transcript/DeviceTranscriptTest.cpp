@@ -8,7 +8,6 @@ namespace {
 
 constexpr const char *handlers = WrittenLog::handlers;
 constexpr const char *listeners = WrittenLog::listeners;
-constexpr const char *detectors = WrittenLog::detectors;
 
 } // namespace
 

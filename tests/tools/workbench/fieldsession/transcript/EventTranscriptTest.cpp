@@ -7,7 +7,6 @@
 namespace {
 
 constexpr const char *listeners = WrittenLog::listeners;
-constexpr const char *detectors = WrittenLog::detectors;
 
 } // namespace
 
