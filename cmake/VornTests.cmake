@@ -23,7 +23,7 @@ function(vorn_test_options target)
     # same for the tests would double their compile time.
     target_compile_options(${target} PRIVATE -O0 -fno-sanitize=undefined)
     target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS)
-    if(VORN_INPUT_PRECOMPILE AND NOT target STREQUAL vorn_test_support)
+    if(NOT target STREQUAL vorn_test_support)
         target_precompile_headers(${target} REUSE_FROM vorn_test_support)
     endif()
 endfunction()

@@ -77,7 +77,8 @@ build() {
         wait
         exit 1
     fi
-    grep -E 'warning:' "$logs/$preset-build.log" || true
+    # Not those of the profiles that the tests compile, some of which are about warnings.
+    grep 'warning:' "$logs/$preset-build.log" | grep -v '\.toml:' || true
     took "$preset build" "$start"
 }
 
