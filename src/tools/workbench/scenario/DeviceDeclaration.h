@@ -22,7 +22,6 @@ struct Replacement
 };
 
 /// Parses what follows `NAME replace`: those options of a declaration that a replacement can have.
-/// @param label NAME
 std::optional<Replacement> readReplacement(ScenarioLine *line);
 
 } // namespace Vorn::Workbench
