@@ -19,41 +19,10 @@ install(TARGETS ${VORN_TARGETS} EXPORT vorn_inputTargets
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 install(EXPORT vorn_inputTargets NAMESPACE vorn:: DESTINATION "${VORN_CMAKE_DIR}")
 
-install(FILES
-    "${PROJECT_SOURCE_DIR}/src/api/core/Profiler.h"
-    "${PROJECT_SOURCE_DIR}/src/api/core/dbglog.h"
-    "${PROJECT_SOURCE_DIR}/src/api/core/vorn.h"
-    "${PROJECT_BINARY_DIR}/src/api/vorn_api_export.h"
-    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/core")
-install(FILES
-    "${PROJECT_SOURCE_DIR}/src/lib/input/BasicInputHandler.h"
-    "${PROJECT_SOURCE_DIR}/src/lib/input/Input.h"
-    "${PROJECT_SOURCE_DIR}/src/lib/input/KeyProcessing.h"
-    "${PROJECT_SOURCE_DIR}/src/lib/input/LinuxInputListener.h"
-    "${PROJECT_BINARY_DIR}/src/lib/vorn_input_export.h"
-    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/input")
 if(TARGET vorn_profile)
-    install(FILES
-        "${PROJECT_SOURCE_DIR}/src/profile/ProfileReader.h"
-        "${PROJECT_SOURCE_DIR}/src/profile/handler/Profile.h"
-        "${PROJECT_SOURCE_DIR}/src/profile/handler/ProfileData.h"
-        "${PROJECT_SOURCE_DIR}/src/profile/handler/ProfileInputHandler.h"
-        "${PROJECT_SOURCE_DIR}/src/profile/text/Diagnostic.h"
-        "${PROJECT_BINARY_DIR}/src/profile/vorn_profile_export.h"
-        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/profile")
     install(FILES "${PROJECT_SOURCE_DIR}/cmake/VornAddProfile.cmake"
         DESTINATION "${VORN_CMAKE_DIR}")
 endif()
-if(TARGET vorn_sim)
-    install(FILES
-        "${PROJECT_SOURCE_DIR}/src/sim/DeviceDescription.h"
-        "${PROJECT_SOURCE_DIR}/src/sim/InputNode.h"
-        "${PROJECT_SOURCE_DIR}/src/sim/InputSubsystem.h"
-        "${PROJECT_SOURCE_DIR}/src/sim/SystemCall.h"
-        "${PROJECT_SOURCE_DIR}/src/sim/VirtualClock.h"
-        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/sim")
-endif()
-
 configure_package_config_file(
     "${PROJECT_SOURCE_DIR}/cmake/vorn_inputConfig.cmake.in"
     "${PROJECT_BINARY_DIR}/vorn_inputConfig.cmake"

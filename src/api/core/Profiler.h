@@ -1,5 +1,5 @@
-#ifndef PROFILER_H
-#define PROFILER_H
+#ifndef VORN_CORE_PROFILER_H
+#define VORN_CORE_PROFILER_H
 
 #include "vorn_api_export.h"
 

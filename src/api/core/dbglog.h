@@ -1,5 +1,5 @@
-#ifndef DBGLOG_H
-#define DBGLOG_H
+#ifndef VORN_CORE_DBGLOG_H
+#define VORN_CORE_DBGLOG_H
 
 #include "vorn_api_export.h"
 

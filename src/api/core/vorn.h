@@ -1,5 +1,5 @@
-#ifndef VORN_H
-#define VORN_H
+#ifndef VORN_CORE_VORN_H
+#define VORN_CORE_VORN_H
 
 #include <QMetaMethod>
 #include <QMetaType>

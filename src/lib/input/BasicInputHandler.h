@@ -1,5 +1,5 @@
-#ifndef BASICINPUTHANDLER_H
-#define BASICINPUTHANDLER_H
+#ifndef VORN_INPUT_BASICINPUTHANDLER_H
+#define VORN_INPUT_BASICINPUTHANDLER_H
 
 #include "Input.h"
 #include "LinuxInputListener.h"

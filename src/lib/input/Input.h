@@ -1,5 +1,5 @@
-#ifndef INPUT_H
-#define INPUT_H
+#ifndef VORN_INPUT_INPUT_H
+#define VORN_INPUT_INPUT_H
 
 #include "vorn_input_export.h"
 

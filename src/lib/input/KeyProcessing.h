@@ -1,5 +1,5 @@
-#ifndef KEYPROCESSING_H
-#define KEYPROCESSING_H
+#ifndef VORN_INPUT_KEYPROCESSING_H
+#define VORN_INPUT_KEYPROCESSING_H
 
 #include "vorn_input_export.h"
 

@@ -1,5 +1,5 @@
-#ifndef LINUXINPUTLISTENER_H
-#define LINUXINPUTLISTENER_H
+#ifndef VORN_INPUT_LINUXINPUTLISTENER_H
+#define VORN_INPUT_LINUXINPUTLISTENER_H
 
 #include "Input.h"
 #include "vorn_input_export.h"

@@ -1,8 +1,8 @@
 #ifndef VORN_PROFILE_PROFILE_H
 #define VORN_PROFILE_PROFILE_H
 
-#include "Input.h"
 #include "vorn_profile_export.h"
+#include <vorn/input/Input.h>
 
 #include <QList>
 #include <QString>

@@ -1,9 +1,9 @@
 #ifndef VORN_PROFILE_PROFILEDATA_H
 #define VORN_PROFILE_PROFILEDATA_H
 
-#include "Input.h"
 #include "Profile.h"
 #include "vorn_profile_export.h"
+#include <vorn/input/Input.h>
 
 #include <cstddef>
 #include <optional>

@@ -1,9 +1,9 @@
 #ifndef VORN_PROFILE_PROFILEINPUTHANDLER_H
 #define VORN_PROFILE_PROFILEINPUTHANDLER_H
 
-#include "BasicInputHandler.h"
 #include "Profile.h"
 #include "vorn_profile_export.h"
+#include <vorn/input/BasicInputHandler.h>
 
 #include <QString>
 
