@@ -35,7 +35,9 @@ function(_vorn_profile_tool variable)
     else()
         set(where HINTS "${folder}")
     endif()
-    find_program(VORN_INPUT_TOOL vorn-input ${where} DOC "vorn-input, which compiles profiles")
+    # Whichever Qt it was built with, it writes the same.
+    find_program(VORN_INPUT_TOOL NAMES vorn-input vorn-input-qt6 NAMES_PER_DIR ${where}
+        DOC "vorn-input, which compiles profiles")
     if(NOT VORN_INPUT_TOOL)
         message(FATAL_ERROR "vorn_add_profile() needs the program vorn-input on this machine; "
             "install it, or set VORN_INPUT_TOOL to its path.")

@@ -2,7 +2,8 @@
 
 include(CMakePackageConfigHelpers)
 
-set(VORN_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/vorn_input")
+set(VORN_PACKAGE "vorn_input${VORN_INPUT_SUFFIX}")
+set(VORN_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/${VORN_PACKAGE}")
 set(VORN_TARGETS vorn_input)
 if(NOT VORN_INPUT_API_LIBRARY)
     list(APPEND VORN_TARGETS vorn_api)
@@ -25,15 +26,15 @@ if(TARGET vorn_profile)
 endif()
 configure_package_config_file(
     "${PROJECT_SOURCE_DIR}/cmake/vorn_inputConfig.cmake.in"
-    "${PROJECT_BINARY_DIR}/vorn_inputConfig.cmake"
+    "${PROJECT_BINARY_DIR}/${VORN_PACKAGE}Config.cmake"
     INSTALL_DESTINATION "${VORN_CMAKE_DIR}"
     PATH_VARS CMAKE_INSTALL_BINDIR)
 write_basic_package_version_file(
-    "${PROJECT_BINARY_DIR}/vorn_inputConfigVersion.cmake"
+    "${PROJECT_BINARY_DIR}/${VORN_PACKAGE}ConfigVersion.cmake"
     COMPATIBILITY SameMajorVersion)
 install(FILES
-    "${PROJECT_BINARY_DIR}/vorn_inputConfig.cmake"
-    "${PROJECT_BINARY_DIR}/vorn_inputConfigVersion.cmake"
+    "${PROJECT_BINARY_DIR}/${VORN_PACKAGE}Config.cmake"
+    "${PROJECT_BINARY_DIR}/${VORN_PACKAGE}ConfigVersion.cmake"
     DESTINATION "${VORN_CMAKE_DIR}")
 
 # Relative, so that the file works wherever the tree is installed or staged.
@@ -46,8 +47,8 @@ endif()
 foreach(package IN LISTS VORN_PACKAGES)
     configure_file(
         "${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in"
-        "${PROJECT_BINARY_DIR}/${package}.pc" @ONLY)
-    install(FILES "${PROJECT_BINARY_DIR}/${package}.pc"
+        "${PROJECT_BINARY_DIR}/${package}${VORN_INPUT_SUFFIX}.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/${package}${VORN_INPUT_SUFFIX}.pc"
         DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 endforeach()
 

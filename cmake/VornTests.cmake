@@ -1,7 +1,7 @@
 # Functions that add tests: executables with the common main(), and how ctest runs them.
 
 find_package(GTest 1.12 REQUIRED CONFIG)
-find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
+find_package(Qt${VORN_INPUT_QT} ${VORN_QT_MINIMUM} REQUIRED COMPONENTS Test)
 find_program(VORN_VALGRIND valgrind)
 
 # For programs without the common main(): suppresses only the detectors' deliberate leaks, by name. The
