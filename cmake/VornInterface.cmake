@@ -1,3 +1,5 @@
+# What users of a library see of it: its headers and its symbols.
+#
 # vorn_public_headers(<target> <folder> COMPONENT <component> <header>…)
 #
 # The headers of a target that products include, as <vorn/<folder>/<name>>: installed so, and found so
@@ -25,4 +27,23 @@ function(vorn_public_headers target folder)
         install(FILES ${headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vorn/${folder}"
             COMPONENT ${arg_COMPONENT})
     endif()
+endfunction()
+
+# vorn_exports(<target>)
+#
+# A shared library exports what abi/<target>.map lists, the same whatever compiler and optimisation made
+# it. An archive has its own macros for the headers.
+function(vorn_exports target)
+    if(NOT BUILD_SHARED_LIBS)
+        string(TOUPPER ${target} macro)
+        target_compile_definitions(${target} PUBLIC ${macro}_STATIC_DEFINE)
+        return()
+    endif()
+    # Sanitizers and gcov add symbols of their own.
+    if(VORN_INPUT_SANITIZE OR VORN_INPUT_COVERAGE)
+        return()
+    endif()
+    set(map "${PROJECT_SOURCE_DIR}/abi/${target}.map")
+    target_link_options(${target} PRIVATE "LINKER:--version-script=${map}")
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${map}")
 endfunction()
