@@ -25,8 +25,13 @@ program=$(realpath "$1")
 folder=$(realpath -m "${2:-$root/docs/pictures}")
 mkdir -p "$folder"
 cd "$root/tests/scenarios"
-for scenario in long-press-repeating chord-after-long-press; do
+for scenario in arrival-while-held chord-after-long-press long-press-repeating; do
     "$program" simulate --quiet --timeline "$folder/$scenario.svg" "$scenario.scenario"
+done
+# Those that exist for their pictures only.
+cd "$root/docs/pictures"
+for scenario in *.scenario; do
+    "$program" simulate --quiet --timeline "$folder/${scenario%.scenario}.svg" "$scenario"
 done
 # The one of the workbench tutorial, from the scenario that the reader writes there.
 cd "$folder"

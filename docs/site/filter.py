@@ -1,0 +1,150 @@
+#!/usr/bin/env python3
+"""Writes a document of the repository as Doxygen wants it.
+
+usage: filter.py SOURCE FILE
+
+Documents are written for readers of the files, with relative links and GitHub's anchors. Here pages and
+headings get the names that Doxygen refers to, links to pages and public headers become references,
+and links to what is not in the site become plain text. FILE may also be a manual page (.scd).
+"""
+import os
+import pathlib
+import re
+import subprocess
+import sys
+
+CODE = re.compile(r"(`+)(?:(?!\1).)+?\1")
+LINK = re.compile(r"(!?)\[((?:[^\[\]]|\[[^\]]*\])*)\]\(([^()\s]+)\)")
+FENCE = re.compile(r"\s*(```+)\s*(\S*)")
+# Languages that Doxygen colours; it takes others for C++.
+LANGUAGES = {"cpp": "{.cpp}"}
+
+
+def pages(source):
+    """The documents of the site with the names of their pages."""
+    names = {source / "docs/pages/index.md": "mainpage"}
+    for path in sorted([*source.glob("*.md"), *source.glob("docs/**/*.md")]):
+        names.setdefault(path, path.stem.lower())
+    for path in sorted(source.glob("examples/*/README.md")):
+        names[path] = "example-" + path.parent.name
+    return names
+
+
+def headers(source):
+    """The public headers, as the installation's list has them, and where they are installed."""
+    text = (source / "cmake/VornInstall.cmake").read_text()
+    found = {}
+    for block in re.findall(r"install\(FILES(.*?)\)", text, re.DOTALL):
+        folder = re.search(r"\$\{CMAKE_INSTALL_INCLUDEDIR\}/(\S+?)\"", block)
+        for path in re.findall(r"\$\{PROJECT_SOURCE_DIR\}/(src/\S+?\.h)\"", block) if folder else []:
+            found[source / path] = folder.group(1) + "/" + os.path.basename(path)
+    return found
+
+
+def slug(heading, seen):
+    """GitHub's anchor of a heading."""
+    text = LINK.sub(r"\2", heading).replace("`", "").strip().lower()
+    anchor = re.sub(r"[^\w\- ]", "", text).replace(" ", "-")
+    count = seen.get(anchor, 0)
+    seen[anchor] = count + 1
+    return f"{anchor}-{count}" if count else anchor
+
+
+def label(page, anchor):
+    """The name of a heading, unique in the site."""
+    return f"{page}--{anchor}"
+
+
+class Document:
+    def __init__(self, source, path):
+        self.source, self.path = source, path
+        self.pages, self.headers = pages(source), headers(source)
+        self.page = self.pages.get(path, path.stem.lower())
+        self.anchors = {}
+
+    def link(self, match):
+        image, text, target = match.groups()
+        if re.match(r"[a-z]+:", target):
+            return match.group()
+        name, _, anchor = target.partition("#")
+        path = pathlib.Path(os.path.normpath(self.path.parent / name)) if name else self.path
+        if image:
+            return f"![{text}]({path.name})"
+        if path in self.headers:
+            return f"[{text}](@ref {self.headers[path]})"
+        if path not in self.pages:
+            return text
+        page = self.pages[path]
+        # Doxygen names the main page "index".
+        name = label(page, anchor) if anchor else {"mainpage": "index"}.get(page, page)
+        if self.page == "mainpage" and not anchor:
+            return f'@subpage {name} "{text}"'
+        return f"[{text}](@ref {name})"
+
+    def prose(self, text):
+        # The event bus has the name of an everyday word.
+        text = re.sub(r"(?<![%\w:/.<])Input\b(?!::)", "%Input", text)
+        return re.sub(r"([@\\])", r"\\\1", text)
+
+    def line(self, text):
+        """A line outside code blocks; what is in backticks stays as it is, but for links."""
+        kept = []
+
+        def keep(replacement):
+            kept.append(replacement)
+            return f"\0{len(kept) - 1}\0"
+
+        def restore(replaced):
+            while "\0" in replaced:
+                replaced = re.sub("\0(\\d+)\0", lambda match: kept[int(match[1])], replaced)
+            return replaced
+
+        text = CODE.sub(lambda match: keep(match.group()), text)
+        text = LINK.sub(lambda match: keep(self.link(match)), text)
+        return restore(self.prose(text))
+
+    def heading(self, marks, text):
+        anchor = slug(text, self.anchors)
+        name = self.page if len(marks) == 1 else label(self.page, anchor)
+        return f"{marks} {self.line(text)} {{#{name}}}"
+
+    def lines(self):
+        fence = ""
+        for text in self.path.read_text(encoding="utf-8").split("\n"):
+            mark = FENCE.match(text)
+            if fence:
+                if mark and mark[1] == fence:
+                    fence = ""
+                yield text
+            elif mark:
+                fence = mark[1]
+                yield text[:mark.end(1)] + LANGUAGES.get(mark[2], "{.unparsed}")
+            elif text.startswith("#"):
+                yield self.heading(*text.split(" ", 1))
+            elif text.startswith("    ") or text.startswith("<!--"):
+                yield text if text.startswith(" ") else ""
+            else:
+                yield self.line(text)
+
+
+def manual(path):
+    roff = subprocess.run(["scdoc"], stdin=path.open(), check=True, stdout=subprocess.PIPE).stdout
+    html = subprocess.run(["mandoc", "-T", "html", "-O", "fragment"], input=roff, check=True,
+                          stdout=subprocess.PIPE).stdout.decode()
+    name, section, _ = path.name.split(".")
+    title = f"# {name}({section}) {{#manual}}"
+    return f"{title}\n\n@htmlonly[block]\n{html}\n@endhtmlonly\n"
+
+
+def main():
+    if len(sys.argv) != 3:
+        sys.exit(__doc__)
+    source, path = (pathlib.Path(argument).absolute() for argument in sys.argv[1:])
+    if path.suffix == ".scd":
+        print(manual(path))
+    else:
+        print("\n".join(Document(source, path).lines()))
+
+
+if __name__ == "__main__":
+    main()
