@@ -1,12 +1,14 @@
 #!/usr/bin/env python3
 """Writes a document of the repository as Doxygen wants it.
 
-usage: filter.py SOURCE FILE
+usage: filter.py SOURCE HEADERS FILE
 
 Documents are written for readers of the files, with relative links and GitHub's anchors. Here pages and
 headings get the names that Doxygen refers to, links to pages and public headers become references,
-and links to what is not in the site become plain text. FILE may also be a manual page (.scd).
+and links to what is not in the site become plain text. HEADERS is the folder of the public ones. FILE may also
+be a manual page (.scd).
 """
+import html
 import os
 import pathlib
 import re
@@ -25,20 +27,16 @@ def pages(source):
     names = {source / "docs/pages/index.md": "mainpage"}
     for path in sorted([*source.glob("*.md"), *source.glob("docs/**/*.md")]):
         names.setdefault(path, path.stem.lower())
+    for path in source.glob("docs/man/*.scd"):
+        names[path] = "manual"
     for path in sorted(source.glob("examples/*/README.md")):
         names[path] = "example-" + path.parent.name
     return names
 
 
-def headers(source):
-    """The public headers, as the installation's list has them, and where they are installed."""
-    text = (source / "cmake/VornInstall.cmake").read_text()
-    found = {}
-    for block in re.findall(r"install\(FILES(.*?)\)", text, re.DOTALL):
-        folder = re.search(r"\$\{CMAKE_INSTALL_INCLUDEDIR\}/(\S+?)\"", block)
-        for path in re.findall(r"\$\{PROJECT_SOURCE_DIR\}/(src/\S+?\.h)\"", block) if folder else []:
-            found[source / path] = folder.group(1) + "/" + os.path.basename(path)
-    return found
+def headers(folder):
+    """The public headers, which FOLDER links under the names by which products include them."""
+    return {link.resolve(): str(link.relative_to(folder)) for link in folder.glob("**/*.h")}
 
 
 def slug(heading, seen):
@@ -50,15 +48,22 @@ def slug(heading, seen):
     return f"{anchor}-{count}" if count else anchor
 
 
+def code(span):
+    """A span of code, whose backslashes Doxygen would take for its own."""
+    if "\\" not in span:
+        return span
+    return f"<code>{html.escape(span.strip('`'))}</code>".replace("\\", "&#92;")
+
+
 def label(page, anchor):
     """The name of a heading, unique in the site."""
     return f"{page}--{anchor}"
 
 
 class Document:
-    def __init__(self, source, path):
-        self.source, self.path = source, path
-        self.pages, self.headers = pages(source), headers(source)
+    def __init__(self, source, folder, path):
+        self.path = path
+        self.pages, self.headers = pages(source), headers(folder)
         self.page = self.pages.get(path, path.stem.lower())
         self.anchors = {}
 
@@ -99,7 +104,7 @@ class Document:
                 replaced = re.sub("\0(\\d+)\0", lambda match: kept[int(match[1])], replaced)
             return replaced
 
-        text = CODE.sub(lambda match: keep(match.group()), text)
+        text = CODE.sub(lambda match: keep(code(match.group())), text)
         text = LINK.sub(lambda match: keep(self.link(match)), text)
         return restore(self.prose(text))
 
@@ -129,21 +134,21 @@ class Document:
 
 def manual(path):
     roff = subprocess.run(["scdoc"], stdin=path.open(), check=True, stdout=subprocess.PIPE).stdout
-    html = subprocess.run(["mandoc", "-T", "html", "-O", "fragment"], input=roff, check=True,
+    text = subprocess.run(["mandoc", "-T", "html", "-O", "fragment"], input=roff, check=True,
                           stdout=subprocess.PIPE).stdout.decode()
     name, section, _ = path.name.split(".")
     title = f"# {name}({section}) {{#manual}}"
-    return f"{title}\n\n@htmlonly[block]\n{html}\n@endhtmlonly\n"
+    return f"{title}\n\n@htmlonly[block]\n{text}\n@endhtmlonly\n"
 
 
 def main():
-    if len(sys.argv) != 3:
+    if len(sys.argv) != 4:
         sys.exit(__doc__)
-    source, path = (pathlib.Path(argument).absolute() for argument in sys.argv[1:])
+    source, folder, path = (pathlib.Path(argument).absolute() for argument in sys.argv[1:])
     if path.suffix == ".scd":
         print(manual(path))
     else:
-        print("\n".join(Document(source, path).lines()))
+        print("\n".join(Document(source, folder, path).lines()))
 
 
 if __name__ == "__main__":

@@ -10,6 +10,9 @@
 
 namespace Vorn {
 
+/// @file
+/// Reads profiles, TOML documents, from memory or from a file.
+
 /// What came of reading a profile.
 struct ParsedProfile
 {
@@ -17,7 +20,7 @@ struct ParsedProfile
     Diagnostics diagnostics; ///< errors and warnings, in the order of the file
 };
 
-/// The most that is read of a profile: far more than any panel has keys, and little enough to be
+/// The most bytes that are read of a profile: far more than any panel has keys, and little enough to be
 /// parsed in an instant.
 constexpr qint64 maxProfileSize = qint64{1024} * 1024;
 
@@ -32,14 +35,18 @@ constexpr qint64 maxProfileSize = qint64{1024} * 1024;
 ///     devices.setProfile(parsed.profile);
 /// @endcode
 ///
-/// **Thread**: any, several at the same time.
+/// **Thread**: any, several at the same time. **Log**: nothing.
 ///
-/// @param file for the diagnostics
+/// @param text a document in UTF-8
+/// @param file its name, for the diagnostics
+/// @return the profile, and what is wrong with it
 VORN_PROFILE_EXPORT ParsedProfile parseProfile(const QByteArray &text,
                                                const QString &file) noexcept;
 
 /// Reads a profile from a file. One that is missing, not a regular file or larger than
-/// #maxProfileSize is one error.
+/// Vorn::maxProfileSize is one error.
+/// @param path of the file, also its name in the diagnostics
+/// @return the profile, and what is wrong with it
 VORN_PROFILE_EXPORT ParsedProfile loadProfile(const QString &path) noexcept;
 
 } // namespace Vorn

@@ -14,9 +14,13 @@
 #include <functional>
 #include <memory>
 
+/// Simulated devices and virtual time, for executables that test a product.
 namespace Vorn::Sim {
 
 class SubsystemState;
+
+/// @file
+/// Simulated input devices for the tests of a product.
 
 /// The Linux input subsystem inside a process: a /dev/input whose devices only this process sees,
 /// for tests, tools and benchmarks of code that reads evdev nodes.
@@ -67,6 +71,8 @@ public:
         Lost,
     };
 
+    /// /dev/input is served from here on, and is empty.
+    /// @param directory when it exists
     explicit InputSubsystem(Directory directory = Directory::Persistent);
     ~InputSubsystem();
     InputSubsystem(const InputSubsystem &) = delete;
@@ -74,22 +80,34 @@ public:
 
     /// Plugs a device in: creates /dev/input/event@p number. Fatal if there is one already. While
     /// /dev/input is removed, the node only appears with createInputDirectory().
+    /// @param number not negative; the library looks at 0 to 9
+    /// @param description copied
+    /// @return the node, owned by the subsystem
     InputNode &plug(int number, const DeviceDescription &description);
 
     /// Unplugs the device: releases its held keys for the readers, removes the node, and makes its
     /// descriptors fail with `ENODEV` from then on (`read` only after what is @p unread, unless
     /// that is lost). They stay readable. Fatal if no device is plugged in there.
+    /// @param number of the node
+    /// @param unread what happens to what was not read yet
     void unplug(int number, Unread unread = Unread::Delivered);
 
     /// Unplugs the device and plugs in another without a change that a watcher of the directory
     /// could see, as if both happened between two scans. The node keeps its access bits.
+    /// @param number of the node
+    /// @param description copied
+    /// @return the node, owned by the subsystem
     InputNode &replace(int number, const DeviceDescription &description);
 
-    /// The node of @p number, which is not negative, with or without a device.
+    /// The node of a number, with or without a device.
+    /// @param number not negative
+    /// @return owned by the subsystem
     InputNode &node(int number);
 
     /// Changes the node's access bits; watchers see a change of attributes. Without a read bit it
     /// cannot be opened, not even by root. Descriptors that are open already are not affected.
+    /// @param number of the node
+    /// @param mode as for `chmod`
     void setPermissions(int number, mode_t mode);
 
     /// Removes /dev/input and all nodes in it. The devices stay plugged in, and open descriptors
@@ -99,9 +117,10 @@ public:
     /// Creates /dev/input again, with the nodes of all plugged devices. Does nothing if it exists.
     void createInputDirectory();
 
+    /// @return whether /dev/input is there
     bool inputDirectoryExists() const;
 
-    /// The temporary folder that stands in for /dev.
+    /// @return path of the temporary folder that stands in for /dev
     QString folder() const;
 
     /// What is about to be done with /dev, /dev/input or a path below.
@@ -116,28 +135,35 @@ public:
     using PathHook = std::function<int(PathCall call, const QByteArray &path)>;
 
     /// Lets a test step in between two calls of the code under test: plug, unplug, remove the
-    /// directory, or fail a call. Calls that @p hook makes itself do not come back to it. An empty
-    /// one ends that.
+    /// directory, or fail a call. Calls that the hook makes itself do not come back to it.
+    /// @param hook an empty one ends that
     void setPathHook(const PathHook &hook);
 
-    /// How many descriptors are open, on all nodes together, duplicates included.
+    /// How many descriptors are open.
+    /// @return on all nodes together, duplicates included
     int openDescriptors() const;
 
     /// @name Calls that were made
     /// @{
+
     /// Switches the recording of calls, which is on at the start. Turn it off for long runs.
+    /// @param on what was recorded stays
     void setRecording(bool on);
 
-    /// All recorded calls, oldest first.
+    /// All recorded calls.
+    /// @return oldest first
     QVector<SystemCall> systemCalls() const;
 
-    /// Those of one path, e.g. "/dev/input/event0".
+    /// Those of one path.
+    /// @param path e.g. "/dev/input/event0"
+    /// @return oldest first
     QVector<SystemCall> systemCalls(const QByteArray &path) const;
 
     /// Forgets the recorded calls; the counts stay.
     void clearSystemCalls();
 
-    /// How many calls were made so far, on all nodes together.
+    /// How many calls were made so far, recorded or not.
+    /// @return on all nodes together
     CallCounts callCounts() const;
     /// @}
 

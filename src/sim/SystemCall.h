@@ -8,6 +8,9 @@
 
 namespace Vorn::Sim {
 
+/// @file
+/// What InputSubsystem records of calls on its nodes.
+
 /// One system call on a node in /dev/input, as its caller saw it.
 ///
 /// `open` is recorded for every path below /dev/input, whether or not a device is plugged in there;
@@ -15,6 +18,7 @@ namespace Vorn::Sim {
 /// closes them by other means than `close`, is not recorded.
 struct SystemCall
 {
+    /// The calls that are recorded.
     enum class Kind {
         Open,
         Read,
@@ -22,6 +26,7 @@ struct SystemCall
         Close,
     };
 
+    /// Which call it was.
     Kind kind = Kind::Open;
     /// The path that was opened, e.g. "/dev/input/event0".
     QByteArray path;
@@ -42,10 +47,10 @@ struct SystemCall
 /// How often each call was made, whether or not calls are recorded.
 struct CallCounts
 {
-    quint64 opens = 0;
-    quint64 reads = 0;
-    quint64 ioctls = 0;
-    quint64 closes = 0;
+    quint64 opens = 0; ///< `open` and the like
+    quint64 reads = 0; ///< `read`
+    quint64 ioctls = 0; ///< `ioctl`
+    quint64 closes = 0; ///< `close`
 };
 
 } // namespace Vorn::Sim

@@ -9,6 +9,9 @@
 
 namespace Vorn::Sim {
 
+/// @file
+/// Virtual time for the tests of a product.
+
 /// Makes the process's clocks virtual: they stand still until they are moved, and waiting takes no
 /// time.
 ///
@@ -49,7 +52,8 @@ public:
     /// 2026-01-02 10:00:00 UTC, in milliseconds since the epoch.
     static constexpr qint64 DefaultStart = 1'767'348'000'000;
 
-    /// Stops the clocks; the wall clock shows @p msecsSinceEpoch.
+    /// Stops the clocks.
+    /// @param msecsSinceEpoch what the wall clock shows
     explicit VirtualClock(qint64 msecsSinceEpoch = DefaultStart);
 
     /// Returns to the real clocks.
@@ -63,11 +67,13 @@ public:
     ///
     /// Fatal if a million events occur while time stands still, as with a periodic timer of 0 ms or
     /// a descriptor that stays readable.
+    /// @param duration not negative
     void advance(std::chrono::milliseconds duration);
 
-    /// Runs events one by one until @p condition holds, but no longer than @p timeout of virtual
-    /// time. The condition is tested at the start and after each event, so time does not move past
-    /// the event that made it true.
+    /// Runs events one by one until a condition holds. It is tested at the start and after each
+    /// event, so time does not move past the event that made it true.
+    /// @param condition what is waited for
+    /// @param timeout how much virtual time may pass
     /// @return whether it holds
     bool waitUntil(const std::function<bool()> &condition,
                    std::chrono::milliseconds timeout = std::chrono::seconds(60));
@@ -77,16 +83,19 @@ public:
 
     /// Sets the wall clock forward or back, as an administrator or NTP would. Does not affect
     /// timers and the monotonic clocks.
+    /// @param delta negative to set it back
     void stepWallClock(std::chrono::milliseconds delta);
 
-    /// The wall clock, in milliseconds since the epoch.
+    /// @return the wall clock, in milliseconds since the epoch
     qint64 now() const;
 
-    /// How much virtual time has passed since the start, not counting steps of the wall clock.
+    /// How much virtual time has passed since the start.
+    /// @return not counting steps of the wall clock
     std::chrono::milliseconds elapsed() const;
 
     /// How often a timer or a descriptor woke the event loop from its sleep. The end of advance()
     /// does not count, and neither do events that were ready without sleeping.
+    /// @return since the start
     quint64 wakeUps() const;
 
 private:

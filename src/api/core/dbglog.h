@@ -10,7 +10,8 @@
 
 /// @file
 /// Formatting for log lines. Exported and not inline, as in Profiler, so that the maker's library,
-/// or a test's, can replace it.
+/// or a test's, can replace it. A product that defines one of these functions for its own log lines
+/// replaces it for the library, too, silently.
 
 /// Formats a function's name for its entry trace.
 ///
@@ -20,7 +21,11 @@
 VORN_API_EXPORT std::string dbglog_scopedFunction(const std::string &function,
                                                   const std::string &logger);
 
-/// Writes @p text to @p stream as UTF-8.
+/// Writes a text in UTF-8. The library writes every `QString` of its log lines by this operator:
+/// device paths, kernel names, identifiers, events.
+/// @param stream where to; its width and fill are ignored
+/// @param text may be empty or null, and may contain any character
+/// @return @p stream
 VORN_API_EXPORT std::ostream &operator<<(std::ostream &stream, const QString &text);
 
 #endif

@@ -9,6 +9,7 @@
 /// @file
 /// Checked connections. Header-only: needs nothing from the core library's binary.
 
+/// The checked connection, profiles and the simulator; the library's own classes are global.
 namespace Vorn {
 
 /// Whether a connection of @p type from @p sender to @p receiver can deliver @p signal.
@@ -20,6 +21,11 @@ namespace Vorn {
 /// `Qt::UniqueConnection` in @p type is ignored. Rejecting a null sender or receiver is left to
 /// `QObject::connect`.
 ///
+/// @tparam Signal a member function pointer
+/// @param sender may be null
+/// @param signal a signal of @p sender
+/// @param receiver may be null
+/// @param type how the connection is to be made
 /// @return false if at least one parameter could not be copied for queued delivery
 template <typename Signal>
 bool verifyConnectionSignalParameters(const QObject *sender, Signal signal, const QObject *receiver,
@@ -50,7 +56,14 @@ bool verifyConnectionSignalParameters(const QObject *sender, Signal signal, cons
 /// - a connection that Qt rejects (null object, not a signal, a second
 ///   `Qt::UniqueConnection`) fails the assertion "connection".
 ///
+/// **Thread**: any, as `QObject::connect`. **Log**: nothing; Qt prints a warning of its own.
+///
+/// @tparam Sender,Signal,Receiver,Slot as for `QObject::connect`
+/// @param sender not owned
+/// @param signal a member function pointer of @p sender
+/// @param receiver not owned; its destruction ends the connection
 /// @param slot a member function pointer of @p receiver, or a callable with @p receiver as context
+/// @param type how the signal is delivered
 /// @return the valid connection
 /// @code
 /// Vorn::connect(Input::instance(), &Input::inputEvent, this, &Player::on_inputEvent);

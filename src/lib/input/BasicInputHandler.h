@@ -22,6 +22,10 @@ namespace Vorn {
 class InputProbe;
 } // namespace Vorn
 
+/// @file
+/// The handlers that map keys and switches to commands, and the device manager that a product
+/// derives from.
+
 /// Turns the key records of one device into commands on the event bus.
 ///
 /// A registered key is either *immediate* or *deferred*. An immediate key reports `KeyPressed` on
@@ -64,10 +68,13 @@ class VORN_INPUT_EXPORT BasicKeyInputHandler : public InputHandler
     Q_OBJECT
 
 public:
+    /// Nothing is registered.
     /// @param deviceName for the log
     explicit BasicKeyInputHandler(const QString &deviceName);
     ~BasicKeyInputHandler() override;
 
+    /// Used in the log only. The device manager calls it.
+    /// @param newId may be empty
     void setId(const QString &newId) override;
 
     /// Stops the long-press timer and makes the chord detection forget all keys, so the release of
@@ -75,43 +82,64 @@ public:
     /// deferred key's until its next press, their timing as described at LongPressDetect::reset().
     void invalidate() override;
 
+    /// Takes one batch; records other than `EV_KEY` are ignored.
+    /// @param events the records of one read
     void processEvent(const QList<input_event> &events) override;
 
-    /// Maps key @p code to @p command. If the code is already mapped, that is logged and its long
-    /// press is removed: call enableLongPress() again.
+    /// Maps a key to a command. If the code is already mapped, that is logged and its long press
+    /// is removed: call enableLongPress() again.
+    /// @param code 0 to 767
+    /// @param command `None` reports only long presses
+    /// @param immediate whether it is reported on the press, or as a click on the release
     void registerKey(int code, InputEvent::Command command, bool immediate);
 
-    /// The same if the listener's bus is @p bus; otherwise does nothing. Replaces an earlier
-    /// mapping without a log line and keeps the code's long press.
+    /// The same for a device on one bus; otherwise does nothing. Replaces an earlier mapping
+    /// without a log line and keeps the code's long press.
+    /// @param code,command,immediate as above
+    /// @param bus compared with that of the listener, so call addKeyHandler() before
     void registerKey(int code, InputEvent::Bus bus, InputEvent::Command command, bool immediate);
 
-    /// Removes the mapping and long press of @p code; a key with a long press must not be held.
-    /// Chords stay. An unknown code is logged.
+    /// Removes the mapping and long press of a key; one with a long press must not be held. Chords
+    /// stay.
+    /// @param code one that is unknown is logged
     void deregisterKey(int code);
 
-    /// Reports `KeyLongPress` for @p code after `timeouts[0]` ms and, with @p repeat, again after
-    /// each further timeout; the last timeout repeats until the release. Delays are rounded up to
-    /// the next 50 ms tick. Nothing is reported while the code is not mapped.
+    /// Reports `KeyLongPress` after `timeouts[0]` ms and, with @p repeat, again after each further
+    /// timeout; the last timeout repeats until the release. Delays are rounded up to the next 50 ms
+    /// tick. Nothing is reported while the code is not mapped.
     ///
-    /// @warning @p timeouts must not be empty: holding a key with an empty list ends the process,
-    /// see LongPressDetect.
+    /// The first key of a chord is timed until both are up, so it can report long presses after
+    /// its own release.
+    /// @param code 0 to 767
+    /// @param repeat whether there are long presses after the first
+    /// @param timeouts ms. Must not be empty: holding a key with an empty list ends the process,
+    /// see LongPressDetect
     void enableLongPress(int code, bool repeat, QList<int> timeouts);
 
-    /// The same if the listener's bus is @p bus; otherwise does nothing.
+    /// The same for a device on one bus; otherwise does nothing.
+    /// @param code,repeat,timeouts as above
+    /// @param bus compared with that of the listener, so call addKeyHandler() before
     void enableLongPress(int code, InputEvent::Bus bus, bool repeat, QList<int> timeouts);
 
-    /// Maps the chord of two keys, pressed in either order, to @p command. An existing mapping is
-    /// logged and replaced.
+    /// Maps the chord of two keys, pressed in either order. An existing mapping is logged and
+    /// replaced.
+    /// @param first,second codes, 0 to 767
+    /// @param command reported for both keys together; `None` is as no chord
     void registerDoubleKey(int first, int second, InputEvent::Command command);
 
-    /// The same if the listener's bus is @p bus; otherwise does nothing. Replaces an existing
-    /// mapping without a log line.
+    /// The same for a device on one bus; otherwise does nothing. Replaces an existing mapping
+    /// without a log line.
+    /// @param first,second,command as above
+    /// @param bus compared with that of the listener, so call addKeyHandler() before
     void registerDoubleKey(int first, int second, InputEvent::Bus bus, InputEvent::Command command);
 
     /// Removes the chord in both orders. An unknown chord is logged.
+    /// @param first,second codes, in either order
     void deregisterDoubleKey(int first, int second);
 
-    /// The chord's command, or `None` if the chord is unknown.
+    /// The command of a chord.
+    /// @param keys codes, in either order
+    /// @return `None` if the chord is unknown
     InputEvent::Command getDoubleKeyEvent(const QPair<int, int> &keys);
 
 private Q_SLOTS:
@@ -150,27 +178,35 @@ class VORN_INPUT_EXPORT BasicSwInputHandler : public InputHandler
     Q_OBJECT
 
 public:
+    /// Nothing is registered.
     /// @param deviceName for the log
     explicit BasicSwInputHandler(const QString &deviceName);
     ~BasicSwInputHandler() override;
 
     /// Used in the log only. The device manager does not call it for switch handlers.
+    /// @param newId may be empty
     void setId(const QString &newId) override;
 
     /// Nothing to forget.
     void invalidate() override;
 
+    /// Takes one batch; records other than `EV_SW` are ignored.
+    /// @param events the records of one read, or a position that was asked for
     void processEvent(const QList<input_event> &events) override;
 
     /// Makes the listener deliver the positions of all its switches, so that every mapped switch is
     /// reported, on or off; see LinuxInputListener::getInputStatus(). They go to the listener's
-    /// current receiver, which need not be this handler. Does nothing without a listener.
+    /// current receiver, which need not be this handler. Unread records of switches are dropped:
+    /// the positions supersede them. Does nothing without a listener.
     void getInputStatus();
 
-    /// Maps switch @p code to @p command. An existing mapping is logged and replaced.
+    /// Maps a switch to a command. An existing mapping is logged and replaced.
+    /// @param code `SW_LINEIN_INSERT` …; getInputStatus() reports 0 to 15 only
+    /// @param command reported as enabled or disabled
     void registerSwitch(int code, InputEvent::Command command);
 
-    /// Removes the mapping. An unknown code is logged.
+    /// Removes the mapping.
+    /// @param code one that is unknown is logged
     void deregisterSwitch(int code);
 
 private:
@@ -191,7 +227,9 @@ private:
 /// current, initially the empty one. Each listener's receiver is the handler last registered for
 /// its device under the current identifier, or none. selectHandler() re-routes all devices at
 /// once. If a key is down at that moment, the handlers of both identifiers drop its release; where
-/// that matters, select on a release.
+/// that matters, select on a release. A device that arrives re-applies the selection to all
+/// devices when its handler is registered under the current identifier, which drops the release of
+/// keys that are down on other devices as well.
 ///
 /// @code
 /// class Devices : public BasicInputHandler {
@@ -244,37 +282,50 @@ public:
 
     /// Called once for each device that is gone: unplugged, or no longer readable. Deletes the
     /// device's handlers, then its listeners; an override must call this implementation.
+    /// @param device path of the node
     virtual void removeDevice(const QString &device);
 
-    /// Registers @p handler for the keys of @p device under @p id and takes ownership. Gives it
-    /// the device's listener, and makes it the receiver if @p id is the current identifier.
-    /// A null handler is logged and ignored. If the device is not present, that is logged; the
-    /// handler is kept but never gets a listener.
+    /// Registers a handler for the keys of a device and takes ownership. Gives it the device's
+    /// listener and, if @p id is the current identifier, re-applies the selection with
+    /// selectKeyHandler(), which also invalidates the receivers of other devices.
+    /// @param device path of a node. If it is not present, that is logged; the handler is kept but
+    /// never gets a listener
+    /// @param handler owned from here on; null is logged and ignored
+    /// @param id may be empty
     void addKeyHandler(const QString &device, BasicKeyInputHandler *handler, const QString &id);
 
-    /// The same for the switches of @p device, except that @p handler must not be null and its
-    /// setId() is not called.
+    /// The same for switches, except that the handler's setId() is not called.
+    /// @param device,id as above
+    /// @param handler owned from here on; must not be null
     void addSwitchHandler(const QString &device, BasicSwInputHandler *handler, const QString &id);
 
-    /// Gives @p handler the key listener of @p device, unless it already has a listener.
+    /// Gives a handler the key listener of a device, unless it already has a listener.
+    /// @param device path of a node; one that is not present is logged
+    /// @param handler not null; ownership does not change
     void setKeyListener(const QString &device, BasicKeyInputHandler *handler);
 
-    /// Gives @p handler the switch listener of @p device, unless it already has a listener.
+    /// Gives a handler the switch listener of a device, unless it already has a listener.
+    /// @param device path of a node; one that is not present is logged
+    /// @param handler not null; ownership does not change
     void setSwitchListener(const QString &device, BasicSwInputHandler *handler);
 
-    /// Makes @p id the current identifier for the keys and switches of all devices. Does nothing if
-    /// it already is.
+    /// Makes an identifier the current one for the keys and switches of all devices.
+    /// @param id does nothing if it is current already; one that no handler has leaves all
+    /// listeners without a receiver
     void selectHandler(const QString &id);
 
-    /// Routes the keys of all devices to the handlers of @p id, even if it is already current. The
-    /// current identifier does not change.
+    /// Routes the keys of all devices to the handlers of an identifier. The current identifier does
+    /// not change.
+    /// @param id applied even if it is current already
     void selectKeyHandler(const QString &id);
 
-    /// Routes the switches of all devices to the handlers of @p id, even if it is already current.
-    /// The current identifier does not change.
+    /// Routes the switches of all devices to the handlers of an identifier. The current identifier
+    /// does not change.
+    /// @param id applied even if it is current already
     void selectSwitchHandler(const QString &id);
 
-    /// The nodes that can be opened and named now, with the kernel's names decoded as UTF-8.
+    /// Looks which nodes can be opened and named now. Takes the kernel milliseconds for each.
+    /// @return paths with the kernel's names, decoded as UTF-8
     QMap<QString, QString> getDeviceNameMap() const;
 
 private Q_SLOTS:

@@ -8,6 +8,9 @@
 #include <QObject>
 #include <QString>
 
+/// @file
+/// The event value that leaves the library, and the bus on which it is published.
+
 /// A logical command of the product, the state of the control that produced it, and the bus its
 /// device is attached to.
 ///
@@ -215,20 +218,39 @@ public:
 
     /// `None`, `NoState`, `NoBus`.
     InputEvent();
+
+    /// Numbers that the enumerations do not have are allowed, and kept.
+    /// @param command what the user asked for
+    /// @param state what happened to the control
+    /// @param bus where its device is attached
     InputEvent(Command command, State state, Bus bus);
+
+    /// Shares the values of @p other.
+    /// @param other may be used on another thread
     InputEvent(const InputEvent &other);
+
+    /// Shares the values of @p other.
+    /// @param other may be used on another thread
+    /// @return this event
     InputEvent &operator=(const InputEvent &other);
     ~InputEvent();
 
+    /// @return what the user asked for
     Command command() const;
+
+    /// @return what happened to the control
     State state() const;
+
+    /// @return where the control's device is attached
     Bus bus() const;
 
-    /// The command's name, or its number in decimal if it has none, e.g. "57" or "-1".
+    /// The command's name, e.g. "VolumeUp".
+    /// @return the name, or the number in decimal if it has none, e.g. "57" or "-1"
     QString cmdToString() const;
 
     /// One line for logs: "[cmd=VolumeUp, state=KeyPressed, bus=LocalUI]". The bus part is omitted
-    /// for `NoBus`. Commands, states and buses without a name are printed in decimal.
+    /// for `NoBus`.
+    /// @return the line; commands, states and buses without a name are in decimal
     QString toString() const;
 
 private:
@@ -265,14 +287,18 @@ public:
     /// Registers the meta-type "InputEvent". Products use instance().
     Input();
 
-    /// The one instance, created by the first call and never deleted. Callers must not delete it.
+    /// The one instance, created by the first call and never deleted.
+    /// @return never null; callers must not delete it
     static Input *instance();
 
-    /// Publishes @p event at once: same as `instance()->emitInputEvent(event)`.
+    /// Publishes an event at once: same as `instance()->emitInputEvent(event)`. Handlers call it;
+    /// products may, for commands that come from elsewhere.
+    /// @param event what is published
     static void reportInputEvent(InputEvent event);
 
     /// Writes the debug line, opens the profiler's response watcher and emits inputEvent(), in
     /// that order. The watcher is opened for every event, even when logging is off.
+    /// @param event what is published
     void emitInputEvent(InputEvent event);
 
     /// The object instance() returns; null until the first call.

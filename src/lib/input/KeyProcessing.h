@@ -19,11 +19,17 @@ namespace Vorn {
 class InputProbe;
 } // namespace Vorn
 
-/// Writes the debug text of a key record to @p stream, e.g.
+/// @file
+/// The detectors that a key handler owns: long presses and chords. They can be used without it.
+
+/// Writes the debug text of a key record, e.g.
 /// "input_event: code:28 value:press time:14:03:07,250".
 ///
 /// The value is "press" for 1 and "release" for anything else, including auto-repeat (2). The time
 /// is the record's time of day in UTC. The type is not printed.
+/// @param stream where to
+/// @param event a record of any type
+/// @return @p stream
 VORN_INPUT_EXPORT std::ostream &operator<<(std::ostream &stream, const input_event &event);
 
 /// Times how long keys are held.
@@ -69,19 +75,25 @@ public:
     /// @note The detector's `QTimer` has no parent, and the destructor stops it but does not delete
     /// it, because a detector may be destroyed from inside its timer's signal. Each detector thus
     /// leaks one stopped timer.
+    /// @param parent owns the detector unless null
     explicit LongPressDetect(QObject *parent = nullptr);
     ~LongPressDetect() override;
 
-    /// Registers @p key (0 to 767), replacing any earlier registration. During a hold the first
-    /// timeout of the new list replaces the current one. @p timeouts must not be empty.
+    /// Registers a key, replacing any earlier registration. During a hold the first timeout of the
+    /// new list replaces the current one.
+    /// @param key code, 0 to 767
+    /// @param repeat whether to emit notifications after the first
+    /// @param timeouts ms, see above; must not be empty
     void registerEvent(int key, bool repeat, const QList<int> &timeouts);
 
-    /// Removes the registration of @p key, which must not be held.
+    /// Removes a registration. The key must not be held. Does nothing if there is none.
+    /// @param key code, 0 to 767
     void deregisterEvent(int key);
 
     /// Takes a key record. Value 0 ends the hold. Any other value, auto-repeat included, restarts
     /// the measurement with count 1, at the timeout the hold had reached. Presses of unregistered
-    /// codes are ignored. The record is not modified.
+    /// codes are ignored.
+    /// @param event its type is not looked at; it is not modified
     void process(input_event &event);
 
     /// Stops the timer and nothing else. A held key keeps its state, and its timing resumes when
@@ -89,8 +101,9 @@ public:
     void reset();
 
 Q_SIGNALS:
-    /// A timeout of @p key has expired; @p repeat counts them from 1 for this hold. If several keys
-    /// are due at once, their order is unspecified.
+    /// A timeout has expired. If several keys are due at once, their order is unspecified.
+    /// @param key code of the held key
+    /// @param repeat number of the notification, from 1 for each hold
     void keyLongPress(int key, int repeat);
 
 private Q_SLOTS:
@@ -130,16 +143,23 @@ class VORN_INPUT_EXPORT DoubleKeyDetect : public QObject
     Q_OBJECT
 
 public:
+    /// No key is down.
+    /// @param parent owns the detector unless null
     explicit DoubleKeyDetect(QObject *parent = nullptr);
     ~DoubleKeyDetect() override;
 
-    /// Takes the next key record; value 0 is a release, any other value a press.
+    /// Takes the next key record, and emits what comes of it before it returns.
+    /// @param event value 0 is a release, any other value a press; its type is not looked at
     void checkDoubleKeyDetect(const input_event &event);
 
-    /// Whether no record in @p events is a release; true for an empty list.
+    /// Whether no record is a release.
+    /// @param events the records to look at
+    /// @return true for an empty list
     bool allPressed(const QList<input_event> &events) const;
 
-    /// Whether every record in @p events is a release; true for an empty list.
+    /// Whether every record is a release.
+    /// @param events the records to look at
+    /// @return true for an empty list
     bool allReleased(const QList<input_event> &events) const;
 
     /// Forgets all keys without emitting anything. If called from inside the synthetic release's
@@ -147,6 +167,7 @@ public:
     void reset();
 
 Q_SIGNALS:
+    /// What came of a record.
     /// @param keys the reported records: one, or both keys of a chord in the order they first went
     /// down; empty after a reset() from inside the synthetic release's signal
     /// @param fake whether this is the synthetic release of a chord's first key

@@ -21,6 +21,9 @@ namespace Vorn {
 class InputProbe;
 } // namespace Vorn
 
+/// @file
+/// One evdev node, and the interface of who receives its records.
+
 /// Receives the raw records that a `LinuxInputListener` reads.
 ///
 /// A listener has at most one receiver at a time, but any number of handlers may hold the same
@@ -51,6 +54,7 @@ public:
     ~InputHandler() override;
 
     /// Sets the handler's identifier; called by the code that registers the handler.
+    /// @param id may be empty
     virtual void setId(const QString &id) = 0;
 
     /// Forgets everything in progress (pressed keys, running timers). Called when the handler stops
@@ -62,18 +66,23 @@ public:
     ///
     /// A copy of @p events may be kept, at the cost of one allocation per record in the next read.
     /// Do not keep a reference to the list or to a record: the next read overwrites them.
+    /// @param events not empty
     virtual void processEvent(const QList<input_event> &events) = 0;
 
-    /// The stored listener; null before setListener() and after the listener has been deleted.
+    /// The stored listener.
+    /// @return null before setListener() and after the listener has been deleted
     LinuxInputListener *listener() const;
 
-    /// Stores @p listener. If one is already stored, nothing changes and DEBUG "Linux Input
+    /// Stores a listener. If one is already stored, nothing changes and DEBUG "Linux Input
     /// Listerner already set, ignore" is logged. This does not make the handler the listener's
     /// receiver; the listener's constructor or setHandler() does.
+    /// @param listener deleted with the handler, see ~InputHandler(), unless the device manager
+    /// owns it
     void setListener(LinuxInputListener *listener);
 
-    /// Makes @p handler the receiver of the stored listener, see LinuxInputListener::setHandler().
+    /// Makes a handler the receiver of the stored listener, see LinuxInputListener::setHandler().
     /// Without a listener it only logs WARN "Linux Input Listerner does not exists".
+    /// @param handler not owned; may be null
     void setHandler(InputHandler *handler);
 
 private:
@@ -90,8 +99,9 @@ private:
 /// makes one `read` of at most 1024 bytes. A receiver may delete the listener, and itself, from
 /// inside each call it gets.
 ///
-/// **Descriptor**: child processes do not inherit it, except for one that another thread starts at
-/// the very moment it is opened.
+/// **Descriptor**: it is marked close-on-exec right after it is opened, so programs that the
+/// process starts do not inherit it, except for one that another thread starts in between. A child
+/// that does not call `exec` has it.
 ///
 /// **Log**, logger "LinuxInputListener":
 ///
@@ -112,8 +122,8 @@ class VORN_INPUT_EXPORT LinuxInputListener : public QObject
     Q_OBJECT
 
 public:
-    /// What the listener reads. Any other number is a switch listener whose getInputStatus()
-    /// reports only the switches that are on.
+    /// What the listener needs. Any other number is a switch listener whose getInputStatus()
+    /// reports only the switches that are on. Records of all types are delivered in any case.
     enum Type : int {
         Key = 0, ///< needs `EV_KEY`
         Switch = 1, ///< needs `EV_SW`
@@ -125,32 +135,40 @@ public:
     ///
     /// @param handler initial receiver, not owned; may be null
     /// @param device path of the node, e.g. "/dev/input/event3"
+    /// @param type what the node must support
     LinuxInputListener(InputHandler *handler, const QString &device, LinuxInputListener::Type type);
 
     /// Closes the descriptor without notifying the receiver.
     ~LinuxInputListener() override;
 
     /// The bus the device is attached to: `Hostlink` if its kernel name is exactly "hostlink",
-    /// otherwise according to its bus type. `NoBus` for bus types not listed in InputEvent::Bus and
-    /// for a listener that has been inert since its construction.
+    /// otherwise according to its bus type.
+    /// @return `NoBus` for bus types not listed in InputEvent::Bus and for a listener that has been
+    /// inert since its construction
     InputEvent::Bus bus() const;
 
-    /// The path given to the constructor.
+    /// @return the path given to the constructor
     const QString &device() const;
 
-    /// Invalidates the current receiver, if any, then makes @p handler the receiver. Null is
-    /// allowed: records are then read and dropped. Setting the current receiver again invalidates
-    /// it and keeps it. A deleted receiver counts as none.
+    /// Invalidates the current receiver, if any, then exchanges it. Setting the current receiver
+    /// again invalidates it and keeps it. A deleted receiver counts as none.
+    /// @param handler not owned; if null, records are read and dropped
     void setHandler(InputHandler *handler);
 
     /// Closes the descriptor and stops the notifications. May be called repeatedly.
     void close();
 
-    /// Whether bit @p bit of @p bitmap is set (bit `bit % 8` of byte `bit / 8`).
+    /// Whether a bit is set: bit `bit % 8` of byte `bit / 8`.
+    /// @param bit from 0; not checked
+    /// @param bitmap at least `bit / 8 + 1` bytes
+    /// @return whether it is set
     bool testBit(int bit, const unsigned char *bitmap);
 
-    /// Whether the device behind @p fd supports @p eventType (`EV_KEY` …). Only 31 bits are
-    /// examined, so types above 30 are never found.
+    /// Whether a device supports a type of events. Only 31 bits are examined, so types above 30
+    /// are never found.
+    /// @param fd an open descriptor of its node
+    /// @param eventType `EV_KEY` …
+    /// @return false also if the request fails, which is logged
     bool testCapability(int fd, int eventType);
 
     /// Delivers the current state to the receiver, each code in a batch of its own, with zero time
@@ -160,6 +178,9 @@ public:
     /// The kernel is asked for only four bytes, so only codes 0 to 31 are current and higher key
     /// codes are never reported. If the request fails, the state from the last successful one is
     /// delivered. An inert listener delivers nothing.
+    ///
+    /// @warning The kernel drops what is unread of the listener's records of that type: of a switch
+    /// that was moved and moved back, or of a key that was clicked, nothing remains but the state.
     void getInputStatus();
 
 public Q_SLOTS:

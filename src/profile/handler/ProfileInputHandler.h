@@ -9,6 +9,9 @@
 
 #include <memory>
 
+/// @file
+/// The device manager that registers a profile.
+
 /// A device manager that registers what a profile says, so that a product needs no code for its
 /// keys and its key map can be changed without compiling.
 ///
@@ -64,22 +67,28 @@ public:
         AreForgotten,
     };
 
-    /// Selects the profile's `initial` identifier, and follows its rules from now on.
+    /// Selects the profile's `initial` identifier, and follows its rules from now on. Nothing is
+    /// opened until the event loop runs.
+    /// @param profile copied
     explicit ProfileInputHandler(const Vorn::Profile &profile);
     ~ProfileInputHandler() override;
 
     /// Registers what the profile has for the device. An override must call it.
+    /// @param device path of the node
+    /// @param name the kernel's name for the device
     void addDevice(const QString &device, const QString &name) override;
-    /// An override must call it.
+    /// Forgets the device. An override must call it.
+    /// @param device path of the node
     void removeDevice(const QString &device) override;
 
-    /// Makes @p id the current identifier, as BasicInputHandler::selectHandler() does. Use this
+    /// Makes an identifier the current one, as BasicInputHandler::selectHandler() does. Use this
     /// one, so that identifier() stays right.
+    /// @param id may be one that the profile does not mention
     virtual void selectHandler(const QString &id);
-    /// The identifier that was selected last.
+    /// @return the identifier that was selected last
     QString identifier() const;
 
-    /// The profile in use.
+    /// @return the profile in use
     const Vorn::Profile &profile() const;
 
     /// Exchanges the profile, soon: once the event loop is reached and, with AreWaitedFor, all keys
@@ -87,8 +96,10 @@ public:
     ///
     /// To look which keys are down opens the devices' nodes once, which can take the kernel some
     /// ms each; while keys are down, it looks again every 50 ms.
+    /// @param profile copied
+    /// @param keysDown what to do about keys that are down
     void setProfile(const Vorn::Profile &profile, KeysDown keysDown = KeysDown::AreWaitedFor);
-    /// Whether a profile waits for its turn.
+    /// @return whether a profile waits for its turn
     bool isReloadPending() const;
 
 Q_SIGNALS:
@@ -98,19 +109,28 @@ Q_SIGNALS:
 protected:
     /// Who follows the rules of the profile.
     enum class Rules {
+        /// This class.
         AreFollowed,
         /// The derived class, which calls followRules() for each event on the bus.
         AreLeftToDerived,
     };
+    /// As the public one, with a choice.
+    /// @param profile copied
+    /// @param rules who follows its rules
     ProfileInputHandler(const Vorn::Profile &profile, Rules rules);
 
-    /// Selects the identifier of the first rule that @p event fulfils.
+    /// Selects the identifier of the first rule that an event fulfils.
+    /// @param event one that was published
     void followRules(const InputEvent &event);
 
-    /// Makes a handler of the keys of a device, without registrations. The library owns it once it
-    /// is registered.
+    /// Makes a handler of the keys of a device, without registrations.
+    /// @param device path of the node
+    /// @param name the kernel's name for the device
+    /// @return owned by the library once it is registered
     virtual BasicKeyInputHandler *createKeyHandler(const QString &device, const QString &name);
     /// The same for its switches.
+    /// @param device,name as above
+    /// @return owned by the library once it is registered
     virtual BasicSwInputHandler *createSwitchHandler(const QString &device, const QString &name);
 
 private:
