@@ -6,7 +6,7 @@ usage: filter.py SOURCE HEADERS FILE
 Documents are written for readers of the files, with relative links and GitHub's anchors. Here pages and
 headings get the names that Doxygen refers to, links to pages and public headers become references,
 and links to what is not in the site become plain text. HEADERS is the folder of the public ones. FILE may also
-be a manual page (.scd).
+be a manual page (.scd) or a public header, of which private members are left out.
 """
 import html
 import os
@@ -49,10 +49,12 @@ def slug(heading, seen):
 
 
 def code(span):
-    """A span of code, whose backslashes Doxygen would take for its own."""
-    if "\\" not in span:
-        return span
-    return f"<code>{html.escape(span.strip('`'))}</code>".replace("\\", "&#92;")
+    """A span of code. Doxygen would take some signs for its own, and "file:" for an address."""
+    text = html.escape(span.strip("`"))
+    for sign, escaped in (("\\", "\\\\"), ("%", "\\%"), ("file:", "file<b></b>:")):
+        text = text.replace(sign, escaped)
+    text = re.sub(r"(?<= )Input(?= )", "%Input", text)
+    return span if text == html.escape(span.strip("`")) else f"<code>{text}</code>"
 
 
 def label(page, anchor):
@@ -82,7 +84,7 @@ class Document:
         page = self.pages[path]
         # Doxygen names the main page "index".
         name = label(page, anchor) if anchor else {"mainpage": "index"}.get(page, page)
-        if self.page == "mainpage" and not anchor:
+        if not anchor and (self.page == "mainpage" or path.parent == self.path.with_suffix("")):
             return f'@subpage {name} "{text}"'
         return f"[{text}](@ref {name})"
 
@@ -110,6 +112,11 @@ class Document:
 
     def heading(self, marks, text):
         anchor = slug(text, self.anchors)
+        if self.page == "mainpage" and len(marks) > 1:
+            # Not a section, so that the tree has only pages.
+            return f"<h{len(marks) - 1}>{text}</h{len(marks) - 1}>"
+        if self.page == "readme":
+            text = text.replace("libvorn_input", "README") if len(marks) == 1 else text
         name = self.page if len(marks) == 1 else label(self.page, anchor)
         return f"{marks} {self.line(text)} {{#{name}}}"
 
@@ -132,6 +139,17 @@ class Document:
                 yield self.line(text)
 
 
+def header(path):
+    """A public header without its private members, line by line."""
+    private = False
+    for line in path.read_text(encoding="utf-8").split("\n"):
+        if re.match(r"(public|protected|Q_SIGNALS)\b|\};", line):
+            private = False
+        elif re.match(r"private\b", line):
+            private = True
+        yield "" if private else line
+
+
 def manual(path):
     roff = subprocess.run(["scdoc"], stdin=path.open(), check=True, stdout=subprocess.PIPE).stdout
     text = subprocess.run(["mandoc", "-T", "html", "-O", "fragment"], input=roff, check=True,
@@ -147,6 +165,8 @@ def main():
     source, folder, path = (pathlib.Path(argument).absolute() for argument in sys.argv[1:])
     if path.suffix == ".scd":
         print(manual(path))
+    elif path.suffix == ".h":
+        print("\n".join(header(path)))
     else:
         print("\n".join(Document(source, folder, path).lines()))
 
