@@ -1,7 +1,7 @@
 #ifndef PLAYERINPUT_H
 #define PLAYERINPUT_H
 
-#include "BasicInputHandler.h"
+#include <vorn/input/BasicInputHandler.h>
 
 #include <QString>
 

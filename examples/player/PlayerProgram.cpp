@@ -1,7 +1,7 @@
 #include "PlayerProgram.h"
 
-#include "Input.h"
-#include "vorn.h"
+#include <vorn/core/vorn.h>
+#include <vorn/input/Input.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

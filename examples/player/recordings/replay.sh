@@ -35,8 +35,15 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
 # The same files under the names that they have in a recording of the workbench, which brings a
-# script that replays it.
-ln -s "$recordings/../../../src/tools/workbench/live/replay-recording.sh" "$folder/replay.sh"
+# script that replays it. Where the recordings are installed, it is beside this one.
+script=$recordings/replay-recording.sh
+[ -f "$script" ] || script=$recordings/../../../src/tools/workbench/live/replay-recording.sh
+if [ ! -f "$script" ]; then
+    echo "replay.sh: there is no replay-recording.sh beside it; take it from a recording of" \
+        "'vorn-input monitor --record', where it is called replay.sh" >&2
+    exit 1
+fi
+ln -s "$script" "$folder/replay.sh"
 ln -s "$recordings/player.umockdev" "$folder/session.umockdev"
 # In the order of the nodes that player.umockdev describes: event0, event1 …
 devices=(front-panel ir-receiver hostlink front-panel-jacks)
