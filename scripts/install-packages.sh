@@ -5,7 +5,7 @@ set -euo pipefail
 usage='usage: install-packages.sh PACKAGE…
 
 Installs those of the Debian packages that are missing, with sudo unless run as root. Prints
-nothing if none is missing.'
+nothing if none is missing. While another apt is at work, it waits, up to ten minutes.'
 
 fail() {
     echo "install-packages.sh: $*" >&2
@@ -44,14 +44,23 @@ if [ "$(id -u)" -ne 0 ]; then
     as_root=(sudo)
 fi
 
+lock_seconds=600
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 # apt_get ARGUMENT…: shows the output only if it fails.
 apt_get() {
-    if ! "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get "$@" >"$log" 2>&1; then
-        cat "$log" >&2
-        fail "apt-get $1 failed, still missing: ${missing[*]}"
-    fi
+    local waited=no
+    until "${as_root[@]}" env LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive \
+        apt-get -o "DPkg::Lock::Timeout=$lock_seconds" "$@" >"$log" 2>&1; do
+        # apt waits for dpkg's locks only, not for that of its own lists.
+        if [ "$SECONDS" -ge "$lock_seconds" ] || ! grep -q '^E: Could not get lock' "$log"; then
+            cat "$log" >&2
+            fail "apt-get $1 failed, still missing: ${missing[*]}"
+        fi
+        [ "$waited" = yes ] || echo "Waiting for another apt" >&2
+        waited=yes
+        sleep 1
+    done
 }
 
 echo "Installing ${missing[*]}" >&2

@@ -12,7 +12,7 @@ stand_in() {
     { echo '#!/bin/bash' && cat; } >"$bin/$1"
     chmod +x "$bin/$1"
 }
-for tool in bash cat env mktemp rm; do
+for tool in bash cat env grep mktemp rm; do
     ln -s "$(command -v "$tool")" "$bin/$tool"
 done
 stand_in dpkg-query <<'END'
@@ -25,6 +25,11 @@ esac
 END
 stand_in apt-get <<'END'
 echo "apt-get $* $DEBIAN_FRONTEND" >>"$CALLS"
+if [ -e "$TMPDIR/locked" ]; then
+    rm "$TMPDIR/locked"
+    echo 'E: Could not get lock /var/lib/apt/lists/lock. It is held by process 4711 (apt-get)' >&2
+    exit 100
+fi
 echo "a lot of talk"
 exit "${APT_STATUS:-0}"
 END
@@ -44,6 +49,10 @@ install() {
         bash "$script" "$@"
 }
 
+# Everything waits for other users of the package system.
+update='apt-get -o DPkg::Lock::Timeout=600 update noninteractive'
+install='apt-get -o DPkg::Lock::Timeout=600 install -y --no-install-recommends'
+
 # expect_calls LINE…
 expect_calls() {
     local expected=''
@@ -62,14 +71,23 @@ install present absent removed
 expect_status 0
 expect_out ''
 expect_line_on_stderr 'Installing absent removed'
-expect_calls 'apt-get update noninteractive' \
-    'apt-get install -y --no-install-recommends absent removed noninteractive'
+expect_calls "$update" \
+    "$install absent removed noninteractive"
 
 install APT_STATUS=100 absent
 expect_status 1
 grep -q 'a lot of talk' "$folder/err" || failed 'expected the output of apt-get'
 grep -q 'apt-get update failed, still missing: absent' "$folder/err" || failed 'expected the reason'
-expect_calls 'apt-get update noninteractive'
+expect_calls "$update"
+
+stand_in sleep <<'END'
+echo "sleep" >>"$CALLS"
+END
+touch "$folder/locked"
+install absent
+expect_status 0
+grep -q 'Waiting for another apt' "$folder/err" || failed 'expected to be told of the wait'
+expect_calls "$update" sleep "$update" "$install absent noninteractive"
 
 install USER_ID=1000 absent
 expect_status 1
@@ -83,8 +101,8 @@ exec "$@"
 END
 install USER_ID=1000 absent
 expect_status 0
-expect_calls sudo 'apt-get update noninteractive' \
-    sudo 'apt-get install -y --no-install-recommends absent noninteractive'
+expect_calls sudo "$update" \
+    sudo "$install absent noninteractive"
 
 for arguments in '' --frobnicate; do
     # shellcheck disable=SC2086 # nothing at all in the first round

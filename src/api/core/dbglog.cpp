@@ -1,7 +1,5 @@
 #include "dbglog.h"
 
-#include <ostream>
-
 std::string dbglog_scopedFunction(const std::string &function, const std::string &logger)
 {
     const std::string qualified = function.substr(0, function.find('('));

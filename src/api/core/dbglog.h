@@ -5,7 +5,7 @@
 
 #include <QString>
 
-#include <iosfwd>
+#include <ostream>
 #include <string>
 
 /// @file
