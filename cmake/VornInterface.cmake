@@ -34,6 +34,10 @@ endfunction()
 # A shared library exports what abi/<target>.map lists, the same whatever compiler and optimisation made
 # it. An archive has its own macros for the headers.
 function(vorn_exports target)
+    if(VORN_INPUT_CHECK_ABI)
+        # What the types look like is read from there.
+        target_compile_options(${target} PRIVATE -g)
+    endif()
     if(NOT BUILD_SHARED_LIBS)
         string(TOUPPER ${target} macro)
         target_compile_definitions(${target} PUBLIC ${macro}_STATIC_DEFINE)

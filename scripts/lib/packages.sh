@@ -5,7 +5,7 @@ build_packages=(cmake g++ libcli11-dev libevdev-dev libgmock-dev libgtest-dev li
     librapidcheck-dev libtomlplusplus-dev ninja-build pkg-config qtbase5-dev scdoc zlib1g-dev)
 demo_packages=("${build_packages[@]}" umockdev)
 bench_packages=("${build_packages[@]}" gnuplot-nox libbenchmark-dev python3 strace valgrind)
-test_packages=("${demo_packages[@]}" "${bench_packages[@]}" clang dbus-bin dbus-daemon jq
+test_packages=("${demo_packages[@]}" "${bench_packages[@]}" abigail-tools clang dbus-bin dbus-daemon jq
     libclang-rt-14-dev libqt5svg5-dev mold mpv mpv-mpris python3-jsonschema
     qml-module-qtquick-window2 qml-module-qtquick2 qtdeclarative5-dev zsh)
 vm_packages=("${build_packages[@]}" acpica-tools busybox-static cpio device-tree-compiler evemu-tools
