@@ -20,8 +20,8 @@ struct ParsedProfile
     Diagnostics diagnostics; ///< errors and warnings, in the order of the file
 };
 
-/// The most bytes that are read of a profile: far more than any panel has keys, and little enough to be
-/// parsed in an instant.
+/// The most bytes that are read of a profile: far more than any panel has keys, and little enough
+/// to be parsed in an instant.
 constexpr qint64 maxProfileSize = qint64{1024} * 1024;
 
 /// Reads a profile, a TOML document, and finds all mistakes in it, but for syntax errors, of which

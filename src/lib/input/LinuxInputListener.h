@@ -33,10 +33,11 @@ class InputProbe;
 /// class Printer : public InputHandler {
 ///     void setId(const QString &) override {}
 ///     void invalidate() override {}
-///     void processEvent(const QList<input_event> &events) override { ... }
+///     void processEvent(const QList<input_event> &events) override
+///     { std::cout << events.size() << " records" << std::endl; }
 /// };
-/// auto *printer = new Printer;
-/// printer->setListener(new LinuxInputListener(printer, path, LinuxInputListener::Key));
+/// Printer printer; // takes its listener with it
+/// printer.setListener(new LinuxInputListener(&printer, path, LinuxInputListener::Key));
 /// @endcode
 ///
 /// **Log**, logger "LinuxInputListener": see setListener() and setHandler().
