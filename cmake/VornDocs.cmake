@@ -39,6 +39,7 @@ file(GLOB documents CONFIGURE_DEPENDS
     "${PROJECT_SOURCE_DIR}/docs/*.md"
     "${PROJECT_SOURCE_DIR}/docs/*/*.md"
     "${PROJECT_SOURCE_DIR}/docs/man/*.scd"
+    "${PROJECT_SOURCE_DIR}/examples/README.md"
     "${PROJECT_SOURCE_DIR}/examples/*/README.md")
 list(APPEND VORN_DOCS_SOURCES ${documents})
 list(TRANSFORM documents REPLACE "(.+)" "\"\\1\"")

@@ -29,6 +29,7 @@ def pages(source):
         names.setdefault(path, path.stem.lower())
     for path in source.glob("docs/man/*.scd"):
         names[path] = "manual"
+    names[source / "examples/README.md"] = "examples"
     for path in sorted(source.glob("examples/*/README.md")):
         names[path] = "example-" + path.parent.name
     return names
@@ -69,22 +70,31 @@ class Document:
         self.page = self.pages.get(path, path.stem.lower())
         self.anchors = {}
 
+    def is_below(self, path):
+        """Whether that document is in the folder that belongs to this one."""
+        if self.page == "examples":
+            return path.parent.parent == self.path.parent
+        return path.parent == self.path.with_suffix("")
+
     def link(self, match):
         image, text, target = match.groups()
         if re.match(r"[a-z]+:", target):
             return match.group()
         name, _, anchor = target.partition("#")
         path = pathlib.Path(os.path.normpath(self.path.parent / name)) if name else self.path
+        if path / "README.md" in self.pages:
+            path /= "README.md"
         if image:
             return f"![{text}]({path.name})"
         if path in self.headers:
-            return f"[{text}](@ref {self.headers[path]})"
+            return f"[{text.replace('`', '')}](@ref {self.headers[path]})"
         if path not in self.pages:
             return text
+        text = text.replace("`", "")
         page = self.pages[path]
         # Doxygen names the main page "index".
         name = label(page, anchor) if anchor else {"mainpage": "index"}.get(page, page)
-        if not anchor and (self.page == "mainpage" or path.parent == self.path.with_suffix("")):
+        if not anchor and (self.page == "mainpage" or self.is_below(path)):
             return f'@subpage {name} "{text}"'
         return f"[{text}](@ref {name})"
 

@@ -83,7 +83,8 @@ def not_in_contents(documents, source):
     contents = source / "docs/pages/index.md"
     listed = {(contents.parent / link).resolve() for link in documents[contents].links}
     for path in sorted([*source.glob("docs/*.md"), *source.glob("docs/pages/*.md"),
-                        *source.glob("*.md"), *source.glob("docs/man/*.scd")]):
+                        *source.glob("*.md"), *source.glob("docs/man/*.scd"),
+                        source / "examples/README.md"]):
         if path not in listed and path != contents:
             yield f"{path.relative_to(source)} is not in the contents of the site"
 

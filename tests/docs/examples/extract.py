@@ -66,7 +66,7 @@ def kind_of(text):
 
 def test(name, number, call):
     return f"""namespace {name} {{
-TEST(Examples, {name.replace("examples_of", "Of")}_Line{number})
+TEST(DocumentedExamples, {name.replace("examples_of", "Of")}_Line{number})
 {{
     {call}();
 }}
