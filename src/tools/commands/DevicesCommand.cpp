@@ -5,6 +5,10 @@
 #include "NodeTable.h"
 #include "Output.h"
 
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
 #include <unistd.h>
 
 namespace Vorn::Tools {
@@ -23,6 +27,18 @@ QVector<NodeInfo> readDevices(const QStringList &paths)
             nodes += node;
     }
     return nodes;
+}
+
+/// How to have devices without hardware, where the recorded ones are installed.
+QString recordedDevices()
+{
+    const QDir folder(QCoreApplication::applicationDirPath());
+    const QString replay =
+        QDir::cleanPath(folder.filePath(QStringLiteral(VORN_REPLAY_INSTALLED_PATH)));
+    if (!QFileInfo::exists(replay))
+        return {};
+    return QStringLiteral("; to try it with recorded ones, run '%1 vorn-input devices'")
+        .arg(replay);
 }
 
 } // namespace
@@ -51,10 +67,9 @@ int devices(const DevicesOptions &options)
         return Failure;
     }
     if (nodes.isEmpty()) {
-        printLine(stderr,
-                  QStringLiteral("vorn-input: no input devices in /dev/input; to try it with "
-                                 "recorded ones, run "
-                                 "'examples/player/recordings/replay.sh vorn-input devices'"));
+        printLine(
+            stderr,
+            QStringLiteral("vorn-input: no input devices in /dev/input%1").arg(recordedDevices()));
         return Success;
     }
     if (options.json) {

@@ -18,7 +18,7 @@ CLI::App *addSimulate(CLI::App *app, SimulateOptions *options)
         "\n"
         "Examples:\n"
         "  vorn-input simulate --profile panel.toml long-press.scenario\n"
-        "  vorn-input simulate tests/scenarios/*.scenario --quiet --junit results.xml\n"
+        "  vorn-input simulate scenarios/*.scenario --quiet --junit results.xml\n"
         "  vorn-input simulate --profile panel.toml lost-release/session.umockdev -t session.svg");
     addScenarioOptions(command, options);
     return command;
