@@ -17,7 +17,8 @@ int main(int argc, char *argv[])
     // The library's warnings go to stderr.
     const log4cplus::Initializer logging;
     log4cplus::BasicConfigurator::doConfigure(log4cplus::Logger::getDefaultHierarchy(), true);
-    log4cplus::Logger::getRoot().setLogLevel(log4cplus::WARN_LOG_LEVEL);
+    log4cplus::Logger root = log4cplus::Logger::getRoot();
+    root.setLogLevel(log4cplus::WARN_LOG_LEVEL);
 
     const QCoreApplication application(argc, argv);
     const QDBusConnection bus = QDBusConnection::sessionBus();

@@ -63,9 +63,9 @@ ProfileOptions parseProfileOptions()
         parser.showHelp();
     if (parser.isSet(version))
         parser.showVersion();
-    if (!parser.positionalArguments().isEmpty())
-        refuse(
-            QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().first()));
+    const QStringList unexpected = parser.positionalArguments();
+    if (!unexpected.isEmpty())
+        refuse(QStringLiteral("Unexpected argument '%1'.").arg(unexpected.first()));
     if (parser.isSet(profile) && parser.value(profile).isEmpty())
         refuse(QStringLiteral("--profile takes the name of a file."));
 

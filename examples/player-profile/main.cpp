@@ -40,8 +40,9 @@ bool configureLogging(const QString &path)
     if (path.isEmpty()) {
         const log4cplus::SharedAppenderPtr console(new log4cplus::ConsoleAppender(true, true));
         console->setLayout(std::make_unique<log4cplus::PatternLayout>("%-5p %c: %m%n"));
-        log4cplus::Logger::getRoot().addAppender(console);
-        log4cplus::Logger::getRoot().setLogLevel(log4cplus::WARN_LOG_LEVEL);
+        log4cplus::Logger root = log4cplus::Logger::getRoot();
+        root.addAppender(console);
+        root.setLogLevel(log4cplus::WARN_LOG_LEVEL);
         return true;
     }
     // log4cplus itself would only print a line about a missing file and continue.

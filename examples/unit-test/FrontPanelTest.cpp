@@ -130,7 +130,8 @@ int main(int argc, char *argv[])
 {
     const log4cplus::Initializer logging;
     log4cplus::BasicConfigurator::doConfigure(log4cplus::Logger::getDefaultHierarchy(), true);
-    log4cplus::Logger::getRoot().setLogLevel(log4cplus::ERROR_LOG_LEVEL);
+    log4cplus::Logger root = log4cplus::Logger::getRoot();
+    root.setLogLevel(log4cplus::ERROR_LOG_LEVEL);
     const QCoreApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
