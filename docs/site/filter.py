@@ -58,6 +58,11 @@ def code(span):
     return span if text == html.escape(span.strip("`")) else f"<code>{text}</code>"
 
 
+def plain(link):
+    """A link whose text Doxygen would show with the marks of code, without them."""
+    return re.sub("`|</?code>", "", link) if "@ref" in link or "@subpage" in link else link
+
+
 def label(page, anchor):
     """The name of a heading, unique in the site."""
     return f"{page}--{anchor}"
@@ -87,10 +92,9 @@ class Document:
         if image:
             return f"![{text}]({path.name})"
         if path in self.headers:
-            return f"[{text.replace('`', '')}](@ref {self.headers[path]})"
+            return f"[{text}](@ref {self.headers[path]})"
         if path not in self.pages:
             return text
-        text = text.replace("`", "")
         page = self.pages[path]
         # Doxygen names the main page "index".
         name = label(page, anchor) if anchor else {"mainpage": "index"}.get(page, page)
@@ -117,7 +121,7 @@ class Document:
             return replaced
 
         text = CODE.sub(lambda match: keep(code(match.group())), text)
-        text = LINK.sub(lambda match: keep(self.link(match)), text)
+        text = LINK.sub(lambda match: keep(plain(restore(self.link(match)))), text)
         return restore(self.prose(text))
 
     def heading(self, marks, text):

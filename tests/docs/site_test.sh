@@ -2,6 +2,7 @@
 # The site is written without a warning, which an undocumented parameter would be, and its links lead
 # somewhere.
 # usage: site_test.sh SOURCE BUILD
+# shellcheck source=tests/integration/checks.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../integration/checks.sh"
 
 source=$1 build=$2
@@ -9,7 +10,7 @@ source=$1 build=$2
 {
     cat "$build/docs/Doxyfile"
     echo "OUTPUT_DIRECTORY = \"$folder\""
-} >"$folder/Doxyfile"
+} >"${folder:?}/Doxyfile"
 run doxygen "$folder/Doxyfile"
 expect_status 0
 expect_nothing_on_stderr

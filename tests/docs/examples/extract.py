@@ -32,7 +32,7 @@ INCLUDE = re.compile(r"^#include .*$", re.MULTILINE)
 
 def blocks_of_markdown(lines):
     """Yields line number, kind, file and text of each block."""
-    start, kind = None, (None, None)
+    start, language, kind = None, "", (None, None)
     for number, line in enumerate(lines, 1):
         comment = KIND.fullmatch(line)
         if comment and start is None:
