@@ -158,6 +158,24 @@ TEST_F(SwitchHandlerTest, LearnsThePositionsOfItsSwitchesOnRequest)
     EXPECT_THAT(events.take(), ElementsAre(on(InputEvent::SWLineIn), off(InputEvent::SWLineOut)));
 }
 
+TEST_F(SwitchHandlerTest, LosesUnreadMovesWhenItAsksForPositions)
+{
+    handler->registerSwitch(0, InputEvent::SWLineIn);
+    Vorn::Sim::InputNode &node = subsystem.node(0);
+    node.setSwitch(0, false);
+    node.setSwitch(0, true);
+    handler->getInputStatus();
+    EXPECT_THAT(events.take(), ElementsAre(on(InputEvent::SWLineIn)));
+    clock.settle();
+    EXPECT_THAT(events.take(), IsEmpty());
+
+    // Read in time, they are told.
+    node.setSwitch(0, false);
+    node.setSwitch(0, true);
+    clock.settle();
+    EXPECT_THAT(events.take(), ElementsAre(off(InputEvent::SWLineIn), on(InputEvent::SWLineIn)));
+}
+
 TEST_F(SwitchHandlerTest, LearnsNothingWhileItIsNotTheReceiver)
 {
     handler->registerSwitch(0, InputEvent::SWLineIn);
