@@ -1,5 +1,6 @@
 # vorn_compile_options(<target>): warnings, reproducible paths and instrumentation for every target of
 # this project.
+# vorn_compile_together(<target>): see VORN_INPUT_UNITY.
 
 # Makes log locations and assertions name files relative to the project, wherever it is checked out.
 set(VORN_PREFIX_MAP
@@ -46,5 +47,14 @@ function(vorn_compile_options target)
     if(VORN_INPUT_COVERAGE)
         target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)
         target_link_options(${target} PUBLIC --coverage)
+    endif()
+endfunction()
+
+# Saves half of the time of a whole build, and costs some when a single source changes. Sources must not
+# count on it: other builds go without.
+function(vorn_compile_together target)
+    if(VORN_INPUT_UNITY)
+        set_target_properties(${target} PROPERTIES
+            UNITY_BUILD ON UNITY_BUILD_MODE BATCH UNITY_BUILD_BATCH_SIZE 8)
     endif()
 endfunction()

@@ -46,6 +46,7 @@ option(VORN_INPUT_HARDENING "Fortify optimised builds; off where a packager's ow
 option(VORN_INPUT_WERROR "Treat warnings as errors" OFF)
 option(VORN_INPUT_COVERAGE "Instrument for gcov" OFF)
 option(VORN_INPUT_PRECOMPILE "Precompile the headers shared by the workbench and by the tests" OFF)
+option(VORN_INPUT_UNITY "Compile sources of the workbench and of tests several at a time" OFF)
 option(VORN_INPUT_FAST_LINKER "Link with mold or lld where installed" OFF)
 option(VORN_INPUT_CHECK_ABI "Compare the binary interface with the recorded one; needs GCC" OFF)
 option(VORN_INPUT_FUZZ "Link the fuzz targets with libFuzzer; needs clang" OFF)

@@ -11,6 +11,7 @@ Installs missing packages (with sudo unless run as root), builds, and runs the t
   release    the optimised build: the same tests, and what a key costs
   fuzz       the Debug build with clang, AddressSanitizer and UndefinedBehaviorSanitizer: the same
              tests, then ten seconds of fuzzing for each file format
+  qt6        a Debug build with Qt 6: unit and integration tests
   tsan       tests that start threads, under ThreadSanitizer
 
 With --vm also:
@@ -187,9 +188,13 @@ else
 fi
 
 run fuzz fuzz -LE vm &
-build tsan --target vorn_thread_tests
+build qt6
 wait
 report fuzz
+run qt6 qt6 -LE 'valgrind|vm|realtime' &
+build tsan --target vorn_thread_tests
+wait
+report qt6
 run tsan tsan -L threads
 report tsan
 finish

@@ -180,7 +180,7 @@ QByteArray opening(const CompiledProfile &compiled)
 
 QByteArray compiledSource(const Profile &profile, const CompiledProfile &compiled)
 {
-    return opening(compiled) + "\n#include \"ProfileData.h\"\n\n"
+    return opening(compiled) + "\n#include <vorn/profile/ProfileData.h>\n\n"
         + Compiler(compiled.name).compile(profile).toUtf8();
 }
 
@@ -189,7 +189,7 @@ QByteArray compiledHeader(const CompiledProfile &compiled)
     const QByteArray name = compiled.name.toUtf8();
     const QByteArray guard = "COMPILED_PROFILE_" + name + "_H";
     return opening(compiled) + "\n#ifndef " + guard + "\n#define " + guard
-        + "\n\n#include \"ProfileData.h\"\n\nextern const Vorn::ProfileData " + name
+        + "\n\n#include <vorn/profile/ProfileData.h>\n\nextern const Vorn::ProfileData " + name
         + ";\n\n#endif\n";
 }
 

@@ -46,7 +46,7 @@ bus = "USB"
 )"),
         R"(// Written by vorn-input compile from panel.toml: change the profile, not this file.
 
-#include "ProfileData.h"
+#include <vorn/profile/ProfileData.h>
 
 namespace {
 
@@ -110,7 +110,7 @@ TEST(ProfileCompiler, DeclaresTheConstantInTheHeader)
 #ifndef COMPILED_PROFILE_panel_H
 #define COMPILED_PROFILE_panel_H
 
-#include "ProfileData.h"
+#include <vorn/profile/ProfileData.h>
 
 extern const Vorn::ProfileData panel;
 
