@@ -1,5 +1,6 @@
 #include "LoopWatch.h"
 
+#include "DispatcherRounding.h"
 #include "RealCalls.h"
 
 #include <algorithm>
@@ -13,9 +14,6 @@ namespace Vorn::Drive {
 namespace {
 
 using Nanoseconds = std::chrono::nanoseconds;
-
-// Qt waits a millisecond longer than for the next timer, which the virtual clock takes off again.
-constexpr qint64 qtRounding = 1'000'000;
 
 int pollNow(const Sim::ClockCalls::Poll &call)
 {
@@ -89,7 +87,8 @@ int LoopWatch::pollIdle(const Poll &call)
         return Sim::Real::ppoll(call.fds, call.count, std::nullopt, call.mask);
     qint64 limit = m_listener->limit();
     if (m_virtual && limit > 0)
-        limit += qtRounding;
+        // The virtual clock takes it off again.
+        limit += Nanoseconds(Sim::dispatcherRounding).count();
     qint64 wait = timeout;
     if (limit >= 0 && (timeout < 0 || limit < timeout))
         wait = limit;

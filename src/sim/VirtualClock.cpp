@@ -1,6 +1,7 @@
 #include "VirtualClock.h"
 
 #include "ClockCalls.h"
+#include "DispatcherRounding.h"
 #include "Interposition.h"
 #include "RealCalls.h"
 
@@ -25,14 +26,12 @@ namespace {
 
 using Nanoseconds = std::chrono::nanoseconds;
 
-// Low, so that a deadline that leaks into the kernel is in the past there, not years ahead. Between
-// two milliseconds, as real clocks nearly always are: Qt waits a millisecond too long for a timer
-// that is due on a whole one.
-constexpr Nanoseconds monotonicStart = std::chrono::microseconds(10'000'500);
+// Low, so that a deadline that leaks into the kernel is in the past there, not years ahead. On a
+// whole millisecond, as are the times of Qt's coarse timers: from between two, no wait would end at
+// these and at those of precise timers, too.
+constexpr Nanoseconds monotonicStart = std::chrono::seconds(10);
 // After so many polls in a row without time moving, something keeps the loop busy forever.
 constexpr int busyLimit = 1'000'000;
-
-constexpr Nanoseconds qtRounding = std::chrono::milliseconds(1);
 
 // The start of the library that contains an address.
 const void *libraryOf(const void *address)
@@ -142,13 +141,13 @@ public:
     quint64 wakeUps() const { return m_wakeUps; }
 
 private:
-    // Qt rounds the wait for a timer up past the next whole millisecond; since virtual time only
-    // moves by these waits, every timer would be a millisecond late. A dispatcher that wakes too
-    // early just polls again.
+    // Since virtual time only moves by these waits, every timer would be as late as Qt rounds them.
+    // A dispatcher that wakes too early just polls again.
     static Nanoseconds waitOf(const Poll &call)
     {
         const Nanoseconds wait = *call.timeout;
-        return wait > qtRounding && isDispatcher(call.caller) ? wait - qtRounding : wait;
+        return wait > dispatcherRounding && isDispatcher(call.caller) ? wait - dispatcherRounding
+                                                                      : wait;
     }
 
     int wait(const Poll &call)

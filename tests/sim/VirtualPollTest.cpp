@@ -16,6 +16,8 @@
 #include <string>
 #include <thread>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 using namespace std::chrono_literals;
 using Vorn::Sim::VirtualClock;
@@ -135,6 +137,30 @@ TEST(WakeUps, AreCountedForTimersAndDescriptors)
     clock.settle();
     EXPECT_EQ(activations, 1);
     EXPECT_EQ(clock.wakeUps(), before + 1);
+}
+
+TEST(WakeUps, AreOneForEachTick)
+{
+    const std::pair<Qt::TimerType, std::vector<int>> timers[] = {
+        {Qt::PreciseTimer, {1, 2, 7, 50, 1000}},
+        {Qt::CoarseTimer, {1, 7, 20, 33, 50, 100, 330, 1000, 1001}},
+        {Qt::VeryCoarseTimer, {1000, 20'000}},
+    };
+    VirtualClock clock;
+    for (const auto &[type, intervals] : timers) {
+        for (const int interval : intervals) {
+            clock.settle();
+            const quint64 before = clock.wakeUps();
+            QTimer timer;
+            timer.setTimerType(type);
+            quint64 ticks = 0;
+            QObject::connect(&timer, &QTimer::timeout, [&] { ++ticks; });
+            timer.start(interval);
+            clock.advance(std::chrono::milliseconds(20 * interval));
+            EXPECT_NEAR(static_cast<double>(ticks), 20, 1) << "of " << interval << " ms";
+            EXPECT_EQ(clock.wakeUps() - before, ticks) << "of " << interval << " ms";
+        }
+    }
 }
 
 TEST(WakeUps, AreNotCountedForWhatIsReadyWithoutASleep)

@@ -124,17 +124,10 @@ TEST_F(Silence, IsBrokenTwentyTimesASecondWhileATimedKeyIsHeld)
 {
     TickCounter ticks;
     panel.press(timedKey);
-    const quint64 wakeUps = wakeUpsIn(10s);
+    EXPECT_EQ(wakeUpsIn(10s), 200);
     EXPECT_EQ(ticks.take(), 200);
     // The press, and the long presses from 0.6 s on.
     EXPECT_THAT(events.texts(), SizeIs(1 + 48));
-
-    panel.release(timedKey);
-    clock.advance(1s);
-    // Nothing else wakes it: a single timer causes as many wake-ups, possibly two per tick.
-    QTimer timer;
-    timer.start(50);
-    EXPECT_EQ(wakeUpsIn(10s), wakeUps);
 }
 
 TEST_F(Silence, ReturnsWithOneTickWithinATenthOfASecondAfterTheRelease)
