@@ -33,11 +33,12 @@ WAITS = {"poll", "ppoll"}
 def toolchain(build):
     """What the instruction counts depend on besides the library."""
     cache = (Path(build) / "CMakeCache.txt").read_text()
-    compiler = next(line.partition("=")[2] for line in cache.splitlines()
-                    if line.startswith("CMAKE_CXX_COMPILER:"))
+    compiler, major = (next(line.partition("=")[2] for line in cache.splitlines()
+                            if line.startswith(name + ":"))
+                       for name in ("CMAKE_CXX_COMPILER", "VORN_INPUT_QT"))
     version = subprocess.run([compiler, "-dumpfullversion"], check=True, stdout=subprocess.PIPE,
                              text=True).stdout.strip()
-    qt = subprocess.run(["pkg-config", "--modversion", "Qt5Core"], check=True,
+    qt = subprocess.run(["pkg-config", "--modversion", f"Qt{major}Core"], check=True,
                         stdout=subprocess.PIPE, text=True).stdout.strip()
     return f"g++ {version}, Qt {qt}, {platform.machine()}"
 

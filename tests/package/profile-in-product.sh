@@ -20,6 +20,9 @@ fail() {
 }
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
+# It has a suffix in builds with another Qt than Qt 5.
+package=$(basename "$(find "$prefix" -name 'vorn_input*Config.cmake')" Config.cmake)
+suffix=${package#vorn_input}
 for header in ProfileReader.h Profile.h ProfileData.h ProfileInputHandler.h Diagnostic.h; do
     [ -f "$prefix/include/vorn/profile/$header" ] || fail "not installed: vorn/profile/$header"
 done
@@ -29,7 +32,8 @@ configure() {
     local consumer=$1 folder=$2
     shift 2
     cmake -S "$consumer" -B "$folder" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
-        -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_CXX_FLAGS="${flags[*]:-} -Wall -Wextra -Wpedantic -Werror" \
+        -DVORN_PACKAGE="$package" -DCMAKE_CXX_COMPILER="$cxx" \
+        -DCMAKE_CXX_FLAGS="${flags[*]:-} -Wall -Wextra -Wpedantic -Werror" \
         "$@" >"$scratch/log" 2>&1
 }
 
@@ -46,15 +50,16 @@ echo 'KEY_OK = "Conf"' >>"$scratch/panel.toml"
 grep -q ':4:10: error: unknown command' "$scratch/log" || fail "expected the place of the mistake"
 sed -i '$d' "$scratch/panel.toml"
 
-pc=$(dirname "$(find "$prefix" -name vorn_profile.pc)")
-read -ra options < <(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs vorn_profile)
+pc=$(dirname "$(find "$prefix" -name "vorn_profile$suffix.pc")")
+read -ra options < <(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs "vorn_profile$suffix")
 "$cxx" -std=c++17 -fPIC "${flags[@]}" "$consumers/consumer-profile/main.cpp" "${options[@]}" \
     -Wl,-rpath-link,"$(dirname "$pc")" -o "$scratch/consumer"
 LD_LIBRARY_PATH=$(dirname "$pc") "$scratch/consumer" "$scratch/panel.toml" 2>/dev/null ||
     fail "it has no key map with pkg-config: $?"
 
 # What has it compiled in. The profile will be edited.
-[ -x "$prefix/bin/vorn-input" ] || exit 0
+tool=$prefix/bin/vorn-input$suffix
+[ -x "$tool" ] || exit 0
 product=$scratch/product
 cp -R "$consumers/consumer-compiled" "$product"
 configure "$product" "$scratch/compiled" || fail "a product with a key map cannot be configured"
@@ -109,11 +114,11 @@ refused 'cannot run /bin/false: ' -DVORN_INPUT_TOOL=/bin/false
 printf '#!/bin/sh\necho vorn-input 0.9.0\n' >"$scratch/old" && chmod +x "$scratch/old"
 refused "needs vorn-input .*, and $scratch/old is 'vorn-input 0.9.0'" \
     -DVORN_INPUT_TOOL="$scratch/old"
-mv "$prefix/bin/vorn-input" "$scratch"
+mv "$tool" "$scratch/tool"
 # Nor is one found that is installed here.
 refused 'needs the program vorn-input on this machine' -DCMAKE_IGNORE_PATH="${PATH//:/;}" \
     -DCMAKE_MAKE_PROGRAM="$(command -v ninja)"
-mv "$scratch/vorn-input" "$prefix/bin"
+mv "$scratch/tool" "$tool"
 echo 'vorn_add_profile(consumer-compiled)' >>"$product/CMakeLists.txt"
 refused 'name a profile'
 sed -i '$c vorn_add_profile(nothing keys.toml)' "$product/CMakeLists.txt"
