@@ -16,6 +16,11 @@ endif()
 
 find_package(Qt${VORN_INPUT_QT} ${VORN_QT_MINIMUM} REQUIRED COMPONENTS Core)
 
+# The same for the workbench, which names the library and the Qt of programs that it can drive.
+set(VORN_QT_DEFINITIONS
+    VORN_INPUT_QT="${VORN_INPUT_QT}"
+    VORN_INPUT_LIBRARY="libvorn_input${VORN_INPUT_SUFFIX}.so")
+
 # vorn_output_name(<target> [<name>]): names the target's file <name>, or as the target, with the suffix.
 function(vorn_output_name target)
     set(name "${target}")

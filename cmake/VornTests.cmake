@@ -2,6 +2,10 @@
 
 find_package(GTest 1.12 REQUIRED CONFIG)
 find_package(Qt${VORN_INPUT_QT} ${VORN_QT_MINIMUM} REQUIRED COMPONENTS Test)
+if(VORN_INPUT_QT STREQUAL "6")
+    # It would define the folder of each test, so that no two could share a precompiled header.
+    set_property(TARGET Qt6::Test PROPERTY INTERFACE_COMPILE_DEFINITIONS QT_TESTLIB_LIB)
+endif()
 find_program(VORN_VALGRIND valgrind)
 
 # For programs without the common main(): suppresses only the detectors' deliberate leaks, by name. The

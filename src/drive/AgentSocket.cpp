@@ -49,7 +49,7 @@ std::optional<QByteArray> AgentSocket::takeLine()
         if (!receive(MSG_DONTWAIT))
             return {};
     }
-    const int end = m_received.indexOf('\n') + 1;
+    const auto end = m_received.indexOf('\n') + 1;
     const QByteArray line = m_received.left(end);
     m_received.remove(0, end);
     return line;

@@ -221,8 +221,9 @@ QString watchLibrary()
                      {VORN_KEY_RECORDS, reinterpret_cast<void *>(&Replacement::takeKeys)})
         && replaceIn("_ZTV19BasicSwInputHandler",
                      {VORN_SWITCH_RECORDS, reinterpret_cast<void *>(&Replacement::takeSwitches)});
-    return isDone ? QString()
-                  : QStringLiteral("its libvorn_input.so is not one that this vorn-input knows");
+    return isDone
+        ? QString()
+        : QStringLiteral("its " VORN_INPUT_LIBRARY " is not one that this vorn-input knows");
 }
 
 } // namespace Vorn::Drive

@@ -83,7 +83,7 @@ QByteArray tamed(const std::vector<std::uint8_t> &bytes)
 
 void expectRead(const Receiver &receiver, const QByteArray &bytes)
 {
-    const int count = bytes.size() / static_cast<int>(sizeof(input_event));
+    const auto count = bytes.size() / static_cast<int>(sizeof(input_event));
     require(receiver.batches.size() == (count > 0 ? 1U : 0U));
     if (count == 0)
         return;

@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QByteArray option("--pattern ");
     LogReaderOptions options;
     if (log.startsWith(option)) {
-        const int end = log.indexOf('\n') < 0 ? log.size() : log.indexOf('\n');
+        const auto end = log.indexOf('\n') < 0 ? log.size() : log.indexOf('\n');
         options.pattern = QString::fromUtf8(log.mid(option.size(), end - option.size()));
         log.remove(0, end + 1);
     }

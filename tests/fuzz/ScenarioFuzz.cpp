@@ -24,7 +24,7 @@ std::optional<QByteArray> readInclude(const QString &path, QString *error)
 /// A step that refers to a nonexistent device would abort a simulation.
 void check(const ParsedScenario &parsed)
 {
-    const int devices = parsed.scenario.devices.size();
+    const auto devices = parsed.scenario.devices.size();
     for (const ScenarioStep &step : parsed.scenario.steps) {
         if (const auto *keys = std::get_if<Step::Keys>(&step.what)) {
             if (keys->device < 0 || keys->device >= devices || keys->codes.isEmpty())

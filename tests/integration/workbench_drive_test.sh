@@ -145,8 +145,8 @@ refuse "error: $profile may not be executed; .*" "$scenario" -- "$profile"
 refuse 'error: ./text is not a program: .*' "$scenario" -- ./text
 refuse 'error: ./short (is damaged|cannot be driven): .*' "$scenario" -- ./short
 refuse 'error: ./class is for .*' "$scenario" -- ./class
-refuse 'error: /.*/true does not link libvorn_input.so, .*' "$scenario" -- true
-refuse "error: .*/libvorn_input.so is .*" "$scenario" -- "$build/src/lib/libvorn_input.so"
+refuse 'error: /.*/true does not link libvorn_input(-qt6)?.so, .*' "$scenario" -- true
+refuse "error: .*/libvorn_input(-qt6)?.so is .*" "$scenario" -- "$build"/src/lib/libvorn_input*.so
 refuse "error: --timeout takes a duration .*" --timeout nonsense "$scenario" -- "$player"
 refuse "error: --tolerance takes a duration .*" --tolerance -1s "$scenario" -- "$player"
 refuse 'missing.scenario: error: cannot be read.*' --virtual-time --quiet missing.scenario -- "$player"

@@ -92,7 +92,7 @@ void EmulatorMonitor::send(const QJsonObject &message) const
 QJsonObject EmulatorMonitor::answerTo(int id)
 {
     for (;;) {
-        int end = 0;
+        QByteArray::size_type end = 0;
         while ((end = m_received.indexOf('\n')) >= 0) {
             QJsonObject message = QJsonDocument::fromJson(m_received.left(end)).object();
             m_received.remove(0, end + 1);

@@ -24,7 +24,8 @@ using testing::StartsWith;
 
 int openDescriptors()
 {
-    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
+    const QDir folder(QStringLiteral("/proc/self/fd"));
+    return static_cast<int>(folder.entryList(QDir::AllEntries | QDir::System).size());
 }
 
 /// Bytes allocated and not freed.

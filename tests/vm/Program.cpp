@@ -9,6 +9,9 @@ Program::Program(const QString &path, const QStringList &arguments, User user)
     : m_user(user)
 {
     setProcessChannelMode(QProcess::MergedChannels);
+#if QT_VERSION_MAJOR >= 6
+    setChildProcessModifier([this] { giveUpRights(); });
+#endif
     start(path, arguments);
     if (!waitForStarted())
         qFatal("cannot start %s: %s", qPrintable(path), qPrintable(errorString()));
@@ -43,7 +46,7 @@ int Program::wait()
     return exitStatus() == QProcess::NormalExit ? exitCode() : -1;
 }
 
-void Program::setupChildProcess()
+void Program::giveUpRights()
 {
     constexpr unsigned int nobody = 65534;
     if (m_user == User::Nobody

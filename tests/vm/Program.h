@@ -19,7 +19,7 @@ public:
 
     /// The output so far, including stderr.
     QByteArray printed();
-    int lines() { return printed().count('\n'); }
+    int lines() { return static_cast<int>(printed().count('\n')); }
 
     /// Sends a signal, by default SIGTERM as a service manager would, and returns the exit status,
     /// or -1 if the program does not exit or is killed by a signal.
@@ -27,10 +27,18 @@ public:
     /// Waits until the program exits; returns the same as finish().
     int wait();
 
+#if QT_VERSION_MAJOR < 6
 protected:
-    void setupChildProcess() override;
+    // Qt 6 takes a function in its place.
+    void setupChildProcess() override
+    {
+        giveUpRights();
+    }
+#endif
 
 private:
+    void giveUpRights();
+
     const User m_user;
     QByteArray m_printed;
 };

@@ -56,9 +56,9 @@ QList<input_event> takeBatch(QList<input_event> &spare, const input_event *recor
     }
     while (batch.size() > count)
         batch.removeLast();
-    const int reused = batch.size();
+    const auto reused = batch.size();
     std::copy(records, records + reused, batch.begin());
-    for (int i = reused; i < count; ++i)
+    for (auto i = reused; i < count; ++i)
         batch.append(records[i]);
     return batch;
 }

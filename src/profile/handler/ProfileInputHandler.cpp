@@ -55,7 +55,7 @@ struct Device
 /// Whether it depends on its bus which entry a device of that name uses.
 bool dependsOnBus(const Profile &profile, const QString &name)
 {
-    const auto *const first = std::find_if(
+    const QVector<DeviceProfile>::const_iterator first = std::find_if(
         profile.devices.begin(), profile.devices.end(),
         [&name](const DeviceProfile &device) { return device.name.value_or(name) == name; });
     return first != profile.devices.end() && first->bus;

@@ -48,7 +48,7 @@ bool isCharacter(InputEvent::Command command)
 
 std::optional<InputEvent::State> state(const QString &name)
 {
-    const int index = stateNames().indexOf(name);
+    const auto index = stateNames().indexOf(name);
     if (index < 0)
         return std::nullopt;
     // The list leaves out NoState, which is 0.

@@ -32,11 +32,11 @@ QString escaped(uint character)
 
 /// @param limit the most characters to take
 /// @param end set to the number of QChars that were taken
-QString printableStart(const QString &text, int limit, int *end)
+QString printableStart(const QString &text, QString::size_type limit, QString::size_type *end)
 {
     QString shown;
     shown.reserve(std::min(text.size(), limit));
-    int i = 0;
+    QString::size_type i = 0;
     // By code points: half a surrogate pair is not a character.
     for (int count = 0; i < text.size() && count < limit; ++count) {
         const bool isPair =
@@ -69,13 +69,13 @@ QString printable(const QString &text)
     // Nearly every text is plain, and every line of a session comes through here.
     if (std::all_of(text.begin(), text.end(), isPlain))
         return text;
-    int end = 0;
+    QString::size_type end = 0;
     return printableStart(text, text.size(), &end);
 }
 
 QString quoted(const QString &text)
 {
-    int end = 0;
+    QString::size_type end = 0;
     QString shown = printableStart(text, maxQuotedSize, &end);
     if (end < text.size())
         shown += QChar(0x2026);

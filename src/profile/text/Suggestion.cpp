@@ -69,7 +69,7 @@ QString closest(const QString &unknown, const QStringList &known)
     const QString wanted = withoutPrefix(unknown).toLower();
     QString best;
     // A third of the characters may be wrong, one in short names.
-    int bestDistance = static_cast<int>(std::max(1, wanted.size() / 3)) + 1;
+    int bestDistance = std::max(1, static_cast<int>(wanted.size() / 3)) + 1;
     for (const QString &candidate : known) {
         const QString text = withoutPrefix(candidate).toLower();
         if (std::abs(text.size() - wanted.size()) >= bestDistance)

@@ -18,7 +18,7 @@ TextPosition positionOf(const QByteArray &text, int offset)
 {
     // Editors count columns in characters, not in bytes.
     TextPosition position;
-    const int end = std::clamp(offset, 0, text.size());
+    const int end = std::clamp(offset, 0, static_cast<int>(text.size()));
     for (int i = 0; i < end; ++i) {
         if (text.at(i) == '\n') {
             ++position.line;

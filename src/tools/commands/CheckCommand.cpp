@@ -45,7 +45,7 @@ QString toText(const Diagnostic &diagnostic, bool coloured)
         const QString severity = severityName(diagnostic);
         const bool isError = diagnostic.severity == Diagnostic::Severity::Error;
         // Counted from the end, because a file name may contain anything, "error" included.
-        const int begin = text.size() - printable(diagnostic.message).size() - severity.size()
+        const auto begin = text.size() - printable(diagnostic.message).size() - severity.size()
             - 2; // ": " between
         text.insert(begin + severity.size(), QStringLiteral("\033[0m"));
         text.insert(begin, isError ? QStringLiteral("\033[1;31m") : QStringLiteral("\033[1;35m"));
@@ -92,7 +92,7 @@ ExitStatus checkFile(const QString &file, const CheckOptions &options, bool colo
         std::count_if(diagnostics.begin(), diagnostics.end(), [](const Diagnostic &diagnostic) {
             return diagnostic.severity == Diagnostic::Severity::Error;
         }));
-    const int warnings = diagnostics.size() - errors;
+    const int warnings = static_cast<int>(diagnostics.size()) - errors;
     if (!options.json)
         printLine(stdout, summary(file, errors, warnings));
     return errors > 0 || (options.strict && warnings > 0) ? Found : Success;

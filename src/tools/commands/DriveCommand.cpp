@@ -58,8 +58,9 @@ CLI::App *addDrive(CLI::App *app, DriveOptions *options)
         app, "drive", "Run scenarios on a product's own program",
         "Everything after -- is the program and its arguments. It is started for each\n"
         "scenario as it is, with the scenario's devices under its /dev/input, and what it\n"
-        "publishes on its own event bus is checked. Any Qt 5 program that links\n"
-        "libvorn_input.so will do; the machine's own devices are left alone. The program\n"
+        "publishes on its own event bus is checked. Any Qt " VORN_INPUT_QT
+        " program that links\n" VORN_INPUT_LIBRARY
+        " will do; the machine's own devices are left alone. The program\n"
         "has its own key map: a profile only says which keys the devices have.\n"
         "\n"
         "Time is real, unless --virtual-time makes the program's clocks virtual, which not\n"

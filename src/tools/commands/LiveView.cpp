@@ -176,7 +176,8 @@ void LiveView::showHint(qint64 time, const Hints::Hint &hint, const QString &ide
         ? QStringLiteral(", not in the profile under %1").arg(quoted(identifier))
         : QString();
     const QString text = QStringLiteral("register for %1%2:").arg(hint.device, place);
-    const QStringList lines = wrapped(printable(text), SessionPrinter::width - start.size());
+    const QStringList lines =
+        wrapped(printable(text), SessionPrinter::width - static_cast<int>(start.size()));
     for (const QString &line : lines) {
         printLine(stdout, start + line);
         start.fill(QLatin1Char(' '));
@@ -215,7 +216,7 @@ void LiveView::complainOfNodes() const
 {
     const QStringList paths = inputNodes();
     for (const QString &path : paths) {
-        const int number = path.midRef(path.lastIndexOf(QLatin1Char('t')) + 1).toInt();
+        const int number = path.mid(path.lastIndexOf(QLatin1Char('t')) + 1).toInt();
         if (number >= nodeCount) {
             complain(QStringLiteral("%1 is not shown: the library looks at event0 to event%2 only")
                          .arg(path, QString::number(nodeCount - 1)));

@@ -56,8 +56,9 @@ struct FailureParts
 
 QStringList indented(const QString &text)
 {
-    const QString indent(4, QLatin1Char(' '));
-    QStringList lines = wrapped(text, SessionPrinter::width - indent.size());
+    constexpr int indentWidth = 4;
+    const QString indent(indentWidth, QLatin1Char(' '));
+    QStringList lines = wrapped(text, SessionPrinter::width - indentWidth);
     for (QString &line : lines)
         line.prepend(indent);
     return lines;

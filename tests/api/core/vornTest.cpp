@@ -1,5 +1,6 @@
 #include "vorn.h"
 
+#include "QtDifferences.h"
 #include "vornTestTypes.h"
 
 #include <QCoreApplication>
@@ -7,6 +8,16 @@
 #include <QThread>
 
 #include <gmock/gmock.h>
+
+struct Unregistered
+{
+    int number;
+};
+
+void Receiver::onUnregistered(const Unregistered &value)
+{
+    numbers.push_back(value.number);
+}
 
 namespace {
 
@@ -43,11 +54,11 @@ TEST(CheckedConnection, AcceptsRegisteredTypesAndPointersWhenQueued)
     Vorn::connect(&sender, &Sender::declared, &receiver, &Receiver::onDeclared,
                   Qt::QueuedConnection);
     Vorn::connect(&sender, &Sender::pointer, &receiver, &Receiver::onPointer, Qt::QueuedConnection);
-    Unregistered pointed{4};
+    Unmentioned pointed{4};
     Q_EMIT sender.number(1);
     Q_EMIT sender.registeredByName({2});
     Q_EMIT sender.declared({3});
-    qRegisterMetaType<Unregistered *>("Unregistered*");
+    qRegisterMetaType<Unmentioned *>("Unmentioned*");
     Q_EMIT sender.pointer(&pointed);
     EXPECT_THAT(receiver.numbers, testing::IsEmpty());
     QCoreApplication::processEvents();
@@ -76,6 +87,8 @@ TEST(CheckedConnection, VerifiesOnlyWhatIsQueued)
     EXPECT_TRUE(verify(&Sender::numbers, Qt::QueuedConnection));
     EXPECT_TRUE(verify(&Sender::pointer, Qt::QueuedConnection));
     EXPECT_TRUE(verify(&Sender::nothing, Qt::QueuedConnection));
+    EXPECT_EQ(verify(&Sender::unmentioned, Qt::QueuedConnection),
+              QtDifferences::knowsCompleteTypes);
 }
 
 TEST(CheckedConnection, VerifiesAutomaticConnectionsAcrossThreads)

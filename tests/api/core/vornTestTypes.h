@@ -6,7 +6,10 @@
 
 #include <vector>
 
-struct Unregistered
+/// Not defined where the signals are compiled: Qt 6 registers what it knows the size of.
+struct Unregistered;
+
+struct Unmentioned
 {
     int number;
 };
@@ -33,11 +36,12 @@ Q_SIGNALS:
     void nothing();
     void number(int);
     void numbers(int, int, int);
-    void unregistered(Unregistered);
-    void numberAndUnregistered(int, Unregistered);
+    void unregistered(const Unregistered &);
+    void numberAndUnregistered(int, const Unregistered &);
+    void unmentioned(Unmentioned);
     void registeredByName(RegisteredByName);
     void declared(Declared);
-    void pointer(Unregistered *);
+    void pointer(Unmentioned *);
 };
 
 class Receiver : public QObject
@@ -49,10 +53,10 @@ public:
 
 public Q_SLOTS:
     void onNumber(int number) { numbers.push_back(number); }
-    void onUnregistered(Unregistered value) { numbers.push_back(value.number); }
+    void onUnregistered(const Unregistered &value);
     void onRegisteredByName(RegisteredByName value) { numbers.push_back(value.number); }
     void onDeclared(Declared value) { numbers.push_back(value.number); }
-    void onPointer(Unregistered *value) { numbers.push_back(value->number); }
+    void onPointer(Unmentioned *value) { numbers.push_back(value->number); }
 };
 
 #endif

@@ -56,7 +56,7 @@ void FaultRig::start()
 {
     devices = std::make_unique<Devices>();
     devices->onAdd = [this](const QString &path, const QString &name) {
-        const int number = path.rightRef(1).toInt();
+        const int number = path.right(1).toInt();
         const InputEvent::Command command = commandOf(number);
         auto *keys = new BasicKeyInputHandler(name);
         devices->addKeyHandler(path, keys, QString());

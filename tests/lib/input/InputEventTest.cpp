@@ -1,4 +1,5 @@
 #include "Input.h"
+#include "QtDifferences.h"
 
 #include <QMetaEnum>
 
@@ -275,7 +276,7 @@ TEST(InputEventValue, CanBeCopiedAndDestroyedOnManyThreads)
 TEST(InputEventMetaType, IsDeclared)
 {
     EXPECT_NE(qMetaTypeId<InputEvent>(), QMetaType::UnknownType);
-    EXPECT_STREQ(QMetaType::typeName(qMetaTypeId<InputEvent>()), "InputEvent");
+    EXPECT_STREQ(QtDifferences::metaTypeName(qMetaTypeId<InputEvent>()), "InputEvent");
 }
 
 } // namespace

@@ -21,7 +21,7 @@ TEST(CompiledProfile, IsTheOneThatIsRead)
         const ParsedProfile parsed = loadProfile(QString::fromUtf8(compiled.path));
         ASSERT_FALSE(hasErrors(parsed.diagnostics)) << compiled.path;
         EXPECT_TRUE(toProfile(*compiled.data) == parsed.profile) << compiled.path;
-        strings += parsed.profile.identifiers().size();
+        strings += static_cast<int>(parsed.profile.identifiers().size());
     }
     // They are worth reading.
     EXPECT_GT(strings, 50);

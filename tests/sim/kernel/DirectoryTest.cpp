@@ -44,7 +44,7 @@ public:
     int changes()
     {
         m_clock.settle();
-        const int count = m_changes.count();
+        const auto count = static_cast<int>(m_changes.count());
         m_changes.clear();
         return count;
     }

@@ -26,7 +26,7 @@ QVector<int> setBits(const QByteArray &bits)
 
 QByteArray withoutTrailingZeros(QByteArray bits)
 {
-    int size = bits.size();
+    auto size = bits.size();
     while (size > 0 && bits.at(size - 1) == '\0')
         --size;
     bits.truncate(size);

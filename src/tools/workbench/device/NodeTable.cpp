@@ -137,13 +137,13 @@ QString nodeTable(const QVector<NodeInfo> &nodes, bool coloured)
                              QStringLiteral("THE LIBRARY READS")};
     QVector<int> widths;
     for (const QString &title : header)
-        widths += title.size();
+        widths += static_cast<int>(title.size());
     QVector<Row> rows;
     for (const NodeInfo &node : nodes) {
-        const int indent = QFileInfo(node.path).fileName().size() + 2;
+        const int indent = static_cast<int>(QFileInfo(node.path).fileName().size()) + 2;
         rows += rowOf(node, tableWidth - qMax(indent, widths.first() + 2));
         for (int i = 0; i < widths.size(); ++i)
-            widths[i] = std::max(widths.at(i), rows.last().cells.at(i).size());
+            widths[i] = std::max(widths.at(i), static_cast<int>(rows.last().cells.at(i).size()));
     }
 
     // Details start below the second column, whose position is known only now.

@@ -9,7 +9,7 @@ namespace {
 // -1 if none is set.
 int highestBit(const QByteArray &bits)
 {
-    int bit = bits.size() * 8 - 1;
+    int bit = static_cast<int>(bits.size()) * 8 - 1;
     while (bit >= 0 && !testBit(bits, bit))
         --bit;
     return bit;
@@ -60,7 +60,7 @@ void RecordedDevice::declare(int type, int code)
 
 QByteArray kernelText(const QByteArray &bytes)
 {
-    const int end = bytes.indexOf('\0');
+    const auto end = bytes.indexOf('\0');
     return end < 0 ? bytes : bytes.left(end);
 }
 

@@ -222,8 +222,8 @@ void DrivenBench::receive()
     if (count <= 0)
         return;
     m_received.append(buffer, static_cast<int>(count));
-    int begin = 0;
-    for (int end = m_received.indexOf('\n'); end >= 0; end = m_received.indexOf('\n', begin)) {
+    QByteArray::size_type begin = 0;
+    for (auto end = m_received.indexOf('\n'); end >= 0; end = m_received.indexOf('\n', begin)) {
         take(m_received.mid(begin, end + 1 - begin));
         begin = end + 1;
     }

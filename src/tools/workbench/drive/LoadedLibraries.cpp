@@ -15,7 +15,7 @@ QString complaint(const QByteArray &text)
 {
     const QString line = QString::fromLocal8Bit(text).trimmed().section(QLatin1Char('\n'), 0, 0);
     const QString marker = QStringLiteral("error while loading shared libraries: ");
-    const int at = line.indexOf(marker);
+    const auto at = line.indexOf(marker);
     return at < 0 ? line : line.mid(at + marker.size());
 }
 

@@ -82,13 +82,15 @@ QString obstacleOfLibraries(const LoadedLibraries &libraries)
     bool hasInput = false;
     for (const QString &name : libraries.names) {
         const QRegularExpressionMatch match = core.match(name);
-        if (match.hasMatch() && match.captured(1) != QLatin1String("5"))
-            return QStringLiteral("uses another Qt than Qt 5 (%1); build it with Qt 5").arg(name);
-        hasInput |= name.startsWith(QLatin1String("libvorn_input.so"));
+        if (match.hasMatch() && match.captured(1) != QLatin1String(VORN_INPUT_QT))
+            return QStringLiteral("uses another Qt than Qt " VORN_INPUT_QT
+                                  " (%1); build it with Qt " VORN_INPUT_QT)
+                .arg(name);
+        hasInput |= name.startsWith(QLatin1String(VORN_INPUT_LIBRARY));
     }
     return hasInput
         ? QString()
-        : QStringLiteral("does not link libvorn_input.so, neither itself nor through "
+        : QStringLiteral("does not link " VORN_INPUT_LIBRARY ", neither itself nor through "
                          "its libraries; name the program that reads the input devices");
 }
 

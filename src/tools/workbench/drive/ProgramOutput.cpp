@@ -41,8 +41,8 @@ void ProgramOutput::add(const QByteArray &bytes)
     if (m_shown == Shown::No)
         return;
     m_line += bytes;
-    int begin = 0;
-    for (int end = 0; (end = m_line.indexOf('\n', begin)) >= 0; begin = end + 1) {
+    QByteArray::size_type begin = 0;
+    for (auto end = begin; (end = m_line.indexOf('\n', begin)) >= 0; begin = end + 1) {
         QByteArray line = m_line.mid(begin, end - begin);
         showPieces(&line);
         show(line);

@@ -168,7 +168,7 @@ std::optional<EventReported> report(const QString &message)
 QString functionName(const QString &scope)
 {
     const QString name = scope.section(QLatin1Char('('), 0, 0).trimmed();
-    int begin = name.size();
+    auto begin = name.size();
     while (begin > 0 && (name.at(begin - 1).isLetterOrNumber() || name.at(begin - 1) == '_'))
         --begin;
     return name.mid(begin);
@@ -456,7 +456,7 @@ QVector<QPair<QString, QString>> handlerNames(const QString &handler)
 {
     const QLatin1String between = literal("; id: ");
     QVector<QPair<QString, QString>> names;
-    for (int at = handler.indexOf(between); at >= 0; at = handler.indexOf(between, at + 1))
+    for (auto at = handler.indexOf(between); at >= 0; at = handler.indexOf(between, at + 1))
         names.append({handler.left(at), handler.mid(at + between.size())});
     return names;
 }

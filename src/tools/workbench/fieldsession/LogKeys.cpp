@@ -34,8 +34,9 @@ void LogKeys::take(const Said::KeysStored &stored)
     const bool isFound = m_found.has_value();
     const int code = isFound ? m_found->code : stored.keys.last().code;
     m_found.reset();
-    const auto *const key = std::find_if(stored.keys.begin(), stored.keys.end(),
-                                         [code](const auto &other) { return other.code == code; });
+    const QVector<Said::KeysStored::Key>::const_iterator key =
+        std::find_if(stored.keys.begin(), stored.keys.end(),
+                     [code](const auto &other) { return other.code == code; });
     if (key == stored.keys.end()) {
         m_queue->add(m_time->now,
                      Remark{QStringLiteral("lines of the chord detector contradict each "
@@ -127,7 +128,7 @@ LogHand::Kind LogKeys::store(const LogDetectorPtr &detector, const Said::KeysSto
         detector->forgotten.remove(key.code);
     if (keys.size() == 1)
         return Kind::Single;
-    const int down = detector->codesDown().size();
+    const auto down = detector->codesDown().size();
     if (down == keys.size() && !wasChord)
         return Kind::ChordBegun;
     return down == 0 ? Kind::ChordEnded : Kind::ChordPart;

@@ -177,7 +177,7 @@ void Learner::onPressed(const Press &press)
               .arg(isChord ? QStringLiteral("chord ") : QString(), joinedKeys(press.keys), device,
                    seconds(press.duration)));
     if (!isChord && press.duration >= longPressHoldUs)
-        offerLongPress(m_learnt.size() - 1, press.duration);
+        offerLongPress(learntCount() - 1, press.duration);
     else
         next();
 }
@@ -261,7 +261,7 @@ void Learner::answer(char key)
 
 int Learner::learntCount() const
 {
-    return m_learnt.size();
+    return static_cast<int>(m_learnt.size());
 }
 
 Profile Learner::profile() const
@@ -270,7 +270,7 @@ Profile Learner::profile() const
     QMap<QString, int> indexes;
     for (const Learnt &learnt : m_learnt) {
         if (!indexes.contains(learnt.deviceName)) {
-            indexes.insert(learnt.deviceName, profile.devices.size());
+            indexes.insert(learnt.deviceName, static_cast<int>(profile.devices.size()));
             DeviceProfile device;
             device.name = learnt.deviceName;
             device.handlers += HandlerProfile();

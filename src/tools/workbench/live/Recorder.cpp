@@ -43,7 +43,7 @@ int numberOf(const QString &device)
 {
     const QLatin1String prefix("/dev/input/event");
     bool isNumber = false;
-    const int number = device.midRef(prefix.size()).toInt(&isNumber);
+    const int number = device.mid(prefix.size()).toInt(&isNumber);
     return device.startsWith(prefix) && isNumber ? number : -1;
 }
 

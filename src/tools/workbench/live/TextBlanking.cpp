@@ -23,7 +23,7 @@ QString withoutTyping(const QString &text)
 {
     static const QRegularExpression word(QStringLiteral("\\b[A-Za-z0-9_]+\\b"));
     QString result;
-    int end = 0;
+    QString::size_type end = 0;
     for (auto it = word.globalMatch(text); it.hasNext();) {
         const QRegularExpressionMatch match = it.next();
         QString found = match.captured();
@@ -206,7 +206,7 @@ TextBlanking::StandIn TextBlanking::chooseStandIn(const Device &device, int code
         return StandIn{code, std::nullopt, false};
     const QVector<int> codes = standInCodes(device);
     const QList<int> down = device.down.values();
-    const auto *const free = std::find_if(
+    const QVector<int>::const_iterator free = std::find_if(
         codes.cbegin(), codes.cend(), [&down](int candidate) { return !down.contains(candidate); });
     const int chosen = free != codes.cend() ? *free : codes.value(0, KEY_A);
     return StandIn{chosen, commandOf(handlerOf(device), device, chosen), true};

@@ -115,7 +115,7 @@ bool LogPatternCompiler::compileBraces(QByteArray *content, int *place)
 {
     if (current() != '{')
         return true;
-    const int end = m_text.indexOf('}', m_at);
+    const int end = static_cast<int>(m_text.indexOf('}', m_at));
     if (end < 0)
         return fail(m_at, QStringLiteral("'{' without its '}'"));
     *place = m_at + 1;

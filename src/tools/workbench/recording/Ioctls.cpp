@@ -196,8 +196,9 @@ QByteArray line(const QByteArray &call, int result, const QByteArray &bytes)
 QByteArray textLines(const QByteArray &call, const QByteArray &text)
 {
     QByteArray lines;
+    const int whole = static_cast<int>(text.size()) + 1;
     for (const int size : textSizes)
-        lines += line(call, qMin(text.size() + 1, size), padded(text, size));
+        lines += line(call, qMin(whole, size), padded(text, size));
     return lines;
 }
 

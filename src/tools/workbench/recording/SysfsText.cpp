@@ -31,7 +31,7 @@ std::optional<QByteArray> bitsOfWords(const QByteArray &words, int wordSize)
     }
     QByteArray bits;
     bits.reserve(highestFirst.size());
-    for (int i = highestFirst.size() - 1; i >= 0; --i)
+    for (auto i = highestFirst.size() - 1; i >= 0; --i)
         bits += highestFirst.at(i);
     return withoutTrailingZeros(bits);
 }
@@ -40,9 +40,9 @@ QByteArray wordsOfBits(const QByteArray &bits)
 {
     constexpr int wordSize = 8;
     QByteArray words;
-    const int count = qMax(1, (bits.size() + wordSize - 1) / wordSize);
+    const int count = qMax(1, (static_cast<int>(bits.size()) + wordSize - 1) / wordSize);
     const QByteArray whole = padded(bits, count * wordSize);
-    for (int i = whole.size() - 1; i >= 0; --i) {
+    for (auto i = whole.size() - 1; i >= 0; --i) {
         words += whole.mid(i, 1).toHex();
         if (i > 0 && i % wordSize == 0)
             words += ' ';
@@ -54,11 +54,11 @@ int lastKeyOfAlias(const QByteArray &alias)
 {
     // The codes of each type follow its letter, keys between 'k' and 'r'; the first one is
     // attached.
-    const int start = alias.indexOf(",k", alias.indexOf("-e"));
-    const int end = alias.indexOf(",r", start);
+    const auto start = alias.indexOf(",k", alias.indexOf("-e"));
+    const auto end = alias.indexOf(",r", start);
     if (start < 0 || end < 0)
         return -1;
-    const int last = alias.lastIndexOf(',', end - 1) + 1;
+    const auto last = alias.lastIndexOf(',', end - 1) + 1;
     bool isNumber = false;
     const int code = alias.mid(last, end - last).replace("k", "").toInt(&isNumber, 16);
     return isNumber ? code : -1;

@@ -77,7 +77,7 @@ QVector<int> readCodes(ScenarioLine *line, const ScenarioWord &word, bool isKey)
         }
         if (!list.contains(*code))
             list.append(*code);
-        column += text.size() + 1;
+        column += static_cast<int>(text.size()) + 1;
     }
     return list;
 }

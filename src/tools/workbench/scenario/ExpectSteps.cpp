@@ -22,7 +22,7 @@ void readAfter(ScenarioLine *line, Step::ExpectEvent *event)
     const ScenarioWord *word = line->take(QStringLiteral("a time like 700ms or 700ms..750ms"));
     if (!word)
         return;
-    const int dots = word->text.indexOf(QLatin1String(".."));
+    const auto dots = word->text.indexOf(QLatin1String(".."));
     const QString first = dots < 0 ? word->text : word->text.left(dots);
     event->earliest = milliseconds(first);
     event->latest = dots < 0 ? event->earliest : milliseconds(word->text.mid(dots + 2));

@@ -35,7 +35,7 @@ int ScenarioContext::addDevice(const ScenarioDevice &device)
 {
     m_result.scenario.devices.append(device);
     m_states.append(DeviceState());
-    return m_states.size() - 1;
+    return static_cast<int>(m_states.size()) - 1;
 }
 
 int ScenarioContext::deviceNamed(const QString &label) const

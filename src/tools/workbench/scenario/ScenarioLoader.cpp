@@ -127,7 +127,7 @@ void loadRecordings(LoadedScenario *loaded)
         if (!play)
             continue;
         loadRecordingOf(loaded, play->file, step.file, step.line);
-        const int nodes = loaded->recordings[play->file].nodes.size();
+        const auto nodes = loaded->recordings[play->file].nodes.size();
         if (play->device >= 0 && nodes > 1)
             loaded->diagnostics.append(mistakeAt(
                 step.file, step.line,

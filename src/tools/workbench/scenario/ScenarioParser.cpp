@@ -100,9 +100,9 @@ void Parser::readFile(const QByteArray &text, const QString &file)
     // Decoded line by line, so that a large file is not in memory a second time as UTF-16.
     int number = 0;
     // Some editors start UTF-8 files with a byte order mark.
-    int begin = text.startsWith("\xef\xbb\xbf") ? 3 : 0;
+    QByteArray::size_type begin = text.startsWith("\xef\xbb\xbf") ? 3 : 0;
     while (begin < text.size() && !m_hasGivenUp) {
-        int end = text.indexOf('\n', begin);
+        auto end = text.indexOf('\n', begin);
         if (end < 0)
             end = text.size();
         ++number;

@@ -94,7 +94,7 @@ qint64 SessionMembers::wallClock(const char *key)
     const QDateTime seconds =
         QDateTime::fromString(written.left(19) + QLatin1Char('Z'), Qt::ISODate);
     bool isNumber = false;
-    const uint fraction = written.midRef(20, 6).toUInt(&isNumber);
+    const uint fraction = written.mid(20, 6).toUInt(&isNumber);
     const bool hasForm = written.size() == 27 && written.at(19) == QLatin1Char('.')
         && written.at(26) == QLatin1Char('Z');
     if (hasForm && isNumber && seconds.isValid()) {

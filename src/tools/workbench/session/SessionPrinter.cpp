@@ -335,7 +335,7 @@ QString SessionPrinter::line(const SessionEntry &entry)
         start += QString(consequenceIndent, QLatin1Char(' '));
     const QString continued(start.size() + continuationIndent, QLatin1Char(' '));
     QString text;
-    const QStringList parts = fitted(content, width - start.size());
+    const QStringList parts = fitted(content, width - static_cast<int>(start.size()));
     for (const QString &part : parts) {
         const bool isColoured = m_options.coloured && content.colour;
         text += (text.isEmpty() ? start : QLatin1Char('\n') + continued)

@@ -221,10 +221,10 @@ std::optional<SessionEntry> SessionReader::next()
 /// Without its line end. It refers to the buffer, and so is valid until the next call.
 std::optional<QByteArray> SessionReader::takeLine()
 {
-    int searched = m_begin;
-    int end = 0;
+    auto searched = m_begin;
+    QByteArray::size_type end = 0;
     while ((end = m_buffer.indexOf('\n', searched)) < 0) {
-        const int size = m_buffer.size() - m_begin;
+        const auto size = m_buffer.size() - m_begin;
         if (size > maxLineMiB * 1024 * 1024) {
             ++m_line;
             report(m_line, 0, QStringLiteral("the line is longer than %1 MiB").arg(maxLineMiB));
@@ -241,7 +241,7 @@ std::optional<QByteArray> SessionReader::takeLine()
     }
     if (m_begin == m_buffer.size())
         return std::nullopt;
-    const int begin = m_begin;
+    const auto begin = m_begin;
     // The last line may have no line end.
     m_begin = qMin(end + 1, m_buffer.size());
     m_bytesRead += m_begin - begin;

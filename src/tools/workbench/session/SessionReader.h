@@ -57,7 +57,7 @@ private:
     const QString m_file;
     Diagnostics m_diagnostics;
     QByteArray m_buffer;
-    int m_begin = 0; ///< of the next line, in the buffer
+    QByteArray::size_type m_begin = 0; ///< of the next line, in the buffer
     int m_line = 0;
     qint64 m_bytesRead = 0;
     bool m_isAtEnd = false;

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <string>
 
 namespace Vorn::Workbench {
 
@@ -24,7 +25,7 @@ QByteArray escaped(const QByteArray &json)
     const QVector<uint> characters = QString::fromUtf8(json).toUcs4();
     for (const uint character : characters) {
         if (isPrintable(character))
-            result += QString::fromUcs4(&character, 1);
+            result += QString::fromStdU32String(std::u32string(1, character));
         else if (QChar::requiresSurrogates(character))
             result += unit(QChar::highSurrogate(character)) + unit(QChar::lowSurrogate(character));
         else

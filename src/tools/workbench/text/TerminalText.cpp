@@ -5,10 +5,13 @@
 #include <algorithm>
 #include <clocale>
 #include <cwchar>
+#include <string>
 
 namespace Vorn::Workbench {
 
 namespace {
+
+using Characters = QVector<uint>;
 
 bool isAscii(const QString &text)
 {
@@ -17,7 +20,7 @@ bool isAscii(const QString &text)
 }
 
 /// The width of each code point.
-QVector<int> widths(const QVector<uint> &characters)
+QVector<int> widths(const Characters &characters)
 {
     // The C library knows them only in a locale with UTF-8. The program's own may be another, and
     // its output is in UTF-8 nevertheless.
@@ -35,17 +38,19 @@ QVector<int> widths(const QVector<uint> &characters)
 }
 
 /// How many characters from @p begin on fit into @p width, at least one.
-int fitting(const QVector<int> &columns, int begin, int width)
+Characters::size_type fitting(const QVector<int> &columns, Characters::size_type begin, int width)
 {
-    int end = begin;
+    auto end = begin;
     for (int used = 0; end < columns.size() && used + columns[end] <= width; ++end)
         used += columns[end];
-    return std::max(end - begin, 1);
+    return std::max<Characters::size_type>(end - begin, 1);
 }
 
-QString toText(const QVector<uint> &characters, int from, int count)
+QString toText(const Characters &characters, Characters::size_type from,
+               Characters::size_type count)
 {
-    return QString::fromUcs4(characters.constData() + from, count);
+    const auto begin = characters.begin() + from;
+    return QString::fromStdU32String(std::u32string(begin, begin + count));
 }
 
 } // namespace
@@ -53,7 +58,7 @@ QString toText(const QVector<uint> &characters, int from, int count)
 int textWidth(const QString &text)
 {
     if (isAscii(text))
-        return text.size();
+        return static_cast<int>(text.size());
     int sum = 0;
     const QVector<int> columns = widths(text.toUcs4());
     for (const int width : columns)
@@ -70,7 +75,7 @@ QString elided(const QString &text, int width)
 {
     if (textWidth(text) <= width)
         return text;
-    const QVector<uint> characters = text.toUcs4();
+    const Characters characters = text.toUcs4();
     const QVector<int> columns = widths(characters);
     // The beginning gets the odd column. Names of devices that belong together differ at the end.
     int room = width / 2;
@@ -78,7 +83,7 @@ QString elided(const QString &text, int width)
     for (; begin < columns.size() && columns[begin] <= room; ++begin)
         room -= columns[begin];
     room = (width - 1) / 2;
-    int end = characters.size();
+    auto end = columns.size();
     for (; end > begin && columns[end - 1] <= room; --end)
         room -= columns[end - 1];
     return toText(characters, 0, begin) + QChar(0x2026)
@@ -87,19 +92,19 @@ QString elided(const QString &text, int width)
 
 QStringList wrapped(const QString &text, int width)
 {
-    const QVector<uint> characters = text.toUcs4();
+    const Characters characters = text.toUcs4();
     const QVector<int> columns = widths(characters);
     QStringList lines;
-    int begin = 0;
+    Characters::size_type begin = 0;
     do {
-        int end = qMin(begin + fitting(columns, begin, width), characters.size());
+        auto end = std::min(begin + fitting(columns, begin, width), characters.size());
         if (end < characters.size()) {
-            int blank = end;
+            auto blank = end;
             while (blank > begin && characters[blank] != ' ')
                 --blank;
             end = blank > begin ? blank : end;
         }
-        int last = end;
+        auto last = end;
         while (last > begin && characters[last - 1] == ' ')
             --last;
         lines += toText(characters, begin, last - begin);

@@ -156,7 +156,7 @@ QVector<TimelineAxis> axisRows(TimelineSpan shown, const QVector<TimelineSpan> &
     double time = 0;
     for (const Segment &segment : segments)
         time += static_cast<double>(segment.to - segment.from);
-    const double breaks = segments.size() - 1;
+    const auto breaks = static_cast<double>(segments.size() - 1);
     if (time * narrowScale + breaks * breakWidth <= maxWidth) {
         const double width = std::clamp(time * wideScale + breaks * breakWidth, minWidth, maxWidth);
         return {TimelineAxis(segments, (width - breaks * breakWidth) / time, breakWidth,
@@ -171,7 +171,7 @@ QVector<TimelineAxis> axisRows(TimelineSpan shown, const QVector<TimelineSpan> &
     // A break that does not fit leaves a row shorter, and the last one may overflow. Whatever the
     // session, drawing it ends.
     QVector<QVector<Segment>> rows = RowFiller(scale, perBreak).rows(segments);
-    for (int attempt = 0; attempt < 20 && rows.size() > count; ++attempt) {
+    for (int attempt = 0; attempt < 20 && static_cast<double>(rows.size()) > count; ++attempt) {
         scale *= 0.98;
         rows = RowFiller(scale, perBreak).rows(segments);
     }

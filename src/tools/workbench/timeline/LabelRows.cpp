@@ -53,7 +53,7 @@ LabelRows::LabelRows(int maxRows, Lines lines, Edges edges)
 // machine.
 double LabelRows::width(const QString &text)
 {
-    return text.size() * 6.6 + 2;
+    return static_cast<double>(text.size()) * 6.6 + 2;
 }
 
 void LabelRows::addLine(double x)

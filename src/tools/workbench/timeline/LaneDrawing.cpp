@@ -45,8 +45,10 @@ void LaneDrawing::drawHeadings(const PlacedRow &row)
         const double y = heading.top + 17;
         const QString name = TimelineSvg::shortened(heading.name, Metrics::flagLabelLength);
         m_svg.text(Metrics::margin, y, name, "device-name", Anchor::Start, heading.name);
-        if (!heading.node.isEmpty())
-            m_svg.text(Metrics::margin + name.size() * boldCharacter + 6, y, heading.node, "muted");
+        if (!heading.node.isEmpty()) {
+            const double width = static_cast<double>(name.size()) * boldCharacter;
+            m_svg.text(Metrics::margin + width + 6, y, heading.node, "muted");
+        }
     }
 }
 

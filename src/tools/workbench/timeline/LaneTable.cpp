@@ -34,7 +34,7 @@ TimelineLane *LaneTable::lane(const QString &device, int type, QVector<int> code
             m_leftOut.insert(device + QLatin1Char(' ') + joinedNames(type, sorted));
         return nullptr;
     }
-    m_indexes.insert(key, m_lanes.size());
+    m_indexes.insert(key, static_cast<int>(m_lanes.size()));
     TimelineLane lane;
     lane.device = device;
     lane.type = type;

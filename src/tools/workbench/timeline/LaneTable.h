@@ -37,7 +37,7 @@ public:
     QVector<int> drawingOrder() const;
     /// Index in lanes(); -1 if there is no such lane.
     int indexOf(const QString &device, int type, QVector<int> codes) const;
-    int leftOutCount() const { return m_leftOut.size(); }
+    int leftOutCount() const { return static_cast<int>(m_leftOut.size()); }
 
 private:
     using Key = QPair<QString, QPair<int, QVector<int>>>;

@@ -44,7 +44,7 @@ int countOfLanes(const TimelineLayout &layout)
         for (const PlacedLane &lane : row.lanes)
             lanes.insert(lane.index);
     }
-    return lanes.size();
+    return static_cast<int>(lanes.size());
 }
 
 QString description(const TimelineModel &model, const TimelineLayout &layout)

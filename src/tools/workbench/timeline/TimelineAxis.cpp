@@ -67,7 +67,7 @@ bool TimelineAxis::intersects(qint64 from, qint64 to) const
 
 double TimelineAxis::x(qint64 time) const
 {
-    const Segment *next =
+    const QVector<Segment>::const_iterator next =
         std::upper_bound(m_segments.begin(), m_segments.end(), time,
                          [](qint64 value, const Segment &segment) { return value < segment.from; });
     if (next == m_segments.begin())

@@ -365,7 +365,7 @@ TimelineLink TimelineCollector::linkOf(qint64 time, const DetectorStep &chord,
     for (const QVector<int> &codes : qAsConst(ends)) {
         const int index = m_lanes.indexOf(chord.device, EV_KEY, codes);
         if (index >= 0)
-            link.lanes.append(order.indexOf(index));
+            link.lanes.append(static_cast<int>(order.indexOf(index)));
     }
     std::sort(link.lanes.begin(), link.lanes.end());
     link.title = QStringLiteral("%1: chord %2%3")

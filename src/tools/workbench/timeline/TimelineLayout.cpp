@@ -43,9 +43,11 @@ double leftOf(const TimelineModel &model)
     constexpr double capital = 9.2;
     constexpr double letter = 7.4;
     double length = 10 * capital;
-    for (const TimelineLane &lane : model.lanes)
-        length = std::max({length, lane.label.size() * capital,
-                           (lane.deviceName.size() + nodeOf(lane).size() + 1) * letter});
+    for (const TimelineLane &lane : model.lanes) {
+        const auto label = static_cast<double>(lane.label.size());
+        const auto device = static_cast<double>(lane.deviceName.size() + nodeOf(lane).size() + 1);
+        length = std::max({length, label * capital, device * letter});
+    }
     return Metrics::margin * 2 + std::min(length, Metrics::laneLabelLength * capital);
 }
 
@@ -218,7 +220,7 @@ void TimelineLayout::placeEvents(const PlacedRow &row, PlacedLane *placed) const
         labels.addLine(x);
     labelEvents(&placed->events);
     // From right to left, so that a line from above finds no label in its way.
-    for (int i = placed->events.size() - 1; i >= 0; --i) {
+    for (auto i = placed->events.size() - 1; i >= 0; --i) {
         PlacedLabel &label = placed->events[i].label;
         if (label.text.isEmpty())
             continue;

@@ -1,6 +1,7 @@
 #include "LongPressDetectTest.h"
 
 #include "LogRecorder.h"
+#include "QtDifferences.h"
 
 #include <QMetaMethod>
 
@@ -428,9 +429,6 @@ TEST(LongPressDetectRecords, DefaultsAreAnUnregisteredKey)
     EXPECT_EQ(LongPressDetect::KeyData().count, 0);
 }
 
-const char *const indexAssertion =
-    "ASSERT failure in QList<T>::operator\\[\\]: \"index out of range\"";
-
 void tick(LongPressDetect &detector)
 {
     QMetaObject::invokeMethod(&detector, "update", Qt::DirectConnection);
@@ -442,7 +440,7 @@ TEST(LongPressDetectDeathTest, AHeldKeyWithoutTimeoutsIsFatal)
     detector.registerEvent(30, false, {});
     input_event press = keyRecord(30, 1);
     detector.process(press);
-    EXPECT_DEATH(tick(detector), indexAssertion);
+    EXPECT_DEATH(tick(detector), QtDifferences::indexAssertion);
 }
 
 TEST(LongPressDetectDeathTest, AKeyDeregisteredWhileHeldIsFatal)
@@ -453,7 +451,7 @@ TEST(LongPressDetectDeathTest, AKeyDeregisteredWhileHeldIsFatal)
     detector.process(press);
     tick(detector);
     detector.deregisterEvent(30);
-    EXPECT_DEATH(tick(detector), indexAssertion);
+    EXPECT_DEATH(tick(detector), QtDifferences::indexAssertion);
 }
 
 } // namespace

@@ -168,14 +168,15 @@ TEST_F(ProgramCheckTest, TellsWhatTheLoaderMisses)
 
 TEST_F(ProgramCheckTest, RefusesAProgramWithoutTheLibraryOrWithAnotherQt)
 {
-    EXPECT_THAT(obstacle("/bin/true"), HasSubstr("/bin/true does not link libvorn_input.so"));
-    EXPECT_THAT(obstacle(writeLoadedBy("printf '\\t%s\\n' 'libvorn_input.so.1 => /a/b (0x1)' "
-                                       "'libQt6Core.so.6 => /a/c (0x2)'\n")),
-                HasSubstr("uses another Qt than Qt 5 (libQt6Core.so.6); "));
+    EXPECT_THAT(obstacle("/bin/true"), HasSubstr("/bin/true does not link " VORN_INPUT_LIBRARY));
+    EXPECT_THAT(obstacle(writeLoadedBy("printf '\\t%s\\n' '" VORN_INPUT_LIBRARY ".1 => /a/b (0x1)' "
+                                       "'libQt7Core.so.7 => /a/c (0x2)'\n")),
+                HasSubstr("uses another Qt than Qt " VORN_INPUT_QT " (libQt7Core.so.7); "));
     EXPECT_THAT(obstacle(writeLoadedBy("printf '\\t%s\\n' 'libQtCore.so.4 => /a/c (0x2)'\n")),
                 HasSubstr("(libQtCore.so.4)"));
-    EXPECT_EQ(obstacle(writeLoadedBy("printf '\\t%s\\n' '/a b/libvorn_input.so.1 (0x1)' "
-                                     "'/opt/libvorn_input.so.1 (0x1)' 'libQt5Core.so.5 => /a'\n")),
+    EXPECT_EQ(obstacle(writeLoadedBy("printf '\\t%s\\n' '/a b/" VORN_INPUT_LIBRARY ".1 (0x1)' "
+                                     "'/opt/" VORN_INPUT_LIBRARY ".1 (0x1)' 'libQt" VORN_INPUT_QT
+                                     "Core.so.1 => /a'\n")),
               "");
 }
 
@@ -220,7 +221,8 @@ TEST_F(ProgramCheckTest, NamesTheMachineThatAProgramIsFor)
     const auto machine = [this](int number, bool is64, bool isBigEndian) {
         ElfW(Ehdr) other = header();
         QByteArray bytes(20, '\0');
-        bytes.replace(0, EI_NIDENT, reinterpret_cast<const char *>(other.e_ident), EI_NIDENT);
+        bytes.replace(0, EI_NIDENT,
+                      QByteArray(reinterpret_cast<const char *>(other.e_ident), EI_NIDENT));
         bytes[EI_CLASS] = static_cast<char>(is64 ? ELFCLASS64 : ELFCLASS32);
         bytes[EI_DATA] = static_cast<char>(isBigEndian ? ELFDATA2MSB : ELFDATA2LSB);
         bytes[EI_NIDENT + (isBigEndian ? 3 : 2)] = static_cast<char>(number & 0xff);
@@ -278,9 +280,11 @@ TEST_F(ProgramCheckTest, SaysWhatToDo)
               "its libraries");
     EXPECT_EQ(advice(writeLoadedBy("kill -SEGV $$\n")),
               "cannot be driven: its loader crashes over it; the file is damaged");
-    EXPECT_EQ(advice(writeLoadedBy("echo 'libQt5Core.so.5 => /a (0x1)'\n")),
-              "does not link libvorn_input.so, neither itself nor through its libraries; name the "
+    EXPECT_EQ(advice(writeLoadedBy("echo 'libQt" VORN_INPUT_QT "Core.so.1 => /a (0x1)'\n")),
+              "does not link " VORN_INPUT_LIBRARY
+              ", neither itself nor through its libraries; name the "
               "program that reads the input devices");
-    EXPECT_EQ(advice(writeLoadedBy("echo 'libQt6Core.so.6 => /a (0x1)'\n")),
-              "uses another Qt than Qt 5 (libQt6Core.so.6); build it with Qt 5");
+    EXPECT_EQ(advice(writeLoadedBy("echo 'libQt7Core.so.7 => /a (0x1)'\n")),
+              "uses another Qt than Qt " VORN_INPUT_QT
+              " (libQt7Core.so.7); build it with Qt " VORN_INPUT_QT);
 }

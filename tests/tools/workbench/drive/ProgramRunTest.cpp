@@ -478,7 +478,7 @@ TEST_F(ProgramRunTest, LeavesNoDescriptorBehind)
     const auto count = [] {
         return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size();
     };
-    const int before = count();
+    const auto before = count();
     {
         ProgramRun run(script("read line <&$VORN_DRIVE_SOCKET"));
         EXPECT_GT(count(), before);

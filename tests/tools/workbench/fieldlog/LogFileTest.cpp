@@ -203,7 +203,7 @@ TEST(LogFile, KeepsWhatComesBeforeADefect)
     EXPECT_THAT(half.error, HasSubstr("ends too early"));
 
     QByteArray damaged = whole;
-    for (int i = damaged.size() / 2; i < damaged.size() / 2 + 100; ++i)
+    for (auto i = damaged.size() / 2; i < damaged.size() / 2 + 100; ++i)
         damaged[i] = '\xff';
     const Content part = contentWith(damaged);
     EXPECT_GT(part.lines.size(), 1'000U);

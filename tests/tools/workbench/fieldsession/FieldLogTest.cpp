@@ -56,7 +56,7 @@ int pipeWith(const QByteArray &bytes)
     return ends[0];
 }
 
-int openDescriptors()
+auto openDescriptors()
 {
     return QDir("/proc/self/fd")
         .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
@@ -132,7 +132,7 @@ TEST_F(FieldLogTest, IsKnownByItsNameOrItsContent)
 
 TEST_F(FieldLogTest, IsKnownOnAPipeWithoutTakingAnythingFromIt)
 {
-    const int before = openDescriptors();
+    const auto before = openDescriptors();
     {
         const StandardInput input(pipeWith(line));
         EXPECT_TRUE(isLog("-"));

@@ -192,7 +192,7 @@ std::map<std::string, int> statements()
     for (auto &[path, count] : counts) {
         QFile file(QStringLiteral(VORN_SOURCE_DIR "/") + QString::fromStdString(path));
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        count -= file.readAll().count("LOG4CPLUS_TEXT(");
+        count -= static_cast<int>(file.readAll().count("LOG4CPLUS_TEXT("));
     }
     return counts;
 }

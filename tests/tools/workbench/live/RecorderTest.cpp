@@ -252,7 +252,7 @@ TEST_F(RecorderTest, TellsOfADiskThatIsFull)
     // At once, and not when hours of it are lost.
     EXPECT_THAT(m_recorder->error().toStdString(),
                 testing::EndsWith("event0.evemu': No space left on device"));
-    const int entries = contentOf("session.jsonl").count('\n');
+    const auto entries = contentOf("session.jsonl").count('\n');
     record(EV_KEY, KEY_OK, 1);
     EXPECT_EQ(contentOf("session.jsonl").count('\n'), entries);
     EXPECT_EQ(m_recorder->close(), m_recorder->error());

@@ -136,7 +136,7 @@ TEST(Ioctls, AreWrittenForEveryRequestAndSize)
         if (fields.size() != 3)
             continue;
         QByteArray bytes = fields.at(2);
-        const int size = bytes.size() / 2;
+        const auto size = bytes.size() / 2;
         while (bytes.endsWith("00"))
             bytes.chop(2);
         brief += (fields.at(0) + ' ' + fields.at(1) + ' ' + QByteArray::number(size) + ':' + bytes)

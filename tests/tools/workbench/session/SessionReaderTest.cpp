@@ -376,8 +376,8 @@ TEST(SessionReader, TakesNumbersUpToTheirLimits)
 {
     const auto errorOf = [](QByteArray line, const char *member, const QByteArray &number) {
         const QByteArray name = '"' + QByteArray(member) + "\":";
-        const int begin = line.indexOf(name) + name.size();
-        int end = begin;
+        const auto begin = line.indexOf(name) + name.size();
+        auto end = begin;
         while (line.at(end) != ',' && line.at(end) != '}')
             ++end;
         const auto messages = messagesOf(line.replace(begin, end - begin, number));

@@ -48,8 +48,9 @@ protected:
     void add(const QVector<qint64> &times)
     {
         QVector<RecordedEvent> events;
+        int code = 0;
         for (const qint64 time : times)
-            events.append({time * 1000, EV_KEY, events.size(), 1});
+            events.append({time * 1000, EV_KEY, code++, 1});
         m_playback.add(0, events, 0);
     }
 

@@ -9,9 +9,8 @@ using namespace Vorn::Workbench;
 
 TEST(JsonLine, EscapesWhatATerminalMustNotGet)
 {
-    const uint tag = 0xE0041;
     QString name = QStringLiteral("a\x1b\x7f\u009b\u202e\u2028K\u00e4se ");
-    name += QString::fromUcs4(&tag, 1) + QString::fromUtf8("🎵");
+    name += QString::fromStdU32String(U"\U000e0041") + QString::fromUtf8("🎵");
     const QByteArray line = jsonLine({{"name", name}});
     EXPECT_EQ(line.toStdString(),
               "{\"name\":\"a\\u001b\\u007f\\u009b\\u202e\\u2028Käse \\udb40\\udc41🎵\"}\n");

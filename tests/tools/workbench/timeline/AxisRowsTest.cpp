@@ -111,7 +111,7 @@ TEST(AxisRows, AreNotTooMany)
     EXPECT_LE(axes.size(), 25);
     int breaks = 0;
     for (const TimelineAxis &axis : axes) {
-        breaks += axis.breaks().size();
+        breaks += static_cast<int>(axis.breaks().size());
         EXPECT_LE(axis.x(axis.to()), axis.right() + 1);
     }
     EXPECT_EQ(breaks, 19'999) << "each is in one of the rows";

@@ -180,7 +180,7 @@ TEST(FrameDrawing, CutsANameToTheRoomOfItsBand)
     EXPECT_THAT(cut, testing::StartsWith("'a name"));
     EXPECT_THAT(cut, testing::EndsWith("…"));
     const double width = picture.ofClass("identifier").first().number("width");
-    const int characters = QString::fromStdString(cut).size();
+    const auto characters = static_cast<double>(QString::fromStdString(cut).size());
     EXPECT_LE(characters * 7, width - 8);
     EXPECT_GT((characters + 1) * 7, width - 8) << "as much of it as there is room for";
 }
@@ -222,7 +222,7 @@ TEST(FrameDrawing, ClosesABreakAtItsEdgesInEachLane)
                                   key(60'000 * ms, KEY_A, 0), key(60'100 * ms, KEY_B, 0)});
     const Element gap = picture.ofClass("break").first();
     const auto labels = picture.ofClass("muted");
-    const auto *const label =
+    const QVector<Element>::const_iterator label =
         std::find_if(labels.begin(), labels.end(),
                      [](const Element &element) { return element.text.trimmed() == "⋯ 59.5 s"; });
     ASSERT_NE(label, labels.end());

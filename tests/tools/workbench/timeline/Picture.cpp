@@ -22,7 +22,7 @@ Picture::Picture(const QByteArray &svg)
             // The title of a text is that of the group around it.
             if (element.name == "text" && m_elements.at(open.last()).name == "g")
                 element.title = m_elements.at(open.last()).title;
-            open.append(m_elements.size());
+            open.append(static_cast<int>(m_elements.size()));
             m_elements.append(element);
         } else if (reader.isEndElement()) {
             open.removeLast();
