@@ -59,7 +59,7 @@ quietly apt-get install -y --no-install-recommends umockdev
 step "What comes with it"
 visit sh "$sources/debian/tests/recorded-session"
 install man-db
-visit env MANPAGER=cat man vorn-input | sed -n '1,12p' | tee /tmp/manual
+visit env MANPAGER=cat man vorn-input | sed '/^$/d' | sed -n '1,7p' | tee /tmp/manual
 grep -q 'vorn-input' /tmp/manual || fail "no manual page"
 
 step "Products, built against the library"
@@ -95,7 +95,7 @@ visit vorn-input --log debug simulate --quiet \
     tee /tmp/texts
 [ -s /tmp/texts ] || fail "the log is not in the maker's words"
 visit sh -c "cmake -S '$sources/tests/package/consumer' -B again -G Ninja >/dev/null &&
-    cmake --build again >/dev/null && again/consumer"
+    cmake --build again >/dev/null && again/consumer 2>/dev/null"
 install "$packages"/libvorn-api1_*.deb
 quietly dpkg --purge maker-core
 
@@ -110,19 +110,22 @@ for package in "$packages"/*.deb; do
 done
 echo "# apt install newer ones"
 quietly apt-get install -y --no-install-recommends /tmp/newer/*.deb
-dpkg-query -W -f '${binary:Package} ${Version}\n' '*vorn*' | grep -v 'no packages' || true
+dpkg-query -W -f '${Package} ${Version} ${db:Status-Status}\n' '*vorn*' | sed -n 's/ installed$//p'
 [ "$(dpkg-query -W -f '${Version}\n' vorn-input-tools)" = "$version.1" ] || fail "not upgraded"
 visit vorn-input --version
 
 step "Removed and purged"
-quietly apt-get remove -y '^vorn-input-.*' '^libvorn-.*'
+mapfile -t names < <(dpkg-query -W -f '${Package} ${db:Status-Status}\n' '*vorn*' |
+    sed -n 's/ installed$//p')
+echo "# apt remove ${names[*]}; dpkg --purge ${names[*]}"
+quietly apt-get remove -y "${names[@]}"
 ! command -v vorn-input || fail "the program is still there"
-quietly apt-get purge -y '^vorn-input-.*' '^libvorn-.*'
+quietly dpkg --purge "${names[@]}"
 quietly apt-get purge -y --autoremove cmake g++ man-db ninja-build pkg-config umockdev
 leftovers >/tmp/leftovers
 [ ! -s /tmp/leftovers ] || { cat /tmp/leftovers && fail "something is left"; }
 files >/tmp/files-after
 comm -13 /tmp/files-before /tmp/files-after >/tmp/new-files
-echo "$(wc -l </tmp/new-files) other files were left by the compiler, cmake and their like"
+echo "nothing is left; apt keeps $(wc -l </tmp/new-files) files of packages that these needed"
 echo
 echo "Everything works."
