@@ -126,6 +126,6 @@ leftovers >/tmp/leftovers
 [ ! -s /tmp/leftovers ] || { cat /tmp/leftovers && fail "something is left"; }
 files >/tmp/files-after
 comm -13 /tmp/files-before /tmp/files-after >/tmp/new-files
-echo "nothing is left; apt keeps $(wc -l </tmp/new-files) files of packages that these needed"
+echo "nothing of them is left; $(wc -l </tmp/new-files) files that other packages made are"
 echo
 echo "Everything works."

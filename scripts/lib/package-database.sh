@@ -18,6 +18,8 @@ fill_package_database() {
             mkdir -p "$FOLDER/info" "$1/tmp" && cd "$1/tmp"
             apt-get download $PACKAGES
             echo armhf >"$FOLDER/arch"
+            # That of databases with several architectures, where names have one.
+            echo 1 >"$FOLDER/info/format"
             for package in *.deb; do
                 name=$(dpkg-deb -f "$package" Package)
                 dpkg-deb -f "$package" >>"$FOLDER/status"
