@@ -23,7 +23,7 @@ QString InputAdapter::state() const
     case InputEvent::KeyLongPress:
         return QStringLiteral("long press");
     default:
-        return QString();
+        return {};
     }
 }
 

@@ -24,7 +24,7 @@ QString stateText(InputEvent::State state)
     case InputEvent::KeyLongPress:
         return QStringLiteral("long press");
     default:
-        return QString();
+        return {};
     }
 }
 

@@ -35,12 +35,11 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
 # The same files under the names that they have in a recording of the workbench, which brings a
-# script that replays it. Where the recordings are installed, it is beside this one.
-script=$recordings/replay-recording.sh
-[ -f "$script" ] || script=$recordings/../../../src/tools/workbench/live/replay-recording.sh
+# script that replays it.
+script=$recordings/../../../src/tools/workbench/live/replay-recording.sh
 if [ ! -f "$script" ]; then
-    echo "replay.sh: there is no replay-recording.sh beside it; take it from a recording of" \
-        "'vorn-input monitor --record', where it is called replay.sh" >&2
+    echo "replay.sh: works in the library's tree only; elsewhere, use the one that is installed in" \
+        "share/vorn-input/examples/recording" >&2
     exit 1
 fi
 ln -s "$script" "$folder/replay.sh"
