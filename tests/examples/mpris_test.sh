@@ -68,7 +68,7 @@ start_player
 wait_until is PlaybackStatus Paused
 wait_until is Metadata track1
 wait_until is Volume 'double 0\.5 '
-run "$workbench" drive --tolerance 10s keys.scenario -- build/mpris
+run "$workbench" drive keys.scenario -- build/mpris
 expect_status 0
 expect_printed 'controls org.mpris.MediaPlayer2.mpv'
 wait_until is PlaybackStatus Playing
@@ -78,7 +78,7 @@ wait_until is Volume 'double 0\.([6-9]|5[6-9])'
 stop_player
 
 description='the bridge without a player'
-run "$workbench" drive --tolerance 10s keys.scenario -- build/mpris
+run "$workbench" drive keys.scenario -- build/mpris
 expect_status 0
 expect_printed 'mpris: no media player on the bus'
 
