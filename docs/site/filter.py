@@ -15,7 +15,8 @@ import re
 import subprocess
 import sys
 
-CODE = re.compile(r"(`+)(?:(?!\1).)+?\1")
+CODE = re.compile(r"(`+)(?:(?!\1|\n\n).)+?\1", re.DOTALL)
+BOLD = re.compile(r"\*\*([^*]+)\*\*")
 LINK = re.compile(r"(!?)\[((?:[^\[\]]|\[[^\]]*\])*)\]\(([^()\s]+)\)")
 FENCE = re.compile(r"\s*(```+)\s*(\S*)")
 # Languages that Doxygen colours; it takes others for C++.
@@ -50,12 +51,14 @@ def slug(heading, seen):
 
 
 def code(span):
-    """A span of code. Doxygen would take some signs for its own, and "file:" for an address."""
-    text = html.escape(span.strip("`"))
+    """A span of code. Doxygen would take some signs for its own, and "file:" for an address; an
+    apostrophe would end the span."""
+    text = html.escape(span.strip("`")).replace("&#x27;", "'")
+    unchanged = text
     for sign, escaped in (("\\", "\\\\"), ("%", "\\%"), ("file:", "file<b></b>:")):
         text = text.replace(sign, escaped)
     text = re.sub(r"(?<= )Input(?= )", "%Input", text)
-    return span if text == html.escape(span.strip("`")) else f"<code>{text}</code>"
+    return span if text == unchanged and "'" not in span else f"<code>{text}</code>"
 
 
 def plain(link):
@@ -108,7 +111,7 @@ class Document:
         return re.sub(r"([@\\])", r"\\\1", text)
 
     def line(self, text):
-        """A line outside code blocks; what is in backticks stays as it is, but for links."""
+        """Lines outside code blocks; what is in backticks stays as it is, but for links."""
         kept = []
 
         def keep(replacement):
@@ -122,7 +125,7 @@ class Document:
 
         text = CODE.sub(lambda match: keep(code(match.group())), text)
         text = LINK.sub(lambda match: keep(plain(restore(self.link(match)))), text)
-        return restore(self.prose(text))
+        return restore(BOLD.sub(r"<b>\1</b>", self.prose(text)))
 
     def heading(self, marks, text):
         anchor = slug(text, self.anchors)
@@ -135,22 +138,26 @@ class Document:
         return f"{marks} {self.line(text)} {{#{name}}}"
 
     def lines(self):
-        fence = ""
-        for text in self.path.read_text(encoding="utf-8").split("\n"):
+        fence, paragraph = "", []
+        for text in [*self.path.read_text(encoding="utf-8").split("\n"), ""]:
             mark = FENCE.match(text)
-            if fence:
-                if mark and mark[1] == fence:
-                    fence = ""
-                yield text
-            elif mark:
-                fence = mark[1]
-                yield text[:mark.end(1)] + LANGUAGES.get(mark[2], "{.unparsed}")
-            elif text.startswith("#"):
-                yield self.heading(*text.split(" ", 1))
-            elif text.startswith("    ") or text.startswith("<!--"):
-                yield text if text.startswith(" ") else ""
+            if fence or mark or not text.strip() or re.match("#+ |    |<!--", text):
+                if paragraph:
+                    yield self.line("\n".join(paragraph))
+                    paragraph = []
+                if fence:
+                    if mark and mark[1] == fence:
+                        fence = ""
+                    yield text
+                elif mark:
+                    fence = mark[1]
+                    yield text[:mark.end(1)] + LANGUAGES.get(mark[2], "{.unparsed}")
+                elif text.startswith("#"):
+                    yield self.heading(*text.split(" ", 1))
+                else:
+                    yield "" if text.startswith("<!--") else text
             else:
-                yield self.line(text)
+                paragraph.append(text)
 
 
 def header(path):
