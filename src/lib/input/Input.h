@@ -271,11 +271,10 @@ Q_DECLARE_METATYPE(InputEvent)
 /// synchronously on the reporting thread; receivers on other threads get it queued, which is why
 /// the meta-type "InputEvent" is registered.
 ///
-/// **From inside a slot** an application may register, deregister and select handlers, and report
-/// further events. It must not delete a handler, a listener or the device manager there; use
-/// `deleteLater()`. Nor should it run an event loop there: with Qt's GLib dispatcher that loop can
-/// read the records that the outer one is about to read, which then blocks until the next record,
-/// and it can find a device unplugged and delete the handler whose event this is.
+/// **From inside a slot** an application may register, deregister and select handlers, report
+/// further events, and delete handlers, listeners and the device manager. It should not run an
+/// event loop there: with Qt's GLib dispatcher that loop can read the records that the outer one is
+/// about to read, which then blocks until the next record.
 ///
 /// **Log**, logger "Input": DEBUG "Vorn::InputEvent(<command number>) <state word>", where the word
 /// is "press", "release", "long press", "switch enable", "switch disable" or "Unknown".
