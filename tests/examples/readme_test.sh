@@ -16,10 +16,10 @@ block() {
 block cpp >main.cpp
 block cmake >CMakeLists.txt
 command=$(block console | sed 's/^\$ //')
-[ -s main.cpp ] && [ -s CMakeLists.txt ] && [ -n "$command" ] || {
+if ! [ -s main.cpp ] || ! [ -s CMakeLists.txt ] || [ -z "$command" ]; then
     echo "FAILED: a part of the first program is missing in the README"
     exit 1
-}
+fi
 
 cat >keys.scenario <<'END'
 device panel name="front-panel"
@@ -39,8 +39,12 @@ panel release KEY_STOP
 expect FactoryReset KeyReleased
 END
 
-cmake -B build -G Ninja -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$cxx" >log 2>&1 &&
-    cmake --build build >>log 2>&1 || { cat log; echo "FAILED: CMake does not build it"; exit 1; }
+if ! { nice cmake -B build -G Ninja -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$cxx" &&
+    nice cmake --build build; } >log 2>&1; then
+    cat log
+    echo "FAILED: CMake does not build it"
+    exit 1
+fi
 PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name vorn_input.pc)")
 LD_LIBRARY_PATH=$(dirname "$PKG_CONFIG_PATH")
 export PKG_CONFIG_PATH LD_LIBRARY_PATH
