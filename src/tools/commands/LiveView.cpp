@@ -216,8 +216,8 @@ void LiveView::complainOfNodes() const
 {
     const QStringList paths = inputNodes();
     for (const QString &path : paths) {
-        const int number = path.mid(path.lastIndexOf(QLatin1Char('t')) + 1).toInt();
-        if (number >= nodeCount) {
+        const QString number = path.mid(path.lastIndexOf(QLatin1Char('t')) + 1);
+        if (number.toInt() >= nodeCount) {
             complain(QStringLiteral("%1 is not shown: the library looks at event0 to event%2 only")
                          .arg(path, QString::number(nodeCount - 1)));
         }

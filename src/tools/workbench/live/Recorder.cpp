@@ -42,8 +42,9 @@ QByteArray absentBlock(int number)
 int numberOf(const QString &device)
 {
     const QLatin1String prefix("/dev/input/event");
+    const QString rest = device.mid(prefix.size());
     bool isNumber = false;
-    const int number = device.mid(prefix.size()).toInt(&isNumber);
+    const int number = rest.toInt(&isNumber);
     return device.startsWith(prefix) && isNumber ? number : -1;
 }
 

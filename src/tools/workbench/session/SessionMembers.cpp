@@ -93,8 +93,9 @@ qint64 SessionMembers::wallClock(const char *key)
     const QString written = text(key);
     const QDateTime seconds =
         QDateTime::fromString(written.left(19) + QLatin1Char('Z'), Qt::ISODate);
+    const QString microseconds = written.mid(20, 6);
     bool isNumber = false;
-    const uint fraction = written.mid(20, 6).toUInt(&isNumber);
+    const uint fraction = microseconds.toUInt(&isNumber);
     const bool hasForm = written.size() == 27 && written.at(19) == QLatin1Char('.')
         && written.at(26) == QLatin1Char('Z');
     if (hasForm && isNumber && seconds.isValid()) {

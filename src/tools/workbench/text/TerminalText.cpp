@@ -49,7 +49,7 @@ Characters::size_type fitting(const QVector<int> &columns, Characters::size_type
 QString toText(const Characters &characters, Characters::size_type from,
                Characters::size_type count)
 {
-    const auto begin = characters.begin() + from;
+    const Characters::const_iterator begin = characters.begin() + from;
     return QString::fromStdU32String(std::u32string(begin, begin + count));
 }
 
