@@ -8,8 +8,8 @@ Builds the Debian 12 packages of what is checked out into FOLDER, and checks the
 the names of the packages. Needs no privileges, except to install packages that are missing, with sudo
 unless run as root. The log is kept in build/packages.
 
---arch armhf   Cross-build for 32-bit ARM, with the sysroot of scripts/make-sysroot.sh. Without it, for
-               this machine, with the source package.
+--arch armhf   Cross-build for 32-bit ARM, with the sysroot of scripts/make-sysroot.sh, and try the
+               program under emulation. Without it, build for this machine, with the source package.
 --check        Also build and run the unit tests, which takes minutes.
 --help         Print this text.'
 
@@ -79,7 +79,7 @@ export SOURCE_DATE_EPOCH
 
 # What is in the checkout, with its changes, but nothing that was built in it.
 sources() {
-    if git -C "$root" rev-parse >/dev/null 2>&1; then
+    if [ -e "$root/.git" ]; then
         git -C "$root" ls-files -z --cached --others --exclude-standard
     else
         (cd "$root" && find . -path ./build -prune -o -type f -print0)
@@ -96,6 +96,16 @@ make_source() {
         gzip -9n >"$work/vorn-input_$version.orig.tar.gz"
     tar -C "$work" -xzf "$work/vorn-input_$version.orig.tar.gz"
     cp -R "$tree/packaging/debian" "$tree/debian"
+}
+
+# try_emulated: runs the program of the packages here, with the libraries of the sysroot and the packages.
+try_emulated() {
+    local package unpacked=$work/unpacked
+    for package in ./*.deb; do
+        dpkg-deb -x "$package" "$unpacked"
+    done
+    qemu-arm -L "$sysroot" -E "LD_LIBRARY_PATH=$unpacked/usr/lib/arm-linux-gnueabihf" \
+        "$unpacked/usr/bin/vorn-input" simulate "$unpacked"/usr/share/vorn-input/examples/*.scenario
 }
 
 options=()
@@ -133,6 +143,7 @@ progress "Checking them ..."
 # Nobody need be another user to look into packages.
 quietly lintian --allow-root --no-cfg --fail-on error --tag-display-limit 0 ../*.changes
 cd ..
+[ -z "$arch" ] || quietly try_emulated
 mv ./*.deb ./*.changes ./*.buildinfo "$results"
 [ -n "$arch" ] || mv ./*.dsc ./*.orig.tar.gz ./*.debian.tar.xz "$results"
 cd "$results"

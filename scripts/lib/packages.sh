@@ -14,6 +14,6 @@ vm_packages=("${build_packages[@]}" acpica-tools busybox-static cpio device-tree
 lint_packages=("${build_packages[@]}" clang-format clang-tidy clazy cppcheck pyflakes3 python3
     shellcheck)
 package_packages=("${build_packages[@]}" debhelper dpkg-dev git lintian)
-cross_package_packages=(g++-arm-linux-gnueabihf mmdebstrap)
+cross_package_packages=(g++-arm-linux-gnueabihf mmdebstrap qemu-user)
 # What the packages' libraries and programs link; scripts/make-packages.sh has to know of each.
 database_packages=(libc6 libevdev2 libgcc-s1 liblog4cplus-2.0.5 libqt5core5a libstdc++6 zlib1g)
