@@ -55,7 +55,7 @@ start=$SECONDS
 mapfile -t scripts < <({ find scripts src tests examples bench -type f -name '*.sh'; echo .ci/run
     echo tests/vm/guest/init; } | LC_ALL=C sort)
 shellcheck -x "${scripts[@]}" || status=1
-mapfile -t scripts < <({ files '*.py'; find scripts -type f -name '*.py'; })
+mapfile -t scripts < <({ files '*.py'; find scripts docs/site -type f -name '*.py'; })
 pyflakes3 "${scripts[@]}" || status=1
 took scripts "$start"
 
