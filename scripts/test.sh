@@ -68,10 +68,12 @@ took() { echo "$1: $((SECONDS - ${2:-0})) s"; }
 # build PRESET [OPTION…]: configures and builds, the latter with the options; prints the output only
 # on failure.
 build() {
-    local preset=$1 start=$SECONDS
+    local preset=$1 start=$SECONDS settings=()
     shift
+    # The first build is the one in which people go on to edit.
+    [ "$preset" = "$dev" ] || settings=(-DVORN_INPUT_UNITY=ON)
     # Lower priority than the tests that run meanwhile: some of them play devices in real time.
-    if ! { { is_current "$preset" || cmake --preset "$preset"; } &&
+    if ! { { is_current "$preset" || cmake --preset "$preset" "${settings[@]}"; } &&
         nice cmake --build --preset "$preset" "$@"; } >"$logs/$preset-build.log" 2>&1; then
         tail -n 60 "$logs/$preset-build.log"
         echo "test.sh: the $preset build failed, see $logs/$preset-build.log" >&2
