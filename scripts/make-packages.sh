@@ -117,7 +117,9 @@ if [ -n "$arch" ]; then
     VORN_TOOLCHAIN=$root/cmake/armhf-toolchain.cmake
     VORN_SHLIBDEPS="-l$sysroot/usr/lib/arm-linux-gnueabihf:$sysroot/lib/arm-linux-gnueabihf \
         -- --admindir=$sysroot-packages"
-    export VORN_TOOLCHAIN VORN_SHLIBDEPS
+    # Assertions of Qt's headers name these as they are installed.
+    DEB_CXXFLAGS_APPEND="-ffile-prefix-map=$sysroot="
+    export VORN_TOOLCHAIN VORN_SHLIBDEPS DEB_CXXFLAGS_APPEND
     # The build dependencies are in the sysroot, of which dpkg knows nothing.
     options=(--host-arch armhf --build=any --no-check-builddeps)
 fi
