@@ -45,7 +45,7 @@ leftovers() {
     dpkg-query -W -f '${binary:Package} ${db:Status-Abbrev}\n' | grep vorn || true
 }
 
-echo 'APT::Keep-Downloaded-Packages "true";' >/etc/apt/apt.conf.d/90keep
+echo 'APT::Keep-Downloaded-Packages "true"; Acquire::Retries "3";' >/etc/apt/apt.conf.d/90try
 quietly apt-get update
 files >/tmp/files-before
 
