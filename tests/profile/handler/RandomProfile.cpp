@@ -39,7 +39,10 @@ public:
 private:
     // The distributions of the standard library differ between its makers.
     int number(int end) { return static_cast<int>(m_engine() % static_cast<unsigned>(end)); }
-    QString oneOf(const QStringList &list) { return list.at(number(list.size())); }
+    QString oneOf(const QStringList &list)
+    {
+        return list.at(number(static_cast<int>(list.size())));
+    }
     InputEvent::Command command() { return *Vorn::command(oneOf(commandNames())); }
 
     std::optional<InputEvent::Bus> bus()
@@ -60,7 +63,7 @@ private:
                 result += QString::fromUtf8("\U0001F3B5");
             else
                 result += number(4) == 0 ? QChar(0x20 + number(0xd7e0))
-                                         : likely.at(number(likely.size()));
+                                         : likely.at(number(static_cast<int>(likely.size())));
         }
         return result;
     }

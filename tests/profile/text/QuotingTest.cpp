@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
 #include <string>
 #include <utility>
 
@@ -64,7 +63,7 @@ TEST(Printable, EscapesWhatControlsATerminalOrTheDirectionOfALine)
         {0xE0041, R"(\U000e0041)"}};
     for (const auto &[character, escaped] : cases) {
         // fromUcs4() would take a leading byte order mark for one.
-        const QString text = QString::fromUcs4(std::array<uint, 3>{'a', character, 'b'}.data(), 3);
+        const QString text = QString::fromStdU32String({U'a', character, U'b'});
         EXPECT_EQ(printable(text).toStdString(), std::string("a") + escaped + 'b');
     }
     EXPECT_EQ(printable(QString(QChar(0xDC00))).toStdString(), R"(\udc00)");
