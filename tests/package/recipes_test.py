@@ -95,9 +95,10 @@ def symbols(package):
 
 
 def exported(library):
-    """What the library may export, in the words of symbols files. "*" is Qt 5's name of a template."""
+    """What the library may export, in the words of symbols files. "*" is in Qt 5's name of a template."""
     text = (source / "abi" / library.replace("lib", "", 1)).with_suffix(".map") \
-        .read_text(encoding="utf-8").replace("*INS_", "7QVectorINS_")
+        .read_text(encoding="utf-8").replace("*INS_", "7QVectorINS_") \
+        .replace("*airI", "5QPairI")
     names = "\n".join(re.findall(r"^ *(_Z\w+);", text, re.MULTILINE))
     demangled = subprocess.run(["c++filt"], input=names, capture_output=True, text=True, check=True)
     return set(demangled.stdout.splitlines())

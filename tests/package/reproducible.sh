@@ -13,15 +13,17 @@ build() { # FOLDER CMAKE-OPTION…
     local folder=$1
     shift
     mkdir -p "$scratch/$folder"
-    cp -R "$source/CMakeLists.txt" "$source/cmake" "$source/abi" "$source/src" "$scratch/$folder"
+    cp -R "$source/CMakeLists.txt" "$source/cmake" "$source/abi" "$source/docs" \
+        "$source/src" "$scratch/$folder"
     {
         cmake -S "$scratch/$folder" -B "$scratch/$folder/build" -G Ninja \
             -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER="$cxx" \
-            -DVORN_INPUT_BUILD_PROFILE=OFF -DVORN_INPUT_BUILD_SIM=OFF -DVORN_INPUT_BUILD_TESTS=OFF -DVORN_INPUT_BUILD_TOOLS=OFF \
+            -DVORN_INPUT_BUILD_PROFILE=OFF -DVORN_INPUT_BUILD_SIM=OFF \
+            -DVORN_INPUT_BUILD_TESTS=OFF -DVORN_INPUT_BUILD_TOOLS=OFF \
             -DVORN_INPUT_BUILD_EXAMPLES=OFF "$@" &&
             cmake --build "$scratch/$folder/build" &&
             cmake --install "$scratch/$folder/build" --prefix "$scratch/$folder/prefix" --strip
-    } >"$scratch/log" 2>&1 || { cat "$scratch/log"; exit 1; }
+    } >"$scratch/log" 2>&1 || { cat "$scratch/log" >&2; exit 1; }
     find "$scratch/$folder/prefix" -name 'libvorn_input.so.*.*.*'
 }
 
