@@ -69,4 +69,6 @@ function(vorn_compile_together target)
         endif()
     endforeach()
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+    # The names of another source are hidden on purpose.
+    target_compile_options(${target} PRIVATE -Wno-shadow)
 endfunction()
