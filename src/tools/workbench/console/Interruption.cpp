@@ -1,5 +1,6 @@
 #include "Interruption.h"
 
+#include "InputFile.h"
 #include "SingleKeys.h"
 #include "vorn.h"
 
@@ -65,6 +66,7 @@ Interruption::Interruption(std::function<void()> callback)
     interruptionRequested = 0;
     if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
         return;
+    InputFile::endWaitsAt(signalPipe[0]);
     if (callback) {
         auto *notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, this);
         Vorn::connect(notifier, &QSocketNotifier::activated, this,
@@ -90,6 +92,7 @@ Interruption::~Interruption()
             std::signal(signal, SIG_DFL);
     }
     qDeleteAll(findChildren<QSocketNotifier *>());
+    InputFile::endWaitsAt(-1);
     for (int &descriptor : signalPipe) {
         if (descriptor >= 0)
             close(descriptor);

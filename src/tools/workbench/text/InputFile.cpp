@@ -9,11 +9,14 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <set>
 
 namespace Vorn::Workbench {
 
 namespace {
+
+int endOfWaits = -1;
 
 QString systemError()
 {
@@ -90,8 +93,12 @@ QString InputFile::openNamed(const QString &path, Pipes pipes)
 qint64 InputFile::readData(char *data, qint64 maxSize)
 {
     for (;;) {
-        pollfd readable = {m_fd, POLLIN, 0};
-        const bool isReady = m_isFile || ::poll(&readable, 1, -1) >= 0;
+        pollfd readable[] = {{m_fd, POLLIN, 0}, {endOfWaits, POLLIN, 0}};
+        bool isReady = m_isFile || ::poll(readable, std::size(readable), -1) >= 0;
+        if (!m_isFile && isReady && readable[0].revents == 0) {
+            isReady = false;
+            errno = EINTR;
+        }
         const ssize_t size =
             isReady ? ::read(m_fd, data, static_cast<std::size_t>(maxSize)) : ssize_t{-1};
         if (size >= 0)
@@ -101,6 +108,11 @@ qint64 InputFile::readData(char *data, qint64 maxSize)
         setErrorString(errno == EINTR ? QStringLiteral("interrupted") : systemError());
         return -1;
     }
+}
+
+void InputFile::endWaitsAt(int descriptor)
+{
+    endOfWaits = descriptor;
 }
 
 qint64 InputFile::writeData(const char *, qint64)

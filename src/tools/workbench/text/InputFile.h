@@ -24,6 +24,10 @@ public:
     /// 0 for a pipe.
     qint64 size() const override { return m_size; }
 
+    /// What becomes readable at a signal, so that one that comes just before a wait ends it, too; -1
+    /// for nothing.
+    static void endWaitsAt(int descriptor);
+
 protected:
     qint64 readData(char *data, qint64 maxSize) override;
     qint64 writeData(const char *data, qint64 size) override;

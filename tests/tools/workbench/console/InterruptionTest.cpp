@@ -1,15 +1,21 @@
 #include "Interruption.h"
+#include "InputFile.h"
 
+#include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
 
 #include <gmock/gmock.h>
 
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <thread>
 
 using namespace Vorn::Workbench;
 
@@ -38,6 +44,33 @@ TEST_F(InterruptionTest, IsNoticedOnce)
     std::raise(SIGINT);
     const Interruption next;
     EXPECT_FALSE(Interruption::isRequested());
+}
+
+// A signal that comes just before the wait interrupts no system call.
+TEST_F(InterruptionTest, EndsTheWaitForAPipeThatBeginsAfterTheSignal)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("pipe"));
+    ASSERT_EQ(mkfifo(qPrintable(path), 0600), 0);
+    const Interruption interruption;
+    InputFile file;
+    ASSERT_EQ(file.openForReading(path), QString());
+    const int writer = open(qPrintable(path), O_WRONLY | O_CLOEXEC);
+    ASSERT_GE(writer, 0);
+    std::raise(SIGTERM);
+
+    const QByteArray writes = "while it is waited for, so that the test ends in any case";
+    std::thread later([writer, &writes] {
+        pollfd nothing = {-1, 0, 0};
+        poll(&nothing, 1, 1000);
+        EXPECT_EQ(write(writer, writes.constData(), static_cast<std::size_t>(writes.size())),
+                  writes.size());
+    });
+    char byte = 0;
+    EXPECT_EQ(file.read(&byte, 1), -1);
+    EXPECT_EQ(file.errorString(), QLatin1String("interrupted"));
+    later.join();
+    close(writer);
 }
 
 TEST_F(InterruptionTest, LeavesTheSignalsAsTheyWereWhenNoneCame)
