@@ -12,7 +12,6 @@ set(VORN_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/${VORN_PACKAGE}")
 # vorn_install_library(<target> <component> <export>): the file that programs load as <component>; what
 # is needed to link them as "development", unless <component> is an archive's own.
 function(vorn_install_library target component export)
-    get_target_property(type ${target} TYPE)
     set(archive_component development)
     if(NOT component MATCHES "^(runtime|core)$")
         set(archive_component ${component})
