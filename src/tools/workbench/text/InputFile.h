@@ -24,8 +24,8 @@ public:
     /// 0 for a pipe.
     qint64 size() const override { return m_size; }
 
-    /// What becomes readable at a signal, so that one that comes just before a wait ends it, too; -1
-    /// for nothing.
+    /// What becomes readable at a signal, so that one that comes just before a wait ends it, too;
+    /// -1 for nothing.
     static void endWaitsAt(int descriptor);
 
 protected:
