@@ -71,4 +71,8 @@ function(vorn_compile_together target)
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
     # The names of another source are hidden on purpose.
     target_compile_options(${target} PRIVATE -Wno-shadow)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # GCC takes a source for a header, which several others could include, once it is included itself.
+        target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+    endif()
 endfunction()
