@@ -2,7 +2,7 @@
 # Checks formatting, code and scripts, the way CI does.
 set -euo pipefail
 
-usage='usage: lint.sh [--all] [--fix] [--help]
+usage='usage: lint.sh [--quick] [--all] [--fix] [--help]
 
 Installs missing packages and checks the formatting (clang-format), the code (cppcheck; clang-tidy and
 clazy, on the default build, which it makes first) and the scripts (shellcheck, pyflakes). The status is
@@ -12,6 +12,8 @@ clang-tidy checks the sources that changed since the commit in scripts/lint-base
 completely, and those that include a header that changed since; clazy those of them in src and examples.
 Where that commit is unknown, they check every source.
 
+--quick Only what needs no build: formatting, cppcheck, scripts; takes seconds, so run it before each
+        commit.
 --all   Check every source: weekly and before a release. After a clean run on a clean checkout, record
         it with: git rev-parse HEAD >scripts/lint-baseline
 --fix   Format the sources instead of checking their formatting.
@@ -19,8 +21,10 @@ Where that commit is unknown, they check every source.
 
 format=(--dry-run -Werror)
 all=no
+quick=no
 for option in "$@"; do
     case $option in
+    --quick) quick=yes ;;
     --all) all=yes ;;
     --fix) format=(-i) ;;
     --help)
@@ -66,6 +70,13 @@ cppcheck --quiet --error-exitcode=1 --enable=warning,performance,portability --s
     --suppressions-list=scripts/lib/cppcheck-suppressions -DQ_OBJECT= -Isrc/lib/input \
     -Isrc/api/core src examples || status=1
 took cppcheck "$start"
+
+# finish: the last line and the exit status.
+finish() {
+    [ "$status" -eq 0 ] || echo "lint.sh: the checks found something, see above" >&2
+    exit "$status"
+}
+[ "$quick" = no ] || finish
 
 mkdir -p build/logs build/lint
 changed=build/lint/changed
@@ -144,5 +155,4 @@ if [ "${#checked[@]}" -gt 0 ] && ! printf '%s\0' "${checked[@]}" |
 fi
 took "clazy, ${#checked[@]} sources" "$start"
 
-[ "$status" -eq 0 ] || echo "lint.sh: the checks found something, see above" >&2
-exit "$status"
+finish
