@@ -11,8 +11,9 @@ test_packages=("${demo_packages[@]}" "${bench_packages[@]}" abigail-tools clang 
     qtdeclarative5-dev systemd udev zsh)
 vm_packages=("${build_packages[@]}" acpica-tools busybox-static cpio device-tree-compiler evemu-tools
     g++-arm-linux-gnueabihf mmdebstrap python3 qemu-system-arm qemu-system-x86 qemu-user)
-lint_packages=("${build_packages[@]}" clang-format clang-tidy clazy cppcheck pyflakes3 python3
+lint_packages=("${build_packages[@]}" clang-format clang-tidy clazy cppcheck jq pyflakes3 python3
     shellcheck)
+example_packages=(qml-module-qtquick-window2 qml-module-qtquick2 qtdeclarative5-dev)
 package_packages=("${build_packages[@]}" debhelper dpkg-dev git lintian)
 cross_package_packages=(g++-arm-linux-gnueabihf mmdebstrap qemu-user)
 # What the packages' libraries and programs link; scripts/make-packages.sh has to know of each.
