@@ -1,6 +1,7 @@
 #include "Quoting.h"
 
 #include <algorithm>
+#include <climits>
 
 namespace Vorn {
 
@@ -87,6 +88,13 @@ QString quoted(std::string_view text)
     // Enough for the longest quotation: a line of megabytes need not be decoded as a whole.
     constexpr std::size_t enough = 4 * maxQuotedSize + 4;
     return quoted(QString::fromUtf8(text.data(), static_cast<int>(std::min(text.size(), enough))));
+}
+
+QString quotedPath(const QString &path)
+{
+    if (path.size() >= PATH_MAX)
+        return quoted(path);
+    return QLatin1Char('\'') + printable(path) + QLatin1Char('\'');
 }
 
 } // namespace Vorn

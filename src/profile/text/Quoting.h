@@ -20,6 +20,10 @@ QString quoted(const QString &text);
 /// The same for UTF-8.
 QString quoted(std::string_view text);
 
+/// A path in single quotes, printable, and whole, since its end tells one file of a folder from
+/// another. One that is too long for any file is shortened like other texts.
+QString quotedPath(const QString &path);
+
 } // namespace Vorn
 
 #endif

@@ -49,6 +49,20 @@ TEST(Quoted, DoesNotDecodeAMegabyteForOneMessage)
     EXPECT_EQ(quoted(std::string_view(line)).size(), 63);
 }
 
+TEST(QuotedPath, ShowsTheEndOfALongPath)
+{
+    const QString folders = QStringLiteral("/folder").repeated(30);
+    EXPECT_EQ(quotedPath(folders + QLatin1String("/panel.toml")),
+              QLatin1Char('\'') + folders + QLatin1String("/panel.toml'"));
+    EXPECT_EQ(quotedPath(QStringLiteral("a\nb")).toStdString(), R"('a\nb')");
+}
+
+TEST(QuotedPath, ShortensWhatNamesNoFile)
+{
+    EXPECT_EQ(quotedPath(QString(4095, QLatin1Char('x'))).size(), 4097);
+    EXPECT_EQ(quotedPath(QString(4096, QLatin1Char('x'))).size(), 63);
+}
+
 TEST(Printable, EscapesWhatControlsATerminalOrTheDirectionOfALine)
 {
     const std::pair<uint, const char *> cases[] = {

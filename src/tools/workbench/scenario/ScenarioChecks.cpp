@@ -159,7 +159,7 @@ void ScenarioChecks::operator()(const Step::Play &play)
     const bool isOfUse = isPluggedIn && m_loaded.scenario.hasExpectations();
     add(isOfUse ? Severity::Warning : Severity::Error,
         QStringLiteral("the recording %1 contains no events, so nothing is played")
-            .arg(quoted(play.file)));
+            .arg(quotedPath(play.file)));
 }
 
 } // namespace

@@ -90,7 +90,7 @@ void loadProfileOf(LoadedScenario *loaded, const LoadOptions &options)
     if (hasErrors(parsed.diagnostics) && override.isEmpty())
         loaded->diagnostics.append(mistakeAt(
             scenario.profileNamedIn, scenario.profileLine,
-            QStringLiteral("the profile %1 has errors").arg(quoted(loaded->profileFile))));
+            QStringLiteral("the profile %1 has errors").arg(quotedPath(loaded->profileFile))));
     addErrors(parsed.diagnostics, &loaded->diagnostics);
     loaded->profile = parsed.profile;
 }
@@ -104,7 +104,7 @@ void loadRecordingOf(LoadedScenario *loaded, const QString &path, const QString 
     // Its own errors follow; this one leads from the scenario to the recording.
     if (hasErrors(recording.diagnostics) && path != loaded->source)
         loaded->diagnostics.append(mistakeAt(
-            file, line, QStringLiteral("the recording %1 cannot be used").arg(quoted(path))));
+            file, line, QStringLiteral("the recording %1 cannot be used").arg(quotedPath(path))));
     loaded->diagnostics += recording.diagnostics;
     loaded->recordings.insert(path, recording);
 }
@@ -120,7 +120,7 @@ void loadRecordings(LoadedScenario *loaded)
             loaded->diagnostics.append(
                 mistakeAt(device.file, device.line,
                           QStringLiteral("%1 does not describe exactly one device")
-                              .arg(quoted(device.recording))));
+                              .arg(quotedPath(device.recording))));
     }
     for (const ScenarioStep &step : qAsConst(loaded->scenario.steps)) {
         const auto *play = std::get_if<Step::Play>(&step.what);
@@ -133,7 +133,7 @@ void loadRecordings(LoadedScenario *loaded)
                 step.file, step.line,
                 QStringLiteral(
                     "%1 contains %2 devices, so it cannot be played on one; leave out 'on'")
-                    .arg(quoted(play->file), QString::number(nodes))));
+                    .arg(quotedPath(play->file), QString::number(nodes))));
     }
 }
 

@@ -181,7 +181,7 @@ void Parser::readInclude(ScenarioLine *line)
     // Includes of the same file twice in a row are fine: only a cycle would never end.
     if (m_openFiles.contains(path)) {
         line->error(QStringLiteral("%1 includes itself, by way of %2")
-                        .arg(quoted(path), m_openFiles.join(QStringLiteral(", "))));
+                        .arg(quotedPath(path), m_openFiles.join(QStringLiteral(", "))));
         return;
     }
     if (m_openFiles.size() >= ScenarioLimit::includeDepth) {
@@ -192,11 +192,11 @@ void Parser::readInclude(ScenarioLine *line)
     QString reason;
     const std::optional<QByteArray> text = m_readInclude(path, &reason);
     if (!text) {
-        line->error(QStringLiteral("cannot include %1: %2").arg(quoted(path), reason));
+        line->error(QStringLiteral("cannot include %1: %2").arg(quotedPath(path), reason));
         return;
     }
     if (!isScenario(*text)) {
-        line->error(QStringLiteral("cannot include %1: it is no scenario").arg(quoted(path)));
+        line->error(QStringLiteral("cannot include %1: it is no scenario").arg(quotedPath(path)));
         return;
     }
     readFile(*text, path);

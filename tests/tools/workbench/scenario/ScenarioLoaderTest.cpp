@@ -3,6 +3,8 @@
 #include "FilledPipe.h"
 #include "ScenarioFiles.h"
 
+#include <QDir>
+
 #include <gmock/gmock.h>
 
 namespace {
@@ -68,6 +70,18 @@ TEST_F(ScenarioLoader, ADeviceIsDescribedByARecordingOfOneDevice)
     EXPECT_THAT(
         mistakes(write("a.scenario", "profile \"keys.toml\"\ndevice a from \"none.evemu\"\n")),
         ElementsAre("a.scenario:2: error: 'none.evemu' does not describe exactly one device"));
+}
+
+TEST_F(ScenarioLoader, AMistakeInADeepFolderNamesTheFile)
+{
+    const QString folder = QStringLiteral("a-rather-long-folder-name/").repeated(3);
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath(folder));
+    const std::string file = folder.toStdString() + "none.evemu";
+    write(file.c_str(), "E: 0.000000 0000 0000 0000\n");
+    EXPECT_THAT(
+        mistakes(write("a.scenario",
+                       ("profile \"keys.toml\"\ndevice a from \"" + file + "\"\n").c_str())),
+        ElementsAre("a.scenario:2: error: '" + file + "' does not describe exactly one device"));
 }
 
 TEST_F(ScenarioLoader, AScenarioWithoutStepsIsAMistake)
