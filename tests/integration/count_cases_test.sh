@@ -36,10 +36,10 @@ expect_counts() {
 
 report Suite "$good" "$good"
 expect_counts '2 0 0' "$(junit Suite run)"
-expect_counts '3 1 0' "$(junit Suite run)" "$(junit plain run)" "$(junit script fail)"
+expect_counts '3 1 0.FAILED script' "$(junit Suite run)" "$(junit plain run)" "$(junit script fail)"
 
 report Prefix/Suite/0 "$good" "$bad"
-expect_counts '1 1 0' "$(junit Prefix/Suite/0 fail)"
+expect_counts '1 1 0.FAILED Prefix/Suite/0\.Bad.no' "$(junit Prefix/Suite/0 fail)"
 
 report Skips "$good" "$skipped" "$disabled"
 expect_counts '1 0 2.SKIPPED Skips\.Odd: no device.SKIPPED Skips\.Off: disabled' \
@@ -48,13 +48,13 @@ expect_counts '0 0 2.SKIPPED script: no umockdev-run.SKIPPED other: not run' \
     "$(junit script notrun 'SKIPPED: no umockdev-run')" "$(junit other notrun)"
 
 # It crashed, so there is no report, or one of an earlier run.
-expect_counts '0 1 0' "$(junit Crashes fail)"
+expect_counts '0 1 0.FAILED Crashes' "$(junit Crashes fail)"
 report Old "$good"
 touch -d '2 hours ago' "$reports/Old.xml"
-expect_counts '0 1 0' "$(junit Old fail)"
+expect_counts '0 1 0.FAILED Old' "$(junit Old fail)"
 
 # Every case passed, and then a leak was found.
-expect_counts '2 1 0' "$(junit Suite fail)"
+expect_counts '2 1 0.FAILED Suite: after its last case' "$(junit Suite fail)"
 
 expect_counts '0 0 0'
 
