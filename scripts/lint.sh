@@ -133,7 +133,7 @@ fi
 installed=()
 for folder in examples/*/CMakeLists.txt; do
     folder=${folder%/*}
-    printf '%s\n' "${compiled[@]}" | grep -q "^$folder/" || installed+=("$folder")
+    grep -q "^$folder/" build/lint/includes || installed+=("$folder")
 done
 mapfile -t -O "${#compiled[@]}" compiled < <(find "${installed[@]}" -name '*.cpp')
 if [ "$all" = yes ] || grep -q '^examples/' "$changed"; then

@@ -7,8 +7,8 @@ JUNIT is ctest's report. REPORTS is the folder with GoogleTest's own reports, on
 that runs a suite; those older than the file SINCE belong to an earlier run.
 
 Prints the numbers of passed, failed and skipped cases in one line, then a line for each skipped case
-that says why, and for each failed one, followed by what a suite's report says of it. A suite without a report did not reach its end: it counts as one case, with the result
-that ctest gave it.
+that says why, and for each failed one, followed by what its suite's report says. A suite without a
+report did not reach its end: it counts as one case, with the result that ctest gave it.
 """
 
 import pathlib
