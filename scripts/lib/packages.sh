@@ -6,9 +6,9 @@ build_packages=(cmake g++ libcli11-dev libevdev-dev libgmock-dev libgtest-dev li
 demo_packages=("${build_packages[@]}" umockdev)
 bench_packages=("${build_packages[@]}" gnuplot-nox libbenchmark-dev python3 strace valgrind)
 test_packages=("${demo_packages[@]}" "${bench_packages[@]}" abigail-tools clang dbus-bin dbus-daemon
-    doxygen doxygen-awesome-css jq libclang-rt-14-dev libqt5svg5-dev mandoc mold mpv mpv-mpris
-    python3-jsonschema python3-kconfiglib qml-module-qtquick-window2 qml-module-qtquick2 qt6-base-dev
-    qtdeclarative5-dev systemd udev zsh)
+    doxygen doxygen-awesome-css dpkg-dev jq libclang-rt-14-dev libqt5svg5-dev make mandoc mold mpv
+    mpv-mpris python3-jsonschema python3-kconfiglib qml-module-qtquick-window2 qml-module-qtquick2
+    qt6-base-dev qtdeclarative5-dev systemd udev zsh)
 vm_packages=("${build_packages[@]}" acpica-tools busybox-static cpio device-tree-compiler evemu-tools
     g++-arm-linux-gnueabihf mmdebstrap python3 qemu-system-arm qemu-system-x86 qemu-user)
 lint_packages=("${build_packages[@]}" clang-format clang-tidy clazy cppcheck jq pyflakes3 python3

@@ -7,6 +7,7 @@ LIBRARY_FOLDER is that of the libraries below the prefix.
 """
 
 import fnmatch
+import os
 import pathlib
 import re
 import subprocess
@@ -104,6 +105,20 @@ def exported(library):
     return set(demangled.stdout.splitlines())
 
 
+def debian_unit_tests():
+    """The number of tests that a build of the packages runs, by the command that it runs them with."""
+    command = subprocess.run(
+        ["make", "-n", "-f", packaging / "debian" / "rules", "override_dh_auto_test"],
+        env={**os.environ, "DEB_BUILD_OPTIONS": "parallel=2"}, capture_output=True, text=True,
+        check=True).stdout
+    # Where this build is instead of debhelper's, and without running them.
+    command = re.sub(r"obj-\S+", build, command.replace("\\\n", " ").strip()) + " -N"
+    listed = subprocess.run(command, shell=True, capture_output=True, text=True, check=False)
+    total = re.search(r"^Total Tests: (\d+)$", listed.stdout, re.MULTILINE)
+    check(listed.returncode == 0 and total, f"debian: cannot run the tests: {command}: {listed.stderr}")
+    return int(total[1]) if total else 0
+
+
 def buildroot_style(path):
     """The rules of Buildroot's manual for such files, as far as these can break them."""
     lines = path.read_text(encoding="utf-8").split("\n")
@@ -191,6 +206,7 @@ def main():
     check((packaging / "debian" / "changelog").read_text(encoding="utf-8")
           .startswith(f"vorn-input ({version}-"), "debian: another version")
     check(shared and archives, "no libraries to link")
+    check(debian_unit_tests() > 100, "debian: a build runs hardly any tests")
 
     for failure in failures:
         print(f"FAILED: {failure}")
