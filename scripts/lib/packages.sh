@@ -5,15 +5,14 @@ build_packages=(cmake g++ libcli11-dev libevdev-dev libgmock-dev libgtest-dev li
     librapidcheck-dev libtomlplusplus-dev ninja-build pkg-config qtbase5-dev scdoc zlib1g-dev)
 demo_packages=("${build_packages[@]}" umockdev)
 bench_packages=("${build_packages[@]}" gnuplot-nox libbenchmark-dev python3 strace valgrind)
-test_packages=("${demo_packages[@]}" "${bench_packages[@]}" abigail-tools clang dbus-bin dbus-daemon
-    doxygen doxygen-awesome-css dpkg-dev jq libclang-rt-14-dev libqt5svg5-dev make mandoc mold mpv
-    mpv-mpris python3-jsonschema python3-kconfiglib qml-module-qtquick-window2 qml-module-qtquick2
-    qt6-base-dev qtdeclarative5-dev systemd udev zsh)
+example_packages=(qml-module-qtquick-window2 qml-module-qtquick2 qtdeclarative5-dev)
+test_packages=("${demo_packages[@]}" "${bench_packages[@]}" "${example_packages[@]}" abigail-tools clang
+    dbus-bin dbus-daemon doxygen doxygen-awesome-css dpkg-dev jq libclang-rt-14-dev libqt5svg5-dev make
+    mandoc mold mpv mpv-mpris python3-jsonschema python3-kconfiglib qt6-base-dev systemd udev zsh)
 vm_packages=("${build_packages[@]}" acpica-tools busybox-static cpio device-tree-compiler evemu-tools
     g++-arm-linux-gnueabihf mmdebstrap python3 qemu-system-arm qemu-system-x86 qemu-user)
 lint_packages=("${build_packages[@]}" clang-format clang-tidy clazy cppcheck jq pyflakes3 python3
     shellcheck)
-example_packages=(qml-module-qtquick-window2 qml-module-qtquick2 qtdeclarative5-dev)
 package_packages=("${build_packages[@]}" debhelper dpkg-dev git lintian)
 cross_package_packages=(g++-arm-linux-gnueabihf mmdebstrap qemu-user)
 # What the packages' libraries and programs link; scripts/make-packages.sh has to know of each.

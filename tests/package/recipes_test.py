@@ -10,6 +10,7 @@ import fnmatch
 import os
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -112,7 +113,7 @@ def debian_unit_tests():
         env={**os.environ, "DEB_BUILD_OPTIONS": "parallel=2"}, capture_output=True, text=True,
         check=True).stdout
     # Where this build is instead of debhelper's, and without running them.
-    command = re.sub(r"obj-\S+", build, command.replace("\\\n", " ").strip()) + " -N"
+    command = re.sub(r"obj-\S+", lambda _: shlex.quote(build), command.replace("\\\n", " ").strip()) + " -N"
     listed = subprocess.run(command, shell=True, capture_output=True, text=True, check=False)
     total = re.search(r"^Total Tests: (\d+)$", listed.stdout, re.MULTILINE)
     check(listed.returncode == 0 and total, f"debian: cannot run the tests: {command}: {listed.stderr}")
